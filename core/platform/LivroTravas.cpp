@@ -1,0 +1,103 @@
+#include "core/platform/LivroTravas.h"
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+
+namespace plataforma {
+namespace {
+
+struct Anotacao {
+  void *objeto;
+  LivroTravas::Solta solta;
+};
+
+// A fault may come from any plain load, store or division, which the optimiser does not take for a call. Without the
+// volatile count and the fences it would see the pair "count + 1, count - 1" around such code as removable, and the
+// guard would never learn of the lock.
+struct Livro {
+  volatile std::size_t qtd = 0;
+  Anotacao anotacoes[LivroTravas::kMaximo];
+};
+
+thread_local Livro t_livro;
+
+void Cerca() {
+  std::atomic_signal_fence(std::memory_order_seq_cst);
+}
+
+[[noreturn]] void Aborta(const char *motivo) {
+  std::fprintf(stderr, "LivroTravas: %s\n", motivo);
+  std::abort();
+}
+
+void SoltaSecao(void *objeto) {
+  static_cast<SecaoCritica *>(objeto)->Sai();
+}
+
+}  // namespace
+
+std::size_t LivroTravas::Marca() {
+  return t_livro.qtd;
+}
+
+void LivroTravas::Anota(void *objeto, Solta solta) {
+  Livro &livro = t_livro;
+  const std::size_t qtd = livro.qtd;
+  if (qtd >= kMaximo) {
+    Aborta("too many locks held by one thread");
+  }
+  livro.anotacoes[qtd] = {objeto, solta};
+  Cerca();
+  livro.qtd = qtd + 1;
+  Cerca();
+}
+
+void LivroTravas::Retira() {
+  Livro &livro = t_livro;
+  Cerca();
+  livro.qtd = livro.qtd - 1;
+  Cerca();
+}
+
+void LivroTravas::SoltaAte(std::size_t marca) {
+  Livro &livro = t_livro;
+  while (livro.qtd > marca) {
+    livro.qtd = livro.qtd - 1;
+    const Anotacao anotacao = livro.anotacoes[livro.qtd];
+    anotacao.solta(anotacao.objeto);
+  }
+}
+
+void LivroTravas::VerificaOrdem(const SecaoCritica &secao) {
+  const Livro &livro = t_livro;
+  bool bJaMinha = false;
+  NivelTrava maior{};
+  for (std::size_t i = 0; i < livro.qtd; ++i) {
+    if (livro.anotacoes[i].solta != SoltaSecao) {
+      continue;
+    }
+    const auto *outra = static_cast<const SecaoCritica *>(livro.anotacoes[i].objeto);
+    bJaMinha = bJaMinha || outra == &secao;
+    maior = outra->Nivel() > maior ? outra->Nivel() : maior;
+  }
+  const bool bPermitida = secao.Nivel() > maior || (secao.Nivel() == NivelTrava::Temporario && maior == secao.Nivel());
+  if (!bJaMinha && !bPermitida) {
+    Aborta("lock taken out of order");
+  }
+}
+
+CQZTrava::CQZTrava(SecaoCritica &secao) : m_secao(secao) {
+  if constexpr (KALVO_VERIFICA_TRAVAS) {
+    LivroTravas::VerificaOrdem(secao);
+  }
+  secao.Entra();
+  LivroTravas::Anota(&secao, SoltaSecao);
+}
+
+CQZTrava::~CQZTrava() {
+  LivroTravas::Retira();
+  m_secao.Sai();
+}
+
+}  // namespace plataforma

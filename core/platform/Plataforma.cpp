@@ -1,0 +1,28 @@
+#include "core/platform/Plataforma.h"
+
+#include <atomic>
+
+#include "core/platform/ServicosSistema.h"
+
+namespace plataforma {
+namespace {
+
+std::atomic<const Servicos *> g_emVigor{nullptr};
+
+}  // namespace
+
+const Servicos &ServicosDoSistema() {
+  static const Servicos servicos{&ArquivosDoSistema(), &RegistroDoSistema(), &RelogioDoSistema()};
+  return servicos;
+}
+
+const Servicos &ServicosEmVigor() {
+  const Servicos *servicos = g_emVigor.load(std::memory_order_acquire);
+  return servicos != nullptr ? *servicos : ServicosDoSistema();
+}
+
+void SubstituiServicos(const Servicos *servicos) {
+  g_emVigor.store(servicos, std::memory_order_release);
+}
+
+}  // namespace plataforma

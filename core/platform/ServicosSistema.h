@@ -1,0 +1,20 @@
+#ifndef KALVO_CORE_PLATFORM_SERVICOSSISTEMA_H
+#define KALVO_CORE_PLATFORM_SERVICOSSISTEMA_H
+
+#include "core/platform/Registro.h"
+#include "core/platform/Relogio.h"
+#include "core/platform/SistemaArquivos.h"
+
+namespace plataforma {
+
+// The implementations of the platform this build is for; each lives in the platform's own folder. The objects are never
+// destroyed, so that code that runs late at process exit may still use them. Layers above ask for the services in force
+// (Plataforma.h) instead.
+
+ISistemaArquivos &ArquivosDoSistema();
+IRegistro &RegistroDoSistema();
+IRelogio &RelogioDoSistema();
+
+}  // namespace plataforma
+
+#endif

@@ -1,0 +1,150 @@
+#ifndef KALVO_CORE_PLATFORM_SISTEMAARQUIVOS_H
+#define KALVO_CORE_PLATFORM_SISTEMAARQUIVOS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "core/platform/Tipos.h"
+
+namespace plataforma {
+
+/// Why a file operation failed: the causes of the classic file exceptions.
+enum class CausaArquivo {
+  Nenhuma,  ///< no failure
+  Generica,
+  NaoEncontrado,
+  CaminhoInvalido,
+  MuitosAbertos,
+  AcessoNegado,
+  ArquivoInvalido,
+  RemoveDiretorioAtual,
+  DiretorioCheio,
+  PosicaoInvalida,
+  ErroFisico,
+  ViolacaoCompartilhamento,
+  ViolacaoBloqueio,
+  DiscoCheio,
+  FimDeArquivo,
+};
+
+/// Outcome of a file operation: the cause and the operating system's own error number (a Win32 code on every
+/// platform; 0 when the failure did not come from a system call).
+struct [[nodiscard]] FalhaArquivo {
+  CausaArquivo causa = CausaArquivo::Nenhuma;
+  std::uint32_t erroSO = 0;
+
+  /// True when the operation failed.
+  explicit operator bool() const { return causa != CausaArquivo::Nenhuma; }
+};
+
+/// Success, for the end of an operation.
+inline constexpr FalhaArquivo kSemFalha{};
+
+/// The cause that a Win32 error number stands for; unknown numbers are Generica, 0 is Nenhuma.
+CausaArquivo CausaDoErroWin32(std::uint32_t erro);
+
+/// A failure from a Win32 error number.
+inline FalhaArquivo FalhaWin32(std::uint32_t erro) {
+  return {CausaDoErroWin32(erro), erro};
+}
+
+enum class Acesso { Leitura, Escrita, LeituraEscrita };
+
+/// What other handles on the same file are still allowed, in this and every other process, as long as this one is open.
+enum class Compartilhamento {
+  Exclusivo,    ///< nothing
+  NegaEscrita,  ///< reading only
+  NegaNada,     ///< reading and writing
+};
+
+enum class Criacao {
+  SoExistente,  ///< a missing file is NaoEncontrado
+  AbreOuCria,   ///< a missing file is created empty, an existing one keeps its content
+  CriaVazio,    ///< a missing file is created, an existing one loses its content
+};
+
+struct ModoAbertura {
+  Acesso acesso = Acesso::Leitura;
+  Compartilhamento compartilhamento = Compartilhamento::Exclusivo;
+  Criacao criacao = Criacao::SoExistente;
+};
+
+/// One open file. Owns the system handle, which is never inheritable; destruction closes it.
+///
+/// Positions and lengths are bytes from the start of the file; no operation depends on a current position, so none
+/// disturbs another. An object may be used from any thread, by one thread at a time.
+class IArquivoAberto {
+public:
+  virtual ~IArquivoAberto() = default;
+
+  /// Reads exactly `qtd` bytes. A file that ends earlier is FimDeArquivo (erroSO 38); the buffer's content is then
+  /// undefined.
+  virtual FalhaArquivo Le(std::uint64_t posicao, void *destino, std::size_t qtd) = 0;
+
+  /// Writes exactly `qtd` bytes, extending the file when needed (a gap before `posicao` reads as zeros). On failure
+  /// any part of the range may have been written.
+  virtual FalhaArquivo Grava(std::uint64_t posicao, const void *origem, std::size_t qtd) = 0;
+
+  /// Present length. `*tamanho` is untouched on failure.
+  virtual FalhaArquivo Tamanho(std::uint64_t *tamanho) = 0;
+
+  /// Cuts the file, or extends it with zeros.
+  virtual FalhaArquivo AjustaTamanho(std::uint64_t tamanho) = 0;
+
+  /// Time of the last write in 100-nanosecond ticks; only good for telling whether it changed.
+  virtual FalhaArquivo UltimaEscrita(std::uint64_t *ticks) = 0;
+
+  /// Blocks until all that was written is on the storage device.
+  virtual FalhaArquivo Descarrega() = 0;
+
+protected:
+  IArquivoAberto() = default;
+  IArquivoAberto(const IArquivoAberto &) = default;
+  IArquivoAberto &operator=(const IArquivoAberto &) = default;
+};
+
+/// The file system. Paths are 8-bit texts with `\` as separator; a path without directory resolves against the
+/// process's current directory. No operation retries; all may block for the time of the system call. Any thread may
+/// call, several at once.
+class ISistemaArquivos {
+public:
+  virtual ~ISistemaArquivos() = default;
+
+  /// Opens a file. On success the new object is handed over in `*arquivo`; on failure `*arquivo` is null. A handle
+  /// that another open one excludes is ViolacaoCompartilhamento (erroSO 32); a missing directory is CaminhoInvalido.
+  virtual FalhaArquivo Abre(const CString &caminho, const ModoAbertura &modo,
+                            std::unique_ptr<IArquivoAberto> *arquivo) = 0;
+
+  /// True when a file (not a directory) exists at the path. Works on files that others hold exclusively.
+  virtual bool Existe(const CString &caminho) = 0;
+
+  /// True when the file exists and carries the read-only attribute.
+  virtual bool SomenteLeitura(const CString &caminho) = 0;
+
+  /// Length of a file without opening it for reading, so that it works on files held by others. `*tamanho` is
+  /// untouched on failure.
+  virtual FalhaArquivo TamanhoDe(const CString &caminho, std::uint64_t *tamanho) = 0;
+
+  /// Deletes a file. An open one fails with ViolacaoCompartilhamento, a read-only one with AcessoNegado.
+  virtual FalhaArquivo Apaga(const CString &caminho) = 0;
+
+  /// Moves `origem` onto `destino` in one step, replacing it, and returns when the move is on the storage device. Fails
+  /// with AcessoNegado while `destino` is open and with ViolacaoCompartilhamento while `origem` is.
+  virtual FalhaArquivo MoveSubstituindo(const CString &origem, const CString &destino) = 0;
+
+  /// Names (without directory, in ascending order of their bytes) of the files in `diretorio` (empty, or ending in
+  /// `\`) that match `mascara`, in which '*' stands for any run and '?' for one character, without regard to letter
+  /// case. Short alias names take no part. A missing directory gives an empty list and CaminhoInvalido.
+  virtual FalhaArquivo Lista(const CString &diretorio, const CString &mascara, std::vector<CString> *nomes) = 0;
+
+protected:
+  ISistemaArquivos() = default;
+  ISistemaArquivos(const ISistemaArquivos &) = default;
+  ISistemaArquivos &operator=(const ISistemaArquivos &) = default;
+};
+
+}  // namespace plataforma
+
+#endif

@@ -1,0 +1,20 @@
+#include "core/platform/LivroTravas.h"
+#include "core/platform/TravaEntreProcessos.h"
+
+namespace plataforma {
+
+CQZTravaDeProcesso::CQZTravaDeProcesso(ITravaEntreProcessos &trava, std::uint32_t limiteMs)
+    : m_trava(trava), m_bTomada(trava.Toma(limiteMs)) {
+  if (m_bTomada) {
+    LivroTravas::Anota(&trava, [](void *objeto) { static_cast<ITravaEntreProcessos *>(objeto)->Solta(); });
+  }
+}
+
+CQZTravaDeProcesso::~CQZTravaDeProcesso() {
+  if (m_bTomada) {
+    LivroTravas::Retira();
+    m_trava.Solta();
+  }
+}
+
+}  // namespace plataforma

@@ -1,0 +1,98 @@
+#include "core/platform/posix/ArquivoAberto.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <utility>
+
+#include "core/platform/posix/ErrosPosix.h"
+
+namespace plataforma {
+namespace {
+
+constexpr std::uint32_t kErroAcesso = 5;        // ERROR_ACCESS_DENIED
+constexpr std::uint32_t kErroFim = 38;          // ERROR_HANDLE_EOF
+constexpr std::uint32_t kErroDiscoCheio = 112;  // ERROR_DISK_FULL
+
+FalhaArquivo UltimaFalha() {
+  return FalhaWin32(ErroWin32DeErrno(errno));
+}
+
+}  // namespace
+
+ArquivoAberto::ArquivoAberto(Descritor descritor, Acesso acesso)
+    : m_descritor(std::move(descritor)), m_eAcesso(acesso) {}
+
+FalhaArquivo ArquivoAberto::Le(std::uint64_t posicao, void *destino, std::size_t qtd) {
+  if (m_eAcesso == Acesso::Escrita) {
+    return FalhaWin32(kErroAcesso);
+  }
+  auto *resto = static_cast<char *>(destino);
+  while (qtd > 0) {
+    const ssize_t lidos = ::pread(m_descritor.Numero(), resto, qtd, static_cast<off_t>(posicao));
+    if (lidos < 0 && errno == EINTR) {
+      continue;
+    }
+    if (lidos <= 0) {
+      return lidos < 0 ? UltimaFalha() : FalhaWin32(kErroFim);
+    }
+    const auto passo = static_cast<std::size_t>(lidos);
+    resto += passo;
+    posicao += passo;
+    qtd -= passo;
+  }
+  return kSemFalha;
+}
+
+FalhaArquivo ArquivoAberto::Grava(std::uint64_t posicao, const void *origem, std::size_t qtd) {
+  if (m_eAcesso == Acesso::Leitura) {
+    return FalhaWin32(kErroAcesso);
+  }
+  const auto *resto = static_cast<const char *>(origem);
+  while (qtd > 0) {
+    const ssize_t gravados = ::pwrite(m_descritor.Numero(), resto, qtd, static_cast<off_t>(posicao));
+    if (gravados < 0 && errno == EINTR) {
+      continue;
+    }
+    if (gravados <= 0) {
+      return gravados < 0 ? UltimaFalha() : FalhaWin32(kErroDiscoCheio);
+    }
+    const auto passo = static_cast<std::size_t>(gravados);
+    resto += passo;
+    posicao += passo;
+    qtd -= passo;
+  }
+  return kSemFalha;
+}
+
+FalhaArquivo ArquivoAberto::Tamanho(std::uint64_t *tamanho) {
+  struct stat info {};
+  if (::fstat(m_descritor.Numero(), &info) != 0) {
+    return UltimaFalha();
+  }
+  *tamanho = static_cast<std::uint64_t>(info.st_size);
+  return kSemFalha;
+}
+
+FalhaArquivo ArquivoAberto::AjustaTamanho(std::uint64_t tamanho) {
+  if (m_eAcesso == Acesso::Leitura) {
+    return FalhaWin32(kErroAcesso);
+  }
+  return ::ftruncate(m_descritor.Numero(), static_cast<off_t>(tamanho)) == 0 ? kSemFalha : UltimaFalha();
+}
+
+FalhaArquivo ArquivoAberto::UltimaEscrita(std::uint64_t *ticks) {
+  struct stat info {};
+  if (::fstat(m_descritor.Numero(), &info) != 0) {
+    return UltimaFalha();
+  }
+  *ticks = static_cast<std::uint64_t>(info.st_mtim.tv_sec) * 10'000'000u +
+           static_cast<std::uint64_t>(info.st_mtim.tv_nsec) / 100u;
+  return kSemFalha;
+}
+
+FalhaArquivo ArquivoAberto::Descarrega() {
+  return ::fsync(m_descritor.Numero()) == 0 ? kSemFalha : UltimaFalha();
+}
+
+}  // namespace plataforma

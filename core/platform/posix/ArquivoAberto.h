@@ -1,0 +1,29 @@
+#ifndef KALVO_CORE_PLATFORM_POSIX_ARQUIVOABERTO_H
+#define KALVO_CORE_PLATFORM_POSIX_ARQUIVOABERTO_H
+
+#include "core/platform/SistemaArquivos.h"
+#include "core/platform/posix/UsoArquivo.h"
+
+namespace plataforma {
+
+/// An open file over a descriptor. The descriptor may be able to do more than the mode asks for (the share rules need
+/// it readable), so the access is checked here.
+class ArquivoAberto final : public IArquivoAberto {
+public:
+  ArquivoAberto(Descritor descritor, Acesso acesso);
+
+  FalhaArquivo Le(std::uint64_t posicao, void *destino, std::size_t qtd) override;
+  FalhaArquivo Grava(std::uint64_t posicao, const void *origem, std::size_t qtd) override;
+  FalhaArquivo Tamanho(std::uint64_t *tamanho) override;
+  FalhaArquivo AjustaTamanho(std::uint64_t tamanho) override;
+  FalhaArquivo UltimaEscrita(std::uint64_t *ticks) override;
+  FalhaArquivo Descarrega() override;
+
+private:
+  Descritor m_descritor;
+  Acesso m_eAcesso;
+};
+
+}  // namespace plataforma
+
+#endif

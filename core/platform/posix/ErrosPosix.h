@@ -1,0 +1,26 @@
+#ifndef KALVO_CORE_PLATFORM_POSIX_ERROSPOSIX_H
+#define KALVO_CORE_PLATFORM_POSIX_ERROSPOSIX_H
+
+#include <cstdint>
+#include <string>
+
+#include "core/platform/Tipos.h"
+
+namespace plataforma {
+
+/// The Win32 number of an errno value; ENOENT is taken as "file not found". Never 0 for a value other than 0.
+std::uint32_t ErroWin32DeErrno(int erro);
+
+/// Like ErroWin32DeErrno for an operation on `caminho` (in this system's form): tells a missing file (2) from a missing
+/// directory (3).
+std::uint32_t ErroWin32DeCaminho(int erro, const std::string &caminho);
+
+/// A path with `\` in this system's form.
+std::string CaminhoNativo(const CString &caminho);
+
+/// The directory part of a path in this system's form, "." when it has none.
+std::string DiretorioDe(const std::string &caminho);
+
+}  // namespace plataforma
+
+#endif

@@ -1,0 +1,15 @@
+#include "core/platform/MemoriaTarefa.h"
+
+#include <cstdlib>
+
+namespace plataforma {
+
+void *AlocaTarefa(std::size_t bytes) {
+  return std::malloc(bytes);
+}
+
+void LiberaTarefa(void *memoria) {
+  std::free(memoria);
+}
+
+}  // namespace plataforma

@@ -1,0 +1,220 @@
+#include "core/platform/SistemaArquivos.h"
+
+#include <windows.h>
+
+#include <algorithm>
+
+#include "core/platform/Mascara.h"
+#include "core/platform/ServicosSistema.h"
+#include "core/platform/Textos.h"
+
+namespace plataforma {
+namespace {
+
+/// The failure of the system call that has just failed.
+FalhaArquivo UltimaFalha() {
+  const DWORD erro = ::GetLastError();
+  return erro != 0 ? FalhaWin32(erro) : FalhaArquivo{CausaArquivo::Generica, 0};
+}
+
+constexpr std::size_t kMaiorTransferencia = 0xFFFFFFFFu;
+
+OVERLAPPED NaPosicao(std::uint64_t posicao) {
+  OVERLAPPED sobreposto{};
+  sobreposto.Offset = static_cast<DWORD>(posicao);
+  sobreposto.OffsetHigh = static_cast<DWORD>(posicao >> 32);
+  return sobreposto;
+}
+
+DWORD AcessoWin32(Acesso acesso) {
+  switch (acesso) {
+    case Acesso::Leitura:
+      return GENERIC_READ;
+    case Acesso::Escrita:
+      return GENERIC_WRITE;
+    default:
+      return GENERIC_READ | GENERIC_WRITE;
+  }
+}
+
+DWORD CompartilhamentoWin32(Compartilhamento compartilhamento) {
+  switch (compartilhamento) {
+    case Compartilhamento::Exclusivo:
+      return 0;
+    case Compartilhamento::NegaEscrita:
+      return FILE_SHARE_READ;
+    default:
+      return FILE_SHARE_READ | FILE_SHARE_WRITE;
+  }
+}
+
+DWORD CriacaoWin32(Criacao criacao) {
+  switch (criacao) {
+    case Criacao::SoExistente:
+      return OPEN_EXISTING;
+    case Criacao::AbreOuCria:
+      return OPEN_ALWAYS;
+    default:
+      return CREATE_ALWAYS;
+  }
+}
+
+class ArquivoAberto final : public IArquivoAberto {
+public:
+  explicit ArquivoAberto(HANDLE hArquivo) : m_hArquivo(hArquivo) {}
+  ~ArquivoAberto() override { ::CloseHandle(m_hArquivo); }
+  ArquivoAberto(const ArquivoAberto &) = delete;
+  ArquivoAberto &operator=(const ArquivoAberto &) = delete;
+
+  FalhaArquivo Le(std::uint64_t posicao, void *destino, std::size_t qtd) override {
+    auto *resto = static_cast<char *>(destino);
+    while (qtd > 0) {
+      OVERLAPPED sobreposto = NaPosicao(posicao);
+      DWORD lidos = 0;
+      const auto pedido = static_cast<DWORD>(std::min(qtd, kMaiorTransferencia));
+      if (!::ReadFile(m_hArquivo, resto, pedido, &lidos, &sobreposto)) {
+        return UltimaFalha();
+      }
+      if (lidos == 0) {
+        return FalhaWin32(ERROR_HANDLE_EOF);
+      }
+      resto += lidos;
+      posicao += lidos;
+      qtd -= lidos;
+    }
+    return kSemFalha;
+  }
+
+  FalhaArquivo Grava(std::uint64_t posicao, const void *origem, std::size_t qtd) override {
+    const auto *resto = static_cast<const char *>(origem);
+    while (qtd > 0) {
+      OVERLAPPED sobreposto = NaPosicao(posicao);
+      DWORD gravados = 0;
+      const auto pedido = static_cast<DWORD>(std::min(qtd, kMaiorTransferencia));
+      if (!::WriteFile(m_hArquivo, resto, pedido, &gravados, &sobreposto)) {
+        return UltimaFalha();
+      }
+      if (gravados == 0) {
+        return FalhaWin32(ERROR_DISK_FULL);
+      }
+      resto += gravados;
+      posicao += gravados;
+      qtd -= gravados;
+    }
+    return kSemFalha;
+  }
+
+  FalhaArquivo Tamanho(std::uint64_t *tamanho) override {
+    LARGE_INTEGER atual{};
+    if (!::GetFileSizeEx(m_hArquivo, &atual)) {
+      return UltimaFalha();
+    }
+    *tamanho = static_cast<std::uint64_t>(atual.QuadPart);
+    return kSemFalha;
+  }
+
+  FalhaArquivo AjustaTamanho(std::uint64_t tamanho) override {
+    FILE_END_OF_FILE_INFO fim{};
+    fim.EndOfFile.QuadPart = static_cast<LONGLONG>(tamanho);
+    return ::SetFileInformationByHandle(m_hArquivo, FileEndOfFileInfo, &fim, sizeof(fim)) ? kSemFalha : UltimaFalha();
+  }
+
+  FalhaArquivo UltimaEscrita(std::uint64_t *ticks) override {
+    FILETIME escrita{};
+    if (!::GetFileTime(m_hArquivo, nullptr, nullptr, &escrita)) {
+      return UltimaFalha();
+    }
+    *ticks = std::uint64_t{escrita.dwHighDateTime} << 32 | escrita.dwLowDateTime;
+    return kSemFalha;
+  }
+
+  FalhaArquivo Descarrega() override { return ::FlushFileBuffers(m_hArquivo) ? kSemFalha : UltimaFalha(); }
+
+private:
+  HANDLE m_hArquivo;
+};
+
+/// Attributes of a path; false when it is missing or a directory, with the reason as last error.
+bool DadosDoArquivo(const CString &caminho, WIN32_FILE_ATTRIBUTE_DATA *dados) {
+  if (!::GetFileAttributesExA(caminho.c_str(), GetFileExInfoStandard, dados)) {
+    return false;
+  }
+  ::SetLastError(ERROR_ACCESS_DENIED);
+  return (dados->dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
+class SistemaArquivos final : public ISistemaArquivos {
+public:
+  FalhaArquivo Abre(const CString &caminho, const ModoAbertura &modo,
+                    std::unique_ptr<IArquivoAberto> *arquivo) override {
+    arquivo->reset();
+    const HANDLE hArquivo =
+        ::CreateFileA(caminho.c_str(), AcessoWin32(modo.acesso), CompartilhamentoWin32(modo.compartilhamento), nullptr,
+                      CriacaoWin32(modo.criacao), FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (hArquivo == INVALID_HANDLE_VALUE) {
+      return UltimaFalha();
+    }
+    *arquivo = std::make_unique<ArquivoAberto>(hArquivo);
+    return kSemFalha;
+  }
+
+  bool Existe(const CString &caminho) override {
+    WIN32_FILE_ATTRIBUTE_DATA dados{};
+    return DadosDoArquivo(caminho, &dados);
+  }
+
+  bool SomenteLeitura(const CString &caminho) override {
+    WIN32_FILE_ATTRIBUTE_DATA dados{};
+    return DadosDoArquivo(caminho, &dados) && (dados.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
+  }
+
+  FalhaArquivo TamanhoDe(const CString &caminho, std::uint64_t *tamanho) override {
+    WIN32_FILE_ATTRIBUTE_DATA dados{};
+    if (!DadosDoArquivo(caminho, &dados)) {
+      return UltimaFalha();
+    }
+    *tamanho = std::uint64_t{dados.nFileSizeHigh} << 32 | dados.nFileSizeLow;
+    return kSemFalha;
+  }
+
+  FalhaArquivo Apaga(const CString &caminho) override {
+    return ::DeleteFileA(caminho.c_str()) ? kSemFalha : UltimaFalha();
+  }
+
+  FalhaArquivo MoveSubstituindo(const CString &origem, const CString &destino) override {
+    return ::MoveFileExA(origem.c_str(), destino.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)
+               ? kSemFalha
+               : UltimaFalha();
+  }
+
+  FalhaArquivo Lista(const CString &diretorio, const CString &mascara, std::vector<CString> *nomes) override {
+    nomes->clear();
+    // Everything is listed and matched here: the system's own matching also finds names by their short alias and gives
+    // '?' and "*." meanings of their own.
+    WIN32_FIND_DATAA achado{};
+    const HANDLE hBusca = ::FindFirstFileA((diretorio + "*").c_str(), &achado);
+    if (hBusca == INVALID_HANDLE_VALUE) {
+      return ::GetLastError() == ERROR_FILE_NOT_FOUND ? kSemFalha : UltimaFalha();
+    }
+    const CString dobrada = Maiusculas(mascara);
+    do {
+      const CString nome(achado.cFileName);
+      if ((achado.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 && CasaMascara(Maiusculas(nome), dobrada)) {
+        nomes->push_back(nome);
+      }
+    } while (::FindNextFileA(hBusca, &achado));
+    const DWORD erro = ::GetLastError();
+    ::FindClose(hBusca);
+    std::sort(nomes->begin(), nomes->end());
+    return erro == ERROR_NO_MORE_FILES ? kSemFalha : FalhaWin32(erro);
+  }
+};
+
+}  // namespace
+
+ISistemaArquivos &ArquivosDoSistema() {
+  static auto *const arquivos = new SistemaArquivos;
+  return *arquivos;
+}
+
+}  // namespace plataforma

@@ -1,0 +1,45 @@
+#ifndef KALVO_TESTS_APOIO_PASTATEMPORARIA_H
+#define KALVO_TESTS_APOIO_PASTATEMPORARIA_H
+
+#include <string>
+
+#include "core/platform/Tipos.h"
+
+namespace apoio {
+
+/// A new directory that is removed at the end, with its sub-directories and read-only files.
+class PastaTemporaria {
+public:
+  PastaTemporaria();
+  ~PastaTemporaria();
+  PastaTemporaria(const PastaTemporaria &) = delete;
+  PastaTemporaria &operator=(const PastaTemporaria &) = delete;
+
+  /// Absolute path, `\`-separated and ending with `\`.
+  const CString &Caminho() const { return m_caminho; }
+  /// Path of a file in the directory; `nome` may name sub-directories with `\`.
+  CString operator/(const CString &nome) const { return m_caminho + nome; }
+  /// Creates a sub-directory (its parent must exist) and returns its path, ending with `\`.
+  CString CriaSubpasta(const CString &nome) const;
+
+private:
+  CString m_caminho;
+};
+
+// Whole files, past the services under test. Failures throw std::runtime_error, so that no test goes on with a file it
+// does not have.
+
+void EscreveArquivo(const CString &caminho, const std::string &conteudo);
+std::string LeArquivo(const CString &caminho);
+
+/// True when a file or directory is there.
+bool ExisteNoDisco(const CString &caminho);
+void MarcaSomenteLeitura(const CString &caminho, bool bSomenteLeitura);
+
+/// True when the read-only attribute keeps no one from opening for writing or replacing a file. Wine behaves so for
+/// the superuser; Windows never does.
+bool SomenteLeituraSemEfeito();
+
+}  // namespace apoio
+
+#endif

@@ -1,0 +1,30 @@
+#ifndef KALVO_TESTS_APOIO_SERVICOSTROCADOS_H
+#define KALVO_TESTS_APOIO_SERVICOSTROCADOS_H
+
+#include "core/platform/Plataforma.h"
+
+namespace apoio {
+
+/// Puts replaced services in force for a scope; a null one stays as it is. Scopes may nest.
+class ServicosTrocados {
+public:
+  explicit ServicosTrocados(plataforma::ISistemaArquivos *arquivos, plataforma::IRegistro *registro = nullptr,
+                            plataforma::IRelogio *relogio = nullptr)
+      : m_anteriores(plataforma::ServicosEmVigor()), m_novos(m_anteriores) {
+    m_novos.arquivos = arquivos != nullptr ? arquivos : m_novos.arquivos;
+    m_novos.registro = registro != nullptr ? registro : m_novos.registro;
+    m_novos.relogio = relogio != nullptr ? relogio : m_novos.relogio;
+    plataforma::SubstituiServicos(&m_novos);
+  }
+  ~ServicosTrocados() { plataforma::SubstituiServicos(&m_anteriores); }
+  ServicosTrocados(const ServicosTrocados &) = delete;
+  ServicosTrocados &operator=(const ServicosTrocados &) = delete;
+
+private:
+  const plataforma::Servicos &m_anteriores;
+  plataforma::Servicos m_novos;
+};
+
+}  // namespace apoio
+
+#endif

@@ -1,0 +1,149 @@
+// Locks within the process with their ledger, and the lock between processes.
+
+#include <gtest/gtest.h>
+
+#include <iostream>
+#include <new>
+#include <thread>
+
+#include "core/platform/LivroTravas.h"
+#include "core/platform/TravaEntreProcessos.h"
+#include "tests/apoio/PastaTemporaria.h"
+#include "tests/apoio/ProcessoFilho.h"
+
+namespace {
+
+using namespace plataforma;
+
+std::vector<int> g_soltos;
+
+void AnotaSoltura(void *objeto) {
+  g_soltos.push_back(*static_cast<int *>(objeto));
+}
+
+/// Hangs (and is ended by the test runner) when some thread holds the lock.
+void TomaEmOutraThread(SecaoCritica &secao) {
+  std::thread([&secao] { const CQZTrava trava(secao); }).join();
+}
+
+TEST(CQZTrava, RecursivaEExclusiva) {
+  SecaoCritica secao(NivelTrava::ArquivoDados);
+  EXPECT_EQ(secao.Nivel(), NivelTrava::ArquivoDados);
+  int contador = 0;
+  const auto soma = [&] {
+    for (int i = 0; i < 20000; ++i) {
+      const CQZTrava fora(secao);
+      const CQZTrava dentro(secao);
+      ++contador;
+    }
+  };
+  std::thread primeira(soma);
+  std::thread segunda(soma);
+  primeira.join();
+  segunda.join();
+  EXPECT_EQ(contador, 40000);
+  EXPECT_EQ(LivroTravas::Marca(), 0u);
+}
+
+TEST(LivroTravas, SoltaAteAMarcaDoMaisNovoAoMaisVelho) {
+  int objetos[] = {1, 2, 3};
+  g_soltos.clear();
+  LivroTravas::Anota(&objetos[0], AnotaSoltura);
+  const std::size_t marca = LivroTravas::Marca();
+  LivroTravas::Anota(&objetos[1], AnotaSoltura);
+  LivroTravas::Anota(&objetos[2], AnotaSoltura);
+  LivroTravas::SoltaAte(marca);
+  EXPECT_EQ(g_soltos, (std::vector<int>{3, 2}));
+  EXPECT_EQ(LivroTravas::Marca(), marca);
+  LivroTravas::Retira();
+  EXPECT_EQ(g_soltos.size(), 2u) << "taking out releases nothing";
+}
+
+TEST(LivroTravas, SoltaOQueUmaPilhaAbandonadaTinha) {
+  SecaoCritica externa(NivelTrava::Container);
+  SecaoCritica interna(NivelTrava::ArquivoDados);
+  const std::size_t marca = LivroTravas::Marca();
+  alignas(CQZTrava) std::byte abandonadas[3][sizeof(CQZTrava)];  // their destructors never run
+  new (abandonadas[0]) CQZTrava(externa);
+  new (abandonadas[1]) CQZTrava(interna);
+  new (abandonadas[2]) CQZTrava(interna);
+  EXPECT_EQ(LivroTravas::Marca(), marca + 3);
+  LivroTravas::SoltaAte(marca);
+  EXPECT_EQ(LivroTravas::Marca(), marca);
+  TomaEmOutraThread(externa);
+  TomaEmOutraThread(interna);
+}
+
+TEST(LivroTravas, CadaThreadTemOSeu) {
+  SecaoCritica secao(NivelTrava::Container);
+  const CQZTrava trava(secao);
+  std::size_t outra = 99;
+  std::thread([&outra] { outra = LivroTravas::Marca(); }).join();
+  EXPECT_EQ(outra, 0u);
+  EXPECT_EQ(LivroTravas::Marca(), 1u);
+}
+
+TEST(OrdemDasTravas, PermiteDescerRepetirETemporarios) {
+  SecaoCritica externa(NivelTrava::Container);
+  SecaoCritica interna(NivelTrava::ArquivoDados);
+  SecaoCritica temporaria(NivelTrava::Temporario);
+  SecaoCritica outraTemporaria(NivelTrava::Temporario);
+  const CQZTrava trava1(externa);
+  const CQZTrava trava2(interna);
+  const CQZTrava trava3(temporaria);
+  LivroTravas::VerificaOrdem(outraTemporaria);
+  LivroTravas::VerificaOrdem(externa);
+  LivroTravas::VerificaOrdem(interna);
+}
+
+TEST(OrdemDasTravasDeathTest, QuebraEncerra) {
+  SecaoCritica externa(NivelTrava::Container);
+  SecaoCritica interna(NivelTrava::ArquivoDados);
+  SecaoCritica outraInterna(NivelTrava::ArquivoDados);
+  const CQZTrava trava(interna);
+  EXPECT_DEATH(LivroTravas::VerificaOrdem(externa), "out of order");
+  EXPECT_DEATH(LivroTravas::VerificaOrdem(outraInterna), "out of order");
+  if (KALVO_VERIFICA_TRAVAS) {
+    EXPECT_DEATH(const CQZTrava quebra(externa), "out of order");
+  }
+}
+
+/// Tries to take the lock at once and says whether it did; holds it until told or killed.
+int TomaTrava(const std::vector<std::string> &argumentos) {
+  const auto trava = CriaTravaEntreProcessos(argumentos[0]);
+  const bool bTomou = trava->Toma(0);
+  std::cout << (bTomou ? "tomou" : "ocupada") << std::endl;
+  std::string ordem;
+  std::getline(std::cin, ordem);
+  if (bTomou) {
+    trava->Solta();
+  }
+  return 0;
+}
+const apoio::RegistraFilha kFilha("toma-trava", TomaTrava);
+
+TEST(TravaEntreProcessos, UmDeCadaVez) {
+  const apoio::PastaTemporaria pasta;  // its last part is a name that no other run of the tests uses
+  const CString inteiro = pasta.Caminho().substr(0, pasta.Caminho().size() - 1);
+  const CString nome = "teste-" + inteiro.substr(inteiro.rfind('\\') + 1);
+  const auto trava = CriaTravaEntreProcessos(nome);
+  {
+    apoio::ProcessoFilho filho("toma-trava", {nome});
+    ASSERT_EQ(filho.LeLinha(), "tomou");
+    EXPECT_FALSE(trava->Toma(0));
+    EXPECT_FALSE(trava->Toma(30));
+    filho.EnviaLinha("solta");
+    EXPECT_TRUE(trava->Toma(10000)) << "given up";
+    EXPECT_EQ(filho.Espera(), 0);
+  }
+  EXPECT_EQ(apoio::ProcessoFilho("toma-trava", {nome}).LeLinha(), "ocupada");
+  EXPECT_EQ(apoio::ProcessoFilho("toma-trava", {nome + "-b"}).LeLinha(), "tomou") << "another name";
+  trava->Solta();
+  apoio::ProcessoFilho morto("toma-trava", {nome});
+  ASSERT_EQ(morto.LeLinha(), "tomou");
+  morto.Mata();
+  EXPECT_TRUE(trava->Toma(10000)) << "holder died";
+  trava->Solta();
+}
+
+}  // namespace

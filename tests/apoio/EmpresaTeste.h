@@ -1,0 +1,43 @@
+#ifndef KALVO_TESTS_APOIO_EMPRESATESTE_H
+#define KALVO_TESTS_APOIO_EMPRESATESTE_H
+
+#include <cstdio>
+#include <functional>
+#include <string>
+
+#include "core/env/QZPath.h"
+#include "core/log/QZProfilerEmpresa.h"
+#include "tests/apoio/PastaTemporaria.h"
+#include "tests/apoio/RegistroTeste.h"
+
+namespace apoio {
+
+/// A company of its own for one test: a temporary data directory that the registry names for module "DF". The code is
+/// the same for no two tests that run at once.
+class EmpresaTeste {
+public:
+  EmpresaTeste() {
+    char codigo[16];
+    std::snprintf(codigo, sizeof(codigo), "T%010zu", std::hash<std::string>()(m_pasta.Caminho()) % 10000000000U);
+    m_codigo = codigo;
+    m_registro.DefineTexto(ChaveDaEmpresa(), "DF", m_pasta.Caminho());
+  }
+
+  const CString &Codigo() const { return m_codigo; }
+  CString ChaveDaEmpresa() const { return CString(kChaveSuite) + "Empresas\\" + m_codigo; }
+  CQZProfilerEmpresa Dono() const { return CQZProfilerEmpresa(m_codigo, 7, 42); }
+
+  CString Caminho(const CString &nome) const { return m_pasta / nome; }
+  std::string Le(const CString &nome) const { return LeArquivo(Caminho(nome)); }
+  void Escreve(const CString &nome, const std::string &conteudo) const { EscreveArquivo(Caminho(nome), conteudo); }
+  bool Existe(const CString &nome) const { return ExisteNoDisco(Caminho(nome)); }
+
+private:
+  PastaTemporaria m_pasta;
+  RegistroTeste m_registro;
+  CString m_codigo;
+};
+
+}  // namespace apoio
+
+#endif

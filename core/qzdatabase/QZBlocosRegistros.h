@@ -1,0 +1,103 @@
+#ifndef KALVO_CORE_QZDATABASE_QZBLOCOSREGISTROS_H
+#define KALVO_CORE_QZDATABASE_QZBLOCOSREGISTROS_H
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <type_traits>
+#include <vector>
+
+#include "core/platform/CException.h"
+
+/// The records of a file in memory, in blocks of fixed size: growing never copies a record, and neighbouring records
+/// lie together so that a scan runs at memory speed. Indices are 0-based. Not synchronised.
+template <typename T>
+class CQZBlocosRegistros {
+  static_assert(std::is_trivially_copyable_v<T>, "records are copied and compared as bytes");
+
+public:
+  static constexpr std::size_t kRegistrosPorBloco = 1024;
+
+  /// A run of records that lie together.
+  template <typename U>
+  struct Trecho {
+    U *pRegistros;
+    std::size_t qtd;
+  };
+
+  std::size_t GetSize() const { return m_qtd; }
+
+  /// Makes room for `qtd` records without changing their number, so that DefineTamanho up to it cannot fail. Throws
+  /// std::bad_alloc with everything as before.
+  void Reserva(std::size_t qtd) {
+    const std::size_t blocos = (qtd + kRegistrosPorBloco - 1) / kRegistrosPorBloco;
+    if (blocos > m_blocos.capacity()) {
+      m_blocos.reserve(std::max(blocos, m_blocos.capacity() * 2));
+    }
+    while (m_blocos.size() < blocos) {
+      m_blocos.push_back(std::make_unique<T[]>(kRegistrosPorBloco));
+    }
+  }
+
+  /// Sets the number of records; the content of added ones is undefined.
+  void DefineTamanho(std::size_t qtd) {
+    Reserva(qtd);
+    m_qtd = qtd;
+  }
+
+  /// Removes all records and gives their memory back.
+  void Esvazia() {
+    m_qtd = 0;
+    m_blocos.clear();
+  }
+
+  /// An index past the end raises CInvalidArgException.
+  const T &operator[](std::size_t indice) const {
+    if (indice >= m_qtd) {
+      LancaArgumentoInvalido();
+    }
+    return m_blocos[indice / kRegistrosPorBloco][indice % kRegistrosPorBloco];
+  }
+
+  /// The run that starts at `indice` (below `fim`) and ends with its block or before `fim`, whichever comes first.
+  Trecho<T> TrechoEm(std::size_t indice, std::size_t fim) {
+    const std::size_t deslocamento = indice % kRegistrosPorBloco;
+    return {&m_blocos[indice / kRegistrosPorBloco][deslocamento],
+            std::min(fim - indice, kRegistrosPorBloco - deslocamento)};
+  }
+  Trecho<const T> TrechoEm(std::size_t indice, std::size_t fim) const {
+    const Trecho<T> trecho = const_cast<CQZBlocosRegistros *>(this)->TrechoEm(indice, fim);
+    return {trecho.pRegistros, trecho.qtd};
+  }
+
+  /// Copies `qtd` records over those from `indice` on, which must exist.
+  void Copia(std::size_t indice, const T *pOrigem, std::size_t qtd) {
+    for (const std::size_t fim = indice + qtd; indice < fim;) {
+      const Trecho<T> trecho = TrechoEm(indice, fim);
+      std::memcpy(trecho.pRegistros, pOrigem, trecho.qtd * sizeof(T));
+      pOrigem += trecho.qtd;
+      indice += trecho.qtd;
+    }
+  }
+
+  /// True when the `qtd` records from `indice` on, which must exist, equal the given ones byte for byte.
+  bool Iguais(std::size_t indice, const T *pOutros, std::size_t qtd) const {
+    for (const std::size_t fim = indice + qtd; indice < fim;) {
+      const Trecho<const T> trecho = TrechoEm(indice, fim);
+      if (std::memcmp(trecho.pRegistros, pOutros, trecho.qtd * sizeof(T)) != 0) {
+        return false;
+      }
+      pOutros += trecho.qtd;
+      indice += trecho.qtd;
+    }
+    return true;
+  }
+
+private:
+  std::vector<std::unique_ptr<T[]>> m_blocos;
+  std::size_t m_qtd = 0;
+};
+
+#endif

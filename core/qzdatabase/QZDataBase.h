@@ -1,0 +1,46 @@
+#ifndef KALVO_CORE_QZDATABASE_QZDATABASE_H
+#define KALVO_CORE_QZDATABASE_QZDATABASE_H
+
+#include "core/conx/QZInicializador.h"
+#include "core/env/QZPath.h"
+#include "core/platform/CArray.h"
+#include "core/platform/SecaoCritica.h"
+
+class CQZFileBase;
+
+/// The set of files of one module for one company. It does not own its files: they are members of the concrete database
+/// (or locals beside a temporary one), register themselves on construction and leave on destruction.
+///
+/// A concrete database finishes itself in its own destructor, while its files are alive.
+class CQZDataBase : public CQZInicializador {
+public:
+  /// `eNivelArquivos` is the place of the files' locks in the lock order: ArquivoDados for a shared database.
+  explicit CQZDataBase(ModuloQZ eModulo, plataforma::NivelTrava eNivelArquivos = plataforma::NivelTrava::Temporario);
+  ~CQZDataBase() override;
+
+  void AddFile(CQZFileBase *pFile);
+  /// Takes a file out; an absent one is no matter.
+  void RemoveFile(CQZFileBase *pFile);
+
+  ModuloQZ GetModulo() const { return m_eModulo; }
+  plataforma::NivelTrava NivelDosArquivos() const { return m_eNivelArquivos; }
+
+  /// The database's own lock, taken briefly around reading a record count.
+  plataforma::SecaoCritica &Secao() { return m_secao; }
+
+protected:
+  /// Initialises the files in the order of their registration; the first failure stops, and the files that were
+  /// already up are finished.
+  [[nodiscard]] HRESULT OnInicializa() override;
+
+  /// Finishes all files; failures are traced, the last result is returned.
+  [[nodiscard]] HRESULT OnFinaliza() override;
+
+private:
+  ModuloQZ m_eModulo;
+  plataforma::NivelTrava m_eNivelArquivos;
+  plataforma::SecaoCritica m_secao;
+  CArray<CQZFileBase *> m_aFiles;
+};
+
+#endif

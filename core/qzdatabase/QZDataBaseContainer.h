@@ -1,0 +1,111 @@
+#ifndef KALVO_CORE_QZDATABASE_QZDATABASECONTAINER_H
+#define KALVO_CORE_QZDATABASE_QZDATABASECONTAINER_H
+
+#include <algorithm>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <utility>
+
+#include "core/errors/CodigosResultado.h"
+#include "core/log/Rastro.h"
+#include "core/platform/LivroTravas.h"
+#include "core/platform/Textos.h"
+#include "core/qzdatabase/QZCrc64.h"
+
+/// Source-file column of the records that the shared databases leave.
+inline constexpr char kFonteDataBaseFacade[] = "QZDataBaseFacade.h";
+
+/// Name of a database class as it stands in the qualified names of the error records ("class CQZDataBase_Veiculos").
+/// Every database that is shared specialises it with a `kNome`.
+template <typename TDataBase>
+struct NomeTipoBanco;
+
+/// The shared databases of a process, one per company, each living as long as it has users.
+///
+/// Company codes that differ only in letter case are the same company. All operations may run on any thread; the
+/// container's lock is held while a database is initialised or finished, so that other companies wait meanwhile.
+template <typename TDataBase>
+class CQZDataBaseContainer {
+public:
+  CQZDataBaseContainer() = default;
+  CQZDataBaseContainer(const CQZDataBaseContainer &) = delete;
+  CQZDataBaseContainer &operator=(const CQZDataBaseContainer &) = delete;
+
+  /// Adds one user to the company's database, creating and initialising it (with this user and session) for the first.
+  /// On failure `*ppDataBase` is unchanged and the company has no database.
+  [[nodiscard]] HRESULT Inicializa(const CString &sEmpresa, std::uint16_t iUsuario, LONG lNumeroSessao,
+                                   TDataBase **ppDataBase);
+
+  /// Takes one user of `*ppDataBase` away and makes it null; the last one finishes and destroys the database. Needs no
+  /// memory, so that letting go works when nothing else does.
+  [[nodiscard]] HRESULT Finaliza(TDataBase **ppDataBase);
+
+  /// True when the company has a database.
+  bool Possui(const CString &sEmpresa);
+
+private:
+  /// The CRC of the company code comes first; the code itself tells apart two companies with one CRC.
+  using Chave = std::pair<std::uint64_t, CString>;
+
+  struct CQZDataBaseContainerPair {
+    std::uint64_t uiUsuarios = 0;
+    std::unique_ptr<TDataBase> pDataBase;
+  };
+
+  static Chave ChaveDaEmpresa(const CString &sEmpresa) {
+    CString sMaiuscula = plataforma::Maiusculas(sEmpresa);
+    const std::uint64_t crc = CalculaCrc64(sMaiuscula.data(), sMaiuscula.size());
+    return {crc, std::move(sMaiuscula)};
+  }
+
+  plataforma::SecaoCritica m_secao{plataforma::NivelTrava::Container};
+  std::map<Chave, CQZDataBaseContainerPair> m_pares;
+};
+
+template <typename TDataBase>
+HRESULT CQZDataBaseContainer<TDataBase>::Inicializa(const CString &sEmpresa, std::uint16_t iUsuario, LONG lNumeroSessao,
+                                                    TDataBase **ppDataBase) {
+  const CQZProfilerEmpresa profiler(sEmpresa, iUsuario, static_cast<std::uint32_t>(lNumeroSessao));
+  const CQZRastro rastro(&profiler, {"CQZDataBaseContainer<", NomeTipoBanco<TDataBase>::kNome, ">::Inicializa"},
+                         kFonteDataBaseFacade);
+  const Chave chave = ChaveDaEmpresa(sEmpresa);
+  const plataforma::CQZTrava trava(m_secao);
+  auto par = m_pares.find(chave);
+  if (par == m_pares.end()) {
+    auto pDataBase = std::make_unique<TDataBase>();
+    QZ_VERIFICA(rastro, "pDataBase->Inicializa(sEmpresa, iUsuario, lNumeroSessao)",
+                pDataBase->Inicializa(sEmpresa, iUsuario, lNumeroSessao));
+    par = m_pares.emplace(chave, CQZDataBaseContainerPair{0, std::move(pDataBase)}).first;
+  }
+  ++par->second.uiUsuarios;
+  *ppDataBase = par->second.pDataBase.get();
+  return codigos::kOk;
+}
+
+template <typename TDataBase>
+HRESULT CQZDataBaseContainer<TDataBase>::Finaliza(TDataBase **ppDataBase) {
+  const plataforma::CQZTrava trava(m_secao);
+  const auto par = std::find_if(m_pares.begin(), m_pares.end(),
+                                [&](const auto &candidato) { return candidato.second.pDataBase.get() == *ppDataBase; });
+  *ppDataBase = nullptr;
+  if (par == m_pares.end()) {
+    return codigos::kOk;
+  }
+  if (par->second.uiUsuarios >= 2) {
+    --par->second.uiUsuarios;
+    return codigos::kOk;
+  }
+  const HRESULT hr = par->second.pDataBase->Finaliza();
+  m_pares.erase(par);
+  return hr;
+}
+
+template <typename TDataBase>
+bool CQZDataBaseContainer<TDataBase>::Possui(const CString &sEmpresa) {
+  const Chave chave = ChaveDaEmpresa(sEmpresa);
+  const plataforma::CQZTrava trava(m_secao);
+  return m_pares.count(chave) != 0;
+}
+
+#endif

@@ -1,0 +1,153 @@
+#ifndef KALVO_CORE_QZDATABASE_QZFILEBASE_H
+#define KALVO_CORE_QZDATABASE_QZFILEBASE_H
+
+#include <memory>
+#include <optional>
+
+#include "core/conx/QZInicializador.h"
+#include "core/env/QZPath.h"
+#include "core/errors/CodigosResultado.h"
+#include "core/log/Rastro.h"
+#include "core/platform/LivroTravas.h"
+#include "core/platform/SistemaArquivos.h"
+
+class CQZDataBase;
+
+/// Open modes: sums of the flags read-write 0x0002, share-exclusive 0x0010, share-deny-none 0x0040, create 0x1000 and
+/// no-truncate 0x2000.
+enum EModoAbertura : std::uint32_t {
+  eModoFechado = 0,
+  eModoLeitura = 0x2010,               ///< read, exclusive; a missing file stays missing and closed
+  eModoLeituraGravacao = 0x2012,       ///< read and write, exclusive; a missing file is created
+  eModoCriacao = 0x1010,               ///< creates or empties, exclusive
+  eModoLeituraCompartilhada = 0x2040,  ///< read, others may read and write
+};
+
+/// Name of a record type as it stands in the qualified names of the error records ("struct RegVeiculo"). Every record
+/// type specialises it with a `kNome`.
+template <typename T>
+struct NomeTipoRegistro;
+
+/// One file of a database: its name and directory, opening with retries, result codes for file failures, closing.
+///
+/// Derived files keep the file's content in memory and serve reads from it. A file is addressed by module, company and
+/// name; the path is composed anew at every open. The file registers itself with its database, which initialises and
+/// finishes it and must outlive it.
+///
+/// Threads: the derived classes' reads and writes and OnFinaliza take the file's lock. AbreArquivo is called with the
+/// lock held, or before the object is shared.
+class CQZFileBase : public CQZInicializador {
+public:
+  ~CQZFileBase() override;
+
+  /// Opens the file, or does nothing when it is open in this very mode. A file open in another mode is closed and
+  /// opened again; when that fails it is put back into its old mode and stays usable, and when the file was changed by
+  /// others meanwhile the content in memory is loaded anew. Sharing conflicts are retried for about one second.
+  [[nodiscard]] HRESULT AbreArquivo(EModoAbertura eModoAbertura = eModoLeituraGravacao);
+
+  /// True when the file is open; does not look at the disk.
+  bool ExisteArquivo() const { return m_arquivo != nullptr; }
+
+  /// Blocks until everything written is on the storage device.
+  [[nodiscard]] HRESULT DescarregaNoDisco();
+
+  const CString &GetNomeArquivo() const { return m_sNomeArquivo; }
+
+  /// Result code of a file failure on read and open paths.
+  [[nodiscard]] static HRESULT CatchInicializacao(const plataforma::FalhaArquivo &falha) {
+    return CodigoDaFalha(falha.causa);
+  }
+  /// Result code of a file failure on write paths: the same table.
+  [[nodiscard]] static HRESULT CatchGravacao(const plataforma::FalhaArquivo &falha) {
+    return CodigoDaFalha(falha.causa);
+  }
+
+  /// True for the file codes after which a writer stops trying.
+  static bool EhUmaExcecaoFatal(HRESULT hr);
+
+protected:
+  CQZFileBase(const CString &sNomeArquivo, CQZDataBase *pDataBase);
+
+  [[nodiscard]] HRESULT OnInicializa() override;
+
+  /// Closes the file under the lock. Derived files call it last, with the lock already held.
+  [[nodiscard]] HRESULT OnFinaliza() override;
+
+  /// Loads the content of the open file into memory, replacing what is there.
+  [[nodiscard]] virtual HRESULT CarregaMemoria() = 0;
+  /// Empties the memory copy.
+  virtual void EsvaziaMemoria() = 0;
+
+  /// To be called once memory holds what the file holds (or nothing, for a missing file): from then on AbreArquivo
+  /// watches for changes made by others while the file is closed.
+  void MemoriaCarregada();
+
+  /// Runs `tentativa` up to 50 times, 10 ms apart, until it succeeds or fails fatally; traces each failure.
+  template <typename F>
+  [[nodiscard]] HRESULT TentaGravar(const CQZRastro &rastro, const char *lpExpressao, F &&tentativa);
+
+  /// Closes the file; the memory copy stays.
+  void FechaArquivo();
+
+  /// One try at opening, for reading, a file that a failed mode switch has left closed, so that the object recovers as
+  /// soon as the file can be had again. An open file, or one that never existed, is left as it is. With the lock held.
+  void ReabreSePerdido();
+
+  /// Full path of the file for the present company.
+  CString CaminhoCompleto() const { return CQZPath::CaminhoArquivo(m_eModulo, GetEmpresa(), m_sNomeArquivo); }
+
+  plataforma::IArquivoAberto &Arquivo() { return *m_arquivo; }
+  plataforma::SecaoCritica &Secao() const { return m_secao; }
+
+private:
+  /// What the file looked like when this object last had it: a difference means that others have written.
+  struct EstadoArquivo {
+    std::uint64_t uiTamanho = 0;
+    std::uint64_t uiUltimaEscrita = 0;  ///< 0 when the file did not exist
+  };
+
+  static constexpr int kTentativasAbertura = 100;
+
+  [[nodiscard]] static HRESULT CodigoDaFalha(plataforma::CausaArquivo causa);
+  [[nodiscard]] static HRESULT CodigoDaAbertura(const CString &sCaminho, plataforma::CausaArquivo causa,
+                                                bool bUltimaTentativa);
+  static void PausaEntreTentativas();
+
+  [[nodiscard]] HRESULT AbreOuCria(const CQZRastro &rastro, EModoAbertura eModoAbertura);
+  [[nodiscard]] HRESULT TentaAbrir(const CString &sCaminho, EModoAbertura eModoAbertura, bool bCriaSemTruncar = false,
+                                   int iTentativas = kTentativasAbertura);
+  void AnotaEstado();
+  bool EstadoMudou();
+  [[nodiscard]] HRESULT RecarregaSeMudou(const CQZRastro &rastro);
+
+  std::unique_ptr<plataforma::IArquivoAberto> m_arquivo;
+  EModoAbertura m_eModoAtual = eModoFechado;
+  CString m_sNomeArquivo;
+  ModuloQZ m_eModulo;
+  CQZDataBase *m_pDataBase;
+  mutable plataforma::SecaoCritica m_secao;
+  bool m_bMemoriaCarregada = false;
+  std::optional<EstadoArquivo> m_estado;
+
+  friend class CQZDataBase;
+};
+
+/// Attempts of one record write, and of a delete or rename.
+inline constexpr int kTentativasGravacao = 50;
+
+template <typename F>
+HRESULT CQZFileBase::TentaGravar(const CQZRastro &rastro, const char *lpExpressao, F &&tentativa) {
+  HRESULT hr = codigos::kOk;
+  for (int i = 0; i < kTentativasGravacao; ++i) {
+    if (!QZ_FALHOU(rastro, hr, lpExpressao, tentativa())) {
+      return hr;
+    }
+    if (EhUmaExcecaoFatal(hr)) {
+      return hr;
+    }
+    PausaEntreTentativas();
+  }
+  return hr;
+}
+
+#endif

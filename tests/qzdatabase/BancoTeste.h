@@ -1,0 +1,90 @@
+#ifndef KALVO_TESTS_QZDATABASE_BANCOTESTE_H
+#define KALVO_TESTS_QZDATABASE_BANCOTESTE_H
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+
+#include "core/platform/Plataforma.h"
+#include "core/qzdatabase/QZDataBase.h"
+#include "core/qzdatabase/QZDataBaseContainer.h"
+#include "core/qzdatabase/QZFile.h"
+#include "core/qzdatabase/QZFileSingleReg.h"
+#include "tests/apoio/ArquivosDecorado.h"
+#include "tests/apoio/ColetorRastro.h"
+#include "tests/apoio/EmpresaTeste.h"
+#include "tests/apoio/RelogioFalso.h"
+#include "tests/apoio/ServicosTrocados.h"
+
+/// A record of 16 bytes, so that lengths around a multiple are easy to make.
+struct RegTeste {
+  std::uint32_t uiNumero;
+  char cTexto[12];
+};
+static_assert(sizeof(RegTeste) == 16);
+
+template <>
+struct NomeTipoRegistro<RegTeste> {
+  static constexpr char kNome[] = "struct RegTeste";
+};
+
+inline bool operator==(const RegTeste &a, const RegTeste &b) {
+  return std::memcmp(&a, &b, sizeof(a)) == 0;
+}
+
+inline RegTeste Registro(std::uint32_t uiNumero, const char *texto = "") {
+  RegTeste reg{uiNumero, {}};
+  std::strncpy(reg.cTexto, texto, sizeof(reg.cTexto));
+  return reg;
+}
+
+/// The bytes of a file that holds the records numbered `primeiro` to `ultimo`.
+inline std::string Bytes(std::uint32_t primeiro, std::uint32_t ultimo) {
+  std::string bytes;
+  for (std::uint32_t n = primeiro; n <= ultimo; ++n) {
+    const RegTeste reg = Registro(n);
+    bytes.append(reinterpret_cast<const char *>(&reg), sizeof(reg));
+  }
+  return bytes;
+}
+
+inline CArray<RegTeste> Colecao(std::uint32_t primeiro, std::uint32_t ultimo) {
+  CArray<RegTeste> aRegistros;
+  for (std::uint32_t n = primeiro; n <= ultimo; ++n) {
+    aRegistros.Add(Registro(n));
+  }
+  return aRegistros;
+}
+
+/// A database with one typed file and one single-record file.
+class BancoTeste : public CQZDataBase {
+public:
+  BancoTeste() : CQZDataBase(QZ_DF, plataforma::NivelTrava::ArquivoDados) {}
+  ~BancoTeste() override { FinalizaNoDestrutor(); }
+
+  CQZFile<RegTeste> m_Registros{"TESTE.DAT", this};
+  CQZFileSingleReg<RegTeste> m_Unico{"UNICO.DAT", this};
+};
+
+template <>
+struct NomeTipoBanco<BancoTeste> {
+  static constexpr char kNome[] = "class BancoTeste";
+};
+
+/// A company with a database, a clock that does not wait and a file system that can be told to fail.
+class ComBanco : public ::testing::Test {
+protected:
+  HRESULT Abre() { return m_banco.Inicializa(m_empresa.Dono()); }
+  CQZFile<RegTeste> &Arquivo() { return m_banco.m_Registros; }
+  CQZFileSingleReg<RegTeste> &Unico() { return m_banco.m_Unico; }
+
+  apoio::EmpresaTeste m_empresa;
+  apoio::RelogioFalso m_relogio;
+  apoio::ArquivosComFalha m_falhas{*plataforma::ServicosDoSistema().arquivos};
+  apoio::ServicosTrocados m_servicos{&m_falhas, nullptr, &m_relogio};
+  BancoTeste m_banco;
+};
+
+#endif

@@ -1,0 +1,134 @@
+// Shared databases: who shares, who counts, who closes.
+
+#include <thread>
+
+#include "core/conx/QZBaseParaRotinas.h"
+#include "core/qzdatabase/QZCrc64.h"
+#include "core/qzdatabase/QZDataBaseFacade.h"
+#include "tests/qzdatabase/BancoTeste.h"
+
+namespace {
+
+class Rotina : public CQZDataBaseFacade<BancoTeste, CQZBaseParaRotinas> {
+public:
+  ~Rotina() override { FinalizaNoDestrutor(); }
+  BancoTeste *Banco() const { return m_pDataBase; }
+
+protected:
+  HRESULT OnInicializa() override { return QZDataBaseInicializa(); }
+};
+
+class Fachada : public ::testing::Test {
+protected:
+  /// True when nobody holds the company's file: it can be had exclusively.
+  bool ArquivoLivre() {
+    std::unique_ptr<plataforma::IArquivoAberto> arquivo;
+    return !plataforma::Arquivos().Abre(m_empresa.Caminho("TESTE.DAT"), {}, &arquivo);
+  }
+
+  apoio::EmpresaTeste m_empresa;
+  apoio::RelogioFalso m_relogio;
+  apoio::ServicosTrocados m_servicos{nullptr, nullptr, &m_relogio};
+};
+
+TEST(Crc64, ChavesConhecidas) {
+  EXPECT_EQ(CalculaCrc64("0001", 4), 0x6CD74CE161023462U);
+  EXPECT_EQ(CalculaCrc64("EMP1", 4), 0x84B4A8C0DD9DD9A7U);
+  EXPECT_EQ(CalculaCrc64("P1", 2, CalculaCrc64("EM", 2)), 0x84B4A8C0DD9DD9A7U) << "in pieces";
+}
+
+TEST_F(Fachada, CodigosQueSoDiferemNasMaiusculasCompartilham) {
+  m_empresa.Escreve("TESTE.DAT", Bytes(1, 1));
+  CString sMinusculo = m_empresa.Codigo();
+  sMinusculo[0] = 't';
+  Rotina a;
+  Rotina b;
+  EXPECT_FALSE(a.QZDataBaseEstaInicializado());
+  ASSERT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kOk);
+  ASSERT_EQ(b.Inicializa(sMinusculo, 2, 2), codigos::kOk);
+  EXPECT_EQ(a.Banco(), b.Banco());
+  EXPECT_EQ(b.Banco()->GetUsuario(), 1) << "the first one's identity";
+  EXPECT_EQ(a.Finaliza(), codigos::kOk);
+  EXPECT_EQ(a.Banco(), nullptr);
+  EXPECT_EQ(a.Finaliza(), codigos::kOk) << "a second time does nothing";
+  EXPECT_TRUE(a.QZDataBaseEstaInicializado()) << "the other one still has it";
+  EXPECT_FALSE(ArquivoLivre());
+  EXPECT_EQ(b.Finaliza(), codigos::kOk);
+  EXPECT_TRUE(ArquivoLivre());
+}
+
+TEST_F(Fachada, EmpresaVazia) {
+  apoio::ColetorRastro rastro;
+  Rotina a;
+  EXPECT_EQ(a.Inicializa("", 1, 1), codigos::kSemEmpresa);
+  EXPECT_EQ(rastro.Toma(),
+            (std::vector<std::string>{"CQZDataBaseFacade<class BancoTeste,class CQZBaseParaRotinas>::"
+                                      "QZDataBaseInicializa|QZDataBaseFacade.h|((HRESULT)0x810809CFL)"}));
+}
+
+TEST_F(Fachada, FalhaNaoDeixaBanco) {
+  m_empresa.Escreve("TESTE.DAT", "no whole record");
+  Rotina a;
+  EXPECT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kTamanhoNaoMultiplo);
+  EXPECT_FALSE(a.QZDataBaseEstaInicializado());
+  EXPECT_EQ(a.Banco(), nullptr);
+  EXPECT_TRUE(ArquivoLivre());
+  m_empresa.Escreve("TESTE.DAT", Bytes(1, 1));
+  EXPECT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kOk);
+}
+
+TEST_F(Fachada, SegundoArquivoRuimFechaOPrimeiro) {
+  m_empresa.Escreve("TESTE.DAT", Bytes(1, 1));
+  m_empresa.Escreve("UNICO.DAT", "bad");
+  Rotina a;
+  EXPECT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kTamanhoDiferente);
+  EXPECT_TRUE(ArquivoLivre());
+}
+
+TEST_F(Fachada, InicializarDeNovoDevolveOPrimeiroBanco) {
+  apoio::EmpresaTeste outra;
+  m_empresa.Escreve("TESTE.DAT", Bytes(1, 1));
+  Rotina a;
+  ASSERT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kOk);
+  ASSERT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kOk);
+  ASSERT_EQ(a.Inicializa(outra.Codigo(), 1, 1), codigos::kOk);
+  EXPECT_TRUE(ArquivoLivre()) << "the first company has no user left";
+  EXPECT_EQ(a.Inicializa("", 1, 1), codigos::kSemEmpresa);
+  Rotina b;
+  ASSERT_EQ(b.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kOk);
+  EXPECT_EQ(a.Finaliza(), codigos::kOk);
+  EXPECT_NE(b.Banco(), nullptr);
+  EXPECT_TRUE(b.QZDataBaseEstaInicializado()) << "an object that has no database takes no one else's away";
+}
+
+TEST_F(Fachada, MuitasThreadsEntramESaem) {
+  m_empresa.Escreve("TESTE.DAT", Bytes(1, 5));
+  std::vector<std::thread> threads;
+  std::atomic<int> falhas{0};
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([&] {
+      for (int i = 0; i < 50; ++i) {
+        Rotina rotina;
+        RegTeste reg;
+        falhas +=
+            Falhou(rotina.Inicializa(m_empresa.Codigo(), 1, 1)) || Falhou(rotina.Banco()->m_Registros.Le(5, &reg));
+      }
+    });
+  }
+  for (std::thread &thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(falhas, 0);
+  EXPECT_TRUE(ArquivoLivre());
+}
+
+TEST_F(Fachada, ArquivosSobrevivemAoBanco) {
+  auto pBanco = std::make_unique<CQZDataBase>(QZ_DF);
+  CQZFile<RegTeste> arquivo("TESTE.DAT", pBanco.get());
+  m_empresa.Escreve("TESTE.DAT", Bytes(1, 1));
+  ASSERT_EQ(pBanco->Inicializa(m_empresa.Dono()), codigos::kOk);
+  pBanco.reset();
+  EXPECT_TRUE(ArquivoLivre());
+}
+
+}  // namespace

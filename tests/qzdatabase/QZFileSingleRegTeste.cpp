@@ -1,0 +1,93 @@
+#include "core/qzdatabase/QZFileSingleReg.h"
+
+#include "core/qzdatabase/QZDataBaseUtil.h"
+#include "tests/qzdatabase/BancoTeste.h"
+
+namespace {
+
+using RegistroUnico = ComBanco;
+
+TEST_F(RegistroUnico, ArquivoAusente) {
+  ASSERT_EQ(Abre(), codigos::kOk);
+  RegTeste reg = Registro(77);
+  EXPECT_EQ(Unico().Le(&reg), codigos::kArquivoNaoAberto);
+  EXPECT_EQ(reg, Registro(77)) << "the output stays";
+  EXPECT_EQ(Unico().Grava(RegTeste{}), codigos::kOk);
+  EXPECT_FALSE(m_empresa.Existe("UNICO.DAT")) << "a zero record creates nothing";
+  EXPECT_EQ(Unico().Grava(Registro(1)), codigos::kOk);
+  EXPECT_EQ(m_empresa.Le("UNICO.DAT"), Bytes(1, 1));
+  EXPECT_EQ(Unico().Le(&reg), codigos::kOk);
+  EXPECT_EQ(reg, Registro(1));
+}
+
+TEST_F(RegistroUnico, TamanhoErrado) {
+  for (const std::size_t tamanho : {std::size_t{0}, std::size_t{15}, std::size_t{17}}) {
+    m_empresa.Escreve("UNICO.DAT", std::string(tamanho, 'x'));
+    EXPECT_EQ(Abre(), codigos::kTamanhoDiferente) << tamanho;
+    EXPECT_EQ(m_empresa.Le("UNICO.DAT"), std::string(tamanho, 'x'));
+  }
+  m_empresa.Escreve("UNICO.DAT", Bytes(1, 1));
+  EXPECT_EQ(Abre(), codigos::kOk) << "the right file opens again";
+}
+
+TEST_F(RegistroUnico, FalhaEmCadaOperacao) {
+  for (const bool bExistia : {false, true}) {
+    for (const bool bPersistente : {false, true}) {
+      for (std::size_t n = 1;; ++n) {
+        SCOPED_TRACE(testing::Message() << (bExistia ? "existing" : "new") << ", fault " << n
+                                        << (bPersistente ? " and all after" : ""));
+        apoio::EmpresaTeste empresa;
+        if (bExistia) {
+          empresa.Escreve("UNICO.DAT", Bytes(1, 1));
+        }
+        ASSERT_EQ(m_banco.Inicializa(empresa.Dono()), codigos::kOk);
+        m_falhas.Arma(
+            {apoio::kOpTodas & ~apoio::kOpApaga, "UNICO.DAT", n, bPersistente, plataforma::FalhaWin32(112), 5});
+        const HRESULT hr = Unico().Grava(Registro(2));
+        const bool bDisparou = m_falhas.Disparou();
+        m_falhas.Desarma();
+        if (Falhou(hr)) {
+          ASSERT_EQ(Unico().Grava(Registro(2)), codigos::kOk) << "the same record is tried again";
+        }
+        ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
+        ASSERT_EQ(empresa.Le("UNICO.DAT"), Bytes(2, 2));
+        if (!bDisparou) {
+          break;
+        }
+      }
+    }
+  }
+}
+
+TEST_F(RegistroUnico, FalhaDefinitivaDeixaODiscoComoEstava) {
+  for (const bool bExistia : {false, true}) {
+    apoio::EmpresaTeste empresa;
+    if (bExistia) {
+      empresa.Escreve("UNICO.DAT", Bytes(1, 1));
+    }
+    ASSERT_EQ(m_banco.Inicializa(empresa.Dono()), codigos::kOk);
+    m_falhas.Arma({apoio::kOpGrava, "UNICO.DAT", 1, false, plataforma::FalhaWin32(1117), 5});
+    EXPECT_EQ(Unico().Grava(Registro(2)), codigos::kArqErroFisico);
+    m_falhas.Desarma();
+    ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
+    EXPECT_EQ(empresa.Existe("UNICO.DAT"), bExistia);
+    EXPECT_EQ(m_banco.Inicializa(empresa.Dono()), codigos::kOk) << "the base still opens";
+  }
+}
+
+TEST_F(RegistroUnico, UtilitariosDeUmTrabalho) {
+  const CQZProfilerEmpresa dono = m_empresa.Dono();
+  RegTeste reg = Registro(77);
+  EXPECT_EQ(CQZDataBaseUtil::LeSingleReg(&dono, QZ_DF, &reg, "UM.DAT"), codigos::kOk);
+  EXPECT_EQ(reg, RegTeste{});
+  EXPECT_EQ(CQZDataBaseUtil::GravaSingleReg(&dono, QZ_DF, RegTeste{}, "UM.DAT"), codigos::kOk);
+  EXPECT_FALSE(m_empresa.Existe("UM.DAT"));
+  EXPECT_EQ(CQZDataBaseUtil::GravaSingleReg(&dono, QZ_DF, Registro(3), "UM.DAT"), codigos::kOk);
+  EXPECT_EQ(CQZDataBaseUtil::LeSingleReg(&dono, QZ_DF, &reg, "UM.DAT"), codigos::kOk);
+  EXPECT_EQ(reg, Registro(3));
+  m_empresa.Escreve("UM.DAT", "short");
+  EXPECT_EQ(CQZDataBaseUtil::LeSingleReg(&dono, QZ_DF, &reg, "UM.DAT"), codigos::kTamanhoDiferente);
+  EXPECT_EQ(reg, RegTeste{}) << "zeroed first";
+}
+
+}  // namespace

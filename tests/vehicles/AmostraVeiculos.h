@@ -1,0 +1,49 @@
+#ifndef KALVO_TESTS_VEHICLES_AMOSTRAVEICULOS_H
+#define KALVO_TESTS_VEHICLES_AMOSTRAVEICULOS_H
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+#include "vehicles/RegVeiculoPS.h"
+
+/// Fills a text field, cut to its width.
+template <std::size_t N>
+void Preenche(char (&campo)[N], const std::string &texto) {
+  std::fill(campo, campo + N, '\0');
+  std::copy_n(texto.begin(), std::min(texto.size(), N), campo);
+}
+
+/// A complete vehicle.
+inline tagREG_VEICULOPS VeiculoCompleto() {
+  tagREG_VEICULOPS v{};
+  Preenche(v.szCodigo, "V001");
+  Preenche(v.szPlaca, "ABC1D23");
+  Preenche(v.szUF, "SP");
+  Preenche(v.szDescricao, "CAMINHAO TOCO");
+  v.iAno = 2020;
+  Preenche(v.szCodigoANTT, "12345678");
+  v.iTipoCarroceria = 2;
+  v.iTipoRodado = 1;
+  v.vTara = 75000000;
+  v.vCapacidadeKg = 120000000;
+  v.vCapacidadeM3 = 455000;
+  Preenche(v.szRENAVAM, "00123456789");
+  v.iPonteiroCliente = 17;
+  v.iTipoTransporte = 1;
+  return v;
+}
+
+inline tagREG_VEICULOPS Veiculo(const std::string &codigo, const std::string &placa = "") {
+  tagREG_VEICULOPS v = VeiculoCompleto();
+  Preenche(v.szCodigo, codigo);
+  Preenche(v.szPlaca, placa);
+  return v;
+}
+
+template <typename T>
+std::string Bytes(const T &valor) {
+  return std::string(reinterpret_cast<const char *>(&valor), sizeof(T));
+}
+
+#endif

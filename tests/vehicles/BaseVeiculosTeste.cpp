@@ -1,0 +1,219 @@
+#include "vehicles/BaseVeiculos.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "core/platform/MemoriaTarefa.h"
+#include "core/platform/Plataforma.h"
+#include "tests/apoio/ColetorRastro.h"
+#include "tests/apoio/EmpresaTeste.h"
+#include "tests/apoio/RelogioFalso.h"
+#include "tests/apoio/ServicosTrocados.h"
+#include "tests/vehicles/AmostraVeiculos.h"
+
+namespace {
+
+class Registro : public ::testing::Test {
+protected:
+  HRESULT Abre() { return m_base.Inicializa(m_empresa.Codigo(), 7, 42); }
+  LONG Acrescenta(const tagREG_VEICULOPS &v) {
+    LONG lPos = 0;
+    EXPECT_EQ(m_base.Grava(&lPos, v), codigos::kOk);
+    return lPos;
+  }
+  HRESULT Le(LONG lPos, tagREG_VEICULOPS *pVeiculo) { return m_base.LePonteiros(1, &lPos, pVeiculo); }
+  std::vector<LONG> Busca(const tagREG_FILTRO_VEICULOSPS &filtro) {
+    tagRESULTADO_BUSCA_VEICULOS resultado;
+    EXPECT_EQ(m_base.BuscaPonteiros(filtro, &resultado), codigos::kOk);
+    EXPECT_EQ(resultado.pFiller, nullptr);
+    EXPECT_EQ(resultado.Ponteiros == nullptr, resultado.iQtd == 0);
+    const std::vector<LONG> posicoes(resultado.Ponteiros, resultado.Ponteiros + resultado.iQtd);
+    plataforma::LiberaTarefa(resultado.Ponteiros);
+    return posicoes;
+  }
+
+  apoio::EmpresaTeste m_empresa;
+  apoio::RelogioFalso m_relogio;
+  apoio::ServicosTrocados m_servicos{nullptr, nullptr, &m_relogio};
+  CBaseVeiculos m_base;
+};
+
+TEST_F(Registro, AntesDeInicializar) {
+  LONG lPos = 3;
+  std::uint32_t iNumero = 9;
+  tagREG_VEICULOPS v = VeiculoCompleto();
+  tagRESULTADO_BUSCA_VEICULOS resultado{5, {}, &lPos, nullptr};
+  EXPECT_EQ(m_base.Grava(&lPos, v), codigos::kArquivoNaoAberto);
+  EXPECT_EQ(lPos, 3);
+  EXPECT_EQ(m_base.LePonteiros(1, &lPos, &v), codigos::kArquivoNaoAberto);
+  EXPECT_EQ(Bytes(v), Bytes(tagREG_VEICULOPS{}));
+  EXPECT_EQ(m_base.LePonteiros(0, nullptr, nullptr), codigos::kArquivoNaoAberto);
+  v = VeiculoCompleto();
+  EXPECT_EQ(m_base.Existe("V001", &iNumero, &v), codigos::kArquivoNaoAberto);
+  EXPECT_EQ(iNumero, 0U);
+  EXPECT_EQ(Bytes(v), Bytes(tagREG_VEICULOPS{}));
+  EXPECT_EQ(m_base.BuscaPonteiros({}, &resultado), codigos::kArquivoNaoAberto);
+  EXPECT_EQ(Bytes(resultado), Bytes(tagRESULTADO_BUSCA_VEICULOS{}));
+  iNumero = 9;
+  EXPECT_EQ(m_base.GetQuantidadeRegistros(&iNumero), codigos::kArquivoNaoAberto);
+  EXPECT_EQ(iNumero, 0U);
+  EXPECT_EQ(Abre(), codigos::kOk) << "the object stays usable";
+}
+
+TEST_F(Registro, EmpresaNova) {
+  ASSERT_EQ(Abre(), codigos::kOk);
+  EXPECT_EQ(m_empresa.Le("DFVEIVS.DAT"), std::string("\x01", 1) + std::string(15, '\0'));
+  EXPECT_FALSE(m_empresa.Existe("DFVEIC.DAT"));
+  std::uint32_t iNumero = 9;
+  tagREG_VEICULOPS v = VeiculoCompleto();
+  EXPECT_EQ(m_base.GetQuantidadeRegistros(&iNumero), codigos::kOk);
+  EXPECT_EQ(iNumero, 0U);
+  EXPECT_TRUE(Busca({}).empty());
+  EXPECT_EQ(m_base.Existe("", &iNumero, &v), codigos::kOk);
+  EXPECT_EQ(iNumero, 0U);
+  EXPECT_EQ(Le(0, &v), codigos::kPosicaoZero);
+  EXPECT_EQ(Le(1, &v), codigos::kArquivoNaoAberto) << "no file yet";
+  EXPECT_EQ(Acrescenta(VeiculoCompleto()), 1);
+  EXPECT_EQ(m_empresa.Le("DFVEIC.DAT").size(), 256U);
+}
+
+TEST_F(Registro, PosicoesRuins) {
+  ASSERT_EQ(Abre(), codigos::kOk);
+  for (int i = 0; i < 5; ++i) {
+    Acrescenta(VeiculoCompleto());
+  }
+  const std::string antes = m_empresa.Le("DFVEIC.DAT");
+  struct Caso {
+    LONG lPos;
+    HRESULT leitura;
+    HRESULT gravacao;
+  };
+  const Caso casos[] = {{6, codigos::kPosicaoAlemDoFim, codigos::kGravacaoAlemDoFim},
+                        {7, codigos::kPosicaoAlemDoFim, codigos::kGravacaoAlemDoFim},
+                        {-1, codigos::kPosicaoAlemDoFim, codigos::kGravacaoAlemDoFim},
+                        {INT32_MIN, codigos::kPosicaoAlemDoFim, codigos::kGravacaoAlemDoFim},
+                        {INT32_MAX, codigos::kPosicaoAlemDoFim, codigos::kGravacaoAlemDoFim}};
+  for (const Caso &caso : casos) {
+    SCOPED_TRACE(caso.lPos);
+    tagREG_VEICULOPS v = VeiculoCompleto();
+    EXPECT_EQ(Le(caso.lPos, &v), caso.leitura);
+    EXPECT_EQ(Bytes(v), Bytes(tagREG_VEICULOPS{}));
+    LONG lPos = caso.lPos;
+    EXPECT_EQ(m_base.Grava(&lPos, Veiculo("NEW")), caso.gravacao);
+    EXPECT_EQ(lPos, caso.lPos);
+  }
+  EXPECT_EQ(m_empresa.Le("DFVEIC.DAT"), antes);
+
+  tagREG_VEICULOPS lidos[3] = {VeiculoCompleto(), VeiculoCompleto(), VeiculoCompleto()};
+  const LONG posicoes[] = {5, 0, 1};
+  EXPECT_EQ(m_base.LePonteiros(3, posicoes, lidos), codigos::kPosicaoZero);
+  EXPECT_EQ(Bytes(lidos[0]), Bytes(VeiculoCompleto())) << "read before the failure";
+  EXPECT_EQ(Bytes(lidos[1]) + Bytes(lidos[2]), std::string(336, '\0'));
+}
+
+TEST_F(Registro, GravaLeEBusca) {
+  ASSERT_EQ(Abre(), codigos::kOk);
+  EXPECT_EQ(Acrescenta(Veiculo("A", "PLA0001")), 1);
+  EXPECT_EQ(Acrescenta(Veiculo("B", "A")), 2);
+  EXPECT_EQ(Acrescenta(Veiculo("A", "PLA0003")), 3) << "codes need not be unique";
+  LONG lPos = 2;
+  EXPECT_EQ(m_base.Grava(&lPos, Veiculo("C", "A")), codigos::kOk);
+  EXPECT_EQ(lPos, 2);
+  EXPECT_EQ(Busca({}), (std::vector<LONG>{1, 2, 3}));
+  tagREG_FILTRO_VEICULOSPS filtro{};
+  Preenche(filtro.szCodigo, "A");
+  EXPECT_EQ(Busca(filtro), (std::vector<LONG>{1, 3}));
+
+  CArray<LONG> aPonteiros;
+  CArray<RegVeiculo> aRegistros;
+  EXPECT_EQ(m_base.InternalGetRegs(filtro, &aPonteiros, &aRegistros), codigos::kOk);
+  ASSERT_EQ(aPonteiros.GetSize(), 2U);
+  ASSERT_EQ(aRegistros.GetSize(), 2U);
+  EXPECT_EQ(std::string(aRegistros[1].szPlaca), "PLA0003");
+
+  tagREG_VEICULOPS v;
+  EXPECT_EQ(Le(2, &v), codigos::kOk);
+  EXPECT_EQ(Bytes(v), Bytes(Veiculo("C", "A")));
+  EXPECT_EQ(m_empresa.Le("DFVEIC.DAT").size(), 3 * 256U);
+}
+
+TEST_F(Registro, Existe) {
+  ASSERT_EQ(Abre(), codigos::kOk);
+  Acrescenta(Veiculo("X1", "V002"));
+  Acrescenta(Veiculo("V002", "PLA0002"));
+  Acrescenta(Veiculo("1234567890123", "123456789"));
+  struct Caso {
+    const char *texto;
+    std::uint32_t esperado;
+  };
+  const Caso casos[] = {{"V002", 2},  // a code goes before a plate
+                        {"PLA0002", 2},    {"v002", 0},    {"NADA", 0},          {"", 1},
+                        {"*2", 2},         {"PLA*", 2},    {"1234567890123", 3}, {"12345678901234567890", 3},
+                        {"1234567890", 3}, {"12345678", 0}};
+  for (const Caso &caso : casos) {
+    SCOPED_TRACE(caso.texto);
+    std::uint32_t iPos = 77;
+    tagREG_VEICULOPS v = VeiculoCompleto();
+    EXPECT_EQ(m_base.Existe(caso.texto, &iPos, &v), codigos::kOk);
+    EXPECT_EQ(iPos, caso.esperado);
+    tagREG_VEICULOPS lido{};
+    if (caso.esperado != 0) {
+      EXPECT_EQ(Le(static_cast<LONG>(caso.esperado), &lido), codigos::kOk);
+    }
+    EXPECT_EQ(Bytes(v), Bytes(lido));
+  }
+}
+
+TEST_F(Registro, CadeiasDoRastro) {
+  ASSERT_EQ(Abre(), codigos::kOk);
+  Acrescenta(VeiculoCompleto());
+  apoio::ColetorRastro rastro;
+  tagREG_VEICULOPS v;
+  EXPECT_EQ(Le(0, &v), codigos::kPosicaoZero);
+  EXPECT_EQ(rastro.Toma(),
+            (std::vector<std::string>{
+                "CQZFile<struct RegVeiculo>::Le|QZFile.h|((HRESULT)0x810809D9L)",
+                "CBaseVeiculos::LePonteiros|BaseVeiculos.cpp|m_pDataBase->m_Veiculos.Le(Ponteiros[idx], &RegVei)"}));
+  LONG lPos = 7;
+  EXPECT_EQ(m_base.Grava(&lPos, v), codigos::kGravacaoAlemDoFim);
+  EXPECT_EQ(rastro.Toma(),
+            (std::vector<std::string>{
+                "CQZFile<struct RegVeiculo>::GravaColecao|QZFile.h|((HRESULT)0x810809DBL)",
+                "CQZFile<struct RegVeiculo>::Grava|QZFile.h|GravaColecao(uiPosicao, aRegistros)",
+                "CBaseVeiculos::Grava|BaseVeiculos.cpp|m_pDataBase->m_Veiculos.Grava(uiPosicao, RegVei)"}));
+  EXPECT_EQ(m_base.Inicializa("", 7, 42), codigos::kSemEmpresa);
+  EXPECT_EQ(rastro.Toma(),
+            (std::vector<std::string>{"CQZDataBaseFacade<class CQZDataBase_Veiculos,class CQZBaseParaRotinas>::"
+                                      "QZDataBaseInicializa|QZDataBaseFacade.h|((HRESULT)0x810809CFL)",
+                                      "CBaseVeiculos::OnInicializa|BaseVeiculos.cpp|QZDataBaseInicializa()"}));
+}
+
+TEST_F(Registro, VariosRegistrosDaMesmaEmpresaAoMesmoTempo) {
+  constexpr int kThreads = 6;
+  constexpr int kPorThread = 100;
+  std::atomic<int> falhas{0};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&, t] {
+      CBaseVeiculos base;
+      falhas += Falhou(base.Inicializa(m_empresa.Codigo(), 1, t));
+      for (int i = 0; i < kPorThread; ++i) {
+        const std::string codigo = std::to_string(t) + "-" + std::to_string(i);
+        LONG lPos = 0;
+        std::uint32_t iAchado = 0;
+        tagREG_VEICULOPS v;
+        falhas += Falhou(base.Grava(&lPos, Veiculo(codigo)));
+        falhas += Falhou(base.Existe(codigo.c_str(), &iAchado, &v)) || static_cast<LONG>(iAchado) != lPos;
+      }
+    });
+  }
+  for (std::thread &thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(falhas, 0);
+  ASSERT_EQ(Abre(), codigos::kOk);
+  EXPECT_EQ(Busca({}).size(), std::size_t{kThreads * kPorThread});
+}
+
+}  // namespace

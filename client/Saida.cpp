@@ -1,0 +1,160 @@
+#include "client/Saida.h"
+
+#include <io.h>
+
+#include <algorithm>
+#include <array>
+
+#include "client/Campos.h"
+#include "client/Codificacao.h"
+
+namespace {
+
+constexpr UINT kPaginaTextos = 1252;
+
+struct CColunaLista {
+  std::string_view sNome;  // of CamposVeiculo; also the title
+  std::size_t uiLargura;
+  bool bADireita;
+};
+
+constexpr std::size_t kLarguraPosicao = 8;
+constexpr std::array kColunasLista{
+    CColunaLista{"codigo", 13, false}, CColunaLista{"placa", 9, false},     CColunaLista{"uf", 3, false},
+    CColunaLista{"ano", 4, true},      CColunaLista{"tara", 10, true},      CColunaLista{"kg", 10, true},
+    CColunaLista{"m3", 8, true},       CColunaLista{"descricao", 0, false},
+};
+
+struct CRotulo {
+  std::string_view sNome;    // of CamposVeiculo
+  std::string_view sRotulo;  // UTF-8
+};
+
+constexpr std::size_t kLarguraRotulo = 20;
+constexpr std::array kRotulos{
+    CRotulo{"codigo", "Código"},
+    CRotulo{"placa", "Placa"},
+    CRotulo{"uf", "UF"},
+    CRotulo{"descricao", "Descrição"},
+    CRotulo{"ano", "Ano"},
+    CRotulo{"antt", "Código ANTT"},
+    CRotulo{"carroceria", "Tipo de carroceria"},
+    CRotulo{"rodado", "Tipo de rodado"},
+    CRotulo{"tipo", "Tipo de veículo"},
+    CRotulo{"tara", "Tara (kg)"},
+    CRotulo{"kg", "Capacidade (kg)"},
+    CRotulo{"m3", "Capacidade (m³)"},
+    CRotulo{"renavam", "RENAVAM"},
+    CRotulo{"cliente", "Cliente"},
+    CRotulo{"transporte", "Tipo de transporte"},
+};
+
+std::string Ajusta(std::string sTexto, std::size_t uiLargura, bool bADireita) {
+  const std::string sBrancos(uiLargura > sTexto.size() ? uiLargura - sTexto.size() : 0, ' ');
+  return bADireita ? sBrancos + sTexto : sTexto + sBrancos;
+}
+
+// A record may hold any byte; control characters would break the lines or drive the terminal.
+std::string Visivel(std::string sTexto) {
+  std::replace_if(
+      sTexto.begin(), sTexto.end(),
+      [](char c) {
+        const auto uiByte = static_cast<unsigned char>(c);
+        return uiByte < 0x20 || uiByte == 0x7F;
+      },
+      '.');
+  return sTexto;
+}
+
+std::string LinhaFicha(std::string_view sRotuloUtf8, const std::string &sValor) {
+  const std::string sRotulo = De8Para1252(sRotuloUtf8).value() + " ";
+  return sRotulo + std::string(kLarguraRotulo - sRotulo.size(), '.') + ": " + sValor + "\n";
+}
+
+std::string CampoCsv(const std::string &sTexto) {
+  if (sTexto.find_first_of(";\"\r\n") == std::string::npos) {
+    return sTexto;
+  }
+  std::string sAspas = "\"";
+  for (const char c : sTexto) {
+    sAspas += c == '"' ? "\"\"" : std::string(1, c);
+  }
+  return sAspas + '"';
+}
+
+template <typename F>
+std::string LinhaDaLista(std::string sPosicao, F TextoDaColuna) {
+  std::string sLinha = Ajusta(std::move(sPosicao), kLarguraPosicao, true);
+  for (const CColunaLista &coluna : kColunasLista) {
+    sLinha += "  " + Ajusta(TextoDaColuna(coluna.sNome), coluna.uiLargura, coluna.bADireita);
+  }
+  return sLinha + "\n";
+}
+
+}  // namespace
+
+bool EhConsole(std::FILE *pArquivo) {
+  DWORD uiModo = 0;
+  return GetConsoleMode(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(pArquivo))), &uiModo) != 0;
+}
+
+CPaginaConsole::CPaginaConsole() {
+  if (EhConsole(stdout) || EhConsole(stderr)) {
+    m_uiAnterior = GetConsoleOutputCP();
+    SetConsoleOutputCP(kPaginaTextos);
+  }
+}
+
+CPaginaConsole::~CPaginaConsole() {
+  if (m_uiAnterior != 0) {
+    std::fflush(stdout);
+    SetConsoleOutputCP(m_uiAnterior);
+  }
+}
+
+void Escreve(std::string_view sTexto) {
+  std::fwrite(sTexto.data(), 1, sTexto.size(), stdout);
+}
+
+void EscreveErro(std::string_view sTexto) {
+  // What was written before the failure is shown before it.
+  std::fflush(stdout);
+  std::fwrite(sTexto.data(), 1, sTexto.size(), stderr);
+}
+
+std::string FichaVeiculo(std::int32_t lPosicao, const tagREG_VEICULOPS &veiculo) {
+  std::string sFicha = LinhaFicha("Posição", std::to_string(lPosicao));
+  for (const CRotulo &rotulo : kRotulos) {
+    const CCampo &campo = *ProcuraCampo(CamposVeiculo(), rotulo.sNome);
+    sFicha += LinhaFicha(rotulo.sRotulo, Visivel(TextoCampo(campo, &veiculo)));
+  }
+  return sFicha;
+}
+
+std::string TituloLista() {
+  return LinhaDaLista("posicao", [](std::string_view sNome) { return std::string(sNome); });
+}
+
+std::string LinhaLista(std::int32_t lPosicao, const tagREG_VEICULOPS &veiculo) {
+  return LinhaDaLista(std::to_string(lPosicao), [&](std::string_view sNome) {
+    return Visivel(TextoCampo(*ProcuraCampo(CamposVeiculo(), sNome), &veiculo));
+  });
+}
+
+std::string TituloCsv() {
+  std::string sLinha = "posicao";
+  for (const CCampo &campo : CamposVeiculo()) {
+    sLinha += ';';
+    sLinha += campo.sNome;
+  }
+  return sLinha + "\n";
+}
+
+std::string LinhaCsv(std::int32_t lPosicao, const tagREG_VEICULOPS &veiculo) {
+  std::string sLinha = std::to_string(lPosicao);
+  for (const CCampo &campo : CamposVeiculo()) {
+    sLinha += ';';
+    sLinha += CampoCsv(TextoCampo(campo, &veiculo));
+  }
+  return sLinha + "\n";
+}

@@ -1,0 +1,157 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "client/Argumentos.h"
+#include "client/BarraProgresso.h"
+#include "client/Comandos.h"
+#include "client/QZVeiculosTextos.h"
+
+namespace {
+
+using CTextos = std::vector<std::string>;
+
+CArgumentos Le(CTextos aTextos) {
+  aTextos.insert(aTextos.begin(), {"--empresa", "0001"});
+  return CArgumentos(aTextos, ComandosConhecidos());
+}
+
+tagREG_FILTRO_VEICULOSPS Filtro(const CTextos &aOpcoes) {
+  CTextos aTextos{"busca"};
+  aTextos.insert(aTextos.end(), aOpcoes.begin(), aOpcoes.end());
+  return FiltroDeArgumentos(Le(aTextos));
+}
+
+// The text of the usage error, empty when there is none.
+template <typename F>
+std::string ErroUso(F Executa) {
+  try {
+    Executa();
+  } catch (const CErroUso &erro) {
+    return erro.what();
+  }
+  return "";
+}
+
+TEST(Argumentos, OptionsAndValuesInAnyOrder) {
+  const CTextos aTextos{"le", "3", "--csv", "--sessao=7", "--empresa", "0001", "--", "--csv"};
+  const CArgumentos argumentos(aTextos, ComandosConhecidos());
+  EXPECT_EQ(argumentos.Comando().sNome, "le");
+  EXPECT_EQ(argumentos.Valores(), (CTextos{"3", "--csv"}));
+  EXPECT_TRUE(argumentos.Tem("csv"));
+  EXPECT_EQ(argumentos.Sessao(), 7);
+  EXPECT_EQ(argumentos.Usuario(), 1);
+}
+
+TEST(Argumentos, WrongUsageNamesTheOption) {
+  const struct {
+    CTextos aTextos;
+    const char *pTrecho;
+  } aCasos[] = {
+      {{}, "falta o comando"},
+      {{"apaga"}, "apaga"},
+      {{"busca", "--cor", "azul"}, "--cor"},
+      {{"le", "1", "--placa", "X"}, "--placa"},
+      {{"busca", "--placa"}, "--placa: falta"},
+      {{"busca", "--csv=1"}, "--csv: "},
+      {{"busca", "--uf", "SP", "--uf", "RJ"}, "--uf: "},
+      {{"busca", "1"}, "valor a mais"},
+      {{"le"}, "faltam valores"},
+      {{"existe", "A", "B"}, "valor a mais"},
+  };
+  for (const auto &caso : aCasos) {
+    const std::string sErro = ErroUso([&] { Le(caso.aTextos); });
+    EXPECT_NE(sErro.find(caso.pTrecho), std::string::npos) << caso.pTrecho << " / " << sErro;
+  }
+  EXPECT_NE(ErroUso([] { CArgumentos(CTextos{"conta"}, ComandosConhecidos()); }).find("--empresa"), std::string::npos);
+  EXPECT_NE(ErroUso([] { Le({"conta", "--usuario", "65536"}).Usuario(); }).find("--usuario"), std::string::npos);
+  EXPECT_EQ(Le({"conta", "--usuario", "65535"}).Usuario(), 65535);
+}
+
+TEST(Argumentos, CharactersOutsideWindows1252) {
+  const std::vector<std::wstring> aBons{L"--descricao", L"ba\u00FA \u20AC"};
+  EXPECT_EQ(TextosDaLinhaDeComando(aBons), (CTextos{"--descricao", "ba\xFA \x80"}));
+  const struct {
+    std::vector<std::wstring> aPalavras;
+    const char *pTrecho;
+  } aCasos[] = {{{L"grava", L"--placa", L"\u65E5"}, "--placa: "},
+                {{L"--uf=\u0101"}, "--uf: "},
+                {{L"existe", L"\u65E5"}, "argumento 2: "}};
+  for (const auto &caso : aCasos) {
+    const std::string sErro = ErroUso([&] { TextosDaLinhaDeComando(caso.aPalavras); });
+    EXPECT_EQ(sErro.find(caso.pTrecho), 0U) << sErro;
+  }
+}
+
+TEST(Filtro, MasksFromLists) {
+  const struct {
+    const char *pOpcao;
+    const char *pLista;
+    unsigned uiMascara;  // 0: refused
+  } aCasos[] = {
+      {"--carrocerias", "0", 0x01},
+      {"--carrocerias", "0,2", 0x05},
+      {"--carrocerias", "5,5,0", 0x21},
+      {"--carrocerias", "6", 0},
+      {"--rodados", "1", 0x01},
+      {"--rodados", "1,3,6", 0x25},
+      {"--rodados", "0", 0},
+      {"--rodados", "7", 0},
+      {"--tipos", "0,1", 0x03},
+      {"--tipos", "1", 0x02},
+      {"--tipos", "2", 0},
+      {"--transportes", "1", 0x02},
+      {"--transportes", "0,", 0},
+      {"--carrocerias", "", 0},
+      {"--carrocerias", "0;2", 0},
+  };
+  for (const auto &caso : aCasos) {
+    tagREG_FILTRO_VEICULOSPS filtro{};
+    const std::string sErro = ErroUso([&] { filtro = Filtro({caso.pOpcao, caso.pLista}); });
+    EXPECT_EQ(sErro.empty(), caso.uiMascara != 0) << caso.pOpcao << " " << caso.pLista << " " << sErro;
+    const std::string sOpcao = caso.pOpcao;
+    const unsigned uiMascara = sOpcao == "--carrocerias" ? filtro.iTipoCarroceria
+                               : sOpcao == "--rodados"   ? filtro.iTipoRodado
+                               : sOpcao == "--tipos"     ? filtro.iTipoVeiculo
+                                                         : filtro.iTipoTransporte;
+    EXPECT_EQ(uiMascara, caso.uiMascara) << caso.pOpcao << " " << caso.pLista;
+  }
+}
+
+TEST(Filtro, RangesAndTextsReachTheirFields) {
+  const auto filtro =
+      Filtro({"--tara-min", "1", "--tara-max", "2", "--kg-min",  "3", "--kg-max",  "4",  "--m3-min",    "5",
+              "--m3-max",   "6", "--ano-min",  "7", "--ano-max", "8", "--cliente", "9",  "--descricao", "D*",
+              "--antt",     "A", "--codigo",   "C", "--renavam", "R", "--placa",   "P?", "--uf",        "SP"});
+  tagREG_FILTRO_VEICULOSPS esperado{10000, 20000, 30000, 40000, 50000, 60000, 7, 8, 9,  "D*", "A",
+                                    "C",   "R",   "P?",  "SP",  0,     0,     0, 0, {}, 0,    {}};
+  EXPECT_EQ(std::memcmp(&filtro, &esperado, sizeof filtro), 0);
+  EXPECT_NE(ErroUso([] { Filtro({"--tara-min", "-1"}); }).find("--tara-min: "), std::string::npos);
+}
+
+TEST(Campos, OnlyTheOptionsGivenChangeTheVehicle) {
+  tagREG_VEICULOPS veiculo{};
+  EXPECT_FALSE(AplicaCampos(Le({"grava", "--posicao", "3"}), veiculo));
+  ASSERT_TRUE(AplicaCampos(Le({"grava", "--placa", "ABC1D23", "--tara", "7500,25", "--cliente", "12"}), veiculo));
+  ASSERT_TRUE(AplicaCampos(Le({"grava", "--ano=2024", "--placa="}), veiculo));
+  EXPECT_EQ(LeCampo(veiculo.szPlaca), "");
+  EXPECT_EQ(veiculo.vTara, 75002500);
+  EXPECT_EQ(veiculo.iPonteiroCliente, 12);
+  EXPECT_EQ(veiculo.iAno, 2024U);
+  const std::string sErro = ErroUso([&] { AplicaCampos(Le({"grava", "--cliente", "65536"}), veiculo); });
+  EXPECT_NE(sErro.find("--cliente: "), std::string::npos);
+  EXPECT_EQ(veiculo.iPonteiroCliente, 12);
+}
+
+TEST(Progresso, LineOfFixedWidth) {
+  const std::string sMeio = "[" + std::string(25, '#') + std::string(25, ' ') + "]  50%";
+  EXPECT_EQ(LinhaProgresso(5, 10), sMeio);
+  for (const auto &[uiFeito, uiTotal] : std::vector<std::pair<std::size_t, std::size_t>>{{10, 10}, {11, 10}, {0, 0}}) {
+    EXPECT_EQ(LinhaProgresso(uiFeito, uiTotal), "[" + std::string(50, '#') + "] 100%");
+  }
+  EXPECT_EQ(LinhaProgresso(0, 10).size(), sMeio.size());
+}
+
+}  // namespace

@@ -1,0 +1,90 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <limits>
+
+#include "client/QZVeiculosMoeda.h"
+#include "client/QZVeiculosTextos.h"
+
+namespace {
+
+TEST(TextoParametro, TwoZeroBytesAtAnEvenOffsetBehindTheText) {
+  for (const std::string sTexto : {"", "1", "0001", "00012", "A\xE3O", "\xFF\xFF"}) {
+    CQZTextoParametro parametro(sTexto);
+    const char *const pBytes = reinterpret_cast<const char *>(parametro.Get());
+    EXPECT_EQ(sTexto, pBytes);
+    // What the marshaller copies, wide characters up to the zero one, holds the whole text and stays inside the buffer.
+    const std::size_t uiCopiados = std::wcslen(parametro.Get()) * 2;
+    EXPECT_GE(uiCopiados, sTexto.size()) << sTexto;
+    EXPECT_EQ(parametro.TamanhoEmBytes(), uiCopiados + 2) << sTexto;
+  }
+}
+
+TEST(Campo, FillsWithoutTerminatorAndNeverCuts) {
+  char aCampo[6];
+  const std::string sSentinela = "xxxxxx";
+  const auto copia = [&](std::string_view sTexto) {
+    std::memcpy(aCampo, sSentinela.data(), sizeof aCampo);
+    return CopiaCampo(aCampo, 5, sTexto);
+  };
+  ASSERT_TRUE(copia("ABCDE"));
+  EXPECT_EQ(std::string(aCampo, 6), "ABCDEx");  // not a byte behind the field
+  EXPECT_EQ(LeCampo(aCampo, 5), "ABCDE");
+  ASSERT_TRUE(copia("AB"));
+  EXPECT_EQ(std::string(aCampo, 6), std::string("AB\0\0\0x", 6));
+  EXPECT_EQ(LeCampo(aCampo, 5), "AB");
+  ASSERT_TRUE(copia(""));
+  EXPECT_EQ(LeCampo(aCampo, 5), "");
+  for (const std::string_view sRuim : {std::string_view("ABCDEF"), std::string_view("A\0B", 3)}) {
+    EXPECT_FALSE(copia(sRuim));
+    EXPECT_EQ(std::string(aCampo, 6), sSentinela);
+  }
+  EXPECT_THROW(PreencheCampo(aCampo, "1234567"), CQZErroVeiculos);
+}
+
+TEST(Moeda, Table) {
+  constexpr auto kMaior = std::numeric_limits<std::int64_t>::max();
+  constexpr auto kMenor = std::numeric_limits<std::int64_t>::min();
+  const struct {
+    const char *pTexto;
+    std::int64_t vValor;
+    const char *pVolta;
+  } aBons[] = {
+      {"0", 0, "0"},
+      {"1234,5", 12345000, "1234,5"},
+      {"1234.5", 12345000, "1234,5"},
+      {"0,0001", 1, "0,0001"},
+      {"-0,0001", -1, "-0,0001"},
+      {"007,1000", 71000, "7,1"},
+      {"10,0500", 100500, "10,05"},
+      {"922337203685477,5807", kMaior, "922337203685477,5807"},
+      {"-922337203685477,5808", kMenor, "-922337203685477,5808"},
+  };
+  for (const auto &caso : aBons) {
+    std::int64_t vValor = 77;
+    EXPECT_TRUE(MoedaDeTexto(caso.pTexto, vValor)) << caso.pTexto;
+    EXPECT_EQ(vValor, caso.vValor) << caso.pTexto;
+    EXPECT_EQ(TextoDeMoeda(caso.vValor), caso.pVolta);
+  }
+  for (const char *const pRuim :
+       {"", "-", ",5", "5,", "1,23456", "1.234,5", "1,2,3", "1 2", "+1", "--1", "1e3", "922337203685477,5808",
+        "-922337203685477,5809", "922337203685478", "99999999999999999999"}) {
+    std::int64_t vValor = 77;
+    EXPECT_FALSE(MoedaDeTexto(pRuim, vValor)) << pRuim;
+    EXPECT_EQ(vValor, 77) << pRuim;
+  }
+}
+
+TEST(Erro, CodeAndText) {
+  EXPECT_STREQ(CQZErroVeiculos(static_cast<HRESULT>(0x810809DA)).what(),
+               "0x810809DA: posi\347\343o al\351m do \372ltimo registro");
+  EXPECT_EQ(DescricaoErroVeiculos(static_cast<HRESULT>(0x80040005)), "erro 5 do sistema operacional no servidor");
+  const auto sMaquina = DescricaoErroVeiculos(static_cast<HRESULT>(0x8004EAC5));
+  EXPECT_EQ(DescricaoErroVeiculos(static_cast<HRESULT>(0x8004EE47)), sMaquina);
+  for (const unsigned uiVizinho : {0x8004EAC4U, 0x8004EADCU, 0x8004EE46U}) {
+    EXPECT_FALSE(EhFalhaDeMaquina(static_cast<HRESULT>(uiVizinho)));
+    EXPECT_NE(DescricaoErroVeiculos(static_cast<HRESULT>(uiVizinho)), sMaquina);
+  }
+}
+
+}  // namespace

@@ -1,6 +1,7 @@
 #ifndef KALVO_CORE_PLATFORM_PLATAFORMA_H
 #define KALVO_CORE_PLATFORM_PLATAFORMA_H
 
+#include "core/platform/Bibliotecas.h"
 #include "core/platform/Registro.h"
 #include "core/platform/Relogio.h"
 #include "core/platform/SistemaArquivos.h"
@@ -13,6 +14,7 @@ struct Servicos {
   ISistemaArquivos *arquivos;
   IRegistro *registro;
   IRelogio *relogio;
+  IBibliotecas *bibliotecas;
 };
 
 /// The operating system's own services; valid for the life of the process.
@@ -30,6 +32,9 @@ inline ISistemaArquivos &Arquivos() {
 }
 inline IRegistro &Registro() {
   return *ServicosEmVigor().registro;
+}
+inline IBibliotecas &Bibliotecas() {
+  return *ServicosEmVigor().bibliotecas;
 }
 inline IRelogio &Relogio() {
   return *ServicosEmVigor().relogio;

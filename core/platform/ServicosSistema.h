@@ -1,6 +1,7 @@
 #ifndef KALVO_CORE_PLATFORM_SERVICOSSISTEMA_H
 #define KALVO_CORE_PLATFORM_SERVICOSSISTEMA_H
 
+#include "core/platform/Bibliotecas.h"
 #include "core/platform/Registro.h"
 #include "core/platform/Relogio.h"
 #include "core/platform/SistemaArquivos.h"
@@ -14,6 +15,7 @@ namespace plataforma {
 ISistemaArquivos &ArquivosDoSistema();
 IRegistro &RegistroDoSistema();
 IRelogio &RelogioDoSistema();
+IBibliotecas &BibliotecasDoSistema();
 
 }  // namespace plataforma
 

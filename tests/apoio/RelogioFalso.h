@@ -26,6 +26,20 @@ public:
     }
   }
 
+  std::uint32_t Ticks() override { return m_ticks; }
+  plataforma::CamposData HoraLocal() override { return m_horaLocal; }
+  bool LocalParaUtc(std::uint64_t local, std::uint64_t *utc, std::uint32_t *erroSO) override {
+    *erroSO = 87;
+    *utc = local + m_deslocamentoUtc;
+    return m_bLocalParaUtc;
+  }
+
+  /// What the clock shows; to be set while no other thread uses it.
+  std::uint32_t m_ticks = 1000;
+  plataforma::CamposData m_horaLocal{2025, 11, 5, 21, 9, 5, 7, 42};
+  std::uint64_t m_deslocamentoUtc = std::uint64_t{3} * 3600 * 10000000;
+  bool m_bLocalParaUtc = true;
+
   /// The waits asked for so far, oldest first.
   std::vector<std::uint32_t> Esperas() const {
     const std::lock_guard<std::mutex> guarda(m_mutex);

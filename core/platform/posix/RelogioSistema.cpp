@@ -1,10 +1,14 @@
 #include <chrono>
+#include <ctime>
 #include <thread>
 
 #include "core/platform/ServicosSistema.h"
 
 namespace plataforma {
 namespace {
+
+constexpr std::uint64_t kTicksPorSegundo = 10000000;
+constexpr std::uint32_t kErroParametroInvalido = 87;
 
 class RelogioSistema final : public IRelogio {
 public:
@@ -14,6 +18,35 @@ public:
     } else {
       std::this_thread::sleep_for(std::chrono::milliseconds(milissegundos));
     }
+  }
+
+  std::uint32_t Ticks() override {
+    const auto desde = std::chrono::steady_clock::now().time_since_epoch();
+    return static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(desde).count());
+  }
+
+  CamposData HoraLocal() override {
+    timespec agora{};
+    clock_gettime(CLOCK_REALTIME, &agora);
+    tm campos{};
+    localtime_r(&agora.tv_sec, &campos);
+    const auto u16 = [](long valor) { return static_cast<std::uint16_t>(valor); };
+    return {u16(campos.tm_year + 1900), u16(campos.tm_mon + 1), u16(campos.tm_wday), u16(campos.tm_mday),
+            u16(campos.tm_hour),        u16(campos.tm_min),     u16(campos.tm_sec),  u16(agora.tv_nsec / 1000000)};
+  }
+
+  bool LocalParaUtc(std::uint64_t local, std::uint64_t *utc, std::uint32_t *erroSO) override {
+    const std::time_t agora = std::time(nullptr);
+    tm campos{};
+    localtime_r(&agora, &campos);
+    const std::int64_t deslocamento = campos.tm_gmtoff * static_cast<std::int64_t>(kTicksPorSegundo);
+    const auto destino = static_cast<std::int64_t>(local) - deslocamento;
+    if (static_cast<std::int64_t>(local) < 0 || destino < 0) {
+      *erroSO = kErroParametroInvalido;
+      return false;
+    }
+    *utc = static_cast<std::uint64_t>(destino);
+    return true;
   }
 };
 

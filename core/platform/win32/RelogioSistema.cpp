@@ -8,6 +8,26 @@ namespace {
 class RelogioSistema final : public IRelogio {
 public:
   void Espera(std::uint32_t milissegundos) override { ::Sleep(milissegundos); }
+
+  std::uint32_t Ticks() override { return ::GetTickCount(); }
+
+  CamposData HoraLocal() override {
+    SYSTEMTIME agora{};
+    ::GetLocalTime(&agora);
+    return {agora.wYear, agora.wMonth,  agora.wDayOfWeek, agora.wDay,
+            agora.wHour, agora.wMinute, agora.wSecond,    agora.wMilliseconds};
+  }
+
+  bool LocalParaUtc(std::uint64_t local, std::uint64_t *utc, std::uint32_t *erroSO) override {
+    const FILETIME origem{static_cast<DWORD>(local), static_cast<DWORD>(local >> 32)};
+    FILETIME destino{};
+    if (::LocalFileTimeToFileTime(&origem, &destino) == 0) {
+      *erroSO = ::GetLastError();
+      return false;
+    }
+    *utc = (std::uint64_t{destino.dwHighDateTime} << 32) | destino.dwLowDateTime;
+    return true;
+  }
 };
 
 }  // namespace

@@ -61,8 +61,12 @@ DWORD CriacaoWin32(Criacao criacao) {
 
 class ArquivoAberto final : public IArquivoAberto {
 public:
-  explicit ArquivoAberto(HANDLE hArquivo) : m_hArquivo(hArquivo) {}
-  ~ArquivoAberto() override { ::CloseHandle(m_hArquivo); }
+  ArquivoAberto() = default;
+  ~ArquivoAberto() override {
+    if (m_hArquivo != INVALID_HANDLE_VALUE) {
+      ::CloseHandle(m_hArquivo);
+    }
+  }
   ArquivoAberto(const ArquivoAberto &) = delete;
   ArquivoAberto &operator=(const ArquivoAberto &) = delete;
 
@@ -130,8 +134,11 @@ public:
 
   FalhaArquivo Descarrega() override { return ::FlushFileBuffers(m_hArquivo) ? kSemFalha : UltimaFalha(); }
 
+  /// Owns an open handle from here on.
+  void Assume(HANDLE hArquivo) { m_hArquivo = hArquivo; }
+
 private:
-  HANDLE m_hArquivo;
+  HANDLE m_hArquivo = INVALID_HANDLE_VALUE;
 };
 
 /// Attributes of a path; false when it is missing or a directory, with the reason as last error.
@@ -148,13 +155,16 @@ public:
   FalhaArquivo Abre(const CString &caminho, const ModoAbertura &modo,
                     std::unique_ptr<IArquivoAberto> *arquivo) override {
     arquivo->reset();
+    // Before the file is opened: a handle left without an owner for want of memory would keep the file locked.
+    auto aberto = std::make_unique<ArquivoAberto>();
     const HANDLE hArquivo =
         ::CreateFileA(caminho.c_str(), AcessoWin32(modo.acesso), CompartilhamentoWin32(modo.compartilhamento), nullptr,
                       CriacaoWin32(modo.criacao), FILE_ATTRIBUTE_NORMAL, nullptr);
     if (hArquivo == INVALID_HANDLE_VALUE) {
       return UltimaFalha();
     }
-    *arquivo = std::make_unique<ArquivoAberto>(hArquivo);
+    aberto->Assume(hArquivo);
+    *arquivo = std::move(aberto);
     return kSemFalha;
   }
 

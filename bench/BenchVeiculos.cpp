@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "bench/Amostra.h"
 #include "bench/ComparacaoSqlite.h"
@@ -73,6 +74,7 @@ Base &BaseUnica() {
 
 void Busca(benchmark::State &estado, const tagREG_FILTRO_VEICULOSPS &filtro) {
   std::uint32_t iAchados = 0;
+  BaseUnica();
   for (auto _ : estado) {
     tagRESULTADO_BUSCA_VEICULOS resultado;
     Exige(BaseUnica().Registro().BuscaPonteiros(filtro, &resultado), "BuscaPonteiros");
@@ -121,6 +123,7 @@ BENCHMARK_CAPTURE(Sqlite, Curinga, "select pos from veiculo where descricao like
 BENCHMARK_CAPTURE(Sqlite, Todos, "select pos from veiculo")->Unit(benchmark::kMillisecond);
 
 void LePorPosicao(benchmark::State &estado) {
+  BaseUnica();
   std::uint32_t n = 1;
   tagREG_VEICULOPS veiculo;
   for (auto _ : estado) {
@@ -133,6 +136,7 @@ void LePorPosicao(benchmark::State &estado) {
 BENCHMARK(LePorPosicao);
 
 void GravaPorPosicao(benchmark::State &estado) {
+  BaseUnica();
   std::uint32_t n = 1;
   tagREG_VEICULOPS veiculo{};
   for (auto _ : estado) {
@@ -148,8 +152,9 @@ void GravacaoSolta(benchmark::State &estado) {
   using namespace plataforma;
   std::unique_ptr<IArquivoAberto> arquivo;
   const ModoAbertura modo{Acesso::LeituraEscrita, Compartilhamento::Exclusivo, Criacao::CriaVazio};
+  const std::vector<RegVeiculo> registros(kRegistrosAmostra, VeiculoDaAmostra(1));
   if (Arquivos().Abre(BaseUnica().CaminhoSolto(), modo, &arquivo) ||
-      arquivo->AjustaTamanho(std::uint64_t{kRegistrosAmostra} * sizeof(RegVeiculo))) {
+      arquivo->Grava(0, registros.data(), registros.size() * sizeof(RegVeiculo))) {
     estado.SkipWithError("open");
     return;
   }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 #include "core/platform/Textos.h"
 
@@ -10,10 +11,6 @@ namespace {
 std::size_t TamanhoTexto(const char *lpCampo, std::size_t uiLargura) {
   const void *fim = std::memchr(lpCampo, '\0', uiLargura);
   return fim == nullptr ? uiLargura : static_cast<std::size_t>(static_cast<const char *>(fim) - lpCampo);
-}
-
-bool ForaDaFaixa(std::int64_t v, std::int64_t vInicial, std::int64_t vFinal) {
-  return (vInicial > 0 && v < vInicial) || (vFinal > 0 && v > vFinal);
 }
 
 /// A kind of 0 needs bit 0, any other kind bit 1.
@@ -29,8 +26,18 @@ bool AtendeMascaraFaixa(std::uint8_t iTipo, std::uint8_t iMascara, unsigned iPri
   return ((iMascara >> (iTipo - iPrimeiro)) & 1U) != 0;
 }
 
+constexpr std::array<char, 256> MontaMaiusculas() {
+  std::array<char, 256> tabela{};
+  for (std::size_t i = 0; i < tabela.size(); ++i) {
+    tabela[i] = static_cast<char>(i >= 'a' && i <= 'z' ? i - 'a' + 'A' : i);
+  }
+  return tabela;
+}
+
+constexpr std::array<char, 256> kMaiusculas = MontaMaiusculas();
+
 char Maiuscula7Bits(char c) {
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  return kMaiusculas[static_cast<unsigned char>(c)];
 }
 
 bool EhLetraOuDigito(char c) {
@@ -73,18 +80,40 @@ bool CasaPadraoSimples(const char *lpTexto, std::size_t uiTexto, const char *lpP
   return p == uiPadrao;
 }
 
-CFiltroVeiculos::CFiltroVeiculos(const tagREG_FILTRO_VEICULOSPS &Filtro) : m_Filtro(Filtro) {
+/// A bound of zero or below is none.
+CFiltroVeiculos::FaixaMoeda CFiltroVeiculos::Faixa(std::int64_t vInicial, std::int64_t vFinal) {
+  return {vInicial > 0 ? vInicial : std::numeric_limits<std::int64_t>::min(),
+          vFinal > 0 ? vFinal : std::numeric_limits<std::int64_t>::max()};
+}
+
+CFiltroVeiculos::CFiltroVeiculos(const tagREG_FILTRO_VEICULOSPS &Filtro)
+    : m_Filtro(Filtro),
+      m_tara(Faixa(Filtro.vTaraInicial, Filtro.vTaraFinal)),
+      m_kg(Faixa(Filtro.vCapacidadeKgInicial, Filtro.vCapacidadeKgFinal)),
+      m_m3(Faixa(Filtro.vCapacidadeM3Inicial, Filtro.vCapacidadeM3Final)),
+      m_iAnoInicial(Filtro.iAnoInicial),
+      m_iAnoFinal(Filtro.iAnoFinal != 0 ? Filtro.iAnoFinal : std::numeric_limits<std::uint32_t>::max()) {
+  m_bMoedas = Filtro.vTaraInicial > 0 || Filtro.vTaraFinal > 0 || Filtro.vCapacidadeKgInicial > 0 ||
+              Filtro.vCapacidadeKgFinal > 0 || Filtro.vCapacidadeM3Inicial > 0 || Filtro.vCapacidadeM3Final > 0;
+  m_bFaixas = m_bMoedas || Filtro.iAnoInicial != 0 || Filtro.iAnoFinal != 0 || Filtro.iPonteiroCliente != 0;
+  CompilaTextos();
+  m_bTextosOuMascaras = m_uiTextos > 0 || Filtro.iTipoCarroceria != 0 || Filtro.iTipoRodado != 0 ||
+                        Filtro.iTipoVeiculo != 0 || Filtro.iTipoTransporte != 0;
+}
+
+/// Keeps the text criteria up to the first pattern, which decides alone.
+void CFiltroVeiculos::CompilaTextos() {
   struct Campo {
     const char *lpTexto;
     std::size_t uiDeslocamento;
     std::size_t uiLargura;
   };
   const Campo campos[] = {
-      {Filtro.szDescricao, offsetof(RegVeiculo, szDescricao), sizeof(Filtro.szDescricao)},
-      {Filtro.szCodigoANTT, offsetof(RegVeiculo, szCodigoANTT), sizeof(Filtro.szCodigoANTT)},
-      {Filtro.szCodigo, offsetof(RegVeiculo, szCodigo), sizeof(Filtro.szCodigo)},
-      {Filtro.szRENAVAM, offsetof(RegVeiculo, szRENAVAM), sizeof(Filtro.szRENAVAM)},
-      {Filtro.szPlaca, offsetof(RegVeiculo, szPlaca), sizeof(Filtro.szPlaca)},
+      {m_Filtro.szDescricao, offsetof(RegVeiculo, szDescricao), sizeof(m_Filtro.szDescricao)},
+      {m_Filtro.szCodigoANTT, offsetof(RegVeiculo, szCodigoANTT), sizeof(m_Filtro.szCodigoANTT)},
+      {m_Filtro.szCodigo, offsetof(RegVeiculo, szCodigo), sizeof(m_Filtro.szCodigo)},
+      {m_Filtro.szRENAVAM, offsetof(RegVeiculo, szRENAVAM), sizeof(m_Filtro.szRENAVAM)},
+      {m_Filtro.szPlaca, offsetof(RegVeiculo, szPlaca), sizeof(m_Filtro.szPlaca)},
   };
   for (const Campo &campo : campos) {
     if (AcrescentaTexto(campo.lpTexto, campo.uiDeslocamento, campo.uiLargura)) {
@@ -96,7 +125,7 @@ CFiltroVeiculos::CFiltroVeiculos(const tagREG_FILTRO_VEICULOSPS &Filtro) : m_Fil
       }
     }
   }
-  AcrescentaTexto(Filtro.szUF, offsetof(RegVeiculo, szUF), sizeof(Filtro.szUF));
+  AcrescentaTexto(m_Filtro.szUF, offsetof(RegVeiculo, szUF), sizeof(m_Filtro.szUF));
 }
 
 /// Adds a text criterion; an empty text is none and gives false.
@@ -114,10 +143,7 @@ bool CFiltroVeiculos::AcrescentaTexto(const char *lpTexto, std::size_t uiDesloca
   return true;
 }
 
-bool CFiltroVeiculos::Atende(const RegVeiculo &reg) const {
-  if (!AtendeFaixas(reg)) {
-    return false;
-  }
+bool CFiltroVeiculos::AtendeTextosEMascaras(const RegVeiculo &reg) const {
   const char *lpRegistro = reinterpret_cast<const char *>(&reg);
   for (std::size_t i = 0; i < m_uiTextos; ++i) {
     const char *lpCampo = lpRegistro + m_textos[i].uiDeslocamento;
@@ -129,19 +155,6 @@ bool CFiltroVeiculos::Atende(const RegVeiculo &reg) const {
     }
   }
   return AtendeMascaras(reg);
-}
-
-bool CFiltroVeiculos::AtendeFaixas(const RegVeiculo &reg) const {
-  const tagREG_FILTRO_VEICULOSPS &f = m_Filtro;
-  if (ForaDaFaixa(reg.vTara, f.vTaraInicial, f.vTaraFinal) ||
-      ForaDaFaixa(reg.vCapacidadeKg, f.vCapacidadeKgInicial, f.vCapacidadeKgFinal) ||
-      ForaDaFaixa(reg.vCapacidadeM3, f.vCapacidadeM3Inicial, f.vCapacidadeM3Final)) {
-    return false;
-  }
-  if ((f.iAnoInicial != 0 && reg.iAno < f.iAnoInicial) || (f.iAnoFinal != 0 && reg.iAno > f.iAnoFinal)) {
-    return false;
-  }
-  return f.iPonteiroCliente == 0 || reg.iPonteiroCliente == f.iPonteiroCliente;
 }
 
 /// Body types count from 0 and wheel-set types from 1, and so do their bits.

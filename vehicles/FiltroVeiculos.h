@@ -16,8 +16,10 @@ class CFiltroVeiculos {
 public:
   explicit CFiltroVeiculos(const tagREG_FILTRO_VEICULOSPS &Filtro);
 
-  /// True when the record passes.
-  bool Atende(const RegVeiculo &reg) const;
+  /// True when the record passes. Looks only at the fields that criteria in force name.
+  bool Atende(const RegVeiculo &reg) const {
+    return (!m_bFaixas || AtendeFaixas(reg)) && (!m_bTextosOuMascaras || AtendeTextosEMascaras(reg));
+  }
 
 private:
   static constexpr std::size_t kMaiorTexto = sizeof(RegVeiculo::szDescricao);
@@ -31,13 +33,38 @@ private:
     bool bPadraoSimples;  ///< a pattern that CasaPadraoSimples understands
   };
 
-  bool AtendeFaixas(const RegVeiculo &reg) const;
+  /// Bounds of a currency field, both inclusive.
+  struct FaixaMoeda {
+    std::int64_t vInicial;
+    std::int64_t vFinal;
+    bool Contem(std::int64_t v) const { return v >= vInicial && v <= vFinal; }
+  };
+
+  static FaixaMoeda Faixa(std::int64_t vInicial, std::int64_t vFinal);
+
+  bool AtendeFaixas(const RegVeiculo &reg) const {
+    return reg.iAno >= m_iAnoInicial && reg.iAno <= m_iAnoFinal && (!m_bMoedas || AtendeMoedas(reg)) &&
+           (m_Filtro.iPonteiroCliente == 0 || reg.iPonteiroCliente == m_Filtro.iPonteiroCliente);
+  }
+  bool AtendeMoedas(const RegVeiculo &reg) const {
+    return m_tara.Contem(reg.vTara) && m_kg.Contem(reg.vCapacidadeKg) && m_m3.Contem(reg.vCapacidadeM3);
+  }
+  bool AtendeTextosEMascaras(const RegVeiculo &reg) const;
   bool AtendeMascaras(const RegVeiculo &reg) const;
+  void CompilaTextos();
   bool AcrescentaTexto(const char *lpTexto, std::size_t uiDeslocamento, std::size_t uiLargura);
   static bool Igual(const CriterioTexto &criterio, const char *lpCampo);
   static bool Casa(const CriterioTexto &criterio, const char *lpCampo);
 
   tagREG_FILTRO_VEICULOSPS m_Filtro;
+  FaixaMoeda m_tara;
+  FaixaMoeda m_kg;
+  FaixaMoeda m_m3;
+  std::uint32_t m_iAnoInicial;
+  std::uint32_t m_iAnoFinal;
+  bool m_bMoedas;
+  bool m_bFaixas;            ///< a currency, year or customer criterion is in force
+  bool m_bTextosOuMascaras;  ///< a text or mask criterion is in force
   std::array<CriterioTexto, 6> m_textos{};
   std::size_t m_uiTextos = 0;
   bool m_bCuringa = false;  ///< the last text criterion is a pattern

@@ -1,0 +1,38 @@
+#include "server/ChamadaServico.h"
+
+#include <windows.h>
+
+#include "core/errors/guard/TraducaoExcecoes.h"
+
+namespace {
+
+constexpr char kArquivo[] = "QZDF_Veiculos.cpp";
+
+}  // namespace
+
+CChamadaServico::CChamadaServico(const IQZDF_Profiler &profiler, const NomeOperacao &nome, const char *lpVariavel)
+    : m_profiler(profiler), m_nome(nome), m_lpVariavel(lpVariavel) {
+  Sleep(0);
+}
+
+HRESULT CChamadaServico::Guarda(CorpoSEH corpo, void *pContexto) const {
+  HRESULT hr = 0;
+  const char *lpExpressao = "pfInSEHFuncao()";
+  try {
+    hr = ChamaSEH(corpo, pContexto);
+  } catch (...) {
+    hr = QZTranslateThrownExceptionToHresult();
+    lpExpressao = "QZTranslateThrownExceptionToHresult()";
+  }
+  Rastreia(hr, lpExpressao);
+  return hr;
+}
+
+void CChamadaServico::Rastreia(HRESULT hr, const char *lpExpressao) const {
+  if (Falhou(hr)) {
+    IgnoraFalhas([&] {
+      const CQZRastro rastro(&m_profiler, {m_nome.lpNome}, kArquivo);
+      static_cast<void>(rastro.FalhaVariavel(hr, lpExpressao, m_lpVariavel, m_nome.iLinha));
+    });
+  }
+}

@@ -1,0 +1,62 @@
+#ifndef KALVO_SERVER_CHAMADASERVICO_H
+#define KALVO_SERVER_CHAMADASERVICO_H
+
+#include <source_location>
+#include <type_traits>
+
+#include "core/errors/guard/win32/ChamadaSEH.h"
+#include "core/log/QZProfilerEmpresa.h"
+#include "core/log/Rastro.h"
+
+/// Qualified name of an operation and the source line that a traced failure names: the line where the name is given.
+struct NomeOperacao {
+  // Implicit: operations pass their name as a plain literal.
+  NomeOperacao(const char *lpTexto, const std::source_location &local = std::source_location::current())
+      : lpNome(lpTexto), iLinha(static_cast<int>(local.line())) {}
+
+  const char *lpNome;
+  int iLinha;
+};
+
+/// One operation of the service object from entry to exit. Lives on the stack of the operation, outside the frame that
+/// a machine fault abandons.
+///
+/// Nothing leaves it but a result code: a machine fault and a thrown exception become one, are traced under the
+/// operation's name, and are returned.
+class CChamadaServico {
+public:
+  /// `profiler` and the texts must outlive the object; `lpVariavel` is the name under which a failure is traced.
+  CChamadaServico(const IQZDF_Profiler &profiler, const NomeOperacao &nome, const char *lpVariavel = "hr");
+
+  /// Runs `corpo`, a callable that returns HRESULT, under the guard.
+  template <class Corpo>
+  HRESULT Guarda(Corpo &&corpo) const {
+    using Tipo = std::remove_reference_t<Corpo>;
+    return Guarda([](void *pContexto) -> HRESULT { return (*static_cast<Tipo *>(pContexto))(); }, &corpo);
+  }
+
+private:
+  HRESULT Guarda(CorpoSEH corpo, void *pContexto) const;
+  void Rastreia(HRESULT hr, const char *lpExpressao) const;
+
+  const IQZDF_Profiler &m_profiler;
+  NomeOperacao m_nome;
+  const char *m_lpVariavel;
+};
+
+/// Runs work whose failure nobody can do anything about, such as letting go of an object that met a fault: neither an
+/// exception nor a machine fault leaves it.
+template <class Corpo>
+void IgnoraFalhas(Corpo &&corpo) {
+  try {
+    auto semResultado = [&corpo]() -> HRESULT {
+      corpo();
+      return 0;
+    };
+    static_cast<void>(ChamaSEH(semResultado));
+  } catch (...) {
+    // Deliberately nothing: see above.
+  }
+}
+
+#endif

@@ -1,0 +1,17 @@
+#ifndef KALVO_SERVER_LINHACOMANDO_H
+#define KALVO_SERVER_LINHACOMANDO_H
+
+/// What the command line asks for.
+enum class Comando {
+  Serve,                  ///< no switch: run as the local server
+  Registra,               ///< "RegServer"
+  Desregistra,            ///< "UnregServer"
+  RegistraPorUsuario,     ///< "RegServerPerUser"
+  DesregistraPorUsuario,  ///< "UnregServerPerUser"
+};
+
+/// Compares each word that follows a '-' or '/' with the switches, whole and without regard to letter case; the first
+/// that matches decides. Other words ("-Embedding") mean nothing. Null is an empty line.
+Comando LeLinhaComando(const char *lpLinha);
+
+#endif

@@ -1,0 +1,39 @@
+#ifndef KALVO_SERVER_MONITORENCERRAMENTO_H
+#define KALVO_SERVER_MONITORENCERRAMENTO_H
+
+#include <windows.h>
+
+#include <thread>
+
+#include "server/ContagemModulo.h"
+
+/// Time without use after which the process ends, in milliseconds.
+inline constexpr DWORD kTempoSemUso = 5000;
+
+/// Ends the message loop of a thread once the process has been out of use for a while. Runs on a thread of its own from
+/// construction to destruction; destruction stops and joins it.
+///
+/// It begins by waiting for the count to fall to zero: a process that was never used is not ended.
+class CMonitorEncerramento {
+public:
+  /// Watches `contagem`; posts the quit message to thread `idPrincipal`, which must have a message queue. Throws
+  /// HRESULT or std::system_error when the system cannot provide the event or the thread.
+  CMonitorEncerramento(CContagemModulo &contagem, DWORD idPrincipal);
+  ~CMonitorEncerramento();
+  CMonitorEncerramento(const CMonitorEncerramento &) = delete;
+  CMonitorEncerramento &operator=(const CMonitorEncerramento &) = delete;
+
+private:
+  enum class Espera { Zerou, Tempo, Parar };
+
+  Espera EsperaZerar(DWORD ms) const;
+  bool EsperaSemUso() const;
+  void Executa() const;
+
+  CContagemModulo &m_contagem;
+  DWORD m_idPrincipal;
+  HANDLE m_hParar;
+  std::thread m_thread;
+};
+
+#endif

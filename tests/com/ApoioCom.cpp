@@ -1,0 +1,163 @@
+#include "tests/com/ApoioCom.h"
+
+#include <tlhelp32.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+
+namespace apoiocom {
+namespace {
+
+/// A company code that no other process and no earlier call uses.
+CString CodigoUnico() {
+  static std::atomic<unsigned> s_uiNumero{0};
+  return "T" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++s_uiNumero);
+}
+
+}  // namespace
+
+Empresa::Empresa(const CString &sSubdiretorioAusente) : m_sCodigo(CodigoUnico()) {
+  m_registro.DefineTexto("SOFTWARE\\Wow6432Node\\Tarvel\\Empresas\\" + m_sCodigo, "DF",
+                         m_pasta.Caminho() + sSubdiretorioAusente);
+}
+
+Veiculos Cria(HRESULT *phr) {
+  void *pObjeto = nullptr;
+  const HRESULT hr = CoCreateInstance(CLSID_CQZDF_Veiculos, nullptr, CLSCTX_LOCAL_SERVER, IID_IQZDF_Veiculos, &pObjeto);
+  if (phr != nullptr) {
+    *phr = hr;
+  }
+  return Veiculos(static_cast<IQZDF_Veiculos *>(pObjeto));
+}
+
+HRESULT Inicializa(IQZDF_Veiculos &veiculos, std::string_view sEmpresa) {
+  return veiculos.Inicializa(Texto(sEmpresa).Ponteiro(), 7, 42);
+}
+
+Veiculos Abre(std::string_view sEmpresa) {
+  Veiculos spVeiculos = Cria();
+  if (spVeiculos && FAILED(Inicializa(*spVeiculos, sEmpresa))) {
+    spVeiculos.reset();
+  }
+  return spVeiculos;
+}
+
+tagREG_VEICULOPS Veiculo(std::string_view sCodigo) {
+  tagREG_VEICULOPS veiculo{};
+  veiculo.vTara = 75000000;
+  veiculo.vCapacidadeKg = 120000000;
+  veiculo.vCapacidadeM3 = 455000;
+  veiculo.iAno = 2020;
+  veiculo.iPonteiroCliente = 17;
+  Preenche(veiculo.szDescricao, "CAMINHAO TOCO");
+  Preenche(veiculo.szCodigoANTT, "12345678");
+  Preenche(veiculo.szCodigo, sCodigo);
+  Preenche(veiculo.szRENAVAM, "00123456789");
+  Preenche(veiculo.szPlaca, "ABC1D23");
+  Preenche(veiculo.szUF, "SP");
+  veiculo.iTipoCarroceria = 2;
+  veiculo.iTipoRodado = 1;
+  veiculo.iTipoTransporte = 1;
+  return veiculo;
+}
+
+std::string CodigoDe(const tagREG_VEICULOPS &veiculo) {
+  return std::string(veiculo.szCodigo, strnlen(veiculo.szCodigo, sizeof(veiculo.szCodigo)));
+}
+
+std::vector<LONG> Busca(IQZDF_Veiculos &veiculos, const tagREG_FILTRO_VEICULOSPS &filtro, HRESULT *phr) {
+  tagRESULTADO_BUSCA_VEICULOS resultado{};
+  *phr = veiculos.BuscaPonteiros(filtro, &resultado);
+  std::vector<LONG> posicoes;
+  if ((resultado.iQtd != 0) != (resultado.Ponteiros != nullptr) || resultado.pFiller != nullptr) {
+    *phr = E_UNEXPECTED;
+  } else if (resultado.iQtd != 0) {
+    posicoes.assign(resultado.Ponteiros, resultado.Ponteiros + resultado.iQtd);
+  }
+  CoTaskMemFree(resultado.Ponteiros);
+  return posicoes;
+}
+
+std::vector<std::string> TodosOsCodigos(std::string_view sEmpresa) {
+  const Veiculos spVeiculos = Abre(sEmpresa);
+  if (!spVeiculos) {
+    return {};
+  }
+  HRESULT hr = S_OK;
+  std::vector<LONG> posicoes = Busca(*spVeiculos, tagREG_FILTRO_VEICULOSPS{}, &hr);
+  std::vector<tagREG_VEICULOPS> lidos(posicoes.size());
+  if (FAILED(hr) || posicoes.empty() ||
+      FAILED(spVeiculos->LePonteiros(static_cast<unsigned>(posicoes.size()), posicoes.data(), lidos.data()))) {
+    return {};
+  }
+  std::vector<std::string> codigos;
+  std::transform(lidos.begin(), lidos.end(), std::back_inserter(codigos), CodigoDe);
+  std::sort(codigos.begin(), codigos.end());
+  return codigos;
+}
+
+std::string PastaDoPrograma() {
+  std::array<char, MAX_PATH> caminho{};
+  GetModuleFileNameA(nullptr, caminho.data(), MAX_PATH);
+  const std::string sCaminho = caminho.data();
+  return sCaminho.substr(0, sCaminho.find_last_of('\\') + 1);
+}
+
+DWORD ExecutaKalvo(const std::string &sArgumentos, std::string *psErro) {
+  return ExecutaKalvoDe(PastaDoPrograma(), sArgumentos, psErro);
+}
+
+DWORD ExecutaKalvoDe(const std::string &sPasta, const std::string &sArgumentos, std::string *psErro) {
+  const apoio::PastaTemporaria pasta;
+  const CString sSaida = pasta / "erro.txt";
+  SECURITY_ATTRIBUTES heranca{sizeof(heranca), nullptr, TRUE};
+  Handle hSaida(CreateFileA(sSaida.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &heranca, CREATE_ALWAYS, 0, nullptr));
+  STARTUPINFOA inicio{};
+  inicio.cb = sizeof(inicio);
+  inicio.dwFlags = STARTF_USESTDHANDLES;
+  inicio.hStdOutput = hSaida.get();
+  inicio.hStdError = hSaida.get();
+  PROCESS_INFORMATION processo{};
+  std::string sLinha = "\"" + sPasta + "Kalvo.exe\" " + sArgumentos;
+  DWORD dwCodigo = 0xFFFFFFFF;
+  if (CreateProcessA(nullptr, sLinha.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &inicio, &processo)) {
+    const Handle hThread(processo.hThread);
+    const Handle hProcesso(processo.hProcess);
+    if (WaitForSingleObject(hProcesso.get(), kPrazo) == WAIT_OBJECT_0) {
+      GetExitCodeProcess(hProcesso.get(), &dwCodigo);
+    }
+  }
+  hSaida.reset();
+  if (psErro != nullptr) {
+    *psErro = apoio::LeArquivo(sSaida);
+  }
+  return dwCodigo;
+}
+
+std::vector<Handle> Servidores() {
+  std::vector<Handle> servidores;
+  const Handle hRetrato(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+  PROCESSENTRY32 processo{};
+  processo.dwSize = sizeof(processo);
+  for (BOOL bHa = Process32First(hRetrato.get(), &processo); bHa; bHa = Process32Next(hRetrato.get(), &processo)) {
+    if (lstrcmpiA(processo.szExeFile, "Kalvo.exe") == 0) {
+      if (HANDLE h = OpenProcess(SYNCHRONIZE, FALSE, processo.th32ProcessID)) {
+        servidores.emplace_back(h);
+      }
+    }
+  }
+  return servidores;
+}
+
+long EsperaServidorTerminar() {
+  const ULONGLONG ullInicio = GetTickCount64();
+  for (const Handle &hServidor : Servidores()) {
+    if (WaitForSingleObject(hServidor.get(), kPrazo) != WAIT_OBJECT_0) {
+      return -1;
+    }
+  }
+  return static_cast<long>(GetTickCount64() - ullInicio);
+}
+
+}  // namespace apoiocom

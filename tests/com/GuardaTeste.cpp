@@ -1,0 +1,311 @@
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <chrono>
+#include <future>
+#include <memory>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "core/errors/guard/TraducaoExcecoes.h"
+#include "core/errors/guard/win32/ChamadaSEH.h"
+#include "core/platform/CException.h"
+#include "core/platform/LivroTravas.h"
+
+// Real faults of the processor and the system under the call guard. The faulting statements are plain ones on values
+// the optimiser cannot see through; the target is compiled with optimisation, which is what makes them interesting.
+
+namespace {
+
+using plataforma::CQZTrava;
+using plataforma::LivroTravas;
+using plataforma::NivelTrava;
+using plataforma::SecaoCritica;
+
+constexpr auto kPrazo = std::chrono::seconds(20);
+
+int *volatile g_nulo = nullptr;
+volatile int g_zero = 0;
+
+template <class Corpo>
+std::uint32_t Guarda(Corpo corpo) {
+  return BitsResultado(ChamaSEH(corpo));
+}
+
+HRESULT EscreveEmNulo() {
+  int *p = g_nulo;
+  *p = 1;
+  return 0;
+}
+
+HRESULT LeDeNulo() {
+  const int *p = g_nulo;
+  return *p;
+}
+
+HRESULT DividePorZero() {
+  const int divisor = g_zero;
+  return 10 / divisor;
+}
+
+HRESULT ChamaNulo() {
+  const auto f = reinterpret_cast<HRESULT (*)()>(reinterpret_cast<void *>(g_nulo));
+  return f();
+}
+
+HRESULT InstrucaoInvalida() {
+  asm volatile("ud2");
+  return 0;
+}
+
+HRESULT InstrucaoPrivilegiada() {
+  asm volatile("hlt");
+  return 0;
+}
+
+HRESULT PaginaDeGuarda() {
+  auto *p = static_cast<volatile char *>(VirtualAlloc(nullptr, 4096, MEM_COMMIT, PAGE_READWRITE | PAGE_GUARD));
+  return *p;
+}
+
+[[gnu::noinline]] int Recorre(int profundidade) {
+  volatile char area[256];
+  area[0] = static_cast<char>(profundidade);
+  return g_zero != 0 ? 0 : Recorre(profundidade + 1) + area[0];
+}
+
+HRESULT EsgotaPilha() {
+  return Recorre(0);
+}
+
+/// True when another thread gets the lock within the time limit. The thread is left behind otherwise.
+bool LivreParaOutraThread(SecaoCritica &secao) {
+  auto spFeito = std::make_shared<std::promise<void>>();
+  std::future<void> feito = spFeito->get_future();
+  std::thread([spFeito, &secao] {
+    { const CQZTrava trava(secao); }
+    spFeito->set_value();
+  }).detach();
+  return feito.wait_for(kPrazo) == std::future_status::ready;
+}
+
+struct Falha {
+  const char *lpNome;
+  HRESULT (*corpo)();
+  std::uint32_t hr;
+};
+
+constexpr Falha kFalhas[] = {
+    {"null write", EscreveEmNulo, 0x8004EAC5},
+    {"null read", LeDeNulo, 0x8004EAC5},
+    {"null call", ChamaNulo, 0x8004EAC5},
+    {"division", DividePorZero, 0x8004EAD3},
+    {"illegal instruction", InstrucaoInvalida, 0x8004EAD1},
+    {"privileged instruction", InstrucaoPrivilegiada, 0x8004EAD8},
+    {"guard page", PaginaDeGuarda, 0x8004EAD0},
+};
+
+// In the order of their results, 0x8004EAC5 onwards.
+constexpr DWORD kCodigos[] = {0xC0000005, 0xC000008C, 0x80000003, 0x80000002, 0xC000008D, 0xC000008E,
+                              0xC000008F, 0xC0000090, 0xC0000091, 0xC0000092, 0xC0000093, 0x80000001,
+                              0xC000001D, 0xC0000006, 0xC0000094, 0xC0000095, 0xC0000026, 0xC0000008,
+                              0xC0000025, 0xC0000096, 0x80000004, 0xC00000FD};
+
+}  // namespace
+
+TEST(Guarda, ResultadoDoCorpoPassaSemMudar) {
+  for (const std::uint32_t hr : {0U, 1U, 0x810809D9U, 0x8004EAC5U, 0xFFFFFFFFU}) {
+    EXPECT_EQ(Guarda([hr] { return CodigoResultado(hr); }), hr);
+  }
+}
+
+TEST(Guarda, FalhasReaisViramCodigos) {
+  for (const Falha &falha : kFalhas) {
+    SCOPED_TRACE(falha.lpNome);
+    EXPECT_EQ(Guarda(falha.corpo), falha.hr);
+    EXPECT_TRUE(EhErroSEH(CodigoResultado(falha.hr)));
+  }
+}
+
+TEST(Guarda, CadaCodigoDaTabelaELevantadoEtraduzido) {
+  std::uint32_t esperado = 0x8004EAC5;
+  for (const DWORD codigo : kCodigos) {
+    SCOPED_TRACE(codigo);
+    EXPECT_EQ(Guarda([codigo]() -> HRESULT {
+                RaiseException(codigo, 0, 0, nullptr);
+                return 0;
+              }),
+              esperado);
+    EXPECT_EQ(UltimoCodigoExcecao(), codigo);
+    ++esperado;
+  }
+}
+
+TEST(Guarda, FiltroRecusaODesenroloOThrowEOsDesconhecidos) {
+  for (const DWORD codigo : {0x80000029UL, 0x20474343UL, 0xE06D7363UL, 0xC0000409UL, 0x00000000UL}) {
+    EXCEPTION_RECORD excecao{};
+    excecao.ExceptionCode = codigo;
+    EXPECT_EQ(FiltraExcecaoEstruturada(excecao), EXCEPTION_CONTINUE_SEARCH) << std::hex << codigo;
+    EXPECT_EQ(UltimoCodigoExcecao(), codigo);
+  }
+  EXPECT_EQ(BitsResultado(TraduzCodigoExcecao(0x80000029)), 0x8004EADBU);
+  EXPECT_EQ(BitsResultado(TraduzCodigoExcecao(0xC0000409)), 0x8004EE47U);
+}
+
+TEST(Guarda, LimitesDeEhErroSEH) {
+  for (const std::uint32_t hr : {0x8004EAC4U, 0x8004EADCU, 0x8004EE46U, 0x8004EE48U, 0x8004EA66U, 0x0004EAC5U, 0U}) {
+    EXPECT_FALSE(EhErroSEH(CodigoResultado(hr))) << std::hex << hr;
+  }
+  for (const std::uint32_t hr : {0x8004EAC5U, 0x8004EADAU, 0x8004EADBU, 0x8004EE47U}) {
+    EXPECT_TRUE(EhErroSEH(CodigoResultado(hr))) << std::hex << hr;
+  }
+}
+
+TEST(Guarda, TravasTomadasAntesDaFalhaFicamLivres) {
+  SecaoCritica externa(NivelTrava::Container);
+  SecaoCritica interna(NivelTrava::ArquivoDados);
+  for (const Falha &falha : kFalhas) {
+    SCOPED_TRACE(falha.lpNome);
+    EXPECT_EQ(Guarda([&]() -> HRESULT {
+                const CQZTrava trava(externa);
+                const CQZTrava outra(interna);
+                const CQZTrava recursiva(interna);
+                return falha.corpo();
+              }),
+              falha.hr);
+    EXPECT_EQ(LivroTravas::Marca(), 0U);
+    ASSERT_TRUE(LivreParaOutraThread(interna));
+    ASSERT_TRUE(LivreParaOutraThread(externa));
+  }
+}
+
+// The load, the division and the store stand directly between lock and unlock, where the optimiser sees everything.
+TEST(Guarda, FalhaSemChamadaEntreTravaEDestrava) {
+  SecaoCritica secao(NivelTrava::ArquivoDados);
+  EXPECT_EQ(Guarda([&]() -> HRESULT {
+              const CQZTrava trava(secao);
+              const int *p = g_nulo;
+              return *p;
+            }),
+            0x8004EAC5U);
+  ASSERT_TRUE(LivreParaOutraThread(secao));
+  EXPECT_EQ(Guarda([&]() -> HRESULT {
+              const CQZTrava trava(secao);
+              const int divisor = g_zero;
+              return 7 / divisor;
+            }),
+            0x8004EAD3U);
+  ASSERT_TRUE(LivreParaOutraThread(secao));
+  EXPECT_EQ(Guarda([&]() -> HRESULT {
+              const CQZTrava trava(secao);
+              int *p = g_nulo;
+              *p = 3;
+              return 0;
+            }),
+            0x8004EAC5U);
+  ASSERT_TRUE(LivreParaOutraThread(secao));
+}
+
+TEST(Guarda, QuadroInternoSoltaSoOSeu) {
+  SecaoCritica externa(NivelTrava::Container);
+  SecaoCritica interna(NivelTrava::ArquivoDados);
+  std::uint32_t hrInterno = 0;
+  std::size_t uiNoMeio = 0;
+  EXPECT_EQ(Guarda([&]() -> HRESULT {
+              const CQZTrava trava(externa);
+              hrInterno = Guarda([&]() -> HRESULT {
+                const CQZTrava outra(interna);
+                return LeDeNulo();
+              });
+              uiNoMeio = LivroTravas::Marca();
+              return DividePorZero();
+            }),
+            0x8004EAD3U);
+  EXPECT_EQ(hrInterno, 0x8004EAC5U);
+  EXPECT_EQ(uiNoMeio, 1U);
+  EXPECT_EQ(LivroTravas::Marca(), 0U);
+  ASSERT_TRUE(LivreParaOutraThread(interna));
+  ASSERT_TRUE(LivreParaOutraThread(externa));
+}
+
+TEST(Guarda, ThrowAtravessaOQuadroComDestrutores) {
+  SecaoCritica secao(NivelTrava::ArquivoDados);
+  bool bDestruiu = false;
+  struct Marca {
+    bool &b;
+    ~Marca() { b = true; }
+  };
+  EXPECT_THROW(Guarda([&]() -> HRESULT {
+                 const Marca marca{bDestruiu};
+                 const CQZTrava trava(secao);
+                 throw std::runtime_error("x");
+               }),
+               std::runtime_error);
+  EXPECT_TRUE(bDestruiu);
+  EXPECT_EQ(LivroTravas::Marca(), 0U);
+  ASSERT_TRUE(LivreParaOutraThread(secao));
+}
+
+TEST(Guarda, PilhaEsgotadaDuasVezesNaMesmaThread) {
+  const auto duasVezes = [] {
+    std::vector<std::uint32_t> codigos;
+    for (int i = 0; i < 3; ++i) {
+      codigos.push_back(Guarda(EsgotaPilha));
+    }
+    return codigos;
+  };
+  const std::vector<std::uint32_t> esperado(3, 0x8004EADA);
+  EXPECT_EQ(duasVezes(), esperado);
+  EXPECT_EQ(std::async(std::launch::async, duasVezes).get(), esperado);
+}
+
+TEST(Guarda, ThreadsQueFalhamJuntasRecebemCadaUmaOSeuCodigo) {
+  const auto repete = [](const Falha &falha) {
+    int iErradas = 0;
+    for (int i = 0; i < 500; ++i) {
+      iErradas += Guarda(falha.corpo) == falha.hr ? 0 : 1;
+    }
+    return iErradas;
+  };
+  std::vector<std::future<int>> erradas;
+  for (const std::size_t i : {0U, 3U, 4U, 5U}) {
+    erradas.push_back(std::async(std::launch::async, repete, std::cref(kFalhas[i])));
+  }
+  for (std::future<int> &futura : erradas) {
+    EXPECT_EQ(futura.get(), 0);
+  }
+}
+
+TEST(TraducaoExcecoes, CadaTipoTemOSeuCodigo) {
+  static CMemoryException excecaoMemoria;
+  struct ExcecaoPropria : CException {};
+  static ExcecaoPropria excecaoPropria;
+  struct BadAllocDerivada : std::bad_alloc {};
+  const struct {
+    const char *lpNome;
+    void (*lanca)();
+    std::uint32_t hr;
+  } linhas[] = {
+      {"memory exception", [] { throw &excecaoMemoria; }, 0x8004EA62},
+      {"framework exception", [] { throw &excecaoPropria; }, 0x8004EA63},
+      {"index check", [] { LancaArgumentoInvalido(); }, 0x8004EA63},
+      {"result code", [] { throw CodigoResultado(0x810809DB); }, 0x810809DB},
+      {"success code", [] { throw CodigoResultado(0); }, 0},
+      {"bad_alloc", [] { throw std::bad_alloc(); }, 0x8004EA64},
+      {"derived bad_alloc", [] { throw BadAllocDerivada(); }, 0x8004EA64},
+      {"exception", [] { throw std::out_of_range("x"); }, 0x8004EA65},
+      {"text", [] { throw "x"; }, 0x8004EA66},
+      {"int", [] { throw 5; }, 0x8004EA66},
+  };
+  for (const auto &linha : linhas) {
+    try {
+      linha.lanca();
+      FAIL() << linha.lpNome << " did not throw";
+    } catch (...) {
+      EXPECT_EQ(BitsResultado(QZTranslateThrownExceptionToHresult()), linha.hr) << linha.lpNome;
+    }
+  }
+}

@@ -1,0 +1,387 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+#include <new>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "core/log/Rastro.h"
+#include "server/ClasseVeiculos.h"
+#include "server/ContagemModulo.h"
+#include "server/QZDF_Veiculos.h"
+#include "tests/com/ApoioCom.h"
+
+// The service object within the test's own process: what no client of another process can do to it, such as passing a
+// pointer that leads nowhere, exhausting its memory, or aggregating it.
+
+namespace {
+
+thread_local int t_iAlocacoesAteFalhar = -1;  ///< counts down on this thread; the allocation that meets 0 fails
+
+}  // namespace
+
+// Not inlined: the compiler would take the malloc and free inside for mismatched pairs.
+[[gnu::noinline]] void *operator new(std::size_t uiTamanho) {
+  if (t_iAlocacoesAteFalhar >= 0 && t_iAlocacoesAteFalhar-- == 0) {
+    throw std::bad_alloc();
+  }
+  if (void *p = std::malloc(uiTamanho != 0 ? uiTamanho : 1)) {
+    return p;
+  }
+  throw std::bad_alloc();
+}
+
+[[gnu::noinline]] void operator delete(void *p) noexcept {
+  std::free(p);
+}
+[[gnu::noinline]] void operator delete(void *p, std::size_t) noexcept {
+  std::free(p);
+}
+
+namespace {
+
+using namespace apoiocom;
+
+std::uint32_t Bits(HRESULT hr) {
+  return static_cast<std::uint32_t>(hr);
+}
+
+/// Pointers that are not null and lead nowhere.
+template <class T>
+T *PonteiroRuim() {
+  return reinterpret_cast<T *>(std::uintptr_t{16});
+}
+
+struct Rastreada {
+  std::string sFuncao;
+  std::string sArquivo;
+  std::string sVariavel;
+  std::string sExpressao;
+  std::string sEmpresa;
+  std::uint32_t hr;
+};
+
+std::mutex g_mutexRastro;
+std::vector<Rastreada> g_rastreadas;
+
+void Anota(const FalhaRastreada &falha) {
+  const std::lock_guard<std::mutex> trava(g_mutexRastro);
+  g_rastreadas.push_back({falha.funcao.Texto(), falha.lpArquivo, falha.lpVariavel, falha.lpExpressao,
+                          falha.pProfiler != nullptr ? falha.pProfiler->GetEmpresa() : "(none)", Bits(falha.hr)});
+}
+
+class Servico : public testing::Test {
+protected:
+  Servico() {
+    g_rastreadas.clear();
+    DefineSumidouroRastro(Anota);
+  }
+  ~Servico() override {
+    DefineSumidouroRastro(nullptr);
+    t_iAlocacoesAteFalhar = -1;
+    EXPECT_EQ(CContagemModulo::DoProcesso().Quantidade(), 0);
+  }
+
+  /// The last failure traced under the service's own name.
+  static Rastreada UltimaDoServico() {
+    for (auto i = g_rastreadas.rbegin(); i != g_rastreadas.rend(); ++i) {
+      if (i->sFuncao.rfind("CQZDF_Veiculos::", 0) == 0) {
+        return *i;
+      }
+    }
+    return {};
+  }
+
+  static Veiculos Novo() {
+    void *pObjeto = nullptr;
+    CQZDF_Veiculos::Cria(nullptr, IID_IQZDF_Veiculos, &pObjeto);
+    return Veiculos(static_cast<IQZDF_Veiculos *>(pObjeto));
+  }
+
+  static Veiculos NovoPara(const Empresa &empresa) {
+    Veiculos spVeiculos = Novo();
+    return SUCCEEDED(Inicializa(*spVeiculos, empresa.Codigo())) ? std::move(spVeiculos) : nullptr;
+  }
+};
+
+/// An object that aggregates the service object.
+class Externo final : public IUnknown {
+public:
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void **ppv) override {
+    if (riid == IID_IUnknown) {
+      *ppv = this;
+      AddRef();
+      return S_OK;
+    }
+    return m_pInterno->QueryInterface(riid, ppv);
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override { return ++m_ulReferencias; }
+  ULONG STDMETHODCALLTYPE Release() override { return --m_ulReferencias; }
+
+  IUnknown *m_pInterno = nullptr;
+  ULONG m_ulReferencias = 1;
+};
+
+}  // namespace
+
+TEST_F(Servico, PonteirosNulosSaoRecusadosEOObjetoFica) {
+  const Empresa empresa;
+  const Veiculos spVeiculos = NovoPara(empresa);
+  ASSERT_TRUE(spVeiculos);
+  LONG lPos = 0;
+  tagREG_VEICULOPS veiculo;
+  EXPECT_EQ(spVeiculos->Grava(nullptr, Veiculo("V")), E_POINTER);
+  EXPECT_EQ(spVeiculos->Le(1, nullptr), E_POINTER);
+  EXPECT_EQ(spVeiculos->Existe(Texto("V").Ponteiro(), nullptr, &veiculo), E_POINTER);
+  EXPECT_EQ(spVeiculos->Existe(Texto("V").Ponteiro(), &lPos, nullptr), E_POINTER);
+  EXPECT_EQ(spVeiculos->BuscaPonteiros(tagREG_FILTRO_VEICULOSPS{}, nullptr), E_POINTER);
+  EXPECT_EQ(spVeiculos->LePonteiros(1, nullptr, &veiculo), E_POINTER);
+  EXPECT_EQ(spVeiculos->LePonteiros(1, &lPos, nullptr), E_POINTER);
+  EXPECT_EQ(spVeiculos->GetQuantidadeRegistros(nullptr), E_POINTER);
+  EXPECT_EQ(spVeiculos->LePonteiros(0, nullptr, nullptr), S_OK);
+  EXPECT_EQ(spVeiculos->Existe(nullptr, &lPos, &veiculo), S_OK);
+  EXPECT_EQ(spVeiculos->Grava(&lPos, Veiculo("V")), S_OK);
+  EXPECT_EQ(Bits(Novo()->Inicializa(nullptr, 1, 1)), 0x810809CFU);
+}
+
+TEST_F(Servico, FalhaDeMaquinaTiraORegistroDoObjeto) {
+  const struct {
+    const char *lpNome;
+    HRESULT (*chama)(IQZDF_Veiculos &);
+  } linhas[] = {
+      {"CQZDF_Veiculos::Inicializa", [](IQZDF_Veiculos &v) { return v.Inicializa(PonteiroRuim<wchar_t>(), 1, 1); }},
+      {"CQZDF_Veiculos::Grava", [](IQZDF_Veiculos &v) { return v.Grava(PonteiroRuim<LONG>(), Veiculo("V")); }},
+      {"CQZDF_Veiculos::Le", [](IQZDF_Veiculos &v) { return v.Le(1, PonteiroRuim<tagREG_VEICULOPS>()); }},
+      {"CQZDF_Veiculos::Existe",
+       [](IQZDF_Veiculos &v) {
+         LONG lPos = 0;
+         tagREG_VEICULOPS veiculo;
+         return v.Existe(PonteiroRuim<wchar_t>(), &lPos, &veiculo);
+       }},
+      {"CQZDF_Veiculos::BuscaPonteiros",
+       [](IQZDF_Veiculos &v) { return v.BuscaPonteiros({}, PonteiroRuim<tagRESULTADO_BUSCA_VEICULOS>()); }},
+      {"CQZDF_Veiculos::LePonteiros",
+       [](IQZDF_Veiculos &v) {
+         tagREG_VEICULOPS veiculo;
+         return v.LePonteiros(1, PonteiroRuim<LONG>(), &veiculo);
+       }},
+      {"CQZDF_Veiculos::GetQuantidadeRegistros",
+       [](IQZDF_Veiculos &v) { return v.GetQuantidadeRegistros(PonteiroRuim<unsigned>()); }},
+  };
+  for (const auto &linha : linhas) {
+    SCOPED_TRACE(linha.lpNome);
+    const Empresa empresa;
+    const Veiculos spVeiculos = NovoPara(empresa);
+    ASSERT_TRUE(spVeiculos);
+    LONG lPos = 0;
+    ASSERT_EQ(spVeiculos->Grava(&lPos, Veiculo("V001")), S_OK);
+
+    EXPECT_EQ(Bits(linha.chama(*spVeiculos)), 0x8004EAC5U);
+    const Rastreada rastreada = UltimaDoServico();
+    EXPECT_EQ(rastreada.sFuncao, linha.lpNome);
+    EXPECT_EQ(rastreada.sArquivo, "QZDF_Veiculos.cpp");
+    EXPECT_EQ(rastreada.sVariavel, "hr");
+    EXPECT_EQ(rastreada.sExpressao, "pfInSEHFuncao()");
+    EXPECT_EQ(rastreada.hr, 0x8004EAC5U);
+
+    // The register is gone: every operation says so, Inicializa too, and the company's file is closed.
+    tagREG_VEICULOPS veiculo;
+    std::memset(&veiculo, 0x77, sizeof(veiculo));
+    EXPECT_EQ(Bits(spVeiculos->Le(1, &veiculo)), 0x8004EAC5U);
+    EXPECT_EQ(veiculo.vTara, 0);
+    EXPECT_EQ(UltimaDoServico().sEmpresa, "");
+    EXPECT_EQ(Bits(Inicializa(*spVeiculos, empresa.Codigo())), 0x8004EAC5U);
+    unsigned uiQtd = 5;
+    EXPECT_EQ(Bits(spVeiculos->GetQuantidadeRegistros(&uiQtd)), 0x8004EAC5U);
+    EXPECT_EQ(uiQtd, 0U);
+    EXPECT_EQ(apoio::LeArquivo(empresa.Arquivo("DFVEIC.DAT")).size(), 256U);
+
+    const Veiculos spNovo = NovoPara(empresa);
+    ASSERT_TRUE(spNovo);
+    EXPECT_EQ(spNovo->Le(1, &veiculo), S_OK);
+    EXPECT_EQ(CodigoDe(veiculo), "V001");
+  }
+}
+
+TEST_F(Servico, FalhaEmUmaChamadaNaoDerrubaAsOutras) {
+  const Empresa empresa;
+  for (int i = 0; i < 20; ++i) {
+    const Veiculos spVeiculos = NovoPara(empresa);
+    ASSERT_TRUE(spVeiculos);
+    LONG lPos = 0;
+    ASSERT_EQ(spVeiculos->Grava(&lPos, Veiculo("V")), S_OK);
+    std::atomic<int> iCertas{0};
+    std::atomic<int> iEstranhas{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 3; ++t) {
+      threads.emplace_back([&] {
+        tagREG_VEICULOPS veiculo;
+        for (;;) {
+          const std::uint32_t hr = Bits(spVeiculos->Le(1, &veiculo));
+          if (hr != 0) {
+            iEstranhas += hr == 0x8004EAC5U ? 0 : 1;
+            return;
+          }
+          ++iCertas;
+        }
+      });
+    }
+    while (iCertas < 50) {
+      std::this_thread::yield();
+    }
+    EXPECT_EQ(Bits(spVeiculos->Le(1, PonteiroRuim<tagREG_VEICULOPS>())), 0x8004EAC5U);
+    for (std::thread &thread : threads) {
+      thread.join();
+    }
+    EXPECT_EQ(iEstranhas, 0);
+  }
+}
+
+TEST_F(Servico, FaltaDeMemoriaNaCriacaoRecusaOObjeto) {
+  bool bCriou = false;
+  for (int n = 0; !bCriou; ++n) {
+    ASSERT_LT(n, 100);
+    g_rastreadas.clear();
+    void *pObjeto = nullptr;
+    t_iAlocacoesAteFalhar = n;
+    const HRESULT hr = CQZDF_Veiculos::Cria(nullptr, IID_IQZDF_Veiculos, &pObjeto);
+    t_iAlocacoesAteFalhar = -1;
+    bCriou = SUCCEEDED(hr);
+    EXPECT_EQ(pObjeto != nullptr, bCriou);
+    if (!bCriou) {
+      EXPECT_EQ(Bits(hr), 0x8004EA64U) << n;
+    }
+    if (!g_rastreadas.empty()) {
+      EXPECT_EQ(g_rastreadas[0].sFuncao, "CQZDF_Veiculos::CQZDF_Veiculos");
+      EXPECT_EQ(g_rastreadas[0].sVariavel, "m_hrConstruct");
+      EXPECT_EQ(g_rastreadas[0].sExpressao, "QZTranslateThrownExceptionToHresult()");
+    }
+    Veiculos(static_cast<IQZDF_Veiculos *>(pObjeto)).reset();
+    EXPECT_EQ(CContagemModulo::DoProcesso().Quantidade(), 0) << n;
+  }
+}
+
+TEST_F(Servico, FaltaDeMemoriaNaChamadaDeixaOObjetoInteiro) {
+  const Empresa empresa;
+  const Veiculos spVeiculos = NovoPara(empresa);
+  ASSERT_TRUE(spVeiculos);
+  bool bFeito = false;
+  for (int n = 0; !bFeito; ++n) {
+    ASSERT_LT(n, 1000);
+    g_rastreadas.clear();
+    LONG lPos = 0;
+    t_iAlocacoesAteFalhar = n;
+    const HRESULT hr = spVeiculos->Grava(&lPos, Veiculo("V001"));
+    t_iAlocacoesAteFalhar = -1;
+    bFeito = SUCCEEDED(hr);
+    EXPECT_FALSE(EhErroSEH(hr)) << n;
+    EXPECT_EQ(lPos, bFeito ? 1 : 0) << n;
+  }
+  unsigned uiQtd = 0;
+  EXPECT_EQ(spVeiculos->GetQuantidadeRegistros(&uiQtd), S_OK);
+  EXPECT_EQ(uiQtd, 1U);
+}
+
+TEST_F(Servico, CodigoDoRegistroEORastreado) {
+  const Empresa empresa;
+  const Veiculos spVeiculos = NovoPara(empresa);
+  ASSERT_TRUE(spVeiculos);
+  tagREG_VEICULOPS veiculo;
+  EXPECT_EQ(Bits(spVeiculos->Le(0, &veiculo)), 0x810809D9U);
+  ASSERT_EQ(g_rastreadas.size(), 3U);
+  EXPECT_EQ(g_rastreadas[0].sFuncao, "CQZFile<struct RegVeiculo>::Le");
+  EXPECT_EQ(g_rastreadas[1].sFuncao, "CBaseVeiculos::LePonteiros");
+  EXPECT_EQ(g_rastreadas[2].sFuncao, "CQZDF_Veiculos::Le");
+  for (const Rastreada &rastreada : g_rastreadas) {
+    EXPECT_EQ(rastreada.hr, 0x810809D9U);
+    EXPECT_EQ(rastreada.sEmpresa, empresa.Codigo());
+  }
+  // Inicializa works under the identity that it is given, before the register has it.
+  const Veiculos spNovo = Novo();
+  const Empresa ausente("ausente\\");
+  EXPECT_EQ(Bits(Inicializa(*spNovo, ausente.Codigo())), 0x80043EBFU);
+  EXPECT_EQ(UltimaDoServico().sFuncao, "CQZDF_Veiculos::Inicializa");
+  EXPECT_EQ(UltimaDoServico().sEmpresa, ausente.Codigo());
+}
+
+// A company without a registry key has no directory: its files lie in the process's current one.
+TEST_F(Servico, EmpresaDesconhecidaUsaODiretorioCorrente) {
+  const apoio::PastaTemporaria pasta;
+  char anterior[MAX_PATH] = "";
+  ASSERT_NE(GetCurrentDirectoryA(MAX_PATH, anterior), 0U);
+  ASSERT_TRUE(SetCurrentDirectoryA(pasta.Caminho().c_str()));
+  const Veiculos spVeiculos = Novo();
+  EXPECT_EQ(Inicializa(*spVeiculos, "EMPRESA_DESCONHECIDA"), S_OK);
+  LONG lPos = 0;
+  EXPECT_EQ(spVeiculos->Grava(&lPos, Veiculo("V001")), S_OK);
+  EXPECT_TRUE(apoio::ExisteNoDisco(pasta / "DFVEIC.DAT"));
+  EXPECT_TRUE(apoio::ExisteNoDisco(pasta / "DFVEIVS.DAT"));
+  ASSERT_TRUE(SetCurrentDirectoryA(anterior));
+}
+
+TEST_F(Servico, ObjetoAgregadoPertenceAoExterno) {
+  Externo externo;
+  CClasseVeiculos classe;
+  void *pObjeto = nullptr;
+  EXPECT_EQ(classe.CreateInstance(&externo, IID_IQZDF_Veiculos, &pObjeto), CLASS_E_NOAGGREGATION);
+  EXPECT_EQ(pObjeto, nullptr);
+  ASSERT_EQ(classe.CreateInstance(&externo, IID_IUnknown, &pObjeto), S_OK);
+  externo.m_pInterno = static_cast<IUnknown *>(pObjeto);
+  EXPECT_EQ(externo.m_ulReferencias, 1U);
+
+  ASSERT_EQ(externo.QueryInterface(IID_IQZDF_Veiculos, &pObjeto), S_OK);
+  EXPECT_EQ(externo.m_ulReferencias, 2U);
+  {
+    const Veiculos spVeiculos(static_cast<IQZDF_Veiculos *>(pObjeto));
+    ASSERT_EQ(spVeiculos->QueryInterface(IID_IUnknown, &pObjeto), S_OK);
+    EXPECT_EQ(pObjeto, static_cast<IUnknown *>(&externo));
+    static_cast<IUnknown *>(pObjeto)->Release();
+    EXPECT_EQ(spVeiculos->QueryInterface(IID_IClassFactory, &pObjeto), E_NOINTERFACE);
+    const Empresa empresa;
+    EXPECT_EQ(Inicializa(*spVeiculos, empresa.Codigo()), S_OK);
+  }
+  EXPECT_EQ(externo.m_ulReferencias, 1U);
+  EXPECT_EQ(CContagemModulo::DoProcesso().Quantidade(), 1);
+  EXPECT_EQ(externo.m_pInterno->Release(), 0U);
+}
+
+TEST_F(Servico, AgregacaoPelaClasseRegistradaNoProcesso) {
+  const Apartamento apartamento;
+  CClasseVeiculos classe;
+  DWORD dwRegistro = 0;
+  ASSERT_EQ(CoRegisterClassObject(CLSID_CQZDF_Veiculos, static_cast<IClassFactory *>(&classe), CLSCTX_INPROC_SERVER,
+                                  REGCLS_MULTIPLEUSE, &dwRegistro),
+            S_OK);
+  Externo externo;
+  void *pObjeto = nullptr;
+  ASSERT_EQ(CoCreateInstance(CLSID_CQZDF_Veiculos, &externo, CLSCTX_INPROC_SERVER, IID_IUnknown, &pObjeto), S_OK);
+  externo.m_pInterno = static_cast<IUnknown *>(pObjeto);
+  EXPECT_EQ(externo.m_pInterno->Release(), 0U);
+  CoRevokeClassObject(dwRegistro);
+}
+
+TEST_F(Servico, SoObjetosETravasSeguramOProcesso) {
+  CContagemModulo &contagem = CContagemModulo::DoProcesso();
+  CClasseVeiculos classe;
+  EXPECT_EQ(contagem.Quantidade(), 0);
+  classe.AddRef();
+  EXPECT_EQ(contagem.Quantidade(), 0);
+  EXPECT_EQ(classe.LockServer(TRUE), S_OK);
+  EXPECT_EQ(contagem.Quantidade(), 1);
+  contagem.LimpaAtividade();
+  EXPECT_TRUE(contagem.EmUso());
+  EXPECT_EQ(classe.LockServer(FALSE), S_OK);
+  EXPECT_EQ(contagem.Quantidade(), 0);
+  // It counts as use until the monitor has noticed: what came and went meanwhile keeps the process.
+  EXPECT_TRUE(contagem.EmUso());
+  EXPECT_EQ(WaitForSingleObject(contagem.EventoZerou(), 0), WAIT_OBJECT_0);
+  contagem.LimpaAtividade();
+  EXPECT_FALSE(contagem.EmUso());
+  void *pObjeto = nullptr;
+  EXPECT_EQ(classe.CreateInstance(nullptr, IID_IClassFactory, &pObjeto), E_NOINTERFACE);
+  EXPECT_EQ(contagem.Quantidade(), 0);
+}

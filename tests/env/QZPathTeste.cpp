@@ -6,13 +6,15 @@
 
 namespace {
 
-constexpr char kEmpresa[] = "PATH9001";
+/// A company of its own for each test: tests that run at once share one registry.
+class QZPathEmpresa : public ::testing::Test {
+protected:
+  CString ChaveEmpresa() const { return CString(kChaveSuite) + "Empresas\\" + m_sEmpresa; }
 
-CString ChaveEmpresa() {
-  return CString(kChaveSuite) + "Empresas\\" + kEmpresa;
-}
+  CString m_sEmpresa = CString("PATH-") + ::testing::UnitTest::GetInstance()->current_test_info()->name();
+};
 
-TEST(QZPath, DiretorioDaEmpresa) {
+TEST_F(QZPathEmpresa, DiretorioDaEmpresa) {
   struct Caso {
     const char *valor;
     const char *modulo1;
@@ -25,27 +27,27 @@ TEST(QZPath, DiretorioDaEmpresa) {
     SCOPED_TRACE(caso.valor);
     apoio::RegistroTeste registro;
     registro.DefineTexto(ChaveEmpresa(), "DF", caso.valor);
-    EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_DF, kEmpresa), caso.modulo1);
-    EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_NFE, kEmpresa), caso.modulo23);
-    EXPECT_EQ(CQZPath::DiretorioEmpresa(0, kEmpresa), "");
-    EXPECT_EQ(CQZPath::DiretorioEmpresa(29, kEmpresa), "");
-    EXPECT_EQ(CQZPath::CaminhoArquivo(QZ_DF, kEmpresa, "DFVEIC.DAT"), CString(caso.modulo1) + "DFVEIC.DAT");
+    EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_DF, m_sEmpresa), caso.modulo1);
+    EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_NFE, m_sEmpresa), caso.modulo23);
+    EXPECT_EQ(CQZPath::DiretorioEmpresa(0, m_sEmpresa), "");
+    EXPECT_EQ(CQZPath::DiretorioEmpresa(29, m_sEmpresa), "");
+    EXPECT_EQ(CQZPath::CaminhoArquivo(QZ_DF, m_sEmpresa, "DFVEIC.DAT"), CString(caso.modulo1) + "DFVEIC.DAT");
   }
 }
 
-TEST(QZPath, EntradaAusenteDaONomeSozinho) {
+TEST_F(QZPathEmpresa, EntradaAusenteDaONomeSozinho) {
   EXPECT_EQ(CQZPath::CaminhoArquivo(QZ_DF, "PATH-SEM-CHAVE", "DFVEIC.DAT"), "DFVEIC.DAT");
   apoio::RegistroTeste registro;
   registro.CriaChave(ChaveEmpresa());
-  EXPECT_EQ(CQZPath::CaminhoArquivo(QZ_DF, kEmpresa, "DFVEIC.DAT"), "DFVEIC.DAT");
+  EXPECT_EQ(CQZPath::CaminhoArquivo(QZ_DF, m_sEmpresa, "DFVEIC.DAT"), "DFVEIC.DAT");
   registro.DefineNumero(ChaveEmpresa(), "DF", 1);
-  EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_DF, kEmpresa), "");
+  EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_DF, m_sEmpresa), "");
 }
 
-TEST(QZPath, ValorExpansivelFicaComoEsta) {
+TEST_F(QZPathEmpresa, ValorExpansivelFicaComoEsta) {
   apoio::RegistroTeste registro;
   registro.DefineTextoExpansivel(ChaveEmpresa(), "DF", "%PATH%\\x");
-  EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_DF, kEmpresa), "%PATH%\\x\\");
+  EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_DF, m_sEmpresa), "%PATH%\\x\\");
 }
 
 TEST(QZPath, Junta) {

@@ -37,7 +37,7 @@ TEST_F(Abertura, CodigoETentativasPorCausa) {
   m_falhas.Arma({apoio::kOpAbre, "TESTE.DAT", 1, false, plataforma::FalhaWin32(32), {}});
   EXPECT_EQ(Abre(), codigos::kOk) << "one busy moment is ridden out";
   EXPECT_EQ(m_relogio.Esperas().back(), 10U);
-  EXPECT_EQ(m_empresa.Le("TESTE.DAT"), Bytes(1, 2));
+  EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 2));
 }
 
 TEST_F(Abertura, ArquivoSomenteLeituraTemCodigoProprio) {
@@ -64,7 +64,7 @@ TEST_F(Abertura, ArquivoAusente) {
   EXPECT_FALSE(Arquivo().ExisteArquivo());
   EXPECT_EQ(Arquivo().AbreArquivo(), codigos::kOk);
   EXPECT_TRUE(Arquivo().ExisteArquivo());
-  EXPECT_EQ(m_empresa.Le("TESTE.DAT"), "");
+  EXPECT_EQ(Disco("TESTE.DAT"), "");
 }
 
 TEST_F(Abertura, DiretorioQueNaoExisteFalhaSemInsistir) {
@@ -86,8 +86,8 @@ TEST_F(Abertura, ModoDeCriacaoEsvazia) {
   m_empresa.Escreve("TESTE.DAT", Bytes(1, 3));
   ASSERT_EQ(Abre(), codigos::kOk);
   ASSERT_EQ(Arquivo().AbreArquivo(eModoCriacao), codigos::kOk);
-  EXPECT_EQ(m_empresa.Le("TESTE.DAT"), "");
   EXPECT_EQ(Arquivo().GetQuantidade(), 0U);
+  EXPECT_EQ(Disco("TESTE.DAT"), "");
 }
 
 TEST_F(Abertura, FalhaNaTrocaDeModoVoltaAoModoAnterior) {
@@ -175,7 +175,7 @@ TEST_F(Abertura, CriacaoNaoApagaOQueOutroProcessoCriou) {
   std::uint64_t uiPosicao = 0;
   EXPECT_EQ(Arquivo().Grava(uiPosicao, Registro(2)), codigos::kOk);
   EXPECT_EQ(uiPosicao, 2U);
-  EXPECT_EQ(m_empresa.Le("TESTE.DAT"), Bytes(1, 2));
+  EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 2));
 }
 
 }  // namespace

@@ -77,6 +77,11 @@ struct NomeTipoBanco<BancoTeste> {
 class ComBanco : public ::testing::Test {
 protected:
   HRESULT Abre() { return m_banco.Inicializa(m_empresa.Dono()); }
+  /// Content of a file, once the database has let go of it.
+  std::string Disco(const CString &nome) {
+    EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
+    return m_empresa.Le(nome);
+  }
   CQZFile<RegTeste> &Arquivo() { return m_banco.m_Registros; }
   CQZFileSingleReg<RegTeste> &Unico() { return m_banco.m_Unico; }
 

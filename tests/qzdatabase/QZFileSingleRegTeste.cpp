@@ -15,16 +15,20 @@ TEST_F(RegistroUnico, ArquivoAusente) {
   EXPECT_EQ(Unico().Grava(RegTeste{}), codigos::kOk);
   EXPECT_FALSE(m_empresa.Existe("UNICO.DAT")) << "a zero record creates nothing";
   EXPECT_EQ(Unico().Grava(Registro(1)), codigos::kOk);
-  EXPECT_EQ(m_empresa.Le("UNICO.DAT"), Bytes(1, 1));
   EXPECT_EQ(Unico().Le(&reg), codigos::kOk);
   EXPECT_EQ(reg, Registro(1));
+  EXPECT_EQ(Disco("UNICO.DAT"), Bytes(1, 1));
 }
 
 TEST_F(RegistroUnico, TamanhoErrado) {
-  for (const std::size_t tamanho : {std::size_t{0}, std::size_t{15}, std::size_t{17}}) {
-    m_empresa.Escreve("UNICO.DAT", std::string(tamanho, 'x'));
-    EXPECT_EQ(Abre(), codigos::kTamanhoDiferente) << tamanho;
-    EXPECT_EQ(m_empresa.Le("UNICO.DAT"), std::string(tamanho, 'x'));
+  for (const std::size_t tamanho : std::initializer_list<std::size_t>{0, 15, 17}) {
+    const std::string conteudo(tamanho, 'x');
+    m_empresa.Escreve("UNICO.DAT", conteudo);
+    {
+      BancoTeste banco;
+      EXPECT_EQ(banco.Inicializa(m_empresa.Dono()), codigos::kTamanhoDiferente) << tamanho;
+    }
+    EXPECT_EQ(m_empresa.Le("UNICO.DAT"), conteudo);
   }
   m_empresa.Escreve("UNICO.DAT", Bytes(1, 1));
   EXPECT_EQ(Abre(), codigos::kOk) << "the right file opens again";

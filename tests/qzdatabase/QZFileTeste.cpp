@@ -9,16 +9,16 @@ namespace {
 using ArquivoTipado = ComBanco;
 
 TEST_F(ArquivoTipado, TamanhoDoArquivoNaInicializacao) {
-  for (const std::size_t tamanho : {std::size_t{0}, std::size_t{16}, std::size_t{32}}) {
-    m_empresa.Escreve("TESTE.DAT", std::string(tamanho, 'x'));
-    EXPECT_EQ(Abre(), codigos::kOk) << tamanho;
-    EXPECT_EQ(Arquivo().GetQuantidade(), tamanho / 16);
-  }
-  for (const std::size_t tamanho : {std::size_t{1}, std::size_t{15}, std::size_t{17}}) {
-    ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
-    m_empresa.Escreve("TESTE.DAT", std::string(tamanho, 'x'));
-    EXPECT_EQ(Abre(), codigos::kTamanhoNaoMultiplo) << tamanho;
-    EXPECT_EQ(m_empresa.Le("TESTE.DAT"), std::string(tamanho, 'x'));
+  for (const std::size_t tamanho : std::initializer_list<std::size_t>{0, 16, 32, 1, 15, 17}) {
+    SCOPED_TRACE(tamanho);
+    const std::string conteudo(tamanho, 'x');
+    m_empresa.Escreve("TESTE.DAT", conteudo);
+    {
+      BancoTeste banco;
+      EXPECT_EQ(banco.Inicializa(m_empresa.Dono()), tamanho % 16 == 0 ? codigos::kOk : codigos::kTamanhoNaoMultiplo);
+      EXPECT_EQ(banco.m_Registros.GetQuantidade(), tamanho % 16 == 0 ? tamanho / 16 : 0);
+    }
+    EXPECT_EQ(m_empresa.Le("TESTE.DAT"), conteudo);
   }
 }
 
@@ -56,8 +56,7 @@ TEST_F(ArquivoTipado, GravaAcrescentaESobrepoe) {
   EXPECT_EQ(Arquivo().GetQuantidade(), 7U);
   uiPosicao = 0;
   EXPECT_EQ(Arquivo().GravaColecao(uiPosicao, CArray<RegTeste>()), codigos::kOk);
-  EXPECT_EQ(m_empresa.Le("TESTE.DAT"), Bytes(1, 4) + Bytes(15, 17));
-  ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
+  EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 4) + Bytes(15, 17));
   ASSERT_EQ(Abre(), codigos::kOk);
   RegTeste reg;
   EXPECT_EQ(Arquivo().Le(7, &reg), codigos::kOk);
@@ -72,8 +71,7 @@ TEST_F(ArquivoTipado, MuitosRegistrosAtravessamBlocos) {
   uiPosicao = 1000;
   ASSERT_EQ(Arquivo().GravaColecao(uiPosicao, Colecao(5000, 5100)), codigos::kOk);
   const std::string esperado = Bytes(1, 999) + Bytes(5000, 5100) + Bytes(1101, kQtd);
-  EXPECT_EQ(m_empresa.Le("TESTE.DAT"), esperado);
-  ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
+  EXPECT_EQ(Disco("TESTE.DAT"), esperado);
   ASSERT_EQ(Abre(), codigos::kOk);
   std::string lido;
   const auto junta = [&](std::uint64_t, const RegTeste &reg) {
@@ -95,7 +93,7 @@ TEST_F(ArquivoTipado, RegistroIgualNaoTocaNoDisco) {
   m_falhas.Desarma();
   uiPosicao = 3;
   EXPECT_EQ(Arquivo().GravaColecao(uiPosicao, Colecao(3, 4)), codigos::kOk) << "equal as far as it goes, but longer";
-  EXPECT_EQ(m_empresa.Le("TESTE.DAT"), Bytes(1, 4));
+  EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 4));
 }
 
 TEST_F(ArquivoTipado, RetentaSeNaoForFatal) {
@@ -114,7 +112,7 @@ TEST_F(ArquivoTipado, RetentaSeNaoForFatal) {
   m_falhas.Desarma();
   EXPECT_EQ(Arquivo().Grava(uiPosicao, Registro(3)), codigos::kOk);
   EXPECT_EQ(uiPosicao, 3U);
-  EXPECT_EQ(m_empresa.Le("TESTE.DAT"), Bytes(1, 3));
+  EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 3));
 }
 
 TEST_F(ArquivoTipado, FragmentoDeUmaTentativaNaoDeslocaAProxima) {
@@ -124,7 +122,7 @@ TEST_F(ArquivoTipado, FragmentoDeUmaTentativaNaoDeslocaAProxima) {
   m_falhas.Arma({apoio::kOpGrava, "", 1, false, plataforma::FalhaWin32(112), 7});
   EXPECT_EQ(Arquivo().Grava(uiPosicao, Registro(3)), codigos::kOk);
   EXPECT_EQ(uiPosicao, 3U);
-  EXPECT_EQ(m_empresa.Le("TESTE.DAT"), Bytes(1, 3));
+  EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 3));
 }
 
 /// Every write of a case with its N-th file operation failing, for every N, once and for good: the caller's answer, the

@@ -17,6 +17,11 @@ namespace {
 class Registro : public ::testing::Test {
 protected:
   HRESULT Abre() { return m_base.Inicializa(m_empresa.Codigo(), 7, 42); }
+  /// The vehicle file, once the register has let go of it.
+  std::string Disco() {
+    EXPECT_EQ(m_base.Finaliza(), codigos::kOk);
+    return m_empresa.Le("DFVEIC.DAT");
+  }
   LONG Acrescenta(const tagREG_VEICULOPS &v) {
     LONG lPos = 0;
     EXPECT_EQ(m_base.Grava(&lPos, v), codigos::kOk);
@@ -75,7 +80,7 @@ TEST_F(Registro, EmpresaNova) {
   EXPECT_EQ(Le(0, &v), codigos::kPosicaoZero);
   EXPECT_EQ(Le(1, &v), codigos::kArquivoNaoAberto) << "no file yet";
   EXPECT_EQ(Acrescenta(VeiculoCompleto()), 1);
-  EXPECT_EQ(m_empresa.Le("DFVEIC.DAT").size(), 256U);
+  EXPECT_EQ(Disco().size(), 256U);
 }
 
 TEST_F(Registro, PosicoesRuins) {
@@ -83,7 +88,8 @@ TEST_F(Registro, PosicoesRuins) {
   for (int i = 0; i < 5; ++i) {
     Acrescenta(VeiculoCompleto());
   }
-  const std::string antes = m_empresa.Le("DFVEIC.DAT");
+  const std::string antes = Disco();
+  ASSERT_EQ(Abre(), codigos::kOk);
   struct Caso {
     LONG lPos;
     HRESULT leitura;
@@ -103,13 +109,13 @@ TEST_F(Registro, PosicoesRuins) {
     EXPECT_EQ(m_base.Grava(&lPos, Veiculo("NEW")), caso.gravacao);
     EXPECT_EQ(lPos, caso.lPos);
   }
-  EXPECT_EQ(m_empresa.Le("DFVEIC.DAT"), antes);
 
   tagREG_VEICULOPS lidos[3] = {VeiculoCompleto(), VeiculoCompleto(), VeiculoCompleto()};
   const LONG posicoes[] = {5, 0, 1};
   EXPECT_EQ(m_base.LePonteiros(3, posicoes, lidos), codigos::kPosicaoZero);
   EXPECT_EQ(Bytes(lidos[0]), Bytes(VeiculoCompleto())) << "read before the failure";
   EXPECT_EQ(Bytes(lidos[1]) + Bytes(lidos[2]), std::string(336, '\0'));
+  EXPECT_EQ(Disco(), antes);
 }
 
 TEST_F(Registro, GravaLeEBusca) {
@@ -135,7 +141,7 @@ TEST_F(Registro, GravaLeEBusca) {
   tagREG_VEICULOPS v;
   EXPECT_EQ(Le(2, &v), codigos::kOk);
   EXPECT_EQ(Bytes(v), Bytes(Veiculo("C", "A")));
-  EXPECT_EQ(m_empresa.Le("DFVEIC.DAT").size(), 3 * 256U);
+  EXPECT_EQ(Disco().size(), 3 * 256U);
 }
 
 TEST_F(Registro, Existe) {

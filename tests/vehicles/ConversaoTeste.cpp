@@ -86,6 +86,7 @@ TEST_F(Conversao, OutraEmpresaNoMesmoObjetoTambemConverte) {
   CBaseVeiculos base;
   EXPECT_EQ(base.Inicializa(m_empresa.Codigo(), 7, 42), codigos::kOk);
   EXPECT_EQ(base.Inicializa(outra.Codigo(), 7, 42), codigos::kOk);
+  EXPECT_EQ(base.Finaliza(), codigos::kOk);
   EXPECT_EQ(outra.Le("DFVEIC.DAT"), Base("cd"));
 }
 

@@ -4,6 +4,7 @@
 #include "core/platform/Bibliotecas.h"
 #include "core/platform/Registro.h"
 #include "core/platform/Relogio.h"
+#include "core/platform/Sistema.h"
 #include "core/platform/SistemaArquivos.h"
 
 namespace plataforma {
@@ -15,6 +16,7 @@ struct Servicos {
   IRegistro *registro;
   IRelogio *relogio;
   IBibliotecas *bibliotecas;
+  ISistema *sistema;
 };
 
 /// The operating system's own services; valid for the life of the process.
@@ -38,6 +40,9 @@ inline IBibliotecas &Bibliotecas() {
 }
 inline IRelogio &Relogio() {
   return *ServicosEmVigor().relogio;
+}
+inline ISistema &Sistema() {
+  return *ServicosEmVigor().sistema;
 }
 
 }  // namespace plataforma

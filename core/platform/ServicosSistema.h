@@ -4,6 +4,7 @@
 #include "core/platform/Bibliotecas.h"
 #include "core/platform/Registro.h"
 #include "core/platform/Relogio.h"
+#include "core/platform/Sistema.h"
 #include "core/platform/SistemaArquivos.h"
 
 namespace plataforma {
@@ -16,6 +17,7 @@ ISistemaArquivos &ArquivosDoSistema();
 IRegistro &RegistroDoSistema();
 IRelogio &RelogioDoSistema();
 IBibliotecas &BibliotecasDoSistema();
+ISistema &InformacoesDoSistema();
 
 }  // namespace plataforma
 

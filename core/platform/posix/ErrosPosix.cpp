@@ -60,7 +60,7 @@ std::uint32_t ErroWin32DeCaminho(int erro, const std::string &caminho) {
 
 std::string CaminhoNativo(const CString &caminho) {
   // A path ends at its first zero byte for the system calls; cutting it here keeps the directory part consistent.
-  std::string nativo(caminho.c_str());
+  std::string nativo = caminho.substr(0, caminho.find('\0'));
   std::replace(nativo.begin(), nativo.end(), '\\', '/');
   return nativo;
 }

@@ -61,7 +61,7 @@ std::optional<CString> RegistroMemoria::LeTexto(const CString &chave, const CStr
   if (texto == nullptr) {
     return std::nullopt;
   }
-  const CString ateZero(texto->texto.c_str());
+  const CString ateZero = texto->texto.substr(0, texto->texto.find('\0'));
   return expande && texto->bExpansivel ? Expandido(ateZero) : ateZero;
 }
 

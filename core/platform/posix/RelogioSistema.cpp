@@ -21,8 +21,10 @@ public:
   }
 
   std::uint32_t Ticks() override {
-    const auto desde = std::chrono::steady_clock::now().time_since_epoch();
-    return static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(desde).count());
+    // The coarse clock moves in steps of a few milliseconds, like the tick count of Windows, and costs a fifth.
+    timespec desde{};
+    clock_gettime(CLOCK_MONOTONIC_COARSE, &desde);
+    return static_cast<std::uint32_t>(desde.tv_sec) * 1000 + static_cast<std::uint32_t>(desde.tv_nsec) / 1000000;
   }
 
   CamposData HoraLocal() override {

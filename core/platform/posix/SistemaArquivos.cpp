@@ -2,8 +2,8 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <stdio.h>
 #include <unistd.h>
+#include <cstdio>
 
 #include <algorithm>
 #include <cerrno>

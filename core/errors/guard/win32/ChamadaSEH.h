@@ -6,7 +6,7 @@
 // The inner layer of the call guard: machine faults become result codes. Thrown C++ exceptions pass through; the layer
 // around it turns them into codes (TraducaoExcecoes.h).
 
-struct _EXCEPTION_RECORD;
+struct _EXCEPTION_RECORD;  // NOLINT(bugprone-reserved-identifier): the platform's name
 
 /// What runs under the frame. It must not hold objects whose destructors matter across a fault: the stack is abandoned
 /// without running them. Locks taken through CQZTrava are the exception, the guard releases them.

@@ -1,0 +1,122 @@
+#include <pwd.h>
+#include <sys/random.h>
+#include <sys/utsname.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+
+#include "core/platform/ServicosSistema.h"
+#include "core/platform/posix/ArquivoIni.h"
+#include "core/platform/posix/ErrosPosix.h"
+
+namespace plataforma {
+namespace {
+
+char Minuscula(char letra) {
+  return letra >= 'A' && letra <= 'Z' ? static_cast<char>(letra + ('a' - 'A')) : letra;
+}
+
+std::uint64_t TamanhoPagina() {
+  return static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
+}
+
+class InformacoesSistema final : public ISistema {
+public:
+  CString NomeProcesso() override {
+    std::error_code erro;
+    CString nome = std::filesystem::read_symlink("/proc/self/exe", erro).filename().string();
+    std::transform(nome.begin(), nome.end(), nome.begin(), Minuscula);
+    return nome;
+  }
+
+  CString UsuarioLocal() override {
+    passwd conta{};
+    passwd *achada = nullptr;
+    std::array<char, 4096> area{};
+    ::getpwuid_r(::geteuid(), &conta, area.data(), area.size(), &achada);
+    return achada != nullptr ? CString(conta.pw_name) : CString();
+  }
+
+  std::uint32_t IdThread() override { return static_cast<std::uint32_t>(::gettid()); }
+
+  CString NovoGuid() override {
+    std::array<unsigned char, 16> b{};
+    if (::getrandom(b.data(), b.size(), 0) != static_cast<ssize_t>(b.size())) {
+      return {};
+    }
+    b[6] = static_cast<unsigned char>((b[6] & 0x0F) | 0x40);  // version 4: random
+    b[8] = static_cast<unsigned char>((b[8] & 0x3F) | 0x80);
+    char texto[39] = "";
+    std::snprintf(texto, sizeof(texto), "{%02X%02X%02X%02X-%02X%02X-%02X%02X-%02X%02X-%02X%02X%02X%02X%02X%02X}", b[0],
+                  b[1], b[2], b[3], b[4], b[5], b[6], b[7], b[8], b[9], b[10], b[11], b[12], b[13], b[14], b[15]);
+    return texto;
+  }
+
+  bool MemoriaProcesso(std::uint64_t *bytes) override {
+    std::ifstream contadores("/proc/self/statm");
+    std::uint64_t total = 0;
+    std::uint64_t residentes = 0;
+    std::uint64_t compartilhadas = 0;
+    if (!(contadores >> total >> residentes >> compartilhadas) || residentes < compartilhadas) {
+      return false;
+    }
+    *bytes = (residentes - compartilhadas) * TamanhoPagina();
+    return true;
+  }
+
+  bool MemoriaMaquina(std::uint64_t *disponivel, std::uint64_t *total) override {
+    const long livres = ::sysconf(_SC_AVPHYS_PAGES);
+    const long todas = ::sysconf(_SC_PHYS_PAGES);
+    if (livres < 0 || todas < 0) {
+      return false;
+    }
+    *disponivel = static_cast<std::uint64_t>(livres) * TamanhoPagina();
+    *total = static_cast<std::uint64_t>(todas) * TamanhoPagina();
+    return true;
+  }
+
+  /// Program files carry no version here.
+  bool VersaoPrograma(VersaoArquivo * /*versao*/) override { return false; }
+
+  VersaoSistema VersaoSO() override {
+    utsname nucleo{};
+    VersaoSistema versao;
+    if (::uname(&nucleo) == 0) {
+      // What does not fit the pattern leaves the rest at 0.
+      static_cast<void>(std::sscanf(nucleo.release, "%u.%u.%u", &versao.maior, &versao.menor,
+                                    &versao.compilacao));  // NOLINT(cert-err34-c)
+    }
+    return versao;
+  }
+
+  CString CaminhoAbsoluto(const CString &caminho) override {
+    std::error_code erro;
+    CString absoluto = std::filesystem::absolute(CaminhoNativo(caminho), erro).lexically_normal().string();
+    std::replace(absoluto.begin(), absoluto.end(), '/', '\\');
+    return erro ? caminho : absoluto;
+  }
+
+  std::uint32_t LeInteiroIni(const CString &arquivo, const char *secao, const char *chave,
+                             std::uint32_t padrao) override {
+    const CString valor = ValorIni(CaminhoNativo(arquivo), secao, chave).value_or(CString());
+    return valor.empty() ? padrao : NumeroIni(valor);
+  }
+
+  CString LeTextoIni(const CString &arquivo, const char *secao, const char *chave, const char *padrao,
+                     std::size_t maximo) override {
+    return ValorIni(CaminhoNativo(arquivo), secao, chave).value_or(padrao).substr(0, maximo);
+  }
+};
+
+}  // namespace
+
+ISistema &InformacoesDoSistema() {
+  static auto *const informacoes = new InformacoesSistema;
+  return *informacoes;
+}
+
+}  // namespace plataforma

@@ -1,0 +1,150 @@
+#include <windows.h>
+
+#include <objbase.h>
+#include <psapi.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <type_traits>
+#include <vector>
+
+#include "core/platform/ServicosSistema.h"
+
+namespace plataforma {
+namespace {
+
+constexpr DWORD kAssinaturaVersao = 0xFEEF04BD;
+
+/// Full path of the program file; empty when it does not fit.
+CString CaminhoPrograma() {
+  char caminho[MAX_PATH + 1] = "";
+  const DWORD qtd = ::GetModuleFileNameA(nullptr, caminho, MAX_PATH);
+  return qtd < MAX_PATH ? CString(caminho, qtd) : CString();
+}
+
+struct LiberaModulo {
+  void operator()(HMODULE modulo) const { ::FreeLibrary(modulo); }
+};
+using Modulo = std::unique_ptr<std::remove_pointer_t<HMODULE>, LiberaModulo>;
+
+template <class Funcao>
+Funcao *FuncaoDe(const Modulo &modulo, const char *nome) {
+  return reinterpret_cast<Funcao *>(reinterpret_cast<void *>(::GetProcAddress(modulo.get(), nome)));
+}
+
+class InformacoesSistema final : public ISistema {
+public:
+  CString NomeProcesso() override {
+    const CString caminho = CaminhoPrograma();
+    CString nome = caminho.substr(caminho.find_last_of('\\') + 1);
+    ::CharLowerBuffA(nome.data(), static_cast<DWORD>(nome.size()));
+    return nome;
+  }
+
+  CString UsuarioLocal() override {
+    char nome[257] = "";
+    DWORD qtd = sizeof(nome);
+    return ::GetUserNameA(nome, &qtd) ? CString(nome) : CString();
+  }
+
+  std::uint32_t IdThread() override { return ::GetCurrentThreadId(); }
+
+  CString NovoGuid() override {
+    GUID guid{};
+    if (FAILED(::CoCreateGuid(&guid))) {
+      return {};
+    }
+    char texto[39] = "";
+    std::snprintf(texto, sizeof(texto), "{%08lX-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", guid.Data1, guid.Data2,
+                  guid.Data3, guid.Data4[0], guid.Data4[1], guid.Data4[2], guid.Data4[3], guid.Data4[4], guid.Data4[5],
+                  guid.Data4[6], guid.Data4[7]);
+    return texto;
+  }
+
+  bool MemoriaProcesso(std::uint64_t *bytes) override {
+    PROCESS_MEMORY_COUNTERS_EX contadores{};
+    contadores.cb = sizeof(contadores);
+    if (!::GetProcessMemoryInfo(::GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS *>(&contadores),
+                                sizeof(contadores))) {
+      return false;
+    }
+    // Two names for the same figure, of which some systems fill in only one.
+    *bytes = std::max(contadores.PrivateUsage, contadores.PagefileUsage);
+    return true;
+  }
+
+  bool MemoriaMaquina(std::uint64_t *disponivel, std::uint64_t *total) override {
+    MEMORYSTATUSEX estado{};
+    estado.dwLength = sizeof(estado);
+    if (!::GlobalMemoryStatusEx(&estado)) {
+      return false;
+    }
+    *disponivel = estado.ullAvailPhys;
+    *total = estado.ullTotalPhys;
+    return true;
+  }
+
+  bool VersaoPrograma(VersaoArquivo *versao) override {
+    const Modulo biblioteca(::LoadLibraryExA("version.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
+    if (!biblioteca) {
+      return false;
+    }
+    auto *const tamanhoDoBloco = FuncaoDe<DWORD WINAPI(LPCSTR, LPDWORD)>(biblioteca, "GetFileVersionInfoSizeA");
+    auto *const leBloco = FuncaoDe<BOOL WINAPI(LPCSTR, DWORD, DWORD, LPVOID)>(biblioteca, "GetFileVersionInfoA");
+    auto *const consulta = FuncaoDe<BOOL WINAPI(LPCVOID, LPCSTR, LPVOID *, PUINT)>(biblioteca, "VerQueryValueA");
+    if (tamanhoDoBloco == nullptr || leBloco == nullptr || consulta == nullptr) {
+      return false;
+    }
+    const CString programa = CaminhoPrograma();
+    DWORD ignorado = 0;
+    std::vector<char> bloco(tamanhoDoBloco(programa.c_str(), &ignorado));
+    void *achado = nullptr;
+    UINT qtd = 0;
+    if (bloco.empty() || !leBloco(programa.c_str(), 0, static_cast<DWORD>(bloco.size()), bloco.data()) ||
+        !consulta(bloco.data(), "\\", &achado, &qtd) || qtd < sizeof(VS_FIXEDFILEINFO)) {
+      return false;
+    }
+    const auto *const fixa = static_cast<const VS_FIXEDFILEINFO *>(achado);
+    if (fixa->dwSignature != kAssinaturaVersao) {
+      return false;
+    }
+    *versao = {fixa->dwFileVersionMS, fixa->dwFileVersionLS};
+    return true;
+  }
+
+  VersaoSistema VersaoSO() override {
+    const DWORD palavra = ::GetVersion();
+    const bool bTemCompilacao = (palavra & 0x80000000U) == 0;
+    return {palavra & 0xFF, palavra >> 8 & 0xFF, bTemCompilacao ? palavra >> 16 : 0};
+  }
+
+  CString CaminhoAbsoluto(const CString &caminho) override {
+    char absoluto[MAX_PATH + 1] = "";
+    const DWORD qtd = ::GetFullPathNameA(caminho.c_str(), sizeof(absoluto), absoluto, nullptr);
+    return qtd != 0 && qtd < sizeof(absoluto) ? CString(absoluto, qtd) : caminho;
+  }
+
+  std::uint32_t LeInteiroIni(const CString &arquivo, const char *secao, const char *chave,
+                             std::uint32_t padrao) override {
+    return ::GetPrivateProfileIntA(secao, chave, static_cast<INT>(padrao), arquivo.c_str());
+  }
+
+  CString LeTextoIni(const CString &arquivo, const char *secao, const char *chave, const char *padrao,
+                     std::size_t maximo) override {
+    CString texto(maximo + 1, '\0');
+    const DWORD qtd = ::GetPrivateProfileStringA(secao, chave, padrao, texto.data(), static_cast<DWORD>(texto.size()),
+                                                 arquivo.c_str());
+    texto.resize(qtd);
+    return texto;
+  }
+};
+
+}  // namespace
+
+ISistema &InformacoesDoSistema() {
+  static auto *const informacoes = new InformacoesSistema;
+  return *informacoes;
+}
+
+}  // namespace plataforma

@@ -1,0 +1,116 @@
+#include "core/errors/DescricaoResultado.h"
+
+#include <gtest/gtest.h>
+
+#include "core/errors/CodigosResultado.h"
+#include "tests/errors/InstalacaoFalsa.h"
+
+namespace {
+
+constexpr char kFacilidadeDesconhecida[] =
+    "Desconhecido ou novo c\xF3"
+    "digo de FACILITY";
+
+struct Caso {
+  std::uint32_t uValor;
+  const char *lpSeveridade;
+  const char *lpFacilidade;
+  const char *lpWin32;
+  const char *lpHRESULT;
+};
+
+TEST(DescricaoResultado, CodigosConhecidos) {
+  const Caso casos[] = {
+      {0, "SEVERITY_SUCCESS", "FACILITY_NULL", "ERROR_SUCCESS", "S_OK"},
+      {1, "SEVERITY_SUCCESS", "FACILITY_NULL", "ERROR_INVALID_FUNCTION", "S_FALSE"},
+      {0x7FFFFFFF, "SEVERITY_SUCCESS", kFacilidadeDesconhecida, "", ""},
+      {0x80000000, "SEVERITY_ERROR", "FACILITY_NULL", "ERROR_SUCCESS", ""},
+      {0xFFFFFFFF, "SEVERITY_ERROR", kFacilidadeDesconhecida, "", ""},
+      {0x80004005, "SEVERITY_ERROR", "FACILITY_NULL", "", "E_FAIL"},
+      {0x8000FFFF, "SEVERITY_ERROR", "FACILITY_NULL", "", "E_UNEXPECTED"},
+      {0x80010001, "SEVERITY_ERROR", "FACILITY_RPC", "ERROR_INVALID_FUNCTION", "RPC_E_CALL_REJECTED"},
+      {0x8001FFFF, "SEVERITY_ERROR", "FACILITY_RPC", "", "RPC_E_UNEXPECTED"},
+      {0x80040064, "SEVERITY_ERROR", "FACILITY_ITF", "ERROR_TOO_MANY_SEMAPHORES", "DV_E_FORMATETC"},
+      {0x80070002, "SEVERITY_ERROR", "FACILITY_WIN32", "ERROR_FILE_NOT_FOUND", ""},
+      {0x80070005, "SEVERITY_ERROR", "FACILITY_WIN32", "ERROR_ACCESS_DENIED", "E_ACCESSDENIED"},
+      {0x800706D7, "SEVERITY_ERROR", "FACILITY_WIN32", "EPT_S_INVALID_ENTRY", ""},
+      {0x80070776, "SEVERITY_ERROR", "FACILITY_WIN32", "OR_INVALID_OXID", ""},
+      {0x8007274C, "SEVERITY_ERROR", "FACILITY_WIN32", "WSAETIMEDOUT", ""},
+      {0x8007232B, "SEVERITY_ERROR", "FACILITY_WIN32", "DNS_ERROR_RCODE_NAME_ERROR", ""},
+      {0x800A0005, "SEVERITY_ERROR", "FACILITY_CONTROL", "ERROR_ACCESS_DENIED", "CTL_E_ILLEGALFUNCTIONCALL"},
+      {0x800B0100, "SEVERITY_ERROR", "FACILITY_CERT", "", "TRUST_E_NOSIGNATURE"},
+      {0x810809D9, "SEVERITY_ERROR", "QZ_FACILITY_CR_CORE", "", ""}};
+  for (const Caso &caso : casos) {
+    SCOPED_TRACE(testing::Message() << std::hex << caso.uValor);
+    const HRESULT hr = CodigoResultado(caso.uValor);
+    EXPECT_EQ(NomeSeveridade(hr), caso.lpSeveridade);
+    EXPECT_EQ(NomeFacilidade(hr), caso.lpFacilidade);
+    EXPECT_EQ(NomeWin32(hr), caso.lpWin32);
+    EXPECT_EQ(NomeHRESULT(hr), caso.lpHRESULT);
+  }
+}
+
+TEST(DescricaoResultado, CodigoDeControle) {
+  EXPECT_EQ(NomeHRESULT(CodigoResultado(0x800A02E8)), "CTL_E_SEARCHTEXTNOTFOUND");
+}
+
+// The system's own codes share FACILITY_ITF with others, and none of theirs may stand for one of these.
+TEST(DescricaoResultado, CodigosProprios) {
+  const HRESULT codigos[] = {
+      codigos::kBaseMaisNova,       codigos::kSemEmpresa,       codigos::kTraNaoRenomeado,     codigos::kPosicaoZero,
+      codigos::kArqPosicaoInvalida, codigos::kArqNaoEncontrado, codigos::kArqCompartilhamento, codigos::kArqOutra};
+  for (const HRESULT hr : codigos) {
+    EXPECT_EQ(NomeHRESULT(hr), "") << std::hex << BitsResultado(hr);
+  }
+}
+
+bool Entre(std::uint32_t valor, std::uint32_t menor, std::uint32_t maior) {
+  return valor >= menor && valor <= maior;
+}
+
+// Every facility number: which have a name of the SDK, which one of the suite, and which none.
+TEST(DescricaoResultado, TodasAsFacilidades) {
+  for (std::uint32_t n = 0; n <= 0x1FFF; ++n) {
+    const HRESULT hr = CodigoResultado(0x80000000U | n << 16U | 2U);
+    const CString nome = NomeFacilidade(hr);
+    SCOPED_TRACE(testing::Message() << n << ' ' << nome);
+    EXPECT_EQ(FacilidadeResultado(hr), static_cast<int>(n));
+    if (n == 264) {
+      EXPECT_EQ(nome, "QZ_FACILITY_CR_CORE");
+    } else if (Entre(n, 236, 255) || n == 263 || n == 265) {
+      EXPECT_EQ(nome, "QZ_FACILITY_" + std::to_string(n));
+    } else if (Entre(n, 0, 4) || Entre(n, 7, 26) || Entre(n, 31, 42) || Entre(n, 48, 58) || Entre(n, 60, 61) ||
+               Entre(n, 80, 84)) {
+      EXPECT_EQ(nome.rfind("FACILITY_", 0), 0U);
+    } else {
+      EXPECT_EQ(nome, kFacilidadeDesconhecida);
+    }
+  }
+}
+
+// The bits above the facility are no part of it.
+TEST(DescricaoResultado, BitsReservados) {
+  EXPECT_EQ(FacilidadeResultado(CodigoResultado(0xE0070005)), 7);
+  EXPECT_EQ(NomeFacilidade(CodigoResultado(0xD0000022)), kFacilidadeDesconhecida);
+}
+
+TEST(DescricaoResultado, LinhaDescrita) {
+  apoio::InstalacaoFalsa instalacao;
+  instalacao.InstalaBiblioteca("primeira");
+  EXPECT_EQ(LinhaDescrita("m_aFiles[idx]->Finaliza(\"%d\")", "hr", codigos::kPosicaoZero),
+            "hr = m_aFiles[idx]->Finaliza(\"%d\")\thr = 0X810809D9 100% de %s %n: 810809D9\t"
+            "SEVERITY = 1 SEVERITY_ERROR\tFACILITY = 264 QZ_FACILITY_CR_CORE\tCODE = 2521 \t"
+            "Descri\xE7\xE3o = ");
+}
+
+TEST(DescricaoResultado, LinhaDescritaSemBiblioteca) {
+  const apoio::InstalacaoFalsa instalacao;
+  EXPECT_EQ(LinhaDescrita("Abre()", "hrAbre", CodigoResultado(0x80070005)),
+            "hrAbre = Abre()\thrAbre = 0X80070005 \tSEVERITY = 1 SEVERITY_ERROR\tFACILITY = 7 FACILITY_WIN32\t"
+            "CODE = 5 ERROR_ACCESS_DENIED\tDescri\xE7\xE3o = E_ACCESSDENIED");
+  EXPECT_EQ(LinhaDescrita("f()", "hr", 0),
+            "hr = f()\thr = 0 \tSEVERITY = 0 SEVERITY_SUCCESS\tFACILITY = 0 FACILITY_NULL\tCODE = 0 ERROR_SUCCESS\t"
+            "Descri\xE7\xE3o = S_OK");
+}
+
+}  // namespace

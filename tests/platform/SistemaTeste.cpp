@@ -1,0 +1,123 @@
+#include "core/platform/Sistema.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <regex>
+#include <set>
+#include <thread>
+
+#include "core/platform/ServicosSistema.h"
+#include "tests/apoio/PastaTemporaria.h"
+
+namespace {
+
+plataforma::ISistema &Sistema() {
+  return plataforma::InformacoesDoSistema();
+}
+
+TEST(Sistema, ProcessoEMaquina) {
+  const CString processo = Sistema().NomeProcesso();
+  EXPECT_TRUE(processo == "teste_platform" || processo == "teste_platform.exe") << processo;
+  EXPECT_FALSE(Sistema().UsuarioLocal().empty());
+  std::uint32_t outra = 0;
+  std::thread([&outra] { outra = Sistema().IdThread(); }).join();
+  EXPECT_NE(Sistema().IdThread(), outra);
+  EXPECT_EQ(Sistema().IdThread(), Sistema().IdThread());
+  EXPECT_GE(Sistema().VersaoSO().maior, 2U);
+  std::uint64_t disponivel = 0;
+  std::uint64_t total = 0;
+  ASSERT_TRUE(Sistema().MemoriaMaquina(&disponivel, &total));
+  EXPECT_GT(disponivel, 0U);
+  EXPECT_LT(disponivel, total);
+}
+
+TEST(Sistema, MemoriaDoProcessoAcompanhaOUso) {
+  std::uint64_t antes = 0;
+  ASSERT_TRUE(Sistema().MemoriaProcesso(&antes));
+  EXPECT_GT(antes, 0U);
+  constexpr std::size_t kBloco = std::size_t{64} << 20;
+  const std::unique_ptr<volatile char[]> bloco(new volatile char[kBloco]);
+  for (std::size_t i = 0; i < kBloco; i += 1024) {
+    bloco[i] = 1;
+  }
+  std::uint64_t depois = 0;
+  ASSERT_TRUE(Sistema().MemoriaProcesso(&depois));
+  EXPECT_GE(depois, antes + kBloco / 2);
+}
+
+TEST(Sistema, VersaoDoPrograma) {
+  plataforma::VersaoArquivo versao{1, 2};
+  const bool bTem = Sistema().VersaoPrograma(&versao);
+  // The program file of this test carries 6.5.3.7 where program files carry versions.
+  EXPECT_EQ(versao.maisSignificativa, bTem ? 0x00060005U : 1U);
+  EXPECT_EQ(versao.menosSignificativa, bTem ? 0x00030007U : 2U);
+  EXPECT_EQ(bTem, Sistema().NomeProcesso().ends_with(".exe"));
+}
+
+TEST(Sistema, GuidsDistintosEBemFormados) {
+  const std::regex forma("\\{[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\\}");
+  std::set<CString> vistos;
+  for (int i = 0; i < 100; ++i) {
+    const CString guid = Sistema().NovoGuid();
+    EXPECT_TRUE(std::regex_match(guid, forma)) << guid;
+    EXPECT_TRUE(vistos.insert(guid).second) << guid;
+  }
+}
+
+TEST(Sistema, CaminhoAbsoluto) {
+  const CString arquivo = Sistema().CaminhoAbsoluto("log.ini");
+  EXPECT_GT(arquivo.size(), CString("\\log.ini").size());
+  EXPECT_TRUE(arquivo.ends_with("\\log.ini")) << arquivo;
+  EXPECT_EQ(arquivo.find('/'), CString::npos) << arquivo;
+  EXPECT_EQ(Sistema().CaminhoAbsoluto("x\\..\\log.ini"), arquivo);
+  EXPECT_EQ(Sistema().CaminhoAbsoluto(arquivo), arquivo);
+}
+
+TEST(Sistema, RegrasDosArquivosIni) {
+  const apoio::PastaTemporaria pasta;
+  const CString arquivo = pasta / "regras.ini";
+  const struct {
+    const char *linha;
+    const char *texto;
+    std::uint32_t numero;
+  } casos[] = {
+      {"K=1", "1", 1},
+      {"K = 1 ", "1", 1},
+      {"k=1", "1", 1},
+      {"K=1abc", "1abc", 1},
+      {"K=0x1", "0x1", 1},
+      {"K=0x1F", "0x1F", 31},
+      {"K=0b101", "0b101", 5},
+      {"K=0o17", "0o17", 15},
+      {"K=010", "010", 10},
+      {"K=-1", "-1", 0xFFFFFFFF},
+      {"K=+2", "+2", 2},
+      {"K=- 2", "- 2", 0},
+      {"K=4294967298", "4294967298", 2},
+      {"K=x1", "x1", 0},
+      {"K=\"1\"", "1", 1},
+      {"K=' 1 '", " 1 ", 1},
+      {"K=\"1", "\"1", 0},
+      {"K=1;nota", "1;nota", 1},
+      {"K=a=b", "a=b", 0},
+      {"K=12345678901234", "1234567890", 1942892530},
+      {"K=1\r\nK=2", "1", 1},
+      {";K=1\r\nK=2", "2", 2},
+      {"K=", "", 7},
+      {"K", "padrao", 7},
+      {"KK=1", "padrao", 7},
+      {"[Outra]\r\nK=1", "padrao", 7},
+      {"[Outra]\r\nK=1\r\n[S]\r\nK=2", "padrao", 7},
+  };
+  for (const auto &caso : casos) {
+    SCOPED_TRACE(caso.linha);
+    apoio::EscreveArquivo(arquivo, CString("K=9\r\n[SS]\r\nK=8\r\n [ s ]\r\n") + caso.linha + "\r\n");
+    EXPECT_EQ(Sistema().LeTextoIni(arquivo, "S", "K", "padrao", 10), caso.texto);
+    EXPECT_EQ(Sistema().LeInteiroIni(arquivo, "S", "K", 7), caso.numero);
+  }
+  EXPECT_EQ(Sistema().LeTextoIni(pasta / "falta.ini", "S", "K", "padrao", 259), "padrao");
+  EXPECT_EQ(Sistema().LeInteiroIni(pasta / "falta.ini", "S", "K", 7), 7U);
+}
+
+}  // namespace

@@ -1,0 +1,59 @@
+#ifndef KALVO_TESTS_APOIO_SISTEMAFALSO_H
+#define KALVO_TESTS_APOIO_SISTEMAFALSO_H
+
+#include <atomic>
+
+#include "core/platform/ServicosSistema.h"
+
+namespace apoio {
+
+/// A machine with fixed figures. Ini files are the real ones. The figures are to be set while no other thread uses it.
+class SistemaFalso final : public plataforma::ISistema {
+public:
+  CString m_processo = "kalvo.exe";
+  CString m_usuario = "operador";
+  std::uint32_t m_uiThread = 4660;
+  CString m_guid = "{6F9619FF-8B86-D011-B42D-00C04FC964FF}";
+  bool m_bMemoria = true;  ///< whether the memory queries succeed
+  std::uint64_t m_uiMemoriaProcesso = 3276800;
+  std::uint64_t m_uiDisponivel = 8589934592;
+  std::uint64_t m_uiTotal = 17179869184;
+  bool m_bVersao = true;  ///< whether the program file has a version
+  plataforma::VersaoArquivo m_versaoPrograma{0x00010000, 0};
+  plataforma::VersaoSistema m_versaoSO{10, 0, 19045};
+  CString m_diretorioAtual = "C:\\atual\\";
+  std::atomic<int> m_textosIni{0};  ///< how many texts were asked of ini files
+
+  CString NomeProcesso() override { return m_processo; }
+  CString UsuarioLocal() override { return m_usuario; }
+  std::uint32_t IdThread() override { return m_uiThread; }
+  CString NovoGuid() override { return m_guid; }
+  bool MemoriaProcesso(std::uint64_t *bytes) override {
+    *bytes = m_bMemoria ? m_uiMemoriaProcesso : *bytes;
+    return m_bMemoria;
+  }
+  bool MemoriaMaquina(std::uint64_t *disponivel, std::uint64_t *total) override {
+    *disponivel = m_bMemoria ? m_uiDisponivel : *disponivel;
+    *total = m_bMemoria ? m_uiTotal : *total;
+    return m_bMemoria;
+  }
+  bool VersaoPrograma(plataforma::VersaoArquivo *versao) override {
+    *versao = m_bVersao ? m_versaoPrograma : *versao;
+    return m_bVersao;
+  }
+  plataforma::VersaoSistema VersaoSO() override { return m_versaoSO; }
+  CString CaminhoAbsoluto(const CString &caminho) override { return m_diretorioAtual + caminho; }
+  std::uint32_t LeInteiroIni(const CString &arquivo, const char *secao, const char *chave,
+                             std::uint32_t padrao) override {
+    return plataforma::InformacoesDoSistema().LeInteiroIni(arquivo, secao, chave, padrao);
+  }
+  CString LeTextoIni(const CString &arquivo, const char *secao, const char *chave, const char *padrao,
+                     std::size_t maximo) override {
+    ++m_textosIni;
+    return plataforma::InformacoesDoSistema().LeTextoIni(arquivo, secao, chave, padrao, maximo);
+  }
+};
+
+}  // namespace apoio
+
+#endif

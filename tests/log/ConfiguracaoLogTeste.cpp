@@ -1,0 +1,126 @@
+#include "core/log/ConfiguracaoLog.h"
+
+#include "tests/log/LogTeste.h"
+
+namespace {
+
+class ConfiguracaoLog : public LogTeste {};
+
+TEST_F(ConfiguracaoLog, Chaves) {
+  const struct {
+    const char *ini;
+    const char *ligadas;  ///< E, S, T, P, M
+    bool bHabilitado;
+  } casos[] = {
+      {"", "", false},
+      {"Entrada=1", "E", false},
+      {"Performance=1", "P", false},
+      {"Trace=1\r\nMemory=1", "TM", false},
+      {"Entrada=1\r\nPerformance=1", "EP", true},
+      {"Saida=1\r\nMemory=1", "SM", true},
+      {"Entrada=2\r\nPerformance=1", "P", false},
+      {"Entrada=-1\r\nSaida=x\r\nMemory=1", "M", false},
+      {"entrada = 1abc \r\nperformance=\"1\"", "EP", true},
+      {"[Outra]\r\nEntrada=1\r\nPerformance=1", "", false},
+  };
+  for (const auto &caso : casos) {
+    SCOPED_TRACE(caso.ini);
+    Configura(caso.ini);
+    std::string ligadas;
+    ligadas.append(LogEntrada() ? "E" : "").append(LogSaida() ? "S" : "").append(LogTrace() ? "T" : "");
+    ligadas.append(LogPerformance() ? "P" : "").append(LogMemory() ? "M" : "");
+    EXPECT_EQ(ligadas, caso.ligadas);
+    EXPECT_EQ(RastreamentoHabilitado(), caso.bHabilitado);
+  }
+}
+
+TEST_F(ConfiguracaoLog, Processos) {
+  const struct {
+    std::string ini;
+    bool bRastreado;  ///< kalvo.exe
+  } casos[] = {
+      {"", true},
+      {"Processos=todos", true},
+      {"Processos=xtodosx", true},
+      {"Processos=Todos", false},
+      {"Processos=", false},
+      {"Processos=;, ;", false},
+      {"Processos=kalvo.exe", true},
+      {"Processos=outro.exe", false},
+      {"Processos=KALVO", false},
+      {"Processos=outro;lvo", true},
+      {"Processos=outro,alvo", true},
+      {"Processos=outro kal", true},
+      {"Processos=outro, ;;.exe ", true},
+      {"Processos=kalvo.exe.bak", false},
+      {"Processos=" + std::string(254, 'x') + ";kalvo", true},  // 260 characters: cut to ";kalv"
+      {"Processos=" + std::string(254, 'x') + "todos", true},   // 259
+      {"Processos=" + std::string(255, 'x') + "todos", false},  // 260: the last letter is lost
+  };
+  for (const auto &caso : casos) {
+    Configura(caso.ini);
+    EXPECT_EQ(ProcessoRastreado("kalvo.exe"), caso.bRastreado) << caso.ini;
+  }
+}
+
+TEST_F(ConfiguracaoLog, RecargaPorIdade) {
+  // The ticks of the calls, counted from the first load, and how many of them read the file.
+  const struct {
+    const char *timeout;
+    std::vector<std::uint32_t> ticks;
+    int leituras;
+  } casos[] = {
+      {"", {0, 600000, 600001}, 1},
+      {"TimeoutConfig=2", {0, 1, 2000, 2001, 4001, 4002}, 2},
+      {"TimeoutConfig=0", {0, 0, 1, 1, 2}, 2},
+      {"TimeoutConfig=5000000", {0xFFFFFFFF - 1000000}, 0},  // more milliseconds than 32 bits hold
+      {"TimeoutConfig=5000000", {1000, 0xFFFFFFFF}, 1},      // the count began again
+  };
+  for (const auto &caso : casos) {
+    SCOPED_TRACE(caso.timeout);
+    Configura(caso.timeout);
+    const std::uint32_t inicio = m_relogio.m_ticks;
+    m_sistema.m_textosIni = 0;
+    for (const std::uint32_t ticks : caso.ticks) {
+      m_relogio.m_ticks = inicio + ticks;
+      RastreamentoHabilitado();
+    }
+    EXPECT_EQ(m_sistema.m_textosIni, caso.leituras);
+  }
+}
+
+TEST_F(ConfiguracaoLog, NovoTimeoutValeDaChamadaSeguinte) {
+  Configura("TimeoutConfig=10");
+  const std::uint32_t inicio = m_relogio.m_ticks;
+  EscreveIni("TimeoutConfig=1\r\nEntrada=1\r\nMemory=1");
+  m_relogio.m_ticks = inicio + 10000;
+  EXPECT_FALSE(RastreamentoHabilitado());
+  m_relogio.m_ticks = inicio + 10001;
+  EXPECT_TRUE(RastreamentoHabilitado());
+  EXPECT_EQ(CarregaConfiguracaoLog(), inicio + 10001);
+  EscreveIni("");
+  m_relogio.m_ticks = inicio + 11001;
+  EXPECT_TRUE(RastreamentoHabilitado());
+  m_relogio.m_ticks = inicio + 11002;
+  EXPECT_FALSE(RastreamentoHabilitado());
+}
+
+TEST_F(ConfiguracaoLog, TickZeroContaComoNuncaCarregada) {
+  Configura("", 0);
+  m_sistema.m_textosIni = 0;
+  CarregaConfiguracaoLog();
+  CarregaConfiguracaoLog();
+  EXPECT_EQ(m_sistema.m_textosIni, 2);
+}
+
+TEST_F(ConfiguracaoLog, SemInstalacaoLeDoDiretorioAtual) {
+  m_registro.m_textos.clear();
+  CarregaEm(m_relogio.m_ticks - 1);
+  EXPECT_FALSE(RastreamentoHabilitado());
+  apoio::EscreveArquivo(m_dados / "log.ini", "[Log]\r\nSaida=1\r\nMemory=1");
+  m_sistema.m_diretorioAtual = m_dados.Caminho();
+  CarregaEm(m_relogio.m_ticks - 1);
+  EXPECT_TRUE(RastreamentoHabilitado());
+}
+
+}  // namespace

@@ -1,0 +1,88 @@
+#include "core/log/RegistroLog.h"
+
+#include "core/log/SumidouroErroLog.h"
+#include "tests/log/LogTeste.h"
+
+namespace {
+
+const CString kChaveHora = "SYSTEM\\CurrentControlSet\\Control\\Session Manager\\Environment";
+
+class RegistroErro : public LogTeste {
+protected:
+  void Grava(const IQZDF_Profiler *pProfiler, const CString &sLog = "texto") {
+    GravaRegistroErro(pProfiler, "C::F", "C.cpp", 9, sLog);
+  }
+};
+
+TEST_F(RegistroErro, LinhaByteAByte) {
+  const SumidouroRastro anterior = DefineSumidouroRastro(nullptr);
+  InstalaLogDeErros();
+  const CQZRastro rastro(&m_profiler, {"CQZFile<", "struct RegVeiculo", ">::Le"}, "QZFile.h");
+  EXPECT_EQ(BitsResultado(rastro.Codigo(CodigoResultado(0x810809D9), 118)), 0x810809D9);
+  DefineSumidouroRastro(anterior);
+  const std::string linha =
+      "21/11/2025|09:05:07.042|kalvo.exe|operador|CQZFile<struct RegVeiculo>::Le|"
+      "{6F9619FF-8B86-D011-B42D-00C04FC964FF}|E0001|U007|S00000042|T00004660|ERRO|8589934592|17179869184|3276800|1.0.0|"
+      "10.0.19045|QZFile.h|118|hr = ((HRESULT)0x810809D9L)|hr = 0X810809D9 |SEVERITY = 1 SEVERITY_ERROR|"
+      "FACILITY = 264 QZ_FACILITY_CR_CORE|CODE = 2521 |Descri\xE7\xE3o = |";
+  EXPECT_EQ(ErrosDaEmpresa(), (std::vector<std::string>{kCabecalhoErrosEsperado, linha}));
+  EXPECT_EQ(apoio::LeArquivo(m_dados / kArquivoErros).size(), 275U + 346U);
+}
+
+TEST_F(RegistroErro, PastaPorEmpresa) {
+  const CQZProfilerEmpresa semEmpresa;
+  const CQZProfilerEmpresa desconhecida("9999", 1, 1);
+  Grava(nullptr);
+  Grava(&semEmpresa);
+  Grava(&desconhecida);
+  Grava(&m_profiler);
+  EXPECT_EQ(ErrosDaEmpresa().size(), 2U);
+  const std::vector<std::string> linhas = ErrosDaInstalacao();
+  ASSERT_EQ(linhas.size(), 4U);
+  EXPECT_NE(linhas[1].find("|{6F9619FF-8B86-D011-B42D-00C04FC964FF}|||||ERRO|"), std::string::npos) << linhas[1];
+  EXPECT_NE(linhas[2].find("|E|U000|S00000000|T00004660|ERRO|"), std::string::npos) << linhas[2];
+  EXPECT_NE(linhas[3].find("|E9999|U001|S00000001|T00004660|ERRO|"), std::string::npos) << linhas[3];
+}
+
+TEST_F(RegistroErro, VersoesETextosQueFaltam) {
+  const struct {
+    plataforma::VersaoArquivo versao;
+    const char *texto;
+  } casos[] = {{{0x00060005, 1}, "|6.5.1|"},
+               {{0x00060005, 0x00030007}, "|6.5.196615|"},
+               {{0xFFFFFFFF, 0xFFFFFFFF}, "|65535.65535.-1|"}};
+  for (const auto &caso : casos) {
+    m_sistema.m_versaoPrograma = caso.versao;
+    Grava(&m_profiler);
+    EXPECT_NE(ErrosDaEmpresa().back().find(caso.texto), std::string::npos) << ErrosDaEmpresa().back();
+  }
+  m_sistema.m_bVersao = m_sistema.m_bMemoria = false;
+  m_sistema.m_guid.clear();
+  m_sistema.m_usuario.clear();
+  m_sistema.m_processo.clear();
+  Grava(&m_profiler, "a\r\nb\rc\n\td%n");
+  EXPECT_EQ(ErrosDaEmpresa().back(),
+            "21/11/2025|09:05:07.042|C::F|E0001|U007|S00000042|T00004660|ERRO|0|0|0|0.0.0|10.0.19045|C.cpp|9|abc|d%n|");
+}
+
+TEST_F(RegistroErro, RelogioQueFalhaDaAHoraDaMaquina) {
+  m_registro.m_textos[{kChaveHora, "QZ_DATETIME"}] = "1;01/01/2020;00:00:00:000;21/11/2025;09:05:07:042";
+  Grava(&m_profiler);
+  EXPECT_EQ(ErrosDaEmpresa().back().substr(0, 24), "01/01/2020|00:00:00.000|");
+  // A shift that leads to before the first moment that can be expressed.
+  m_registro.m_textos[{kChaveHora, "QZ_DATETIME"}] = "1;01/01/1601;00:00:00:000;21/11/2030;00:00:00:000";
+  Grava(&m_profiler);
+  EXPECT_EQ(ErrosDaEmpresa().back().substr(0, 24), "21/11/2025|09:05:07.042|");
+}
+
+TEST_F(RegistroErro, ProfilerQueFalhaNaoAlcancaQuemGrava) {
+  class Falho final : public IQZDF_Profiler {
+    CString GetEmpresa() const override { throw std::bad_alloc(); }
+    std::uint16_t GetUsuario() const override { return 0; }
+    std::uint32_t GetSessao() const override { return 0; }
+  } const falho;
+  Grava(&falho);
+  EXPECT_TRUE(ErrosDaInstalacao().empty());
+}
+
+}  // namespace

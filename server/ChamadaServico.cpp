@@ -10,8 +10,7 @@ constexpr char kArquivo[] = "QZDF_Veiculos.cpp";
 
 }  // namespace
 
-CChamadaServico::CChamadaServico(const IQZDF_Profiler &profiler, const NomeOperacao &nome, const char *lpVariavel)
-    : m_profiler(profiler), m_nome(nome), m_lpVariavel(lpVariavel) {
+void CChamadaServico::CedeProcessador() {
   Sleep(0);
 }
 

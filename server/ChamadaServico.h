@@ -1,18 +1,18 @@
 #ifndef KALVO_SERVER_CHAMADASERVICO_H
 #define KALVO_SERVER_CHAMADASERVICO_H
 
-#include <source_location>
 #include <type_traits>
 
 #include "core/errors/guard/win32/ChamadaSEH.h"
+#include "core/log/EscopoProfiler.h"
 #include "core/log/QZProfilerEmpresa.h"
 #include "core/log/Rastro.h"
 
 /// Qualified name of an operation and the source line that a traced failure names: the line where the name is given.
 struct NomeOperacao {
   // Implicit: operations pass their name as a plain literal.
-  NomeOperacao(const char *lpTexto, const std::source_location &local = std::source_location::current())
-      : lpNome(lpTexto), iLinha(static_cast<int>(local.line())) {}
+  NomeOperacao(const char *lpTexto, int iLinhaDeQuemChama = __builtin_LINE())
+      : lpNome(lpTexto), iLinha(iLinhaDeQuemChama) {}
 
   const char *lpNome;
   int iLinha;
@@ -26,7 +26,17 @@ struct NomeOperacao {
 class CChamadaServico {
 public:
   /// `profiler` and the texts must outlive the object; `lpVariavel` is the name under which a failure is traced.
-  CChamadaServico(const IQZDF_Profiler &profiler, const NomeOperacao &nome, const char *lpVariavel = "hr");
+  CChamadaServico(const IQZDF_Profiler &profiler, const NomeOperacao &nome, const char *lpVariavel = "hr")
+      : CChamadaServico(profiler, nome, lpVariavel, [] { return ParametrosEscopo(); }) {}
+
+  /// `formata` gives the parameters of the entry record; it is called only when one is written, outside the guard.
+  template <class Formata>
+  CChamadaServico(const IQZDF_Profiler &profiler, const NomeOperacao &nome, const char *lpVariavel,
+                  const Formata &formata)
+      : m_profiler(profiler),
+        m_nome(nome),
+        m_lpVariavel(lpVariavel),
+        m_escopo((CedeProcessador(), &profiler), {nome.lpNome}, formata) {}
 
   /// Runs `corpo`, a callable that returns HRESULT, under the guard.
   template <class Corpo>
@@ -36,12 +46,16 @@ public:
   }
 
 private:
+  /// Every operation yields once on entry.
+  static void CedeProcessador();
+
   HRESULT Guarda(CorpoSEH corpo, void *pContexto) const;
   void Rastreia(HRESULT hr, const char *lpExpressao) const;
 
   const IQZDF_Profiler &m_profiler;
   NomeOperacao m_nome;
   const char *m_lpVariavel;
+  CQZEscopoProfiler m_escopo;
 };
 
 /// Runs work whose failure nobody can do anything about, such as letting go of an object that met a fault: neither an

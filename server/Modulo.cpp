@@ -5,6 +5,7 @@
 #include <objbase.h>
 
 #include "core/errors/guard/TraducaoExcecoes.h"
+#include "core/log/SumidouroErroLog.h"
 #include "server/LinhaComando.h"
 #include "server/MonitorEncerramento.h"
 #include "server/RegistroServidor.h"
@@ -56,6 +57,7 @@ void ProcessaMensagens() {
 
 int CKalvoModule::Executa(const char *lpLinhaComando) {
   SetErrorMode(SEM_FAILCRITICALERRORS);
+  InstalaLogDeErros();
   if (!m_contagem.Pronta()) {
     DizErro("Kalvo: o sistema nao deu os recursos para iniciar.");
     return -1;

@@ -53,6 +53,17 @@ private:
   std::shared_lock<std::shared_mutex> m_compartilhada;
 };
 
+ParametrosEscopo SemParametros() {
+  return {};
+}
+
+/// The number behind a pointer that may be bad, as text; "0" for a bad one.
+CString TextoDe(const LONG *pNumero) {
+  LONG lNumero = 0;
+  IgnoraFalhas([&] { lNumero = *pNumero; });
+  return std::to_string(lNumero);
+}
+
 void SoltaBase(std::shared_ptr<CBaseVeiculos> &spBase) {
   IgnoraFalhas([&] { spBase.reset(); });
 }
@@ -150,10 +161,10 @@ IUnknown *CQZDF_Veiculos::SeguraSeVivo() {
   return nullptr;
 }
 
-template <class Zera, class Corpo>
-HRESULT CQZDF_Veiculos::Opera(const IQZDF_Profiler &profiler, const NomeOperacao &nome, Acesso eAcesso, Zera &&zera,
-                              Corpo &&corpo) {
-  const CChamadaServico chamada(profiler, nome);
+template <class Formata, class Zera, class Corpo>
+HRESULT CQZDF_Veiculos::Opera(const IQZDF_Profiler &profiler, const NomeOperacao &nome, Acesso eAcesso,
+                              const Formata &formata, Zera &&zera, Corpo &&corpo) {
+  const CChamadaServico chamada(profiler, nome, "hr", formata);
   // A reference of this call's own: another call that meets a fault may drop the object's at any moment.
   std::shared_ptr<CBaseVeiculos> spBase = m_spBase.load();
   HRESULT hr = 0;
@@ -179,7 +190,13 @@ HRESULT CQZDF_Veiculos::Opera(const IQZDF_Profiler &profiler, const NomeOperacao
 
 template <class Zera, class Corpo>
 HRESULT CQZDF_Veiculos::Opera(const NomeOperacao &nome, Zera &&zera, Corpo &&corpo) {
-  return Opera(*this, nome, Acesso::Compartilhado, zera, corpo);
+  return Opera(*this, nome, Acesso::Compartilhado, SemParametros, zera, corpo);
+}
+
+template <class Formata, class Zera, class Corpo>
+HRESULT CQZDF_Veiculos::OperaComParametros(const NomeOperacao &nome, const Formata &formata, Zera &&zera,
+                                           Corpo &&corpo) {
+  return Opera(*this, nome, Acesso::Compartilhado, formata, zera, corpo);
 }
 
 HRESULT CQZDF_Veiculos::Inicializa(LPWSTR lpEmpresa, unsigned short iUsuario, LONG lNumeroSessao) {
@@ -187,7 +204,7 @@ HRESULT CQZDF_Veiculos::Inicializa(LPWSTR lpEmpresa, unsigned short iUsuario, LO
   const HRESULT hrTexto = CopiaTexto(lpEmpresa, sEmpresa);
   const CQZProfilerEmpresa profiler(std::move(sEmpresa), iUsuario, static_cast<std::uint32_t>(lNumeroSessao));
   return Opera(
-      profiler, "CQZDF_Veiculos::Inicializa", Acesso::Exclusivo, [] {},
+      profiler, "CQZDF_Veiculos::Inicializa", Acesso::Exclusivo, SemParametros, [] {},
       [&](CBaseVeiculos &base) {
         return Falhou(hrTexto) ? hrTexto : base.Inicializa(profiler.GetEmpresa(), iUsuario, lNumeroSessao);
       });
@@ -197,25 +214,37 @@ HRESULT CQZDF_Veiculos::Grava(LONG *pPos, tagREG_VEICULOPS Veiculo) {
   if (pPos == nullptr) {
     return codigos::kPonteiroInvalido;
   }
-  return Opera(
-      "CQZDF_Veiculos::Grava", [] {}, [&](CBaseVeiculos &base) { return base.Grava(pPos, Veiculo); });
+  return OperaComParametros(
+      "CQZDF_Veiculos::Grava",
+      [&] {
+        return ParametrosEscopo{{"*pPos", TextoDe(pPos)}};
+      },
+      [] {}, [&](CBaseVeiculos &base) { return base.Grava(pPos, Veiculo); });
 }
 
 HRESULT CQZDF_Veiculos::Le(LONG lPos, tagREG_VEICULOPS *pVeiculo) {
   if (pVeiculo == nullptr) {
     return codigos::kPonteiroInvalido;
   }
-  return Opera(
-      "CQZDF_Veiculos::Le", [&] { *pVeiculo = {}; },
-      [&](CBaseVeiculos &base) { return base.LePonteiros(1, &lPos, pVeiculo); });
+  return OperaComParametros(
+      "CQZDF_Veiculos::Le",
+      [&] {
+        return ParametrosEscopo{{"lPos", std::to_string(lPos)}};
+      },
+      [&] { *pVeiculo = {}; }, [&](CBaseVeiculos &base) { return base.LePonteiros(1, &lPos, pVeiculo); });
 }
 
 HRESULT CQZDF_Veiculos::Existe(LPWSTR lpCodigo, LONG *pPos, tagREG_VEICULOPS *pVeiculo) {
   if (pPos == nullptr || pVeiculo == nullptr) {
     return codigos::kPonteiroInvalido;
   }
-  return Opera(
+  return OperaComParametros(
       "CQZDF_Veiculos::Existe",
+      [&] {
+        CString sCodigo;
+        static_cast<void>(CopiaTexto(lpCodigo, sCodigo));
+        return ParametrosEscopo{{"lpCodigo", sCodigo}, {"*pPos", TextoDe(pPos)}};
+      },
       [&] {
         *pPos = 0;
         *pVeiculo = {};

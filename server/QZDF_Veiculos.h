@@ -66,10 +66,13 @@ private:
 
   IUnknown *SeguraSeVivo() override;
 
-  template <class Zera, class Corpo>
-  HRESULT Opera(const IQZDF_Profiler &profiler, const NomeOperacao &nome, Acesso eAcesso, Zera &&zera, Corpo &&corpo);
+  template <class Formata, class Zera, class Corpo>
+  HRESULT Opera(const IQZDF_Profiler &profiler, const NomeOperacao &nome, Acesso eAcesso, const Formata &formata,
+                Zera &&zera, Corpo &&corpo);
   template <class Zera, class Corpo>
   HRESULT Opera(const NomeOperacao &nome, Zera &&zera, Corpo &&corpo);
+  template <class Formata, class Zera, class Corpo>
+  HRESULT OperaComParametros(const NomeOperacao &nome, const Formata &formata, Zera &&zera, Corpo &&corpo);
 
   const CUsoDoModulo m_uso;
   CInterno m_interno;

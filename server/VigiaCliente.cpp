@@ -9,7 +9,7 @@ using ConsultaPid = LONG(WINAPI *)(void *hLigacao, unsigned long *pPid);
 /// Process that makes the call which this thread is serving; 0 when it serves none. Looked up by name: the routine is
 /// exported by the runtime without a promise that it stays.
 unsigned long PidDoCliente() {
-  static const ConsultaPid consulta = reinterpret_cast<ConsultaPid>(
+  static const auto consulta = reinterpret_cast<ConsultaPid>(
       reinterpret_cast<void *>(GetProcAddress(GetModuleHandleA("rpcrt4.dll"), "I_RpcBindingInqLocalClientPID")));
   unsigned long pid = 0;
   return consulta != nullptr && consulta(nullptr, &pid) == RPC_S_OK ? pid : 0;

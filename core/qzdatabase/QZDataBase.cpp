@@ -32,7 +32,7 @@ void CQZDataBase::RemoveFile(CQZFileBase *pFile) {
 }
 
 HRESULT CQZDataBase::OnInicializa() {
-  const CQZRastro rastro(this, {"CQZDataBase::OnInicializa"}, kFonte);
+  const CQZOperacao rastro(this, {"CQZDataBase::OnInicializa"}, kFonte);
   HRESULT hr = codigos::kOk;
   for (std::size_t idx = 0; idx < m_aFiles.GetSize(); ++idx) {
     if (QZ_FALHOU(rastro, hr, "m_aFiles[idx]->Inicializa(GetEmpresa(), GetUsuario(), GetNumeroSessao())",
@@ -47,7 +47,7 @@ HRESULT CQZDataBase::OnInicializa() {
 }
 
 HRESULT CQZDataBase::OnFinaliza() {
-  const CQZRastro rastro(this, {"CQZDataBase::OnFinaliza"}, kFonte);
+  const CQZOperacao rastro(this, {"CQZDataBase::OnFinaliza"}, kFonte);
   HRESULT hr = codigos::kOk;
   for (std::size_t idx = 0; idx < m_aFiles.GetSize(); ++idx) {
     static_cast<void>(QZ_FALHOU(rastro, hr, "m_aFiles[idx]->Finaliza()", m_aFiles[idx]->Finaliza()));

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "core/errors/CodigosResultado.h"
-#include "core/log/Rastro.h"
+#include "core/log/QZOperacao.h"
 #include "core/platform/LivroTravas.h"
 #include "core/platform/Textos.h"
 #include "core/qzdatabase/QZCrc64.h"
@@ -67,8 +67,8 @@ template <typename TDataBase>
 HRESULT CQZDataBaseContainer<TDataBase>::Inicializa(const CString &sEmpresa, std::uint16_t iUsuario, LONG lNumeroSessao,
                                                     TDataBase **ppDataBase) {
   const CQZProfilerEmpresa profiler(sEmpresa, iUsuario, static_cast<std::uint32_t>(lNumeroSessao));
-  const CQZRastro rastro(&profiler, {"CQZDataBaseContainer<", NomeTipoBanco<TDataBase>::kNome, ">::Inicializa"},
-                         kFonteDataBaseFacade);
+  const CQZOperacao rastro(&profiler, {"CQZDataBaseContainer<", NomeTipoBanco<TDataBase>::kNome, ">::Inicializa"},
+                           kFonteDataBaseFacade);
   const Chave chave = ChaveDaEmpresa(sEmpresa);
   const plataforma::CQZTrava trava(m_secao);
   auto par = m_pares.find(chave);
@@ -85,6 +85,8 @@ HRESULT CQZDataBaseContainer<TDataBase>::Inicializa(const CString &sEmpresa, std
 
 template <typename TDataBase>
 HRESULT CQZDataBaseContainer<TDataBase>::Finaliza(TDataBase **ppDataBase) {
+  const CQZEscopoProfiler escopo(*ppDataBase,
+                                 {"CQZDataBaseContainer<", NomeTipoBanco<TDataBase>::kNome, ">::Finaliza"});
   const plataforma::CQZTrava trava(m_secao);
   const auto par = std::find_if(m_pares.begin(), m_pares.end(),
                                 [&](const auto &candidato) { return candidato.second.pDataBase.get() == *ppDataBase; });

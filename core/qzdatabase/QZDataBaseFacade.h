@@ -30,7 +30,7 @@ private:
 
 template <typename TDataBase, typename TBase>
 HRESULT CQZDataBaseFacade<TDataBase, TBase>::QZDataBaseInicializa() {
-  const CQZRastro rastro(
+  const CQZOperacao rastro(
       this, {"CQZDataBaseFacade<", NomeTipoBanco<TDataBase>::kNome, ",class CQZBaseParaRotinas>::QZDataBaseInicializa"},
       kFonteDataBaseFacade);
   if (this->GetEmpresa().empty()) {
@@ -51,7 +51,7 @@ HRESULT CQZDataBaseFacade<TDataBase, TBase>::OnFinaliza() {
 
 template <typename TDataBase, typename TBase>
 HRESULT CQZDataBaseFacade<TDataBase, TBase>::SoltaDataBase() {
-  const CQZRastro rastro(
+  const CQZOperacao rastro(
       this, {"CQZDataBaseFacade<", NomeTipoBanco<TDataBase>::kNome, ",class CQZBaseParaRotinas>::OnFinaliza"},
       kFonteDataBaseFacade);
   if (m_pDataBase == nullptr) {

@@ -74,7 +74,7 @@ private:
 
 template <typename T>
 HRESULT CQZFile<T>::OnInicializa() {
-  const CQZRastro rastro(this, Nome(">::OnInicializa"), kFonte);
+  const CQZOperacao rastro(this, Nome(">::OnInicializa"), kFonte);
   QZ_VERIFICA(rastro, "__super::OnInicializa()", CQZFileBase::OnInicializa());
   QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AbreArquivo(eModoLeitura));
   EsvaziaMemoria();
@@ -119,6 +119,7 @@ void CQZFile<T>::EsvaziaMemoria() {
 
 template <typename T>
 HRESULT CQZFile<T>::OnFinaliza() {
+  const CQZEscopoProfiler escopo(this, Nome(">::OnFinaliza"));
   const plataforma::CQZTrava trava(Secao());
   if (ExisteArquivo()) {
     static_cast<void>(RestauraPendencia());
@@ -129,7 +130,7 @@ HRESULT CQZFile<T>::OnFinaliza() {
 
 template <typename T>
 HRESULT CQZFile<T>::Le(std::uint64_t uiPosicao, T *pReg) {
-  const CQZRastro rastro(this, Nome(">::Le"), kFonte);
+  const CQZOperacao rastro(this, Nome(">::Le"), kFonte);
   if (uiPosicao == 0) {
     QZ_RETORNA_CODIGO(rastro, codigos::kPosicaoZero);
   }
@@ -168,7 +169,7 @@ HRESULT CQZFile<T>::Percorre(std::uint64_t uiPrimeira, std::uint64_t uiUltima, F
 
 template <typename T>
 HRESULT CQZFile<T>::Grava(std::uint64_t &uiPosicao, const T &reg) {
-  const CQZRastro rastro(this, Nome(">::Grava"), kFonte);
+  const CQZOperacao rastro(this, Nome(">::Grava"), kFonte);
   QZ_VERIFICA(rastro, "GravaColecao(uiPosicao, aRegistros)", GravaFaixa(uiPosicao, &reg, 1));
   return codigos::kOk;
 }
@@ -180,7 +181,7 @@ HRESULT CQZFile<T>::GravaColecao(std::uint64_t &uiPosicao, const CArray<T> &aReg
 
 template <typename T>
 HRESULT CQZFile<T>::GravaFaixa(std::uint64_t &uiPosicao, const T *pRegistros, std::size_t qtd) {
-  const CQZRastro rastro(this, Nome(">::GravaColecao"), kFonte);
+  const CQZOperacao rastro(this, Nome(">::GravaColecao"), kFonte);
   if (qtd == 0) {
     return codigos::kOk;
   }

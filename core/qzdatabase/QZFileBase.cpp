@@ -49,7 +49,7 @@ CQZFileBase::~CQZFileBase() {
 }
 
 HRESULT CQZFileBase::AbreArquivo(EModoAbertura eModoAbertura) {
-  const CQZRastro rastro(this, {"CQZFileBase::AbreArquivo"}, kFonte);
+  const CQZOperacao rastro(this, {"CQZFileBase::AbreArquivo"}, kFonte);
   if (ExisteArquivo() && eModoAbertura == m_eModoAtual) {
     return codigos::kOk;
   }
@@ -193,6 +193,7 @@ HRESULT CQZFileBase::OnInicializa() {
 }
 
 HRESULT CQZFileBase::OnFinaliza() {
+  const CQZEscopoProfiler escopo(this, {"CQZFileBase::OnFinaliza"});
   const CQZTrava trava(m_secao);
   FechaArquivo();
   m_bMemoriaCarregada = false;

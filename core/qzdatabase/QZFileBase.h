@@ -7,7 +7,7 @@
 #include "core/conx/QZInicializador.h"
 #include "core/env/QZPath.h"
 #include "core/errors/CodigosResultado.h"
-#include "core/log/Rastro.h"
+#include "core/log/QZOperacao.h"
 #include "core/platform/LivroTravas.h"
 #include "core/platform/SistemaArquivos.h"
 

@@ -15,7 +15,7 @@ class CQZFileSingleReg : public CQZFileBase {
   static_assert(std::is_trivially_copyable_v<T>, "the record is copied and compared as bytes");
 
 public:
-  CQZFileSingleReg(const CString &sNomeArquivo, CQZDataBase *pDataBase) : CQZFileBase(sNomeArquivo, pDataBase) {}
+  CQZFileSingleReg(const CString &sNomeArquivo, CQZDataBase *pDataBase);
   ~CQZFileSingleReg() override { FinalizaNoDestrutor(); }
 
   /// Copies the record; with no file open (it did not exist and nothing was written since) fails with 0x810809E3 and
@@ -51,8 +51,16 @@ private:
 };
 
 template <typename T>
+CQZFileSingleReg<T>::CQZFileSingleReg(const CString &sNomeArquivo, CQZDataBase *pDataBase)
+    : CQZFileBase(sNomeArquivo, pDataBase) {
+  const CQZEscopoProfiler escopo(this, Nome(">::CQZFileSingleReg"), [&] {
+    return ParametrosEscopo{{"sNomeArquivo", sNomeArquivo}};
+  });
+}
+
+template <typename T>
 HRESULT CQZFileSingleReg<T>::OnInicializa() {
-  const CQZRastro rastro(this, Nome(">::OnInicializa"), kFonte);
+  const CQZOperacao rastro(this, Nome(">::OnInicializa"), kFonte);
   QZ_VERIFICA(rastro, "__super::OnInicializa()", CQZFileBase::OnInicializa());
   QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AbreArquivo(eModoLeitura));
   if (ExisteArquivo()) {
@@ -95,6 +103,7 @@ void CQZFileSingleReg<T>::EsvaziaMemoria() {
 
 template <typename T>
 HRESULT CQZFileSingleReg<T>::OnFinaliza() {
+  const CQZEscopoProfiler escopo(this, Nome(">::OnFinaliza"));
   const plataforma::CQZTrava trava(Secao());
   EsvaziaMemoria();
   return CQZFileBase::OnFinaliza();
@@ -102,7 +111,7 @@ HRESULT CQZFileSingleReg<T>::OnFinaliza() {
 
 template <typename T>
 HRESULT CQZFileSingleReg<T>::Le(T *pReg) const {
-  const CQZRastro rastro(this, Nome(">::Le"), kFonte);
+  const CQZOperacao rastro(this, Nome(">::Le"), kFonte);
   const plataforma::CQZTrava trava(Secao());
   if (!ExisteArquivo()) {
     QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoAberto);
@@ -113,7 +122,7 @@ HRESULT CQZFileSingleReg<T>::Le(T *pReg) const {
 
 template <typename T>
 HRESULT CQZFileSingleReg<T>::Grava(const T &reg) {
-  const CQZRastro rastro(this, Nome(">::Grava"), kFonte);
+  const CQZOperacao rastro(this, Nome(">::Grava"), kFonte);
   const plataforma::CQZTrava trava(Secao());
   if (!PrecisaGravar(reg)) {
     return codigos::kOk;

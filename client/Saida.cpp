@@ -49,7 +49,7 @@ constexpr std::array kRotulos{
     CRotulo{"transporte", "Tipo de transporte"},
 };
 
-std::string Ajusta(std::string sTexto, std::size_t uiLargura, bool bADireita) {
+std::string Ajusta(const std::string &sTexto, std::size_t uiLargura, bool bADireita) {
   const std::string sBrancos(uiLargura > sTexto.size() ? uiLargura - sTexto.size() : 0, ' ');
   return bADireita ? sBrancos + sTexto : sTexto + sBrancos;
 }
@@ -95,6 +95,7 @@ std::string LinhaDaLista(std::string sPosicao, F TextoDaColuna) {
 
 bool EhConsole(std::FILE *pArquivo) {
   DWORD uiModo = 0;
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): the C runtime hands out handles as integers
   return GetConsoleMode(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(pArquivo))), &uiModo) != 0;
 }
 

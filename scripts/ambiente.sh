@@ -28,3 +28,31 @@ wine_sobe() {
 wine_desce() {
   wineserver -k >/dev/null 2>&1 </dev/null || true
 }
+
+# The suite's registry key, and Windows programs run without their holding the caller's output.
+suite='HKLM\SOFTWARE\Wow6432Node\Tarvel'
+wine_roda() { "$raiz/cmake/wine-run.sh" "$@"; }
+caminho_windows() { printf 'Z:%s' "${1//\//\\}"; }
+reg_define() { wine_roda reg add "$1" /v "$2" /t REG_SZ /d "$3" /f >/dev/null; }
+
+# instala_amostra <directory>: an empty sample installation with company 0001.
+instala_amostra() {
+  rm -rf "$1"
+  mkdir -p "$1/0001" "$1/instalacao"
+  reg_define "$suite\\Empresas\\0001" DF "$(caminho_windows "$1/0001")"
+  reg_define "$suite\\Miran Empresarial" Path "$(caminho_windows "$1/instalacao")"
+}
+
+# Waits until no server of this checkout runs; fails after 30 seconds. Prints how long it took, in milliseconds.
+espera_fim_do_servidor() {
+  local inicio
+  inicio=$(date +%s%N)
+  while pgrep -f 'build.windows.bin.Kalvo.exe' >/dev/null; do
+    if [ $((($(date +%s%N) - inicio) / 1000000000)) -ge 30 ]; then
+      printf 'the server is still there after 30 s\n' >&2
+      return 1
+    fi
+    sleep 0.1
+  done
+  printf '%d' $((($(date +%s%N) - inicio) / 1000000))
+}

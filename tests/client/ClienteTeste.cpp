@@ -9,9 +9,6 @@
 #include "client/Comandos.h"
 #include "client/QZVeiculosCliente.h"
 
-// Component interfaces have no virtual destructor: it would be a slot of their table. Nothing here is deleted by one.
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
 namespace {
 
 // A register in memory in the place of the service, with its rules on positions and outputs. It is offered as the class

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <chrono>
 #include <future>
 #include <memory>
 #include <new>
@@ -25,7 +24,7 @@ using plataforma::LivroTravas;
 using plataforma::NivelTrava;
 using plataforma::SecaoCritica;
 
-constexpr auto kPrazo = std::chrono::seconds(20);
+constexpr DWORD kPrazoMs = 20000;
 
 int *volatile g_nulo = nullptr;
 volatile int g_zero = 0;
@@ -83,13 +82,15 @@ HRESULT EsgotaPilha() {
 
 /// True when another thread gets the lock within the time limit. The thread is left behind otherwise.
 bool LivreParaOutraThread(SecaoCritica &secao) {
-  auto spFeito = std::make_shared<std::promise<void>>();
-  std::future<void> feito = spFeito->get_future();
-  std::thread([spFeito, &secao] {
-    { const CQZTrava trava(secao); }
-    spFeito->set_value();
-  }).detach();
-  return feito.wait_for(kPrazo) == std::future_status::ready;
+  // Not a std::thread: detached before it has begun, one of this runtime's may never run.
+  const auto corpo = [](void *pSecao) -> DWORD {
+    const CQZTrava trava(*static_cast<SecaoCritica *>(pSecao));
+    return 0;
+  };
+  const HANDLE hThread = CreateThread(nullptr, 0, corpo, &secao, 0, nullptr);
+  const bool bLivre = WaitForSingleObject(hThread, kPrazoMs) == WAIT_OBJECT_0;
+  CloseHandle(hThread);
+  return bLivre;
 }
 
 struct Falha {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/platform/Permanente.h"
 #include "core/platform/ServicosSistema.h"
 
 namespace plataforma {
@@ -33,8 +34,7 @@ public:
 }  // namespace
 
 IBibliotecas &BibliotecasDoSistema() {
-  static auto *const bibliotecas = new BibliotecasSistema;
-  return *bibliotecas;
+  return Permanente<BibliotecasSistema>();
 }
 
 }  // namespace plataforma

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "core/platform/Permanente.h"
 #include "core/platform/ServicosSistema.h"
 #include "core/platform/posix/ArquivoIni.h"
 #include "core/platform/posix/ErrosPosix.h"
@@ -115,8 +116,7 @@ public:
 }  // namespace
 
 ISistema &InformacoesDoSistema() {
-  static auto *const informacoes = new InformacoesSistema;
-  return *informacoes;
+  return Permanente<InformacoesSistema>();
 }
 
 }  // namespace plataforma

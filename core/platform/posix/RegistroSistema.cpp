@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "core/platform/Permanente.h"
 #include "core/platform/ServicosSistema.h"
 #include "core/platform/Textos.h"
 #include "core/platform/posix/RegistroMemoria.h"
@@ -46,8 +47,7 @@ CString Expandido(const CString &texto) {
 }  // namespace
 
 RegistroMemoria &RegistroMemoria::DoProcesso() {
-  static auto *const registro = new RegistroMemoria;
-  return *registro;
+  return Permanente<RegistroMemoria>();
 }
 
 bool RegistroMemoria::ExisteChave(const CString &chave) {

@@ -2,6 +2,7 @@
 #include <ctime>
 #include <thread>
 
+#include "core/platform/Permanente.h"
 #include "core/platform/ServicosSistema.h"
 
 namespace plataforma {
@@ -55,8 +56,7 @@ public:
 }  // namespace
 
 IRelogio &RelogioDoSistema() {
-  static auto *const relogio = new RelogioSistema;
-  return *relogio;
+  return Permanente<RelogioSistema>();
 }
 
 }  // namespace plataforma

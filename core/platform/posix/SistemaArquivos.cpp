@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "core/platform/Mascara.h"
+#include "core/platform/Permanente.h"
 #include "core/platform/ServicosSistema.h"
 #include "core/platform/Textos.h"
 #include "core/platform/posix/ArquivoAberto.h"
@@ -239,8 +240,7 @@ public:
 }  // namespace
 
 ISistemaArquivos &ArquivosDoSistema() {
-  static auto *const arquivos = new SistemaArquivos;
-  return *arquivos;
+  return Permanente<SistemaArquivos>();
 }
 
 }  // namespace plataforma

@@ -1,5 +1,6 @@
 #include <windows.h>
 
+#include "core/platform/Permanente.h"
 #include "core/platform/ServicosSistema.h"
 
 namespace plataforma {
@@ -29,8 +30,7 @@ public:
 }  // namespace
 
 IBibliotecas &BibliotecasDoSistema() {
-  static auto *const bibliotecas = new BibliotecasSistema;
-  return *bibliotecas;
+  return Permanente<BibliotecasSistema>();
 }
 
 }  // namespace plataforma

@@ -9,6 +9,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "core/platform/Permanente.h"
 #include "core/platform/ServicosSistema.h"
 
 namespace plataforma {
@@ -143,8 +144,7 @@ public:
 }  // namespace
 
 ISistema &InformacoesDoSistema() {
-  static auto *const informacoes = new InformacoesSistema;
-  return *informacoes;
+  return Permanente<InformacoesSistema>();
 }
 
 }  // namespace plataforma

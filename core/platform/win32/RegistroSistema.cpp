@@ -3,6 +3,7 @@
 #include <cstring>
 #include <vector>
 
+#include "core/platform/Permanente.h"
 #include "core/platform/ServicosSistema.h"
 
 namespace plataforma {
@@ -99,8 +100,7 @@ public:
 }  // namespace
 
 IRegistro &RegistroDoSistema() {
-  static auto *const registro = new RegistroSistema;
-  return *registro;
+  return Permanente<RegistroSistema>();
 }
 
 }  // namespace plataforma

@@ -1,5 +1,6 @@
 #include <windows.h>
 
+#include "core/platform/Permanente.h"
 #include "core/platform/ServicosSistema.h"
 
 namespace plataforma {
@@ -33,8 +34,7 @@ public:
 }  // namespace
 
 IRelogio &RelogioDoSistema() {
-  static auto *const relogio = new RelogioSistema;
-  return *relogio;
+  return Permanente<RelogioSistema>();
 }
 
 }  // namespace plataforma

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "core/platform/Mascara.h"
+#include "core/platform/Permanente.h"
 #include "core/platform/ServicosSistema.h"
 #include "core/platform/Textos.h"
 
@@ -223,8 +224,7 @@ public:
 }  // namespace
 
 ISistemaArquivos &ArquivosDoSistema() {
-  static auto *const arquivos = new SistemaArquivos;
-  return *arquivos;
+  return Permanente<SistemaArquivos>();
 }
 
 }  // namespace plataforma

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "vehicles/PadraoSimples.h"
 #include "vehicles/RegVeiculo.h"
 
 /// A filter prepared for many records. Only the criteria that are in force are kept, in the order in which they are
@@ -30,7 +31,8 @@ private:
     std::size_t uiLargura;       ///< of the field
     std::size_t uiTamanho;       ///< of the text
     std::array<char, kMaiorTexto + 1> texto;
-    bool bPadraoSimples;  ///< a pattern that CasaPadraoSimples understands
+    bool bPadraoSimples;  ///< `padrao` holds the text
+    CPadraoSimples padrao;
   };
 
   /// Bounds of a currency field, both inclusive.
@@ -69,12 +71,5 @@ private:
   std::size_t m_uiTextos = 0;
   bool m_bCuringa = false;  ///< the last text criterion is a pattern
 };
-
-/// Wildcard match for patterns whose meaning is the same everywhere: 7-bit letters, digits and inner blanks with '*'
-/// and '?', on a text without bytes from 0x80 up. Letter case is ignored.
-bool CasaPadraoSimples(const char *lpTexto, std::size_t uiTexto, const char *lpPadrao, std::size_t uiPadrao);
-
-/// True when CasaPadraoSimples understands the pattern.
-bool EhPadraoSimples(const char *lpPadrao, std::size_t uiPadrao);
 
 #endif

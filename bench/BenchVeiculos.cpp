@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -134,6 +135,20 @@ void LePorPosicao(benchmark::State &estado) {
   }
 }
 BENCHMARK(LePorPosicao);
+
+void AcessoSolto(benchmark::State &estado) {
+  const std::vector<RegVeiculo> registros(kRegistrosAmostra, VeiculoDaAmostra(1));
+  std::recursive_mutex mutex;
+  std::uint32_t n = 1;
+  RegVeiculo reg;
+  for (auto _ : estado) {
+    n = n * 1664525U + 1013904223U;
+    const std::lock_guard<std::recursive_mutex> trava(mutex);
+    reg = registros[n % kRegistrosAmostra];
+    benchmark::DoNotOptimize(reg);
+  }
+}
+BENCHMARK(AcessoSolto);
 
 void GravaPorPosicao(benchmark::State &estado) {
   BaseUnica();

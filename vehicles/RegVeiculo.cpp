@@ -1,13 +1,16 @@
 #include "vehicles/RegVeiculo.h"
 
-#include <algorithm>
+#include <cstring>
 
 namespace {
 
-/// Copies up to the terminator or the field's width; the destination is zero already.
+/// Copies up to the terminator or the field's width; the rest of the field is zero.
 template <std::size_t N>
 void CopiaTexto(const char (&origem)[N], char (&destino)[N]) {
-  std::copy(origem, std::find(origem, origem + N, '\0'), destino);
+  std::memcpy(destino, origem, N);
+  if (void *fim = std::memchr(destino, '\0', N)) {
+    std::memset(fim, 0, static_cast<std::size_t>(destino + N - static_cast<char *>(fim)));
+  }
 }
 
 template <typename TOrigem, typename TDestino>

@@ -83,8 +83,8 @@ std::string CampoCsv(const std::string &sTexto) {
 }
 
 template <typename F>
-std::string LinhaDaLista(std::string sPosicao, F TextoDaColuna) {
-  std::string sLinha = Ajusta(std::move(sPosicao), kLarguraPosicao, true);
+std::string LinhaDaLista(const std::string &sPosicao, F TextoDaColuna) {
+  std::string sLinha = Ajusta(sPosicao, kLarguraPosicao, true);
   for (const CColunaLista &coluna : kColunasLista) {
     sLinha += "  " + Ajusta(TextoDaColuna(coluna.sNome), coluna.uiLargura, coluna.bADireita);
   }

@@ -13,7 +13,7 @@ std::atomic<const Servicos *> g_emVigor{nullptr};
 
 const Servicos &ServicosDoSistema() {
   static const Servicos servicos{&ArquivosDoSistema(), &RegistroDoSistema(), &RelogioDoSistema(),
-                                 &BibliotecasDoSistema(), &InformacoesDoSistema()};
+                                 &BibliotecasDoSistema(), &InformacoesDoSistema(), &CaixaDoSistema()};
   return servicos;
 }
 

@@ -1,15 +1,21 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 //
+#include <comdef.h>
 #include <tlhelp32.h>
 
 #include <atomic>
 #include <chrono>
 #include <future>
+#include <new>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "core/env/QZException.h"
+#include "core/errors/QZExceptionEx.h"
+#include "core/platform/CFileException.h"
 #include "core/platform/LivroTravas.h"
 #include "core/platform/ServicosSistema.h"
 #include "server/QZDF_Veiculos.h"
@@ -18,8 +24,8 @@
 #include "tests/apoio/ServicosTrocados.h"
 #include "tests/com/ApoioCom.h"
 
-// Machine faults below the service object, raised by a file system that faults on demand: while the lock of the vehicle
-// file is held, in the middle of its write.
+// Machine faults and exceptions below the service object, raised by a file system that faults on demand: while the lock
+// of the vehicle file is held, in the middle of its write.
 
 namespace {
 
@@ -43,6 +49,27 @@ struct Falha {
   std::uint32_t hr;
 };
 constexpr Falha kFalhas[] = {{[] { g_zero = 10 / g_zero; }, 0x8004EAD3}, {[] { *g_nulo = 1; }, 0x8004EAC5}};
+
+template <class Excecao, class... Argumentos>
+[[noreturn]] void Lanca(Argumentos... argumentos) {
+  static Excecao s_excecao(argumentos...);
+  throw &s_excecao;
+}
+
+constexpr Falha kExcecoes[] = {
+    {[] { throw _com_error(E_ACCESSDENIED); }, 0x80070005},
+    {[] { throw CQZExceptionEx(CodigoResultado(0x81080123), 1, 0, "", "", "", 0); }, 0x81080123},
+    {[] { Lanca<CQZException>("m", 1U, 2U); }, 0x80040002},
+    {[] { Lanca<CQZException>(12U, 1U, 0U); }, 0x8004EA61},
+    {[] { Lanca<CFileException>(plataforma::CausaArquivo::DiscoCheio, 112L); }, 0x80070070},
+    {[] { Lanca<CMemoryException>(); }, 0x8004EA62},
+    {[] { LancaArgumentoInvalido(); }, 0x8004EA63},
+    {[] { throw CodigoResultado(0x810809DB); }, 0x810809DB},
+    {[] { throw std::bad_alloc(); }, 0x8004EA64},
+    {[] { throw std::runtime_error("x"); }, 0x8004EA65},
+    {[] { throw "x"; }, 0x8004EA66},
+    {[] { throw CodigoResultado(0); }, 0},
+};
 
 /// Faults at the next write to the vehicle file, when half of it is on disk. Counts the files that are open.
 class ArquivosQueFalham final : public apoio::ArquivosDecorado {
@@ -185,4 +212,32 @@ TEST(FalhaSobTrava, UmaChamadaFalhaEOsOutrosContinuam) {
   EXPECT_EQ(arquivos.Abertos(), 0);
   // Nobody holds the file any more, and it has what was written and nothing of what was not.
   EXPECT_EQ(apoio::LeArquivo(empresa.Arquivo("DFVEIC.DAT")).size(), uiGravados * sizeof(RegVeiculo));
+}
+
+// Unlike a machine fault an exception costs the object nothing: the very next write goes through.
+TEST(FalhaSobTrava, ExcecaoDeixaOObjetoUtilizavel) {
+  const Empresa empresa;
+  ArquivosQueFalham arquivos(plataforma::ArquivosDoSistema());
+  apoio::ColetorRastro rastro;
+  LONG lGravados = 0;
+  {
+    const apoio::ServicosTrocados servicos(&arquivos);
+    const Veiculos spVeiculos = NovoPara(empresa);
+    ASSERT_TRUE(spVeiculos);
+    for (const Falha &falha : kExcecoes) {
+      SCOPED_TRACE(falha.hr);
+      arquivos.Arma(falha);
+      LONG lPos = 0;
+      EXPECT_EQ(Bits(spVeiculos->Grava(&lPos, Veiculo("PERDIDO"))), falha.hr);
+      EXPECT_EQ(lPos, 0);
+      std::vector<std::string> esperadas{
+          "CQZDF_Veiculos::Grava|QZDF_Veiculos.cpp|QZTranslateThrownExceptionToHresult()"};
+      esperadas.resize(falha.hr != 0 ? 1 : 0);
+      EXPECT_EQ(rastro.Toma(), esperadas);
+      EXPECT_EQ(spVeiculos->Grava(&lPos, Veiculo("BOM")), S_OK);
+      EXPECT_EQ(lPos, ++lGravados);
+    }
+  }
+  EXPECT_EQ(apoio::LeArquivo(empresa.Arquivo("DFVEIC.DAT")).size(),
+            static_cast<std::size_t>(lGravados) * sizeof(RegVeiculo));
 }

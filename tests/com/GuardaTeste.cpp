@@ -64,6 +64,11 @@ HRESULT InstrucaoPrivilegiada() {
   return 0;
 }
 
+HRESULT PontoDeParada() {
+  __debugbreak();
+  return 0;
+}
+
 HRESULT PaginaDeGuarda() {
   auto *p = static_cast<volatile char *>(VirtualAlloc(nullptr, 4096, MEM_COMMIT, PAGE_READWRITE | PAGE_GUARD));
   return *p;
@@ -123,6 +128,7 @@ constexpr Falha kFalhas[] = {
     {"division", DividePorZero, 0x8004EAD3},
     {"illegal instruction", InstrucaoInvalida, 0x8004EAD1},
     {"privileged instruction", InstrucaoPrivilegiada, 0x8004EAD8},
+    {"breakpoint", PontoDeParada, 0x8004EAC7},
     {"guard page", PaginaDeGuarda, 0x8004EAD0},
 };
 

@@ -58,7 +58,7 @@ std::optional<CString> LeCatalogo(const CString &caminho) {
 /// Takes the next line off the front, with the line feed that ends it.
 CString TomaLinha(std::string_view *pResto) {
   const std::size_t fim = std::min(pResto->find('\n'), pResto->size() - 1) + 1;
-  const CString linha(pResto->substr(0, std::min(fim, kTamanhoMaximoLinha)));
+  CString linha(pResto->substr(0, std::min(fim, kTamanhoMaximoLinha)));
   pResto->remove_prefix(linha.size());
   return linha;
 }

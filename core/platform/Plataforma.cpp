@@ -12,7 +12,7 @@ std::atomic<const Servicos *> g_emVigor{nullptr};
 }  // namespace
 
 const Servicos &ServicosDoSistema() {
-  static const Servicos servicos{&ArquivosDoSistema(), &RegistroDoSistema(), &RelogioDoSistema(),
+  static const Servicos servicos{&ArquivosDoSistema(),    &RegistroDoSistema(),    &RelogioDoSistema(),
                                  &BibliotecasDoSistema(), &InformacoesDoSistema(), &CaixaDoSistema()};
   return servicos;
 }

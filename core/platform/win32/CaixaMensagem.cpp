@@ -19,7 +19,7 @@ BOOL CALLBACK GuardaPrincipal(HWND janela, LPARAM lDestino) {
   if (::GetWindow(janela, GW_OWNER) != nullptr || !::IsWindowVisible(janela)) {
     return TRUE;
   }
-  *reinterpret_cast<HWND *>(lDestino) = janela;
+  *reinterpret_cast<HWND *>(lDestino) = janela;  // NOLINT(performance-no-int-to-ptr): how the platform hands it on
   return FALSE;
 }
 

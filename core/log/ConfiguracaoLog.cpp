@@ -67,12 +67,8 @@ void LeArquivo() {
 }
 
 /// The load itself, kept out of the check that every profiled operation pays for.
-[[gnu::noinline, gnu::cold]] std::uint64_t Carrega(std::uint64_t ultima, std::uint64_t agora) noexcept {
-  try {
-    LeArquivo();
-  } catch (...) {
-    return ultima;  // out of memory: the settings in hand stay, and the next call tries again
-  }
+[[gnu::noinline, gnu::cold]] std::uint64_t Carrega(std::uint64_t agora) {
+  LeArquivo();
   g_ultimaCarga = agora;
   return agora;
 }
@@ -87,9 +83,15 @@ std::uint64_t CarregaConfiguracaoLog() noexcept {
   // Taken before the ticks, so that a load by another thread in between does not look like one in the future. The ticks
   // are a 32-bit count; when it starts again the difference is huge, which only makes a load due.
   const std::uint64_t ultima = g_ultimaCarga.load();
-  const std::uint64_t agora = plataforma::Relogio().Ticks();
-  const bool bEmDia = ultima != 0 && agora - ultima <= g_timeoutMs.load();
-  return bEmDia ? ultima : Carrega(ultima, agora);
+  try {
+    const std::uint64_t agora = plataforma::Relogio().Ticks();
+    const bool bEmDia = ultima != 0 && agora - ultima <= g_timeoutMs.load();
+    return bEmDia ? ultima : Carrega(agora);
+  } catch (...) {
+    // Out of memory, which the very first use of a system service needs too: the settings in hand stay, and the next
+    // call tries again.
+    return ultima;
+  }
 }
 
 bool RastreamentoHabilitado() noexcept {

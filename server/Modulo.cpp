@@ -4,6 +4,7 @@
 //
 #include <objbase.h>
 
+#include "core/errors/QZMensagem.h"
 #include "core/errors/guard/TraducaoExcecoes.h"
 #include "core/log/SumidouroErroLog.h"
 #include "server/LinhaComando.h"
@@ -58,6 +59,7 @@ void ProcessaMensagens() {
 int CKalvoModule::Executa(const char *lpLinhaComando) {
   SetErrorMode(SEM_FAILCRITICALERRORS);
   InstalaLogDeErros();
+  CQZMensagem::Instala();
   if (!m_contagem.Pronta()) {
     DizErro("Kalvo: o sistema nao deu os recursos para iniciar.");
     return -1;

@@ -12,8 +12,8 @@ std::atomic<const Servicos *> g_emVigor{nullptr};
 }  // namespace
 
 const Servicos &ServicosDoSistema() {
-  static const Servicos servicos{&ArquivosDoSistema(), &RegistroDoSistema(), &RelogioDoSistema(),
-                                 &BibliotecasDoSistema(), &InformacoesDoSistema()};
+  static const Servicos servicos{&ArquivosDoSistema(),    &RegistroDoSistema(),    &RelogioDoSistema(),
+                                 &BibliotecasDoSistema(), &InformacoesDoSistema(), &CaixaDoSistema()};
   return servicos;
 }
 

@@ -2,6 +2,7 @@
 #define KALVO_CORE_PLATFORM_PLATAFORMA_H
 
 #include "core/platform/Bibliotecas.h"
+#include "core/platform/CaixaMensagem.h"
 #include "core/platform/Registro.h"
 #include "core/platform/Relogio.h"
 #include "core/platform/Sistema.h"
@@ -17,6 +18,7 @@ struct Servicos {
   IRelogio *relogio;
   IBibliotecas *bibliotecas;
   ISistema *sistema;
+  ICaixaMensagem *caixa;
 };
 
 /// The operating system's own services; valid for the life of the process.
@@ -43,6 +45,9 @@ inline IRelogio &Relogio() {
 }
 inline ISistema &Sistema() {
   return *ServicosEmVigor().sistema;
+}
+inline ICaixaMensagem &Caixa() {
+  return *ServicosEmVigor().caixa;
 }
 
 }  // namespace plataforma

@@ -2,6 +2,7 @@
 #define KALVO_CORE_PLATFORM_SERVICOSSISTEMA_H
 
 #include "core/platform/Bibliotecas.h"
+#include "core/platform/CaixaMensagem.h"
 #include "core/platform/Registro.h"
 #include "core/platform/Relogio.h"
 #include "core/platform/Sistema.h"
@@ -18,6 +19,7 @@ IRegistro &RegistroDoSistema();
 IRelogio &RelogioDoSistema();
 IBibliotecas &BibliotecasDoSistema();
 ISistema &InformacoesDoSistema();
+ICaixaMensagem &CaixaDoSistema();
 
 }  // namespace plataforma
 

@@ -42,6 +42,10 @@ public:
   virtual bool VersaoPrograma(VersaoArquivo *versao) = 0;
   virtual VersaoSistema VersaoSO() = 0;
 
+  /// The platform's text for one of its error codes, in the user's language and without inserts, with the line ends
+  /// that the platform gives it; empty when it has none.
+  virtual CString TextoErro(std::uint32_t erro) = 0;
+
   /// A path as seen from the process's current directory, made absolute.
   virtual CString CaminhoAbsoluto(const CString &caminho) = 0;
 

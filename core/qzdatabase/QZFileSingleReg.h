@@ -105,6 +105,10 @@ template <typename T>
 HRESULT CQZFileSingleReg<T>::OnFinaliza() {
   const CQZEscopoProfiler escopo(this, Nome(">::OnFinaliza"));
   const plataforma::CQZTrava trava(Secao());
+  if (m_bCriacaoPendente) {
+    // An exception, such as memory running out, ended the write before it could undo its own creation.
+    DesfazCriacao();
+  }
   EsvaziaMemoria();
   return CQZFileBase::OnFinaliza();
 }

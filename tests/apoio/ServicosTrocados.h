@@ -9,12 +9,14 @@ namespace apoio {
 class ServicosTrocados {
 public:
   explicit ServicosTrocados(plataforma::ISistemaArquivos *arquivos, plataforma::IRegistro *registro = nullptr,
-                            plataforma::IRelogio *relogio = nullptr, plataforma::ISistema *sistema = nullptr)
+                            plataforma::IRelogio *relogio = nullptr, plataforma::ISistema *sistema = nullptr,
+                            plataforma::ICaixaMensagem *caixa = nullptr)
       : m_anteriores(plataforma::ServicosEmVigor()), m_novos(m_anteriores) {
     m_novos.arquivos = arquivos != nullptr ? arquivos : m_novos.arquivos;
     m_novos.registro = registro != nullptr ? registro : m_novos.registro;
     m_novos.relogio = relogio != nullptr ? relogio : m_novos.relogio;
     m_novos.sistema = sistema != nullptr ? sistema : m_novos.sistema;
+    m_novos.caixa = caixa != nullptr ? caixa : m_novos.caixa;
     plataforma::SubstituiServicos(&m_novos);
   }
   ~ServicosTrocados() { plataforma::SubstituiServicos(&m_anteriores); }

@@ -22,6 +22,8 @@ public:
   plataforma::VersaoArquivo m_versaoPrograma{0x00010000, 0};
   plataforma::VersaoSistema m_versaoSO{10, 0, 19045};
   CString m_diretorioAtual = "C:\\atual\\";
+  std::uint32_t m_uiErroComTexto = 2;  ///< the one error that has a text
+  CString m_textoErro = "Arquivo ausente.\r\n";
   std::atomic<int> m_textosIni{0};  ///< how many texts were asked of ini files
 
   CString NomeProcesso() override { return m_processo; }
@@ -42,6 +44,7 @@ public:
     return m_bVersao;
   }
   plataforma::VersaoSistema VersaoSO() override { return m_versaoSO; }
+  CString TextoErro(std::uint32_t erro) override { return erro == m_uiErroComTexto ? m_textoErro : CString(); }
   CString CaminhoAbsoluto(const CString &caminho) override { return m_diretorioAtual + caminho; }
   std::uint32_t LeInteiroIni(const CString &arquivo, const char *secao, const char *chave,
                              std::uint32_t padrao) override {

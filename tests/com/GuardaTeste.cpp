@@ -3,16 +3,14 @@
 
 #include <future>
 #include <memory>
-#include <new>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "core/errors/guard/TraducaoExcecoes.h"
 #include "core/errors/guard/win32/ChamadaSEH.h"
-#include "core/platform/CException.h"
 #include "core/platform/LivroTravas.h"
+#include "tests/apoio/ProcessoFilho.h"
 
 // Real faults of the processor and the system under the call guard. The faulting statements are plain ones on values
 // the optimiser cannot see through; the target is compiled with optimisation, which is what makes them interesting.
@@ -65,6 +63,11 @@ HRESULT InstrucaoPrivilegiada() {
   return 0;
 }
 
+HRESULT PontoDeParada() {
+  __debugbreak();
+  return 0;
+}
+
 HRESULT PaginaDeGuarda() {
   auto *p = static_cast<volatile char *>(VirtualAlloc(nullptr, 4096, MEM_COMMIT, PAGE_READWRITE | PAGE_GUARD));
   return *p;
@@ -79,6 +82,26 @@ HRESULT PaginaDeGuarda() {
 HRESULT EsgotaPilha() {
   return Recorre(0);
 }
+
+/// The process's last handler: ends it with the exception's code before a debugger is called.
+LONG WINAPI TerminaComOCodigo(EXCEPTION_POINTERS *pExcecao) {
+  TerminateProcess(GetCurrentProcess(), pExcecao->ExceptionRecord->ExceptionCode);
+  return EXCEPTION_CONTINUE_SEARCH;
+}
+
+/// Child process: meets the exception under the guard, which lets it pass on. Coming back here is the failure, 1.
+int LevantaSobGuarda(const std::vector<std::string> &argumentos) {
+  const DWORD codigo = std::stoul(argumentos.at(0), nullptr, 16);
+  SetUnhandledExceptionFilter(TerminaComOCodigo);
+  auto corpo = [codigo]() -> HRESULT {
+    RaiseException(codigo, 0, 0, nullptr);
+    return 0;
+  };
+  static_cast<void>(ChamaSEH(corpo));
+  return 1;
+}
+
+const apoio::RegistraFilha g_levanta("levanta_sob_guarda", LevantaSobGuarda);
 
 /// True when another thread gets the lock within the time limit. The thread is left behind otherwise.
 bool LivreParaOutraThread(SecaoCritica &secao) {
@@ -106,6 +129,7 @@ constexpr Falha kFalhas[] = {
     {"division", DividePorZero, 0x8004EAD3},
     {"illegal instruction", InstrucaoInvalida, 0x8004EAD1},
     {"privileged instruction", InstrucaoPrivilegiada, 0x8004EAD8},
+    {"breakpoint", PontoDeParada, 0x8004EAC7},
     {"guard page", PaginaDeGuarda, 0x8004EAD0},
 };
 
@@ -154,6 +178,13 @@ TEST(Guarda, FiltroRecusaODesenroloOThrowEOsDesconhecidos) {
   }
   EXPECT_EQ(BitsResultado(TraduzCodigoExcecao(0x80000029)), 0x8004EADBU);
   EXPECT_EQ(BitsResultado(TraduzCodigoExcecao(0xC0000409)), 0x8004EE47U);
+}
+
+TEST(Guarda, OsQuePassamAdianteTerminamOProcesso) {
+  for (const char *lpCodigo : {"80000029", "C0000409"}) {
+    apoio::ProcessoFilho filho("levanta_sob_guarda", {lpCodigo});
+    EXPECT_EQ(static_cast<std::uint32_t>(filho.Espera()), std::stoul(lpCodigo, nullptr, 16)) << lpCodigo;
+  }
 }
 
 TEST(Guarda, LimitesDeEhErroSEH) {
@@ -277,36 +308,5 @@ TEST(Guarda, ThreadsQueFalhamJuntasRecebemCadaUmaOSeuCodigo) {
   }
   for (std::future<int> &futura : erradas) {
     EXPECT_EQ(futura.get(), 0);
-  }
-}
-
-TEST(TraducaoExcecoes, CadaTipoTemOSeuCodigo) {
-  static CMemoryException excecaoMemoria;
-  struct ExcecaoPropria : CException {};
-  static ExcecaoPropria excecaoPropria;
-  struct BadAllocDerivada : std::bad_alloc {};
-  const struct {
-    const char *lpNome;
-    void (*lanca)();
-    std::uint32_t hr;
-  } linhas[] = {
-      {"memory exception", [] { throw &excecaoMemoria; }, 0x8004EA62},
-      {"framework exception", [] { throw &excecaoPropria; }, 0x8004EA63},
-      {"index check", [] { LancaArgumentoInvalido(); }, 0x8004EA63},
-      {"result code", [] { throw CodigoResultado(0x810809DB); }, 0x810809DB},
-      {"success code", [] { throw CodigoResultado(0); }, 0},
-      {"bad_alloc", [] { throw std::bad_alloc(); }, 0x8004EA64},
-      {"derived bad_alloc", [] { throw BadAllocDerivada(); }, 0x8004EA64},
-      {"exception", [] { throw std::out_of_range("x"); }, 0x8004EA65},
-      {"text", [] { throw "x"; }, 0x8004EA66},
-      {"int", [] { throw 5; }, 0x8004EA66},
-  };
-  for (const auto &linha : linhas) {
-    try {
-      linha.lanca();
-      FAIL() << linha.lpNome << " did not throw";
-    } catch (...) {
-      EXPECT_EQ(BitsResultado(QZTranslateThrownExceptionToHresult()), linha.hr) << linha.lpNome;
-    }
   }
 }

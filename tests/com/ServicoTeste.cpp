@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstdlib>
 #include <cstring>
 #include <mutex>
-#include <new>
 #include <string>
 #include <thread>
 #include <vector>
@@ -16,31 +14,7 @@
 #include "tests/com/ApoioCom.h"
 
 // The service object within the test's own process: what no client of another process can do to it, such as passing a
-// pointer that leads nowhere, exhausting its memory, or aggregating it.
-
-namespace {
-
-thread_local int t_iAlocacoesAteFalhar = -1;  ///< counts down on this thread; the allocation that meets 0 fails
-
-}  // namespace
-
-// Not inlined: the compiler would take the malloc and free inside for mismatched pairs.
-[[gnu::noinline]] void *operator new(std::size_t uiTamanho) {
-  if (t_iAlocacoesAteFalhar >= 0 && t_iAlocacoesAteFalhar-- == 0) {
-    throw std::bad_alloc();
-  }
-  if (void *p = std::malloc(uiTamanho != 0 ? uiTamanho : 1)) {
-    return p;
-  }
-  throw std::bad_alloc();
-}
-
-[[gnu::noinline]] void operator delete(void *p) noexcept {
-  std::free(p);
-}
-[[gnu::noinline]] void operator delete(void *p, std::size_t) noexcept {
-  std::free(p);
-}
+// pointer that leads nowhere, or aggregating it.
 
 namespace {
 
@@ -82,7 +56,6 @@ protected:
   }
   ~Servico() override {
     DefineSumidouroRastro(nullptr);
-    t_iAlocacoesAteFalhar = -1;
     EXPECT_EQ(CContagemModulo::DoProcesso().Quantidade(), 0);
   }
 
@@ -239,51 +212,6 @@ TEST_F(Servico, FalhaEmUmaChamadaNaoDerrubaAsOutras) {
     }
     EXPECT_EQ(iEstranhas, 0);
   }
-}
-
-TEST_F(Servico, FaltaDeMemoriaNaCriacaoRecusaOObjeto) {
-  bool bCriou = false;
-  for (int n = 0; !bCriou; ++n) {
-    ASSERT_LT(n, 100);
-    g_rastreadas.clear();
-    void *pObjeto = nullptr;
-    t_iAlocacoesAteFalhar = n;
-    const HRESULT hr = CQZDF_Veiculos::Cria(nullptr, IID_IQZDF_Veiculos, &pObjeto);
-    t_iAlocacoesAteFalhar = -1;
-    bCriou = SUCCEEDED(hr);
-    EXPECT_EQ(pObjeto != nullptr, bCriou);
-    if (!bCriou) {
-      EXPECT_EQ(Bits(hr), 0x8004EA64U) << n;
-    }
-    if (!g_rastreadas.empty()) {
-      EXPECT_EQ(g_rastreadas[0].sFuncao, "CQZDF_Veiculos::CQZDF_Veiculos");
-      EXPECT_EQ(g_rastreadas[0].sVariavel, "m_hrConstruct");
-      EXPECT_EQ(g_rastreadas[0].sExpressao, "QZTranslateThrownExceptionToHresult()");
-    }
-    Veiculos(static_cast<IQZDF_Veiculos *>(pObjeto)).reset();
-    EXPECT_EQ(CContagemModulo::DoProcesso().Quantidade(), 0) << n;
-  }
-}
-
-TEST_F(Servico, FaltaDeMemoriaNaChamadaDeixaOObjetoInteiro) {
-  const Empresa empresa;
-  const Veiculos spVeiculos = NovoPara(empresa);
-  ASSERT_TRUE(spVeiculos);
-  bool bFeito = false;
-  for (int n = 0; !bFeito; ++n) {
-    ASSERT_LT(n, 1000);
-    g_rastreadas.clear();
-    LONG lPos = 0;
-    t_iAlocacoesAteFalhar = n;
-    const HRESULT hr = spVeiculos->Grava(&lPos, Veiculo("V001"));
-    t_iAlocacoesAteFalhar = -1;
-    bFeito = SUCCEEDED(hr);
-    EXPECT_FALSE(EhErroSEH(hr)) << n;
-    EXPECT_EQ(lPos, bFeito ? 1 : 0) << n;
-  }
-  unsigned uiQtd = 0;
-  EXPECT_EQ(spVeiculos->GetQuantidadeRegistros(&uiQtd), S_OK);
-  EXPECT_EQ(uiQtd, 1U);
 }
 
 TEST_F(Servico, CodigoDoRegistroEORastreado) {

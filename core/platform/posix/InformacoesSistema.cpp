@@ -94,6 +94,9 @@ public:
     return versao;
   }
 
+  // The codes are the product's platform's, whose texts nobody has here.
+  CString TextoErro(std::uint32_t) override { return {}; }
+
   CString CaminhoAbsoluto(const CString &caminho) override {
     std::error_code erro;
     CString absoluto = std::filesystem::absolute(CaminhoNativo(caminho), erro).lexically_normal().string();

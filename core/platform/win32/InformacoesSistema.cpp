@@ -120,6 +120,15 @@ public:
     return {palavra & 0xFF, palavra >> 8 & 0xFF, bTemCompilacao ? palavra >> 16 : 0};
   }
 
+  CString TextoErro(std::uint32_t erro) override {
+    char *texto = nullptr;
+    const DWORD qtd = ::FormatMessageA(
+        FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, erro,
+        MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<char *>(&texto), 0, nullptr);
+    const std::unique_ptr<char, decltype(&::LocalFree)> dono(texto, ::LocalFree);
+    return CString(qtd != 0 ? texto : "", qtd);
+  }
+
   CString CaminhoAbsoluto(const CString &caminho) override {
     char absoluto[MAX_PATH + 1] = "";
     const DWORD qtd = ::GetFullPathNameA(caminho.c_str(), sizeof(absoluto), absoluto, nullptr);

@@ -1,0 +1,5 @@
+#include "core/errors/guard/ErroCom.h"
+
+bool ResultadoDoErroCom(HRESULT * /*phr*/) {
+  return false;
+}

@@ -1,0 +1,195 @@
+#include "core/errors/QZMensagem.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "core/env/QZException.h"
+#include "core/env/QZPath.h"
+#include "tests/apoio/CaixaFalsa.h"
+#include "tests/apoio/PastaTemporaria.h"
+#include "tests/apoio/RegistroFalso.h"
+#include "tests/apoio/ServicosTrocados.h"
+#include "tests/apoio/SistemaFalso.h"
+
+namespace {
+
+using apoio::CaixaFalsa;
+using plataforma::DonoCaixa;
+using Caixas = std::vector<CaixaFalsa::Caixa>;
+
+constexpr char kCatalogo[] = "QZMEMens.txt";
+constexpr char kTitulo[] = "Miran Empresarial";
+
+/// A messages folder of its own, boxes that nobody has to answer, and one error of the system that has a text: 2.
+class QZMensagem : public testing::Test {
+protected:
+  QZMensagem() {
+    m_registro.m_textos[{kChaveSuite, "Mensagens"}] = m_pasta.Caminho();
+    CQZMensagem::Instala();
+  }
+  ~QZMensagem() override { DefineFonteMensagens(nullptr); }
+
+  void Escreve(const std::string &conteudo) const { apoio::EscreveArquivo(m_pasta / kCatalogo, conteudo); }
+
+  /// The box that says that a catalogue cannot be opened.
+  CaixaFalsa::Caixa SemCatalogo(const CString &nome) const {
+    return {"N\xE3o foi poss\xEDvel abrir o arquivo texto de Mensagens " + (m_pasta / nome) +
+                ". Caso o caminho esteja correto, atualize o arquivo.",
+            "Erro", 0x30, DonoCaixa::Nenhum};
+  }
+
+  apoio::PastaTemporaria m_pasta;
+  apoio::RegistroFalso m_registro;
+  apoio::SistemaFalso m_sistema;
+  CaixaFalsa m_caixa;
+  apoio::ServicosTrocados m_servicos{nullptr, &m_registro, nullptr, &m_sistema, &m_caixa};
+};
+
+TEST_F(QZMensagem, LinhasDoCatalogo) {
+  const std::string sLonga(1100, 'x');
+  const struct {
+    const char *lpNome;
+    std::string sConteudo;
+    std::uint32_t uiMensagem;
+    std::string sTexto;
+  } casos[] = {
+      {"two lines of text", "      12Linha um\\nLinha dois\r\n", 12, "Linha um\nLinha dois"},
+      {"pairs at both ends", "      12\\nmeio\\n\n", 12, "\nmeio\n"},
+      {"a backslash alone", "      12a\\b\\\n", 12, "a\\b\\"},
+      {"a pair that a pair leaves behind", "      12\\\\nn\n", 12, "\\\nn"},
+      {"the first of two", "     12 primeira\n     12 segunda\n", 12, "primeira"},
+      {"the last line without its end", "       1um\n       2dois", 2, "dois"},
+      {"not there", "       1um\n", 2, ""},
+      {"not there, and the last line has a text", "       1um\n       3tres", 2, ""},
+      {"blanks, sign and what follows the digits", " \t+12abctexto\n", 12, "texto"},
+      {"text in the number field", "12 texto aqui\n", 12, " aqui"},
+      {"a short line has no text of the line before", "       1texto longo\n12\n", 12, ""},
+      {"exactly the number field", "      12\n      13fim\n", 12, ""},
+      {"zero is the first line without a number", "       1um\ncomentario\n       0zero\n", 0, "io"},
+      {"a negative number", "      -1menos\n", 0xFFFFFFFF, "menos"},
+      {"out of range", "99999999999grande\n", 0x7FFFFFFF, "999grande"},
+      {"empty", "", 0, ""},
+      {"the rest of a long line is a line", "       1" + sLonga + "\n", 0, std::string(77, 'x')},
+      {"the length of a long line", "       1" + sLonga + "\n", 1, std::string(1015, 'x')},
+      {"the end mark of a text file", "       1um\n\x1A       2dois\n", 2, ""},
+  };
+  for (const auto &caso : casos) {
+    SCOPED_TRACE(caso.lpNome);
+    Escreve(caso.sConteudo);
+    EXPECT_EQ(CQZMensagem::LeMensagem(caso.uiMensagem, 1), caso.sTexto);
+  }
+  EXPECT_EQ(m_caixa.Toma(), Caixas{});
+}
+
+// Another program may have the catalogue open for whatever it likes.
+TEST_F(QZMensagem, CatalogoAbertoPorOutro) {
+  using namespace plataforma;
+  Escreve("       1um\n");
+  std::unique_ptr<IArquivoAberto> outro;
+  ASSERT_FALSE(ArquivosDoSistema().Abre(
+      m_pasta / kCatalogo, {Acesso::LeituraEscrita, Compartilhamento::NegaNada, Criacao::SoExistente}, &outro));
+  EXPECT_EQ(CQZMensagem::LeMensagem(1, 1), "um");
+}
+
+TEST_F(QZMensagem, SemCatalogoUmaCaixaACadaConsulta) {
+  EXPECT_EQ(CQZMensagem::LeMensagem(1, 1), "");
+  EXPECT_EQ(CQZMensagem::LeMensagem(1, 1), "");
+  EXPECT_EQ(CQZMensagem::LeMensagem(1, 2), "");
+  EXPECT_EQ(m_caixa.Toma(), (Caixas{SemCatalogo(kCatalogo), SemCatalogo(kCatalogo), SemCatalogo("QZMens.txt")}));
+}
+
+TEST_F(QZMensagem, ExibeMensagem) {
+  Escreve("       1Falhou\n");
+  m_sistema.m_textoErro = "Arquivo\r\nausente.\r\n";
+  const struct {
+    std::uint32_t uiMensagem, uiErroSO, uiTipo;
+    CString sTexto;
+  } casos[] = {
+      {1, 0, 0x10, "Falhou"},
+      {1, 2, 0, "Falhou\nErro do SO: 2 - Arquivo ausente."},
+      {1, 5, 0x41, "Falhou\nErro do SO: 5 - "},
+      {9, 2, 0,
+       "Erro desconhecido encontrado. C\xF3"
+       "digo (9)\nErro do SO: 2 - Arquivo ausente."},
+  };
+  for (const auto &caso : casos) {
+    CQZMensagem::ExibeMensagem(caso.uiMensagem, 1, caso.uiErroSO, caso.uiTipo);
+    EXPECT_EQ(m_caixa.Toma(), (Caixas{{caso.sTexto, kTitulo, caso.uiTipo, DonoCaixa::Nenhum}}));
+  }
+  m_sistema.m_textoErro = CString(300, 'y');
+  CQZMensagem::ExibeMensagem(1, 1, 2, 0);
+  EXPECT_EQ(m_caixa.Toma()[0].texto, "Falhou\nErro do SO: 2 - " + CString(255, 'y'));
+}
+
+TEST_F(QZMensagem, ExcecaoBuscaOTextoNoCatalogo) {
+  Escreve("       1Falhou\n");
+  CQZException excecao(1, 1, 0);
+  EXPECT_EQ(excecao.GetMensagem(), "");
+  EXPECT_EQ(excecao.GetTexto(), "Falhou");
+  Escreve("       1Outro\n");
+  EXPECT_EQ(excecao.GetTexto(), "Falhou");
+  EXPECT_EQ(CQZException(7, 1, 0).GetTexto(), "");
+  EXPECT_EQ(CQZException("texto", 1, 0).GetTexto(), "texto");
+  DefineFonteMensagens(nullptr);
+  EXPECT_EQ(CQZException(1, 1, 0).GetTexto(), "");
+}
+
+TEST_F(QZMensagem, GetErrorMessageCabeNoBuffer) {
+  const struct {
+    std::uint32_t uiTamanho;
+    std::string sBuffer;
+  } casos[] = {{0, "########"},
+               {1, std::string("\0#######", 8)},
+               {4, std::string("abc\0####", 8)},
+               {7, std::string("abcdef\0#", 8)},
+               {8, std::string("abcdef\0\0", 8)}};
+  CQZException excecao("abcdef", 1, 0);
+  for (const auto &caso : casos) {
+    std::string sBuffer(8, '#');
+    std::uint32_t uiAjuda = 5;
+    EXPECT_TRUE(excecao.GetErrorMessage(sBuffer.data(), caso.uiTamanho, &uiAjuda));
+    EXPECT_EQ(sBuffer, caso.sBuffer) << caso.uiTamanho;
+    EXPECT_EQ(uiAjuda, 0U);
+  }
+  EXPECT_TRUE(excecao.GetErrorMessage(nullptr, 8, nullptr));
+  Escreve("");
+  char letra = '#';
+  EXPECT_FALSE(CQZException(1, 1, 0).GetErrorMessage(&letra, 1, nullptr));
+  EXPECT_EQ(letra, '\0');
+  CInvalidArgException semTexto;
+  letra = '#';
+  EXPECT_FALSE(semTexto.GetErrorMessage(&letra, 1, nullptr));
+  EXPECT_EQ(letra, '\0');
+  EXPECT_EQ(semTexto.ReportError(0, 0), 0);
+}
+
+TEST_F(QZMensagem, ReportErrorMostraACaixa) {
+  Escreve("       1Falhou\n");
+  const struct {
+    std::uint32_t uiMensagem, uiSistema, uiErroSO, uiTipo;
+    CString sTexto, sTitulo;
+    std::uint32_t uiTipoMostrado;
+  } casos[] = {
+      {1, 1, 0, 0, "Falhou", kTitulo, 0x30},
+      {1, 1, 0, 0x01, "Falhou", kTitulo, 0x31},
+      {1, 1, 0, 0x10, "Falhou", kTitulo, 0x10},
+      {1, 1, 0, 0x20, "Falhou", kTitulo, 0x20},
+      {1, 1, 0, 0x44, "Falhou", kTitulo, 0x44},
+      {1, 1, 2, 0x10, "Falhou\nErro do SO: 2 - Arquivo ausente.\r\n", kTitulo, 0x10},
+      {8, 1, 0x80070005, 0x10,
+       "Erro desconhecido encontrado. C\xF3"
+       "digo (8)\nErro do SO: -2147024891 - ",
+       kTitulo, 0x10},
+  };
+  for (const auto &caso : casos) {
+    CQZException excecao(caso.uiMensagem, caso.uiSistema, caso.uiErroSO);
+    EXPECT_EQ(excecao.ReportError(caso.uiTipo, 0), CaixaFalsa::kResposta);
+    EXPECT_EQ(m_caixa.Toma(), (Caixas{{caso.sTexto, caso.sTitulo, caso.uiTipoMostrado, DonoCaixa::JanelaDaThread}}));
+  }
+  CQZException deOutroProduto("texto", 2, 0);
+  deOutroProduto.ReportError(0, 0);
+  EXPECT_EQ(m_caixa.Toma(), (Caixas{{"texto", "", 0x30, DonoCaixa::JanelaDaThread}}));
+}
+
+}  // namespace

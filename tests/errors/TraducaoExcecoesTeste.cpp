@@ -1,0 +1,99 @@
+#include "core/errors/guard/TraducaoExcecoes.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <new>
+#include <stdexcept>
+
+#include "core/env/QZException.h"
+#include "core/errors/QZExceptionEx.h"
+#include "core/platform/CFileException.h"
+#include "tests/apoio/CaixaFalsa.h"
+#include "tests/apoio/ServicosTrocados.h"
+
+namespace {
+
+using plataforma::CausaArquivo;
+
+/// Throws an exception object by pointer that the handlers may leave alone.
+template <class Excecao, class... Argumentos>
+[[noreturn]] void Lanca(Argumentos... argumentos) {
+  static std::unique_ptr<Excecao> s_spExcecao;
+  s_spExcecao = std::make_unique<Excecao>(argumentos...);
+  throw s_spExcecao.get();
+}
+
+struct ExcecaoPropria : CException {};
+struct SistemaDerivada : CQZException {
+  using CQZException::CQZException;
+};
+struct BadAllocDerivada : std::bad_alloc {};
+
+TEST(TraducaoExcecoes, CadaTipoTemOSeuCodigo) {
+  const struct {
+    const char *lpNome;
+    void (*lanca)();
+    std::uint32_t hr;
+  } linhas[] = {
+      {"extended", [] { throw CQZExceptionEx(CodigoResultado(0x81080123), 1, 2, "m", "f", "a", 3); }, 0x81080123},
+      {"extended success", [] { throw CQZExceptionEx(1, 0, 5, "", "", "", 0); }, 1},
+      {"system error", [] { Lanca<CQZException>("m", 1U, 2U); }, 0x80040002},
+      {"whole system error", [] { Lanca<CQZException>(7U, 1U, 0x81234567U); }, 0x81274567},
+      {"no system error", [] { Lanca<CQZException>(9U, 1U, 0U); }, 0x8004EA61},
+      {"derived", [] { Lanca<SistemaDerivada>("m", 1U, 0U); }, 0x8004EA61},
+      {"file", [] { Lanca<CFileException>(CausaArquivo::DiscoCheio, 112); }, 0x80070070},
+      {"file, low half", [] { Lanca<CFileException>(CausaArquivo::Generica, 0x12345); }, 0x80072345},
+      {"file without error", [] { Lanca<CFileException>(CausaArquivo::FimDeArquivo, 0); }, 0},
+      {"file, negative", [] { Lanca<CFileException>(CausaArquivo::Generica, -5); }, 0xFFFFFFFB},
+      {"memory", [] { Lanca<CMemoryException>(); }, 0x8004EA62},
+      {"framework", [] { Lanca<ExcecaoPropria>(); }, 0x8004EA63},
+      {"index check", [] { LancaArgumentoInvalido(); }, 0x8004EA63},
+      {"result code", [] { throw CodigoResultado(0x810809DB); }, 0x810809DB},
+      {"success code", [] { throw CodigoResultado(0); }, 0},
+      {"bad_alloc", [] { throw std::bad_alloc(); }, 0x8004EA64},
+      {"derived bad_alloc", [] { throw BadAllocDerivada(); }, 0x8004EA64},
+      {"exception", [] { throw std::out_of_range("x"); }, 0x8004EA65},
+      {"text", [] { throw "x"; }, 0x8004EA66},
+      {"unsigned", [] { throw 5U; }, 0x8004EA66},
+      {"by value", [] { throw CMemoryException(); }, 0x8004EA66},
+  };
+  // Boxes would hold up the call that is being ended.
+  apoio::CaixaFalsa caixa;
+  const apoio::ServicosTrocados servicos(nullptr, nullptr, nullptr, nullptr, &caixa);
+  for (const auto &linha : linhas) {
+    try {
+      linha.lanca();
+      FAIL() << linha.lpNome << " did not throw";
+    } catch (...) {
+      EXPECT_EQ(BitsResultado(QZTranslateThrownExceptionToHresult()), linha.hr) << linha.lpNome;
+    }
+  }
+  EXPECT_TRUE(caixa.Toma().empty());
+}
+
+// The translator leaves the object to whoever owns it; Delete knows the ones that live on.
+TEST(TraducaoExcecoes, ObjetoFicaParaODono) {
+  static int s_iVivas = 0;
+  struct Contada : CQZException {
+    Contada() : CQZException("m", 1, 0) { ++s_iVivas; }
+    ~Contada() override { --s_iVivas; }
+  };
+  try {
+    throw new Contada;
+  } catch (CException *pEx) {
+    EXPECT_EQ(BitsResultado(QZTranslateThrownExceptionToHresult()), 0x8004EA61U);
+    EXPECT_EQ(s_iVivas, 1);
+    EXPECT_STREQ(pEx->GetRuntimeClass()->m_lpszClassName, "CQZException");
+    pEx->Delete();
+    EXPECT_EQ(s_iVivas, 0);
+  }
+  try {
+    LancaArgumentoInvalido();
+  } catch (CException *pEx) {
+    pEx->Delete();
+    EXPECT_STREQ(pEx->GetRuntimeClass()->m_lpszClassName, "CInvalidArgException");
+  }
+}
+
+}  // namespace

@@ -59,7 +59,7 @@ bool CPadraoSimples::CasaTrechos(std::string_view sTexto) const {
   }
   sTexto.remove_prefix(uiPrimeira);
   sPadrao.remove_prefix(uiPrimeira + 1);
-  for (std::size_t uiEstrela; (uiEstrela = sPadrao.find('*')) != std::string_view::npos;) {
+  for (std::size_t uiEstrela = 0; (uiEstrela = sPadrao.find('*')) != std::string_view::npos;) {
     const std::size_t uiAchado = sTexto.find(sPadrao.substr(0, uiEstrela));
     if (uiAchado == std::string_view::npos) {
       return false;

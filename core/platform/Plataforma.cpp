@@ -19,7 +19,12 @@ const Servicos &ServicosDoSistema() {
 
 const Servicos &ServicosEmVigor() {
   const Servicos *servicos = g_emVigor.load(std::memory_order_acquire);
-  return servicos != nullptr ? *servicos : ServicosDoSistema();
+  if (servicos == nullptr) {
+    // Entered, so that the next call finds them without asking whether they have been made.
+    const Servicos *const doSistema = &ServicosDoSistema();
+    servicos = g_emVigor.compare_exchange_strong(servicos, doSistema) ? doSistema : servicos;
+  }
+  return *servicos;
 }
 
 void SubstituiServicos(const Servicos *servicos) {

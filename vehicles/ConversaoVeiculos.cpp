@@ -1,5 +1,6 @@
 #include <cstdio>
 
+#include "core/platform/ArquivoNoLivro.h"
 #include "core/platform/Plataforma.h"
 #include "core/platform/TravaEntreProcessos.h"
 #include "core/qzdatabase/QZDataBaseUtil.h"
@@ -15,7 +16,8 @@
 //   4. DFVEIVS.DAT  version 1
 //   5. DFVEIVS.TRA  deleted
 //
-// A run that finds the journal complete finishes from step 3.
+// A run that finds the journal complete finishes from step 3. Where the first record was the only one there is nothing
+// to rewrite: DFVEIC.DAT is deleted, and the journal is written after that, for step 4 alone.
 
 namespace {
 
@@ -54,8 +56,12 @@ bool DiarioCompleto(const CString &sEmpresa) {
   REG_DF_VEICULO_VERSAO reg{};
   std::uint64_t uiTamanho = 0;
   const ModoAbertura modo{Acesso::Leitura, Compartilhamento::NegaNada, Criacao::SoExistente};
-  return !Arquivos().Abre(CaminhoDaBase(sEmpresa, kArquivoDiario), modo, &arquivo) && !arquivo->Tamanho(&uiTamanho) &&
-         uiTamanho == sizeof(reg) && !arquivo->Le(0, &reg, sizeof(reg)) && reg.iVersao == kVersaoBaseVeiculos;
+  if (Arquivos().Abre(CaminhoDaBase(sEmpresa, kArquivoDiario), modo, &arquivo)) {
+    return false;
+  }
+  const CQZArquivoNoLivro diario(std::move(arquivo));
+  return !diario->Tamanho(&uiTamanho) && uiTamanho == sizeof(reg) && !diario->Le(0, &reg, sizeof(reg)) &&
+         reg.iVersao == kVersaoBaseVeiculos;
 }
 
 plataforma::FalhaArquivo EscreveDiario(const CString &sEmpresa) {
@@ -66,14 +72,20 @@ plataforma::FalhaArquivo EscreveDiario(const CString &sEmpresa) {
   if (const FalhaArquivo falha = Arquivos().Abre(CaminhoDaBase(sEmpresa, kArquivoDiario), modo, &arquivo)) {
     return falha;
   }
-  if (const FalhaArquivo falha = arquivo->Grava(0, &reg, sizeof(reg))) {
+  const CQZArquivoNoLivro diario(std::move(arquivo));
+  if (const FalhaArquivo falha = diario->Grava(0, &reg, sizeof(reg))) {
     return falha;
   }
-  return arquivo->Descarrega();
+  return diario->Descarrega();
 }
 
 HRESULT ApagaDiario(const CString &sEmpresa) {
   return CQZDataBaseUtil::DeletaArquivo(sEmpresa, QZ_DF, kArquivoDiario);
+}
+
+/// True for the codes that refuse what a version file holds, as opposed to those for a file that cannot be had.
+bool ConteudoRecusado(HRESULT hr) {
+  return hr == codigos::kTamanhoDiferente;
 }
 
 }  // namespace
@@ -99,9 +111,18 @@ HRESULT CBaseVeiculos::ExecutaConversao() {
 
 HRESULT CBaseVeiculos::ConverteSobTrava() {
   const CQZRastro rastro(this, {"CBaseVeiculos::ExecutaConversao"}, kFonte);
+  HRESULT hr = codigos::kOk;
   REG_DF_VEICULO_VERSAO regVersao{};
-  QZ_VERIFICA(rastro, "CQZDataBaseUtil::LeSingleReg(this, QZ_DF, &regVersao, \"DFVEIVS.DAT\")",
-              CQZDataBaseUtil::LeSingleReg(this, QZ_DF, &regVersao, kArquivoVersao));
+  if (QZ_FALHOU(rastro, hr, "CQZDataBaseUtil::LeSingleReg(this, QZ_DF, &regVersao, \"DFVEIVS.DAT\")",
+                CQZDataBaseUtil::LeSingleReg(this, QZ_DF, &regVersao, kArquivoVersao))) {
+    if (!ConteudoRecusado(hr) || !DiarioCompleto(GetEmpresa())) {
+      return hr;
+    }
+    // The journal says that only the version was missing: the file is what an interrupted write of it has left.
+    QZ_VERIFICA(rastro, "CQZDataBaseUtil::DeletaArquivo(GetEmpresa(), QZ_DF, \"DFVEIVS.DAT\")",
+                CQZDataBaseUtil::DeletaArquivo(GetEmpresa(), QZ_DF, kArquivoVersao));
+    regVersao = {};
+  }
   if (regVersao.iVersao > kVersaoBaseVeiculos) {
     return codigos::kBaseMaisNova;
   }
@@ -138,5 +159,9 @@ HRESULT CBaseVeiculos::ConverteBaseV01() {
   QZ_VERIFICA(rastro, "CQZDataBaseUtil::RemoveRegistroZero<RegVeiculo_V01>(this, QZ_DF, \"DFVEIC.DAT\")",
               CQZDataBaseUtil::RemoveRegistroZero<RegVeiculo_V01>(this, QZ_DF, kArquivoVeiculos, gravaDiario,
                                                                   [&] { return ApagaDiario(sEmpresa); }));
+  if (!DiarioCompleto(sEmpresa)) {
+    // Without it only an interruption of the version's write would be noticed: not worth refusing the company.
+    static_cast<void>(gravaDiario());
+  }
   return codigos::kOk;
 }

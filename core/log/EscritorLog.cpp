@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "core/env/QZPath.h"
-#include "core/platform/LivroTravas.h"
+#include "core/platform/ArquivoNoLivro.h"
 #include "core/platform/Plataforma.h"
 
 // Nothing called from here reaches the error-check trace, which this layer brings in: a failure while a record is
@@ -27,23 +27,6 @@ constexpr char kCabecalhoErros[] =
     "Data\tHora\tProcesso\tUsuarioLocal\tClasseFuncao\tGuid\tEmpresa\tUsuario\tSessao\tThreadID\tTipo\t"
     "MemoriaDisponivel\tMemoriaTotal\tMemoriaComponente\tVersaoMiran\tVersaoSO\tArquivo\tLinha\tLog\t"
     "Parameter1\tParameter2\tParameter3\tParameter4\tParameter5\tParameter6\tParameter7\tParameter8\tParameter9\r\n";
-
-/// Owns an open file for a scope and has it in the thread's ledger meanwhile, so that a machine fault that abandons the
-/// stack does not leave the file open, and every other writer shut out, for the life of the process.
-class ArquivoNoLivro {
-public:
-  explicit ArquivoNoLivro(std::unique_ptr<IArquivoAberto> arquivo) : m_arquivo(std::move(arquivo)) {
-    plataforma::LivroTravas::Anota(m_arquivo.get(), [](void *objeto) { delete static_cast<IArquivoAberto *>(objeto); });
-  }
-  ~ArquivoNoLivro() { plataforma::LivroTravas::Retira(); }
-  ArquivoNoLivro(const ArquivoNoLivro &) = delete;
-  ArquivoNoLivro &operator=(const ArquivoNoLivro &) = delete;
-
-  IArquivoAberto *operator->() const { return m_arquivo.get(); }
-
-private:
-  std::unique_ptr<IArquivoAberto> m_arquivo;
-};
 
 CString CaminhoDoLog(TipoRegistro eTipo, const IQZDF_Profiler *pProfiler) {
   if (eTipo != TipoRegistro::Erro) {
@@ -77,7 +60,7 @@ std::unique_ptr<IArquivoAberto> Abre(const CString &caminho) {
 /// Appends at the end, with the header before it when `cabecalho` is given and the file is empty. False when nothing
 /// was added.
 bool Acrescenta(std::unique_ptr<IArquivoAberto> aberto, const char *cabecalho, const CString &linha) {
-  const ArquivoNoLivro arquivo(std::move(aberto));
+  const plataforma::CQZArquivoNoLivro arquivo(std::move(aberto));
   std::uint64_t fim = 0;
   if (arquivo->Tamanho(&fim)) {
     return false;

@@ -1,5 +1,6 @@
 #include "core/platform/LivroTravas.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
@@ -53,10 +54,19 @@ void LivroTravas::Anota(void *objeto, Solta solta) {
   Cerca();
 }
 
-void LivroTravas::Retira() {
+void LivroTravas::Retira(const void *objeto) {
   Livro &livro = t_livro;
+  const std::size_t qtd = livro.qtd;
+  std::size_t i = qtd;
+  while (i > 0 && livro.anotacoes[i - 1].objeto != objeto) {
+    --i;
+  }
+  if (i == 0) {
+    return;
+  }
   Cerca();
-  livro.qtd = livro.qtd - 1;
+  std::copy(livro.anotacoes + i, livro.anotacoes + qtd, livro.anotacoes + i - 1);
+  livro.qtd = qtd - 1;
   Cerca();
 }
 
@@ -96,7 +106,7 @@ CQZTrava::CQZTrava(SecaoCritica &secao) : m_secao(secao) {
 }
 
 CQZTrava::~CQZTrava() {
-  LivroTravas::Retira();
+  LivroTravas::Retira(&m_secao);
   m_secao.Sai();
 }
 

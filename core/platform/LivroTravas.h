@@ -24,14 +24,28 @@ public:
   /// Enters an object that is held from now on.
   static void Anota(void *objeto, Solta solta);
 
-  /// Takes out the newest entry, which its holder has released or is about to release.
-  static void Retira();
+  /// Takes out the newest entry of an object, which its holder has released or is about to release. The order of the
+  /// others stays; an object without an entry is no matter.
+  static void Retira(const void *objeto);
 
-  /// Releases everything entered after `marca`, newest first. Called by the call guard on the faulting thread only.
+  /// Releases everything entered after `marca`, newest first. Called by the call guard on the faulting thread only. An
+  /// entry is taken out before it is released: where a release faults itself, calling again goes on with the next one.
   static void SoltaAte(std::size_t marca);
 
   /// Ends the process with a message when taking `secao` now would break the lock order. Debug builds only call it.
   static void VerificaOrdem(const SecaoCritica &secao);
+};
+
+/// Has an object in the calling thread's ledger for a scope, which one thread opens and closes.
+class CQZNoLivro {
+public:
+  CQZNoLivro(void *objeto, LivroTravas::Solta solta) : m_objeto(objeto) { LivroTravas::Anota(objeto, solta); }
+  ~CQZNoLivro() { LivroTravas::Retira(m_objeto); }
+  CQZNoLivro(const CQZNoLivro &) = delete;
+  CQZNoLivro &operator=(const CQZNoLivro &) = delete;
+
+private:
+  const void *m_objeto;
 };
 
 /// Holds a critical section for a scope. The only way in which the system takes one.

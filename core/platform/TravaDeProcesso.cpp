@@ -12,7 +12,7 @@ CQZTravaDeProcesso::CQZTravaDeProcesso(ITravaEntreProcessos &trava, std::uint32_
 
 CQZTravaDeProcesso::~CQZTravaDeProcesso() {
   if (m_bTomada) {
-    LivroTravas::Retira();
+    LivroTravas::Retira(&m_trava);
     m_trava.Solta();
   }
 }

@@ -49,8 +49,32 @@ private:
   using Chave = std::pair<std::uint64_t, CString>;
 
   struct CQZDataBaseContainerPair {
-    std::uint64_t uiUsuarios = 0;
+    std::uint64_t uiUsuarios = 0;  ///< 0 only while the database is initialised or finished, under the lock
     std::unique_ptr<TDataBase> pDataBase;
+  };
+
+  /// Destroys, at the end of a scope under the lock, the database that has no user. A machine fault inside the scope
+  /// does the same through the ledger, so that a company is never left with half a database and its files open.
+  class Descarte {
+  public:
+    explicit Descarte(CQZDataBaseContainer &container) : m_container(container), m_noLivro(&container, Executa) {}
+    ~Descarte() { Executa(&m_container); }
+    Descarte(const Descarte &) = delete;
+    Descarte &operator=(const Descarte &) = delete;
+
+  private:
+    static void Executa(void *pContainer) {
+      auto &pares = static_cast<CQZDataBaseContainer *>(pContainer)->m_pares;
+      const auto semUsuario =
+          std::find_if(pares.begin(), pares.end(), [](const auto &par) { return par.second.uiUsuarios == 0; });
+      if (semUsuario != pares.end()) {
+        // Out of the map first: should destroying it fault, no later call meets it.
+        const auto destruido = pares.extract(semUsuario);
+      }
+    }
+
+    CQZDataBaseContainer &m_container;
+    plataforma::CQZNoLivro m_noLivro;
   };
 
   static Chave ChaveDaEmpresa(const CString &sEmpresa) {
@@ -71,12 +95,12 @@ HRESULT CQZDataBaseContainer<TDataBase>::Inicializa(const CString &sEmpresa, std
                            kFonteDataBaseFacade);
   const Chave chave = ChaveDaEmpresa(sEmpresa);
   const plataforma::CQZTrava trava(m_secao);
+  const Descarte descarte(*this);
   auto par = m_pares.find(chave);
   if (par == m_pares.end()) {
-    auto pDataBase = std::make_unique<TDataBase>();
+    par = m_pares.emplace(chave, CQZDataBaseContainerPair{0, std::make_unique<TDataBase>()}).first;
     QZ_VERIFICA(rastro, "pDataBase->Inicializa(sEmpresa, iUsuario, lNumeroSessao)",
-                pDataBase->Inicializa(sEmpresa, iUsuario, lNumeroSessao));
-    par = m_pares.emplace(chave, CQZDataBaseContainerPair{0, std::move(pDataBase)}).first;
+                par->second.pDataBase->Inicializa(sEmpresa, iUsuario, lNumeroSessao));
   }
   ++par->second.uiUsuarios;
   *ppDataBase = par->second.pDataBase.get();
@@ -98,9 +122,9 @@ HRESULT CQZDataBaseContainer<TDataBase>::Finaliza(TDataBase **ppDataBase) {
     --par->second.uiUsuarios;
     return codigos::kOk;
   }
-  const HRESULT hr = par->second.pDataBase->Finaliza();
-  m_pares.erase(par);
-  return hr;
+  par->second.uiUsuarios = 0;
+  const Descarte descarte(*this);
+  return par->second.pDataBase->Finaliza();
 }
 
 template <typename TDataBase>

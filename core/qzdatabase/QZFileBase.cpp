@@ -95,6 +95,9 @@ HRESULT CQZFileBase::TentaAbrir(const CString &sCaminho, EModoAbertura eModoAber
     const FalhaArquivo falha =
         plataforma::Arquivos().Abre(sCaminho, ModoDoSistema(eModoAbertura, bCriaSemTruncar), &m_arquivo);
     if (!falha) {
+      if (m_secao.Nivel() == plataforma::NivelTrava::Temporario) {
+        m_noLivro.emplace(m_arquivo.get(), plataforma::FechaAbandonado);
+      }
       m_eModoAtual = eModoAbertura;
       return codigos::kOk;
     }
@@ -202,6 +205,7 @@ HRESULT CQZFileBase::OnFinaliza() {
 }
 
 void CQZFileBase::FechaArquivo() {
+  m_noLivro.reset();
   m_arquivo.reset();
   m_eModoAtual = eModoFechado;
 }

@@ -8,7 +8,7 @@
 #include "core/env/QZPath.h"
 #include "core/errors/CodigosResultado.h"
 #include "core/log/QZOperacao.h"
-#include "core/platform/LivroTravas.h"
+#include "core/platform/ArquivoNoLivro.h"
 #include "core/platform/SistemaArquivos.h"
 
 class CQZDataBase;
@@ -121,6 +121,9 @@ private:
   [[nodiscard]] HRESULT RecarregaSeMudou(const CQZRastro &rastro);
 
   std::unique_ptr<plataforma::IArquivoAberto> m_arquivo;
+  /// A file opened for one piece of work may lie on a stack that a machine fault abandons: its handle is then closed
+  /// through the ledger. The files of a shared database belong to the container, which survives.
+  std::optional<plataforma::CQZNoLivro> m_noLivro;
   EModoAbertura m_eModoAtual = eModoFechado;
   CString m_sNomeArquivo;
   ModuloQZ m_eModulo;

@@ -66,11 +66,14 @@ FalhaArquivo ArquivosDecorado::Lista(const CString &diretorio, const CString &ma
 class ArquivosComFalha::Arquivo final : public ArquivoDecorado {
 public:
   Arquivo(ArquivosComFalha &dono, const CString &caminho, std::unique_ptr<IArquivoAberto> base)
-      : ArquivoDecorado(std::move(base)), m_dono(dono), m_caminho(caminho) {}
+      : ArquivoDecorado(std::move(base)), m_dono(dono), m_caminho(caminho) {
+    ++m_dono.m_iAbertos;
+  }
+  ~Arquivo() override { --m_dono.m_iAbertos; }
 
   FalhaArquivo Le(std::uint64_t posicao, void *destino, std::size_t qtd) override {
     const FalhaArquivo falha = m_dono.Passa(kOpLe, m_caminho);
-    return falha ? falha : ArquivoDecorado::Le(posicao, destino, qtd);
+    return falha ? m_dono.Injeta(falha) : ArquivoDecorado::Le(posicao, destino, qtd);
   }
 
   FalhaArquivo Grava(std::uint64_t posicao, const void *origem, std::size_t qtd) override {
@@ -79,27 +82,27 @@ public:
       return ArquivoDecorado::Grava(posicao, origem, qtd);
     }
     const FalhaArquivo real = ArquivoDecorado::Grava(posicao, origem, m_dono.Prefixo(qtd));
-    return real ? real : falha;
+    return real ? real : m_dono.Injeta(falha);
   }
 
   FalhaArquivo Tamanho(std::uint64_t *tamanho) override {
     const FalhaArquivo falha = m_dono.Passa(kOpTamanho, m_caminho);
-    return falha ? falha : ArquivoDecorado::Tamanho(tamanho);
+    return falha ? m_dono.Injeta(falha) : ArquivoDecorado::Tamanho(tamanho);
   }
 
   FalhaArquivo AjustaTamanho(std::uint64_t tamanho) override {
     const FalhaArquivo falha = m_dono.Passa(kOpAjustaTamanho, m_caminho);
-    return falha ? falha : ArquivoDecorado::AjustaTamanho(tamanho);
+    return falha ? m_dono.Injeta(falha) : ArquivoDecorado::AjustaTamanho(tamanho);
   }
 
   FalhaArquivo UltimaEscrita(std::uint64_t *ticks) override {
     const FalhaArquivo falha = m_dono.Passa(kOpTamanho, m_caminho);
-    return falha ? falha : ArquivoDecorado::UltimaEscrita(ticks);
+    return falha ? m_dono.Injeta(falha) : ArquivoDecorado::UltimaEscrita(ticks);
   }
 
   FalhaArquivo Descarrega() override {
     const FalhaArquivo falha = m_dono.Passa(kOpDescarrega, m_caminho);
-    return falha ? falha : ArquivoDecorado::Descarrega();
+    return falha ? m_dono.Injeta(falha) : ArquivoDecorado::Descarrega();
   }
 
 private:
@@ -140,6 +143,18 @@ FalhaArquivo ArquivosComFalha::Passa(Operacao operacao, const CString &caminho) 
   return bFalha ? m_plano->falha : plataforma::kSemFalha;
 }
 
+FalhaArquivo ArquivosComFalha::Injeta(const FalhaArquivo &falha) const {
+  void (*aoFalhar)() = nullptr;
+  {
+    const std::lock_guard<std::mutex> guarda(m_mutex);
+    aoFalhar = m_plano ? m_plano->aoFalhar : nullptr;
+  }
+  if (aoFalhar != nullptr) {
+    aoFalhar();
+  }
+  return falha;
+}
+
 std::size_t ArquivosComFalha::Prefixo(std::size_t qtd) const {
   const std::lock_guard<std::mutex> guarda(m_mutex);
   return std::min(qtd, m_plano ? m_plano->gravaAntes.value_or(0) : 0);
@@ -150,7 +165,7 @@ FalhaArquivo ArquivosComFalha::Abre(const CString &caminho, const ModoAbertura &
   arquivo->reset();
   std::unique_ptr<IArquivoAberto> base;
   const FalhaArquivo injetada = Passa(kOpAbre, caminho);
-  const FalhaArquivo falha = injetada ? injetada : ArquivosDecorado::Abre(caminho, modo, &base);
+  const FalhaArquivo falha = injetada ? Injeta(injetada) : ArquivosDecorado::Abre(caminho, modo, &base);
   if (!falha) {
     *arquivo = std::make_unique<Arquivo>(*this, caminho, std::move(base));
   }
@@ -159,24 +174,24 @@ FalhaArquivo ArquivosComFalha::Abre(const CString &caminho, const ModoAbertura &
 
 FalhaArquivo ArquivosComFalha::TamanhoDe(const CString &caminho, std::uint64_t *tamanho) {
   const FalhaArquivo falha = Passa(kOpTamanho, caminho);
-  return falha ? falha : ArquivosDecorado::TamanhoDe(caminho, tamanho);
+  return falha ? Injeta(falha) : ArquivosDecorado::TamanhoDe(caminho, tamanho);
 }
 
 FalhaArquivo ArquivosComFalha::Apaga(const CString &caminho) {
   const FalhaArquivo falha = Passa(kOpApaga, caminho);
-  return falha ? falha : ArquivosDecorado::Apaga(caminho);
+  return falha ? Injeta(falha) : ArquivosDecorado::Apaga(caminho);
 }
 
 FalhaArquivo ArquivosComFalha::MoveSubstituindo(const CString &origem, const CString &destino) {
   // Either path may be the one that counts; a zero byte cannot be part of a path.
   const FalhaArquivo falha = Passa(kOpMove, origem + CString(1, '\0') + destino);
-  return falha ? falha : ArquivosDecorado::MoveSubstituindo(origem, destino);
+  return falha ? Injeta(falha) : ArquivosDecorado::MoveSubstituindo(origem, destino);
 }
 
 FalhaArquivo ArquivosComFalha::Lista(const CString &diretorio, const CString &mascara, std::vector<CString> *nomes) {
   nomes->clear();
   const FalhaArquivo falha = Passa(kOpLista, diretorio + mascara);
-  return falha ? falha : ArquivosDecorado::Lista(diretorio, mascara, nomes);
+  return falha ? Injeta(falha) : ArquivosDecorado::Lista(diretorio, mascara, nomes);
 }
 
 }  // namespace apoio

@@ -1,6 +1,7 @@
 #ifndef KALVO_TESTS_APOIO_ARQUIVOSDECORADO_H
 #define KALVO_TESTS_APOIO_ARQUIVOSDECORADO_H
 
+#include <atomic>
 #include <mutex>
 #include <optional>
 
@@ -65,6 +66,7 @@ struct PlanoFalha {
   bool bPersistente = false;                                      ///< that one and all after it, else it alone
   plataforma::FalhaArquivo falha = plataforma::FalhaWin32(1117);  ///< hard I/O error unless told otherwise
   std::optional<std::size_t> gravaAntes{};                        ///< a failing write writes so many bytes first
+  void (*aoFalhar)() = nullptr;                                   ///< runs first; it may throw or fault instead
 };
 
 /// Makes the N-th operation fail without carrying it out. Unarmed it only forwards. It must outlive the files it opens.
@@ -85,6 +87,8 @@ public:
   std::size_t Vistas() const;
   /// True when at least one operation was made to fail since Arma.
   bool Disparou() const;
+  /// How many of the files that it opened are open.
+  int Abertos() const { return m_iAbertos; }
 
   plataforma::FalhaArquivo Abre(const CString &caminho, const plataforma::ModoAbertura &modo,
                                 std::unique_ptr<plataforma::IArquivoAberto> *arquivo) override;
@@ -99,6 +103,8 @@ private:
 
   /// Counts one operation; the failure it shall have, or none.
   plataforma::FalhaArquivo Passa(Operacao operacao, const CString &caminho);
+  /// Hands over a failure, or what the plan has in its place. Called without the mutex: it may not come back.
+  plataforma::FalhaArquivo Injeta(const plataforma::FalhaArquivo &falha) const;
   /// How much of a failing write of `qtd` bytes is written nevertheless.
   std::size_t Prefixo(std::size_t qtd) const;
 
@@ -106,6 +112,7 @@ private:
   std::optional<PlanoFalha> m_plano;
   std::size_t m_vistas = 0;
   bool m_bDisparou = false;
+  std::atomic<int> m_iAbertos{0};
 };
 
 }  // namespace apoio

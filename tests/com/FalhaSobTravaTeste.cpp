@@ -30,9 +30,6 @@
 namespace {
 
 using namespace apoiocom;
-using plataforma::FalhaArquivo;
-using plataforma::IArquivoAberto;
-using plataforma::ModoAbertura;
 
 constexpr auto kUmSegundo = std::chrono::seconds(1);
 constexpr int kRepeticoes = 100;
@@ -71,49 +68,13 @@ constexpr Falha kExcecoes[] = {
     {[] { throw CodigoResultado(0); }, 0},
 };
 
-/// Faults at the next write to the vehicle file, when half of it is on disk. Counts the files that are open.
-class ArquivosQueFalham final : public apoio::ArquivosDecorado {
-public:
-  using ArquivosDecorado::ArquivosDecorado;
-
-  void Arma(const Falha &falha) { m_pFalha = &falha; }
-
-  FalhaArquivo Abre(const CString &caminho, const ModoAbertura &modo,
-                    std::unique_ptr<IArquivoAberto> *arquivo) override {
-    const FalhaArquivo falha = ArquivosDecorado::Abre(caminho, modo, arquivo);
-    if (!falha) {
-      *arquivo = std::make_unique<Arquivo>(*this, caminho.ends_with("DFVEIC.DAT"), std::move(*arquivo));
-    }
-    return falha;
-  }
-
-  int Abertos() const { return m_iAbertos; }
-
-private:
-  class Arquivo final : public apoio::ArquivoDecorado {
-  public:
-    Arquivo(ArquivosQueFalham &dono, bool bFalha, std::unique_ptr<IArquivoAberto> base)
-        : ArquivoDecorado(std::move(base)), m_dono(dono), m_bFalha(bFalha) {
-      ++m_dono.m_iAbertos;
-    }
-    ~Arquivo() override { --m_dono.m_iAbertos; }
-
-    FalhaArquivo Grava(std::uint64_t posicao, const void *origem, std::size_t qtd) override {
-      if (const Falha *pFalha = m_bFalha ? m_dono.m_pFalha.exchange(nullptr) : nullptr) {
-        static_cast<void>(ArquivoDecorado::Grava(posicao, origem, qtd / 2));
-        pFalha->executa();
-      }
-      return ArquivoDecorado::Grava(posicao, origem, qtd);
-    }
-
-  private:
-    ArquivosQueFalham &m_dono;
-    const bool m_bFalha;
-  };
-
-  std::atomic<const Falha *> m_pFalha{nullptr};
-  std::atomic<int> m_iAbertos{0};
-};
+/// The next write to the vehicle file ends in `falha` when half of it is on disk.
+apoio::PlanoFalha NaGravacao(const Falha &falha) {
+  return {.operacoes = apoio::kOpGrava,
+          .trecho = "DFVEIC.DAT",
+          .gravaAntes = sizeof(RegVeiculo) / 2,
+          .aoFalhar = falha.executa};
+}
 
 Veiculos NovoPara(const Empresa &empresa) {
   void *pObjeto = nullptr;
@@ -157,7 +118,7 @@ Consumo ConsumoDoProcesso() {
 
 TEST(FalhaSobTrava, UmaChamadaFalhaEOsOutrosContinuam) {
   const Empresa empresa;
-  ArquivosQueFalham arquivos(plataforma::ArquivosDoSistema());
+  apoio::ArquivosComFalha arquivos(plataforma::ArquivosDoSistema());
   apoio::ColetorRastro rastro;
   std::size_t uiGravados = 0;
   {
@@ -171,7 +132,7 @@ TEST(FalhaSobTrava, UmaChamadaFalhaEOsOutrosContinuam) {
       Veiculos spVeiculos = NovoPara(empresa);
       ASSERT_TRUE(spVeiculos);
       rastro.Toma();
-      arquivos.Arma(falha);
+      arquivos.Arma(NaGravacao(falha));
       LONG lPos = 0;
       ASSERT_EQ(Bits(spVeiculos->Grava(&lPos, Veiculo("PERDIDO"))), falha.hr);
       EXPECT_EQ(lPos, 0);
@@ -217,7 +178,7 @@ TEST(FalhaSobTrava, UmaChamadaFalhaEOsOutrosContinuam) {
 // Unlike a machine fault an exception costs the object nothing: the very next write goes through.
 TEST(FalhaSobTrava, ExcecaoDeixaOObjetoUtilizavel) {
   const Empresa empresa;
-  ArquivosQueFalham arquivos(plataforma::ArquivosDoSistema());
+  apoio::ArquivosComFalha arquivos(plataforma::ArquivosDoSistema());
   apoio::ColetorRastro rastro;
   LONG lGravados = 0;
   {
@@ -226,7 +187,7 @@ TEST(FalhaSobTrava, ExcecaoDeixaOObjetoUtilizavel) {
     ASSERT_TRUE(spVeiculos);
     for (const Falha &falha : kExcecoes) {
       SCOPED_TRACE(falha.hr);
-      arquivos.Arma(falha);
+      arquivos.Arma(NaGravacao(falha));
       LONG lPos = 0;
       EXPECT_EQ(Bits(spVeiculos->Grava(&lPos, Veiculo("PERDIDO"))), falha.hr);
       EXPECT_EQ(lPos, 0);
@@ -240,4 +201,54 @@ TEST(FalhaSobTrava, ExcecaoDeixaOObjetoUtilizavel) {
   }
   EXPECT_EQ(apoio::LeArquivo(empresa.Arquivo("DFVEIC.DAT")).size(),
             static_cast<std::size_t>(lGravados) * sizeof(RegVeiculo));
+}
+
+// A company is opened from nothing, from a base to be converted and from a converted one, and closed again, with a
+// fault at each file operation in turn: no file stays open, the next object opens the company within a second, and no
+// record is lost or dropped twice.
+TEST(FalhaSobTrava, AoAbrirEFecharACompanhia) {
+  const struct {
+    const char *lpNome;
+    int iRegistros;  ///< in the stored base; -1 for none
+    bool bVersao1;
+    int iVeiculos;  ///< in the base after it was opened
+  } casos[] = {{"no files", -1, false, 0},
+               {"version 0", 3, false, 2},
+               {"version 0, slot only", 1, false, 0},
+               {"version 1", 2, true, 2}};
+  for (const auto &caso : casos) {
+    SCOPED_TRACE(caso.lpNome);
+    bool bFalhou = true;
+    for (std::size_t n = 1; bFalhou; ++n) {
+      SCOPED_TRACE(n);
+      ASSERT_LT(n, 200U);
+      const Empresa empresa;
+      if (caso.iRegistros >= 0) {
+        apoio::EscreveArquivo(empresa.Arquivo("DFVEIC.DAT"),
+                              std::string(static_cast<std::size_t>(caso.iRegistros) * sizeof(RegVeiculo), 'v'));
+      }
+      if (caso.bVersao1) {
+        apoio::EscreveArquivo(empresa.Arquivo("DFVEIVS.DAT"), std::string(1, '\1') + std::string(15, '\0'));
+      }
+      apoio::ColetorRastro rastro;
+      apoio::ArquivosComFalha arquivos(plataforma::ArquivosDoSistema());
+      {
+        const apoio::ServicosTrocados servicos(&arquivos);
+        arquivos.Arma({.enesima = n, .aoFalhar = kFalhas[n % 2].executa});
+        static_cast<void>(NovoPara(empresa));
+        bFalhou = arquivos.Disparou();
+        arquivos.Desarma();
+        ASSERT_EQ(arquivos.Abertos(), 0);
+        ASSERT_EQ(plataforma::LivroTravas::Marca(), 0U);
+        ASSERT_EQ(EmUmSegundo([&] {
+                    const Veiculos spVeiculos = NovoPara(empresa);
+                    unsigned uiQtd = 99;
+                    const HRESULT hr = spVeiculos ? spVeiculos->GetQuantidadeRegistros(&uiQtd) : E_UNEXPECTED;
+                    return SUCCEEDED(hr) && static_cast<int>(uiQtd) != caso.iVeiculos ? E_UNEXPECTED : hr;
+                  }),
+                  S_OK);
+      }
+      EXPECT_EQ(arquivos.Abertos(), 0);
+    }
+  }
 }

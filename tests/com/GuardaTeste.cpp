@@ -263,6 +263,19 @@ TEST(Guarda, QuadroInternoSoltaSoOSeu) {
   ASSERT_TRUE(LivreParaOutraThread(externa));
 }
 
+TEST(Guarda, SolturaQueFalhaNaoImpedeAsOutras) {
+  SecaoCritica secao(NivelTrava::ArquivoDados);
+  EXPECT_EQ(Guarda([&]() -> HRESULT {
+              const CQZTrava trava(secao);
+              const plataforma::CQZNoLivro objeto(&secao, [](void *) { LeDeNulo(); });
+              const CQZTrava recursiva(secao);
+              return DividePorZero();
+            }),
+            0x8004EAD3U);
+  EXPECT_EQ(LivroTravas::Marca(), 0U);
+  ASSERT_TRUE(LivreParaOutraThread(secao));
+}
+
 TEST(Guarda, ThrowAtravessaOQuadroComDestrutores) {
   SecaoCritica secao(NivelTrava::ArquivoDados);
   bool bDestruiu = false;

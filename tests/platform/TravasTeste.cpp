@@ -55,8 +55,22 @@ TEST(LivroTravas, SoltaAteAMarcaDoMaisNovoAoMaisVelho) {
   LivroTravas::SoltaAte(marca);
   EXPECT_EQ(g_soltos, (std::vector<int>{3, 2}));
   EXPECT_EQ(LivroTravas::Marca(), marca);
-  LivroTravas::Retira();
+  LivroTravas::Retira(&objetos[0]);
   EXPECT_EQ(g_soltos.size(), 2u) << "taking out releases nothing";
+  EXPECT_EQ(LivroTravas::Marca(), 0u);
+}
+
+// A file is opened under one lock and closed under another: entries leave in any order.
+TEST(LivroTravas, RetiraPeloObjeto) {
+  int objetos[] = {1, 2, 3};
+  g_soltos.clear();
+  for (int i : {0, 1, 0, 2}) {
+    LivroTravas::Anota(&objetos[i], AnotaSoltura);
+  }
+  LivroTravas::Retira(&objetos[0]);
+  LivroTravas::Retira(&g_soltos);
+  LivroTravas::SoltaAte(0);
+  EXPECT_EQ(g_soltos, (std::vector<int>{3, 2, 1}));
 }
 
 TEST(LivroTravas, SoltaOQueUmaPilhaAbandonadaTinha) {

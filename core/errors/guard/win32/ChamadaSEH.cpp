@@ -80,6 +80,20 @@ LONG FiltraNoQuadro(EXCEPTION_POINTERS *pExcecao, QuadroSEH *pQuadro) {
   return lResposta;
 }
 
+/// Releases what the thread took since `marca`. A release that faults in its turn is given up, and the next one is
+/// done all the same.
+void SoltaDesde(std::size_t marca) {
+  while (plataforma::LivroTravas::Marca() > marca) {
+    QuadroSEH quadro{};
+    SehCall(
+        [](void *pMarca) -> HRESULT {
+          plataforma::LivroTravas::SoltaAte(*static_cast<const std::size_t *>(pMarca));
+          return 0;
+        },
+        &marca, FiltraNoQuadro, &quadro);
+  }
+}
+
 /// A stack overflow can be met only when the thread keeps some stack back. The guard page is set up anew so that the
 /// reserve counts at once; where it is intact that call changes nothing.
 void PreparaThread() {
@@ -120,7 +134,7 @@ bool EhErroSEH(HRESULT hr) {
   if (SehCall(corpo, pContexto, FiltraNoQuadro, &quadro) == 0) {
     return quadro.hr;
   }
-  plataforma::LivroTravas::SoltaAte(marca);
+  SoltaDesde(marca);
   if (quadro.codigo == EXCEPTION_STACK_OVERFLOW) {
     _resetstkoflw();
   }

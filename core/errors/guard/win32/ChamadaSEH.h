@@ -27,8 +27,9 @@ HRESULT TraduzCodigoExcecao(DWORD codigo);
 bool EhErroSEH(HRESULT hr);
 
 /// Runs `corpo(pContexto)` and returns its result, or the result code of the machine fault that it met. After a fault
-/// everything that this thread took since entry and noted in its ledger is released before the function returns. Frames
-/// nest, and a stack overflow may be met any number of times on one thread. Any thread may call.
+/// everything that this thread took since entry and noted in its ledger is released before the function returns, each
+/// entry even when releasing another one faults. Frames nest, and a stack overflow may be met any number of times on
+/// one thread. Any thread may call.
 HRESULT ChamaSEH(CorpoSEH corpo, void *pContexto);
 
 /// The same for a callable object that returns HRESULT.

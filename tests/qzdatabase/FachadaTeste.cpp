@@ -3,7 +3,6 @@
 #include <thread>
 
 #include "core/conx/QZBaseParaRotinas.h"
-#include "core/qzdatabase/QZCrc64.h"
 #include "core/qzdatabase/QZDataBaseFacade.h"
 #include "tests/qzdatabase/BancoTeste.h"
 
@@ -30,12 +29,6 @@ protected:
   apoio::RelogioFalso m_relogio;
   apoio::ServicosTrocados m_servicos{nullptr, nullptr, &m_relogio};
 };
-
-TEST(Crc64, ChavesConhecidas) {
-  EXPECT_EQ(CalculaCrc64("0001", 4), 0x6CD74CE161023462U);
-  EXPECT_EQ(CalculaCrc64("EMP1", 4), 0x84B4A8C0DD9DD9A7U);
-  EXPECT_EQ(CalculaCrc64("P1", 2, CalculaCrc64("EM", 2)), 0x84B4A8C0DD9DD9A7U) << "in pieces";
-}
 
 TEST_F(Fachada, CodigosQueSoDiferemNasMaiusculasCompartilham) {
   m_empresa.Escreve("TESTE.DAT", Bytes(1, 1));

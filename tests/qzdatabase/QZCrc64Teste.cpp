@@ -1,0 +1,57 @@
+// The CRC in both ways of calculating it, against the plain definition.
+
+#include "core/qzdatabase/QZCrc64.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+namespace {
+
+std::uint64_t PelaDefinicao(const std::string &dados, std::uint64_t crc = 0) {
+  for (const char letra : dados) {
+    crc ^= static_cast<unsigned char>(letra);
+    for (int bit = 0; bit < 8; ++bit) {
+      crc = (crc & 1) != 0 ? (crc >> 1) ^ 0xC96C5795D7870F42U : crc >> 1;
+    }
+  }
+  return crc;
+}
+
+TEST(Crc64, ChavesConhecidas) {
+  EXPECT_EQ(CalculaCrc64("0001", 4), 0x6CD74CE161023462U);
+  EXPECT_EQ(CalculaCrc64("EMP1", 4), 0x84B4A8C0DD9DD9A7U);
+  EXPECT_EQ(CalculaCrc64("P1", 2, CalculaCrc64("EM", 2)), 0x84B4A8C0DD9DD9A7U) << "in pieces";
+}
+
+TEST(Crc64, TodosOsComprimentosDosDoisModos) {
+  std::mt19937 sorteio(7);
+  std::string dados(700, '\0');
+  for (char &letra : dados) {
+    letra = static_cast<char>(sorteio());
+  }
+  for (std::size_t cb = 0; cb <= dados.size(); ++cb) {
+    const std::uint64_t uiInicial = cb % 3 == 0 ? 0 : std::uint64_t{sorteio()} << 32 | sorteio();
+    const std::uint64_t esperado = PelaDefinicao(dados.substr(0, cb), uiInicial);
+    ASSERT_EQ(crc64::CalculaPorTabela(dados.data(), cb, uiInicial), esperado) << cb;
+    if (crc64::TemMultiplicacao()) {
+      ASSERT_EQ(crc64::CalculaPorMultiplicacao(dados.data(), cb, uiInicial), esperado) << cb;
+    }
+  }
+}
+
+TEST(Crc64, ZerosNoFim) {
+  const std::uint64_t crc = PelaDefinicao("DFVEIC");
+  for (const std::size_t cbZeros : {0U, 1U, 2U, 7U, 8U, 255U, 256U, 1000U, 65537U}) {
+    const std::uint64_t esperado = PelaDefinicao(std::string(cbZeros, '\0'), crc);
+    EXPECT_EQ(crc64::ComZerosPorTabela(crc, cbZeros), esperado) << cbZeros;
+    if (crc64::TemMultiplicacao()) {
+      EXPECT_EQ(crc64::ComZerosPorMultiplicacao(crc, cbZeros), esperado) << cbZeros;
+    }
+  }
+  const std::uint64_t uiMuitos = std::uint64_t{1} << 40;
+  EXPECT_EQ(Crc64ComZeros(Crc64ComZeros(crc, uiMuitos - 5), 5), crc64::ComZerosPorTabela(crc, uiMuitos));
+}
+
+}  // namespace

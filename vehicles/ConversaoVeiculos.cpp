@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <cstring>
 
 #include "core/platform/ArquivoNoLivro.h"
 #include "core/platform/Plataforma.h"
@@ -11,10 +12,10 @@
 // has been done is on disk before the next step depends on it:
 //
 //   1. DFVEIC.TRA   all records but the first, complete on the storage device
-//   2. DFVEIVS.TRA  the journal: a version-1 record; from here on the rewrite is never done again
+//   2. DFVEIVSD.TRA the journal: a version-1 record; from here on the rewrite is never done again
 //   3. DFVEIC.TRA   moved onto DFVEIC.DAT
 //   4. DFVEIVS.DAT  version 1
-//   5. DFVEIVS.TRA  deleted
+//   5. DFVEIVSD.TRA deleted
 //
 // A run that finds the journal complete finishes from step 3. Where the first record was the only one there is nothing
 // to rewrite: DFVEIC.DAT is deleted, and the journal is written after that, for step 4 alone.
@@ -23,7 +24,11 @@ namespace {
 
 constexpr char kFonte[] = "ConversaoVeiculos.cpp";
 constexpr char kArquivoVersao[] = "DFVEIVS.DAT";
-constexpr char kArquivoDiario[] = "DFVEIVS.TRA";
+constexpr char kArquivoDiario[] = "DFVEIVSD.TRA";
+
+/// Where earlier programs kept the journal: the name of the version file's own companion, which is overwritten when
+/// that file gets a header.
+constexpr char kArquivoDiarioAntigo[] = "DFVEIVS.TRA";
 constexpr char kArquivoVeiculosTRA[] = "DFVEIC.TRA";
 
 /// How long one process waits for another that converts a base of the same directory.
@@ -50,18 +55,19 @@ CString CaminhoDaBase(const CString &sEmpresa, const char *lpNome) {
 }
 
 /// True when an earlier run got as far as the journal. A torn journal counts as none: the rename comes after it.
-bool DiarioCompleto(const CString &sEmpresa) {
+bool DiarioCompleto(const CString &sEmpresa, const char *lpDiario = kArquivoDiario) {
   using namespace plataforma;
   std::unique_ptr<IArquivoAberto> arquivo;
   REG_DF_VEICULO_VERSAO reg{};
+  const REG_DF_VEICULO_VERSAO completo{kVersaoBaseVeiculos, {}};
   std::uint64_t uiTamanho = 0;
   const ModoAbertura modo{Acesso::Leitura, Compartilhamento::NegaNada, Criacao::SoExistente};
-  if (Arquivos().Abre(CaminhoDaBase(sEmpresa, kArquivoDiario), modo, &arquivo)) {
+  if (Arquivos().Abre(CaminhoDaBase(sEmpresa, lpDiario), modo, &arquivo)) {
     return false;
   }
   const CQZArquivoNoLivro diario(std::move(arquivo));
   return !diario->Tamanho(&uiTamanho) && uiTamanho == sizeof(reg) && !diario->Le(0, &reg, sizeof(reg)) &&
-         reg.iVersao == kVersaoBaseVeiculos;
+         std::memcmp(&reg, &completo, sizeof(reg)) == 0;
 }
 
 plataforma::FalhaArquivo EscreveDiario(const CString &sEmpresa) {
@@ -83,9 +89,20 @@ HRESULT ApagaDiario(const CString &sEmpresa) {
   return CQZDataBaseUtil::DeletaArquivo(sEmpresa, QZ_DF, kArquivoDiario);
 }
 
-/// True for the codes that refuse what a version file holds, as opposed to those for a file that cannot be had.
+/// True for the codes that refuse what a version file holds, or say that it has gone, as opposed to those for a file
+/// that cannot be had.
 bool ConteudoRecusado(HRESULT hr) {
-  return hr == codigos::kTamanhoDiferente;
+  return hr == codigos::kTamanhoDiferente || hr == codigos::kCabecalhoDanificado || hr == codigos::kDadosNaoConferem ||
+         hr == codigos::kArquivoDesapareceu;
+}
+
+HRESULT AdotaDiarioAntigo(const CString &sEmpresa) {
+  if (!DiarioCompleto(sEmpresa, kArquivoDiarioAntigo)) {
+    return codigos::kOk;
+  }
+  const plataforma::FalhaArquivo falha = plataforma::Arquivos().MoveSubstituindo(
+      CaminhoDaBase(sEmpresa, kArquivoDiarioAntigo), CaminhoDaBase(sEmpresa, kArquivoDiario));
+  return falha ? CQZFileBase::CatchGravacao(falha) : codigos::kOk;
 }
 
 }  // namespace
@@ -113,6 +130,7 @@ HRESULT CBaseVeiculos::ConverteSobTrava() {
   const CQZRastro rastro(this, {"CBaseVeiculos::ExecutaConversao"}, kFonte);
   HRESULT hr = codigos::kOk;
   REG_DF_VEICULO_VERSAO regVersao{};
+  QZ_VERIFICA(rastro, "AdotaDiarioAntigo(GetEmpresa())", AdotaDiarioAntigo(GetEmpresa()));
   if (QZ_FALHOU(rastro, hr, "CQZDataBaseUtil::LeSingleReg(this, QZ_DF, &regVersao, \"DFVEIVS.DAT\")",
                 CQZDataBaseUtil::LeSingleReg(this, QZ_DF, &regVersao, kArquivoVersao))) {
     if (!ConteudoRecusado(hr) || !DiarioCompleto(GetEmpresa())) {

@@ -1,6 +1,7 @@
 #include "core/env/QZPath.h"
 
 #include "core/platform/Plataforma.h"
+#include "core/platform/Textos.h"
 
 namespace {
 
@@ -105,4 +106,8 @@ CString CQZPath::ChangeExtension(const CString &caminho, const CString &extensao
 CString CQZPath::Extensao(const CString &caminho) {
   const std::size_t ponto = PontoDaExtensao(caminho);
   return ponto == CString::npos ? CString() : caminho.substr(ponto + 1);
+}
+
+bool CQZPath::TemExtensao(const CString &caminho, const char *extensao) {
+  return plataforma::Maiusculas(Extensao(caminho)) == extensao;
 }

@@ -50,6 +50,9 @@ public:
 
   /// The text after the last '.' of the file name; empty when there is none.
   static CString Extensao(const CString &caminho);
+
+  /// True when the extension is `extensao`, given in capitals; letter case of the path does not matter.
+  static bool TemExtensao(const CString &caminho, const char *extensao);
 };
 
 #endif

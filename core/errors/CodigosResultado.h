@@ -30,12 +30,28 @@ inline constexpr HRESULT kPosicaoAlemDoFim = CodigoResultado(0x810809DA);
 inline constexpr HRESULT kGravacaoAlemDoFim = CodigoResultado(0x810809DB);
 /// The file (or the register's database) is not open.
 inline constexpr HRESULT kArquivoNaoAberto = CodigoResultado(0x810809E3);
+/// The offline companion could not be deleted.
+inline constexpr HRESULT kOfflineNaoApagado = CodigoResultado(0x810809E6);
 /// A single-record file of the wrong length.
 inline constexpr HRESULT kTamanhoDiferente = CodigoResultado(0x810809E7);
 /// A name without '?' where a mask is needed.
 inline constexpr HRESULT kMascaraSemCuringa = CodigoResultado(0x810809F1);
 /// A file could not be deleted.
 inline constexpr HRESULT kArquivoNaoApagado = CodigoResultado(0x810809F2);
+
+/// The file has a header of an unknown version.
+inline constexpr HRESULT kCabecalhoVersaoDesconhecida = CodigoResultado(0x81080A3E);
+/// The header record is damaged.
+inline constexpr HRESULT kCabecalhoDanificado = CodigoResultado(0x81080A3F);
+/// The header is of another installation. Known to the suite; nothing here raises it, or a copied data directory would
+/// not open.
+inline constexpr HRESULT kCabecalhoDeOutraInstalacao = CodigoResultado(0x81080A40);
+/// The records are not those that the header describes.
+inline constexpr HRESULT kDadosNaoConferem = CodigoResultado(0x81080A42);
+/// The header is the one of another file.
+inline constexpr HRESULT kCabecalhoDeOutroArquivo = CodigoResultado(0x81080A43);
+/// A file that the system created is no longer there.
+inline constexpr HRESULT kArquivoDesapareceu = CodigoResultado(0x81080A50);
 
 // File failures: 0x80040000 plus a number per cause.
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/platform/CException.h"
+#include "core/platform/Tipos.h"
 
 /// Growable array with a checked index. Element type: default-constructible and copyable; new elements are zero.
 ///
@@ -24,11 +25,17 @@ public:
     m_itens.resize(tamanho);
   }
 
+  /// Makes room for `tamanho` elements without changing their number, so that growing up to it cannot fail. Throws
+  /// std::bad_alloc with everything as before.
+  void Reserva(std::size_t tamanho) {
+    if (tamanho > m_itens.capacity()) {
+      m_itens.reserve(std::max(tamanho, m_itens.size() + std::max(m_crescimento, m_itens.size() / 2)));
+    }
+  }
+
   /// Appends an element and returns its index.
   std::size_t Add(const T &item) {
-    if (m_itens.size() == m_itens.capacity()) {
-      m_itens.reserve(m_itens.size() + std::max(m_crescimento, m_itens.size() / 2));
-    }
+    Reserva(m_itens.size() + 1);
     m_itens.push_back(item);
     return m_itens.size() - 1;
   }
@@ -65,5 +72,7 @@ private:
   std::vector<T> m_itens;
   std::size_t m_crescimento = 1;
 };
+
+using CStringArray = CArray<CString>;
 
 #endif

@@ -25,6 +25,15 @@ public:
   ModuloQZ GetModulo() const { return m_eModulo; }
   plataforma::NivelTrava NivelDosArquivos() const { return m_eNivelArquivos; }
 
+  /// From now on new files of this database bring their headers up to date only when they are finished.
+  void AdiaFlush() { m_bFlushAdiado = true; }
+  bool FlushAdiado() const { return m_bFlushAdiado; }
+
+  /// Puts the finished "TRA" companions of a group of files in place. `sFileName` is the name of the group's files,
+  /// without directory, with '?' for each digit in which they differ. The first failure stops; companions not yet
+  /// moved stay.
+  [[nodiscard]] HRESULT RenomeiaGroup(const CString &sFileName);
+
   /// The database's own lock, taken briefly around reading a record count.
   plataforma::SecaoCritica &Secao() { return m_secao; }
 
@@ -39,6 +48,7 @@ protected:
 private:
   ModuloQZ m_eModulo;
   plataforma::NivelTrava m_eNivelArquivos;
+  bool m_bFlushAdiado = false;
   plataforma::SecaoCritica m_secao;
   CArray<CQZFileBase *> m_aFiles;
 };

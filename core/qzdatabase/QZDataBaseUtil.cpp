@@ -8,34 +8,6 @@
 namespace {
 
 constexpr char kFonte[] = "QZDataBaseUtil.cpp";
-constexpr std::uint32_t kPausaMs = 10;
-
-/// Repeats `acao` until `feito` holds, at most 50 times with 10 ms after each try. The outcome is judged by the look of
-/// the disk alone, whatever the action reported.
-template <typename A, typename F>
-bool RepeteAte(A &&acao, F &&feito) {
-  for (int i = 0; i < kTentativasGravacao && !feito(); ++i) {
-    if (acao()) {
-      plataforma::Relogio().Espera(kPausaMs);
-    }
-  }
-  return feito();
-}
-
-bool Existe(const CString &sCaminho) {
-  return plataforma::Arquivos().Existe(sCaminho);
-}
-
-bool ApagaInsistindo(const CString &sCaminho) {
-  return RepeteAte([&] { return static_cast<bool>(plataforma::Arquivos().Apaga(sCaminho)); },
-                   [&] { return !Existe(sCaminho); });
-}
-
-bool MoveInsistindo(const CString &sOrigem, const CString &sDestino) {
-  return RepeteAte([&] { return static_cast<bool>(plataforma::Arquivos().MoveSubstituindo(sOrigem, sDestino)); },
-                   [&] { return !Existe(sOrigem); });
-}
-
 /// True when `sNome` has the mask's length and only digits, at least one, from the mask's first '?' up to its first
 /// '.'.
 bool AtendeMascara(const CString &sNome, const CString &sMascara) {
@@ -45,21 +17,29 @@ bool AtendeMascara(const CString &sNome, const CString &sMascara) {
          sNome.substr(inicio, fim - inicio).find_first_not_of("0123456789") == CString::npos;
 }
 
-}  // namespace
-
-HRESULT CQZDataBaseUtil::RenomeiaArquivoTRA(const CString &sEmpresa, ModuloQZ eModulo, const CString &sNomeArquivo) {
-  const CQZProfilerEmpresa profiler(sEmpresa, kUsuarioInterno, 0);
-  const CQZRastro rastro(&profiler, {"CQZDataBaseUtil::RenomeiaArquivoTRA"}, kFonte);
-  const CString sCaminho = CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeArquivo);
-  const CString sCaminhoTRA = CQZPath::ChangeExtension(sCaminho, "TRA");
-  if (Existe(sCaminhoTRA)) {
-    if (!MoveInsistindo(sCaminhoTRA, sCaminho)) {
-      QZ_RETORNA_CODIGO(rastro, codigos::kTraNaoRenomeado);
-    }
-  } else if (!ApagaInsistindo(sCaminho)) {
+/// Takes the file out of the list of created files, then deletes it. In this order an interruption leaves a file that
+/// is not listed, which harms nobody; a listed file that is gone would lock the company out.
+HRESULT ApagaDeProposito(const CQZRastro &rastro, const IQZDF_Profiler &dono, ModuloQZ eModulo,
+                         const CString &sNomeArquivo) {
+  if (CQZControleCriacao::Controlado(sNomeArquivo)) {
+    QZ_VERIFICA(rastro, "RemoveControleCriacaoArquivos()", CQZControleCriacao(dono, eModulo, sNomeArquivo).Remove());
+  }
+  if (!ApagaInsistindo(CQZPath::CaminhoArquivo(eModulo, dono.GetEmpresa(), sNomeArquivo))) {
     QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoApagado);
   }
   return codigos::kOk;
+}
+
+}  // namespace
+
+HRESULT CQZDataBaseUtil::RenomeiaArquivoTRA(const CString &sEmpresa, ModuloQZ eModulo, const CString &sNomeArquivo) {
+  const CString sNomeTRA = CQZPath::ChangeExtension(sNomeArquivo, "TRA");
+  if (plataforma::Arquivos().Existe(CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeTRA))) {
+    return MoveTRA(sEmpresa, eModulo, sNomeArquivo);
+  }
+  const CQZProfilerEmpresa profiler(sEmpresa, kUsuarioInterno, 0);
+  const CQZRastro rastro(&profiler, {"CQZDataBaseUtil::RenomeiaArquivoTRA"}, kFonte);
+  return ApagaDeProposito(rastro, profiler, eModulo, sNomeArquivo);
 }
 
 HRESULT CQZDataBaseUtil::MoveTRA(const CString &sEmpresa, ModuloQZ eModulo, const CString &sNomeArquivo) {
@@ -67,7 +47,7 @@ HRESULT CQZDataBaseUtil::MoveTRA(const CString &sEmpresa, ModuloQZ eModulo, cons
   const CQZRastro rastro(&profiler, {"CQZDataBaseUtil::RenomeiaArquivoTRA"}, kFonte);
   const CString sCaminho = CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeArquivo);
   const CString sCaminhoTRA = CQZPath::ChangeExtension(sCaminho, "TRA");
-  if (!Existe(sCaminhoTRA) || !MoveInsistindo(sCaminhoTRA, sCaminho)) {
+  if (!plataforma::Arquivos().Existe(sCaminhoTRA) || !MoveInsistindo(sCaminhoTRA, sCaminho)) {
     QZ_RETORNA_CODIGO(rastro, codigos::kTraNaoRenomeado);
   }
   return codigos::kOk;
@@ -76,10 +56,7 @@ HRESULT CQZDataBaseUtil::MoveTRA(const CString &sEmpresa, ModuloQZ eModulo, cons
 HRESULT CQZDataBaseUtil::DeletaArquivo(const CString &sEmpresa, ModuloQZ eModulo, const CString &sNomeArquivo) {
   const CQZProfilerEmpresa profiler(sEmpresa, kUsuarioInterno, 0);
   const CQZRastro rastro(&profiler, {"CQZDataBaseUtil::DeletaArquivo"}, kFonte);
-  if (!ApagaInsistindo(CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeArquivo))) {
-    QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoApagado);
-  }
-  return codigos::kOk;
+  return ApagaDeProposito(rastro, profiler, eModulo, sNomeArquivo);
 }
 
 HRESULT CQZDataBaseUtil::ResolveTRAEsquecido(const IQZDF_Profiler *pOwner, ModuloQZ eModulo,
@@ -89,10 +66,10 @@ HRESULT CQZDataBaseUtil::ResolveTRAEsquecido(const IQZDF_Profiler *pOwner, Modul
   const CString sNomeTRA = CQZPath::ChangeExtension(sNomeArquivo, "TRA");
   const CString sCaminhoTRA = CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeTRA);
   *pbAdotado = false;
-  if (!Existe(sCaminhoTRA)) {
+  if (!plataforma::Arquivos().Existe(sCaminhoTRA)) {
     return codigos::kOk;
   }
-  if (Existe(CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeArquivo))) {
+  if (plataforma::Arquivos().Existe(CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeArquivo))) {
     QZ_VERIFICA(rastro, "DeletaArquivo(pOwner->GetEmpresa(), eModulo, sNomeTRA)",
                 DeletaArquivo(sEmpresa, eModulo, sNomeTRA));
     return codigos::kOk;

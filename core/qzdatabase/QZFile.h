@@ -6,6 +6,7 @@
 
 #include "core/platform/CArray.h"
 #include "core/qzdatabase/QZBlocosRegistros.h"
+#include "core/qzdatabase/QZCrc64.h"
 #include "core/qzdatabase/QZFileBase.h"
 
 /// A file of fixed-length records of the plain structure T, stored byte for byte without separators and held in memory
@@ -62,7 +63,10 @@ private:
   [[nodiscard]] HRESULT GravaFaixa(std::uint64_t &uiPosicao, const T *pRegistros, std::size_t qtd);
   [[nodiscard]] HRESULT GravaRegistros(std::uint64_t uiIndice, const T *pRegistros, std::size_t qtd);
   bool PrecisaGravar(std::uint64_t uiPosicao, const T *pRegistros, std::size_t qtd) const;
-  plataforma::FalhaArquivo RestauraPendencia();
+  [[nodiscard]] HRESULT RestauraPendencia();
+  plataforma::FalhaArquivo RestauraDados();
+  std::uint64_t CrcAposGravar(std::size_t indice, const T *pRegistros, std::size_t qtd) const;
+  std::uint64_t PosicaoNoArquivo(std::uint64_t uiIndice) const { return TamanhoCabecalho() + uiIndice * sizeof(T); }
   void PublicaQuantidade() { m_uiQtd.store(m_aRegistros.GetSize(), std::memory_order_release); }
 
   CQZBlocosRegistros<T> m_aRegistros;
@@ -92,14 +96,14 @@ template <typename T>
 HRESULT CQZFile<T>::CarregaMemoria() {
   const CQZRastro rastro(this, Nome(">::OnInicializa"), kFonte);
   std::uint64_t uiTamanho = 0;
-  plataforma::FalhaArquivo falha = Arquivo().Tamanho(&uiTamanho);
-  if (!falha && uiTamanho % sizeof(T) != 0) {
+  plataforma::FalhaArquivo falha = TamanhoDados(&uiTamanho);
+  if (falha.causa == plataforma::CausaArquivo::FimDeArquivo || (!falha && uiTamanho % sizeof(T) != 0)) {
     QZ_RETORNA_CODIGO(rastro, codigos::kTamanhoNaoMultiplo);
   }
   m_aRegistros.DefineTamanho(static_cast<std::size_t>(uiTamanho / sizeof(T)));
   for (std::size_t i = 0; !falha && i < m_aRegistros.GetSize();) {
     const auto trecho = m_aRegistros.TrechoEm(i, m_aRegistros.GetSize());
-    falha = Arquivo().Le(i * sizeof(T), trecho.pRegistros, trecho.qtd * sizeof(T));
+    falha = Arquivo().Le(PosicaoNoArquivo(i), trecho.pRegistros, trecho.qtd * sizeof(T));
     i += trecho.qtd;
   }
   if (falha) {
@@ -229,14 +233,21 @@ bool CQZFile<T>::PrecisaGravar(std::uint64_t uiPosicao, const T *pRegistros, std
 template <typename T>
 HRESULT CQZFile<T>::GravaRegistros(std::uint64_t uiIndice, const T *pRegistros, std::size_t qtd) {
   const CQZRastro rastro(this, Nome(">::GravaRegistros"), kFonte);
-  if (const plataforma::FalhaArquivo falha = RestauraPendencia()) {
-    QZ_VERIFICA(rastro, "CatchGravacao(pEx)", CatchGravacao(falha));
-  }
+  QZ_VERIFICA(rastro, "CatchGravacao(pEx)", RestauraPendencia());
   m_pendencia = Faixa{uiIndice, uiIndice + qtd};
-  if (const plataforma::FalhaArquivo falha = Arquivo().Grava(uiIndice * sizeof(T), pRegistros, qtd * sizeof(T))) {
+  if (const auto falha = Arquivo().Grava(PosicaoNoArquivo(uiIndice), pRegistros, qtd * sizeof(T))) {
     QZ_VERIFICA(rastro, "CatchGravacao(pEx)", CatchGravacao(falha));
   }
   const auto indice = static_cast<std::size_t>(uiIndice);
+  const std::optional<std::uint64_t> uiCrcAnterior = CrcDados();
+  if (uiCrcAnterior) {
+    NotaCrcDados(CrcAposGravar(indice, pRegistros, qtd));
+  }
+  HRESULT hr = codigos::kOk;
+  if (QZ_FALHOU(rastro, hr, "Flush()", Flush())) {
+    NotaCrcDados(uiCrcAnterior);
+    return hr;
+  }
   if (indice + qtd > m_aRegistros.GetSize()) {
     m_aRegistros.DefineTamanho(indice + qtd);
   }
@@ -246,17 +257,50 @@ HRESULT CQZFile<T>::GravaRegistros(std::uint64_t uiIndice, const T *pRegistros, 
   return codigos::kOk;
 }
 
-/// Writes the damaged range from memory and cuts the file to the records that memory holds; no damage is no work.
+/// CRC of the data once the records are written, from the CRC of those that memory holds. A change of length L with so
+/// many bytes behind it changes the CRC by that of the difference, moved over these bytes.
 template <typename T>
-plataforma::FalhaArquivo CQZFile<T>::RestauraPendencia() {
-  if (!m_pendencia) {
-    return plataforma::kSemFalha;
+std::uint64_t CQZFile<T>::CrcAposGravar(std::size_t indice, const T *pRegistros, std::size_t qtd) const {
+  const std::size_t registros = m_aRegistros.GetSize();
+  const std::size_t fim = std::min(indice + qtd, registros);
+  std::uint64_t uiCrcAntigos = 0;
+  for (std::size_t i = indice; i < fim;) {
+    const auto trecho = m_aRegistros.TrechoEm(i, fim);
+    uiCrcAntigos = CalculaCrc64(trecho.pRegistros, trecho.qtd * sizeof(T), uiCrcAntigos);
+    i += trecho.qtd;
   }
+  const std::size_t substituidos = fim - indice;
+  const std::uint64_t uiDiferenca = uiCrcAntigos ^ CalculaCrc64(pRegistros, substituidos * sizeof(T));
+  const std::uint64_t uiCrc = *CrcDados() ^ Crc64ComZeros(uiDiferenca, (registros - fim) * sizeof(T));
+  return CalculaCrc64(pRegistros + substituidos, (qtd - substituidos) * sizeof(T), uiCrc);
+}
+
+/// Puts the disk back to what memory holds; no damage is no work.
+template <typename T>
+HRESULT CQZFile<T>::RestauraPendencia() {
+  if (!m_pendencia) {
+    return codigos::kOk;
+  }
+  if (const plataforma::FalhaArquivo falha = RestauraDados()) {
+    return CatchGravacao(falha);
+  }
+  // A write that was abandoned may have left its own CRC behind.
+  NotaCrcDados(std::nullopt);
+  const HRESULT hr = Flush(true);
+  if (!Falhou(hr)) {
+    m_pendencia.reset();
+  }
+  return hr;
+}
+
+/// Writes the damaged range from memory and cuts the file to the records that memory holds.
+template <typename T>
+plataforma::FalhaArquivo CQZFile<T>::RestauraDados() {
   const std::size_t registros = m_aRegistros.GetSize();
   const auto fim = static_cast<std::size_t>(std::min<std::uint64_t>(m_pendencia->uiFim, registros));
   for (auto i = static_cast<std::size_t>(m_pendencia->uiInicio); i < fim;) {
     const auto trecho = m_aRegistros.TrechoEm(i, fim);
-    if (const auto falha = Arquivo().Grava(i * sizeof(T), trecho.pRegistros, trecho.qtd * sizeof(T))) {
+    if (const auto falha = Arquivo().Grava(PosicaoNoArquivo(i), trecho.pRegistros, trecho.qtd * sizeof(T))) {
       return falha;
     }
     i += trecho.qtd;
@@ -265,13 +309,8 @@ plataforma::FalhaArquivo CQZFile<T>::RestauraPendencia() {
   if (const auto falha = Arquivo().Tamanho(&uiTamanho)) {
     return falha;
   }
-  if (uiTamanho > registros * sizeof(T)) {
-    if (const auto falha = Arquivo().AjustaTamanho(registros * sizeof(T))) {
-      return falha;
-    }
-  }
-  m_pendencia.reset();
-  return plataforma::kSemFalha;
+  const std::uint64_t uiCerto = PosicaoNoArquivo(registros);
+  return uiTamanho > uiCerto ? Arquivo().AjustaTamanho(uiCerto) : plataforma::kSemFalha;
 }
 
 #endif

@@ -1,6 +1,7 @@
 #include "core/qzdatabase/QZFileBase.h"
 
 #include "core/platform/Plataforma.h"
+#include "core/qzdatabase/Insistencia.h"
 #include "core/qzdatabase/QZDataBase.h"
 
 using plataforma::CausaArquivo;
@@ -11,18 +12,17 @@ namespace {
 
 constexpr char kFonte[] = "QZFileBase.cpp";
 
-constexpr std::uint32_t kPausaMs = 10;
+/// Switches the headers of all data files on when it is not 0; a number in the maker's key.
+constexpr char kValorCabecalho[] = "QZDataBase_HabilitarCabecalho";
 
-plataforma::ModoAbertura ModoDoSistema(EModoAbertura eModo, bool bCriaSemTruncar) {
+plataforma::ModoAbertura ModoDoSistema(EModoAbertura eModo, bool bPreservaConteudo) {
   using namespace plataforma;
-  if (bCriaSemTruncar) {
-    return {Acesso::Leitura, Compartilhamento::Exclusivo, Criacao::AbreOuCria};
-  }
   switch (eModo) {
     case eModoLeituraGravacao:
       return {Acesso::LeituraEscrita, Compartilhamento::Exclusivo, Criacao::SoExistente};
     case eModoCriacao:
-      return {Acesso::Leitura, Compartilhamento::Exclusivo, Criacao::CriaVazio};
+      return {Acesso::Leitura, Compartilhamento::Exclusivo,
+              bPreservaConteudo ? Criacao::AbreOuCria : Criacao::CriaVazio};
     case eModoLeituraCompartilhada:
       return {Acesso::Leitura, Compartilhamento::NegaNada, Criacao::SoExistente};
     case eModoLeitura:
@@ -38,7 +38,8 @@ CQZFileBase::CQZFileBase(const CString &sNomeArquivo, CQZDataBase *pDataBase)
     : m_sNomeArquivo(sNomeArquivo),
       m_eModulo(pDataBase->GetModulo()),
       m_pDataBase(pDataBase),
-      m_secao(pDataBase->NivelDosArquivos()) {
+      m_secao(pDataBase->NivelDosArquivos()),
+      m_bFlushAdiado(pDataBase->FlushAdiado()) {
   pDataBase->AddFile(this);
 }
 
@@ -49,51 +50,111 @@ CQZFileBase::~CQZFileBase() {
 }
 
 HRESULT CQZFileBase::AbreArquivo(EModoAbertura eModoAbertura) {
+  return AbreNoModo(eModoAbertura, false, SeFaltar::Cria);
+}
+
+/// While a file is being created its entry in the list of created files stands already. An entry without a file would
+/// lock the company out, so it goes again when the creation comes to nothing: failed, thrown out of, or abandoned after
+/// a machine fault (where the object survives one, as the files of shared databases do).
+class CQZFileBase::EntradaPendente {
+public:
+  explicit EntradaPendente(CQZFileBase &file) : m_file(file) {
+    if (file.m_secao.Nivel() == plataforma::NivelTrava::ArquivoDados) {
+      m_noLivro.emplace(&file, [](void *pFile) { Desfaz(*static_cast<CQZFileBase *>(pFile)); });
+    }
+  }
+  ~EntradaPendente() { Desfaz(m_file); }
+  EntradaPendente(const EntradaPendente &) = delete;
+  EntradaPendente &operator=(const EntradaPendente &) = delete;
+
+private:
+  static void Desfaz(CQZFileBase &file) noexcept {
+    try {
+      if (file.m_bEntradaNova && !plataforma::Arquivos().Existe(file.CaminhoCompleto())) {
+        static_cast<void>(file.Controle().Remove());
+      }
+      file.m_bEntradaNova = false;
+    } catch (...) {
+      // Nothing more can be done: the next open reports the entry.
+      return;
+    }
+  }
+
+  CQZFileBase &m_file;
+  std::optional<plataforma::CQZNoLivro> m_noLivro;
+};
+
+HRESULT CQZFileBase::AbreNoModo(EModoAbertura eModoAbertura, bool bPreservaConteudo, SeFaltar seFaltar) {
   const CQZOperacao rastro(this, {"CQZFileBase::AbreArquivo"}, kFonte);
   if (ExisteArquivo() && eModoAbertura == m_eModoAtual) {
     return codigos::kOk;
   }
+  std::optional<EntradaPendente> entradaPendente;
+  if (eModoAbertura == eModoCriacao) {
+    entradaPendente.emplace(*this);
+  }
+  // The list is consulted while the file is still open: a failure leaves the object as it was.
+  QZ_VERIFICA(rastro, "GerenciaControleCriacaoArquivos(eModoAbertura)", GerenciaControleCriacaoArquivos(eModoAbertura));
   const EModoAbertura eModoAnterior = m_eModoAtual;
   AnotaEstado();
   FechaArquivo();
 
-  const HRESULT hr = AbreOuCria(rastro, eModoAbertura);
-  if (Falhou(hr)) {
-    if (eModoAnterior != eModoFechado && !Falhou(TentaAbrir(CaminhoCompleto(), eModoAnterior))) {
-      static_cast<void>(RecarregaSeMudou(rastro));
-    }
-    return hr;
-  }
-  return RecarregaSeMudou(rastro);
-}
-
-HRESULT CQZFileBase::AbreOuCria(const CQZRastro &rastro, EModoAbertura eModoAbertura) {
-  const CString sCaminho = CaminhoCompleto();
-  const HRESULT hr = TentaAbrir(sCaminho, eModoAbertura);
-  if (hr != codigos::kArqNaoEncontrado) {
-    return Falhou(hr) ? rastro.Codigo(hr, __LINE__) : hr;
-  }
-  if (eModoAbertura == eModoLeitura) {
+  const HRESULT hr = TentaAbrir(CaminhoCompleto(), eModoAbertura, bPreservaConteudo);
+  if (hr == codigos::kArqNaoEncontrado && eModoAbertura == eModoLeitura) {
     return codigos::kOk;
   }
-  if (eModoAbertura == eModoCriacao) {
-    QZ_RETORNA_CODIGO(rastro, hr);
+  if (hr == codigos::kArqNaoEncontrado && eModoAbertura != eModoCriacao && seFaltar == SeFaltar::Cria) {
+    return CriaEAbre(rastro, eModoAbertura);
   }
-  // Another process may create the file and write to it between our look and our creation, so creation never truncates.
-  const HRESULT hrCriacao = TentaAbrir(sCaminho, eModoCriacao, true);
-  QZ_VERIFICA(rastro, "AbreArquivo(eModoCriacao)", Falhou(hrCriacao) ? rastro.Codigo(hrCriacao, __LINE__) : hrCriacao);
-  FechaArquivo();
-  const HRESULT hrReabertura = TentaAbrir(sCaminho, eModoAbertura);
-  QZ_VERIFICA(rastro, "AbreArquivo(eModoAbertura)",
-              Falhou(hrReabertura) ? rastro.Codigo(hrReabertura, __LINE__) : hrReabertura);
+  if (Falhou(hr)) {
+    VoltaAoModo(rastro, eModoAnterior);
+    return rastro.Codigo(hr, __LINE__);
+  }
+  if (eModoAbertura == eModoCriacao) {
+    m_bCabecalhoGerenciado = false;
+  }
+  return AposAbrir(rastro, eModoAbertura);
+}
+
+/// Another process may create the file and write to it between our look and our creation, so this creation never
+/// truncates.
+HRESULT CQZFileBase::CriaEAbre(const CQZRastro &rastro, EModoAbertura eModoAbertura) {
+  QZ_VERIFICA(rastro, "AbreArquivo(eModoCriacao)", AbreNoModo(eModoCriacao, true, SeFaltar::Falha));
+  QZ_VERIFICA(rastro, "AbreArquivo(eModoAbertura)", AbreNoModo(eModoAbertura, true, SeFaltar::Falha));
   return codigos::kOk;
 }
 
-HRESULT CQZFileBase::TentaAbrir(const CString &sCaminho, EModoAbertura eModoAbertura, bool bCriaSemTruncar,
+/// A file that cannot be had in another mode stays usable in the one it had.
+void CQZFileBase::VoltaAoModo(const CQZRastro &rastro, EModoAbertura eModoAnterior) {
+  if (eModoAnterior != eModoFechado && !Falhou(TentaAbrir(CaminhoCompleto(), eModoAnterior, true))) {
+    static_cast<void>(AposAbrir(rastro, eModoAnterior));
+  }
+}
+
+/// Header and memory of a file that has just been opened. On failure the file is closed.
+HRESULT CQZFileBase::AposAbrir(const CQZRastro &rastro, EModoAbertura eModoAbertura) {
+  const bool bMudou = m_bMemoriaCarregada && EstadoMudou();
+  m_bCabecalhoGerenciado = m_bCabecalhoGerenciado && !bMudou;
+  HRESULT hr = codigos::kOk;
+  if ((eModoAbertura != eModoLeituraCompartilhada &&
+       QZ_FALHOU(rastro, hr, "GerenciaCabecalho()", GerenciaCabecalho())) ||
+      (bMudou && QZ_FALHOU(rastro, hr, "CarregaMemoria()", CarregaMemoria()))) {
+    FechaArquivo();
+    m_bCabecalhoGerenciado = false;
+    if (bMudou) {
+      // What memory holds is no longer what the file holds, and must not be served.
+      EsvaziaMemoria();
+      m_estado.reset();
+    }
+  }
+  return hr;
+}
+
+HRESULT CQZFileBase::TentaAbrir(const CString &sCaminho, EModoAbertura eModoAbertura, bool bPreservaConteudo,
                                 int iTentativas) {
   for (int n = 0; n < iTentativas; ++n) {
     const FalhaArquivo falha =
-        plataforma::Arquivos().Abre(sCaminho, ModoDoSistema(eModoAbertura, bCriaSemTruncar), &m_arquivo);
+        plataforma::Arquivos().Abre(sCaminho, ModoDoSistema(eModoAbertura, bPreservaConteudo), &m_arquivo);
     if (!falha) {
       if (m_secao.Nivel() == plataforma::NivelTrava::Temporario) {
         m_noLivro.emplace(m_arquivo.get(), plataforma::FechaAbandonado);
@@ -176,7 +237,7 @@ bool CQZFileBase::EhUmaExcecaoFatal(HRESULT hr) {
 }
 
 void CQZFileBase::PausaEntreTentativas() {
-  plataforma::Relogio().Espera(kPausaMs);
+  plataforma::Relogio().Espera(kPausaInsistenciaMs);
 }
 
 HRESULT CQZFileBase::DescarregaNoDisco() {
@@ -192,16 +253,82 @@ HRESULT CQZFileBase::DescarregaNoDisco() {
 }
 
 HRESULT CQZFileBase::OnInicializa() {
+  const CQZRastro rastro(this, {"CQZFileBase::OnInicializa"}, kFonte);
+  const std::optional<std::uint32_t> uiLigado = plataforma::Registro().LeNumero(kChaveSuite, kValorCabecalho);
+  m_bCabecalhoGerenciado = false;
+  m_bTemCabecalho = uiLigado.value_or(0) != 0 && !CQZPath::TemExtensao(m_sNomeArquivo, "TRA");
+  if (uiLigado.value_or(0) == 0) {
+    return codigos::kOk;
+  }
+  CQZBaseParaRotinas baseParaRotinas;
+  QZ_VERIFICA(rastro, "baseParaRotinas.Inicializa(this)", baseParaRotinas.Inicializa(*this));
+  if (!m_pDadosInstalacao) {
+    m_pDadosInstalacao = std::make_unique<CQZDadosInstalacao>();
+  }
+  QZ_VERIFICA(rastro, "LeDadosInstalacao(baseParaRotinas, m_pDadosInstalacao)",
+              LeDadosInstalacao(baseParaRotinas, m_pDadosInstalacao.get()));
   return codigos::kOk;
 }
 
 HRESULT CQZFileBase::OnFinaliza() {
-  const CQZEscopoProfiler escopo(this, {"CQZFileBase::OnFinaliza"});
+  const CQZOperacao rastro(this, {"CQZFileBase::OnFinaliza"}, kFonte);
   const CQZTrava trava(m_secao);
+  HRESULT hr = codigos::kOk;
+  if (ExisteArquivo()) {
+    static_cast<void>(QZ_FALHOU(rastro, hr, "Flush(true)", Flush(true)));
+  }
   FechaArquivo();
   m_bMemoriaCarregada = false;
   m_estado.reset();
+  return hr;
+}
+
+HRESULT CQZFileBase::Flush(bool bForcar) {
+  if ((!bForcar && m_bFlushAdiado) || m_eModoAtual != eModoLeituraGravacao) {
+    return codigos::kOk;
+  }
+  return AtualizaCabecalho();
+}
+
+HRESULT CQZFileBase::DeletaArquivoOffline() {
+  const CQZOperacao rastro(this, {"CQZFileBase::DeletaArquivoOffline"}, kFonte);
+  if (!ApagaInsistindo(CQZPath::ChangeExtension(CaminhoCompleto(), "OFL"))) {
+    QZ_RETORNA_CODIGO(rastro, codigos::kOfflineNaoApagado);
+  }
   return codigos::kOk;
+}
+
+HRESULT CQZFileBase::GerenciaControleCriacaoArquivos(EModoAbertura eModoAbertura) {
+  const CQZRastro rastro(this, {"CQZFileBase::GerenciaControleCriacaoArquivos"}, kFonte);
+  if (m_bSemControle) {
+    QZ_VERIFICA(rastro, "RemoveControleCriacaoArquivos()", Controle().Remove());
+    return codigos::kOk;
+  }
+  if (!CQZControleCriacao::Controlado(m_sNomeArquivo)) {
+    return codigos::kOk;
+  }
+  bool bPossui = false;
+  QZ_VERIFICA(rastro, "PossuiControleCriacaoArquivos(&bPossui)", Controle().Possui(&bPossui));
+  if (bPossui && !plataforma::Arquivos().Existe(CaminhoCompleto())) {
+    QZ_RETORNA_CODIGO(rastro, codigos::kArquivoDesapareceu);
+  }
+  if (!bPossui && eModoAbertura == eModoCriacao) {
+    m_bEntradaNova = true;
+    QZ_VERIFICA(rastro, "CriaControleCriacaoArquivos()", Controle().Cria());
+  }
+  return codigos::kOk;
+}
+
+plataforma::FalhaArquivo CQZFileBase::TamanhoDados(std::uint64_t *puiTamanho) {
+  std::uint64_t uiTamanho = 0;
+  if (const FalhaArquivo falha = m_arquivo->Tamanho(&uiTamanho)) {
+    return falha;
+  }
+  if (uiTamanho < TamanhoCabecalho()) {
+    return {CausaArquivo::FimDeArquivo, 0};
+  }
+  *puiTamanho = uiTamanho - TamanhoCabecalho();
+  return plataforma::kSemFalha;
 }
 
 void CQZFileBase::FechaArquivo() {
@@ -217,7 +344,7 @@ void CQZFileBase::ReabreSePerdido() {
   }
   const CQZRastro rastro(this, {"CQZFileBase::ReabreSePerdido"}, kFonte);
   if (!Falhou(TentaAbrir(CaminhoCompleto(), eModoLeitura, false, 1))) {
-    static_cast<void>(RecarregaSeMudou(rastro));
+    static_cast<void>(AposAbrir(rastro, eModoLeitura));
   }
 }
 
@@ -249,19 +376,4 @@ bool CQZFileBase::EstadoMudou() {
   }
   const bool bOutraEscrita = anterior->uiUltimaEscrita != 0 && anterior->uiUltimaEscrita != m_estado->uiUltimaEscrita;
   return anterior->uiTamanho != m_estado->uiTamanho || bOutraEscrita;
-}
-
-HRESULT CQZFileBase::RecarregaSeMudou(const CQZRastro &rastro) {
-  if (!m_bMemoriaCarregada || !ExisteArquivo() || !EstadoMudou()) {
-    return codigos::kOk;
-  }
-  const HRESULT hr = CarregaMemoria();
-  if (Falhou(hr)) {
-    // What memory holds is no longer what the file holds, and must not be served.
-    EsvaziaMemoria();
-    FechaArquivo();
-    m_estado.reset();
-  }
-  QZ_VERIFICA(rastro, "CarregaMemoria()", hr);
-  return codigos::kOk;
 }

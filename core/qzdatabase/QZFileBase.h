@@ -4,12 +4,16 @@
 #include <memory>
 #include <optional>
 
+#include "core/conx/DadosInstalacao.h"
 #include "core/conx/QZInicializador.h"
 #include "core/env/QZPath.h"
 #include "core/errors/CodigosResultado.h"
 #include "core/log/QZOperacao.h"
 #include "core/platform/ArquivoNoLivro.h"
 #include "core/platform/SistemaArquivos.h"
+#include "core/qzdatabase/CabecalhoArquivo.h"
+#include "core/qzdatabase/ControleCriacao.h"
+#include "core/qzdatabase/Insistencia.h"
 
 class CQZDataBase;
 
@@ -28,7 +32,12 @@ enum EModoAbertura : std::uint32_t {
 template <typename T>
 struct NomeTipoRegistro;
 
-/// One file of a database: its name and directory, opening with retries, result codes for file failures, closing.
+/// One file of a database: its name and directory, opening with retries, result codes for file failures, its header,
+/// the record of its creation, copying, closing.
+///
+/// Where the suite has headers switched on, the file's records stand behind a header of 92 bytes (CabecalhoArquivo.h),
+/// which is created when it is missing, checked at the first open and brought up to date by Flush. The switch is read
+/// at initialisation and holds until the object is initialised again.
 ///
 /// Derived files keep the file's content in memory and serve reads from it. A file is addressed by module, company and
 /// name; the path is composed anew at every open. The file registers itself with its database, which initialises and
@@ -42,14 +51,31 @@ public:
 
   /// Opens the file, or does nothing when it is open in this very mode. A file open in another mode is closed and
   /// opened again; when that fails it is put back into its old mode and stays usable, and when the file was changed by
-  /// others meanwhile the content in memory is loaded anew. Sharing conflicts are retried for about one second.
+  /// others meanwhile its header is checked again and the content in memory is loaded anew. Sharing conflicts are
+  /// retried for about one second. A file whose header does not hold stays closed. A file that gets its header on this
+  /// occasion is left open for reading and writing, whatever the mode asked for.
   [[nodiscard]] HRESULT AbreArquivo(EModoAbertura eModoAbertura = eModoLeituraGravacao);
 
   /// True when the file is open; does not look at the disk.
   bool ExisteArquivo() const { return m_arquivo != nullptr; }
 
+  /// From now on every open takes the file out of its directory's list of created files instead of consulting it.
+  void DesabilitaControleCriacaoArquivos() { m_bSemControle = true; }
+
+  /// Brings the header of a file open for writing up to date with the records; the records themselves are written by
+  /// the writers. Where the database defers flushing nothing is done unless `bForcar`. With the lock held.
+  [[nodiscard]] HRESULT Flush(bool bForcar = false);
+
   /// Blocks until everything written is on the storage device.
   [[nodiscard]] HRESULT DescarregaNoDisco();
+
+  /// Copies this file, header included, to the file of the same name in the directory of a module of a company. What
+  /// was there goes; where this file is missing or empty, without a copy in its place. Other processes' short holds on
+  /// the destination are waited for. The copy is not listed as created there.
+  [[nodiscard]] HRESULT CopiaArquivoPara(const CString &sEmpresa, ModuloQZ qzModulo);
+
+  /// Deletes the "OFL" companion, if there is one.
+  [[nodiscard]] HRESULT DeletaArquivoOffline();
 
   const CString &GetNomeArquivo() const { return m_sNomeArquivo; }
 
@@ -82,6 +108,17 @@ protected:
   /// watches for changes made by others while the file is closed.
   void MemoriaCarregada();
 
+  /// Bytes in front of the first record: 92 or 0. Constant from initialisation to the next one.
+  std::uint64_t TamanhoCabecalho() const { return m_bTemCabecalho ? kTamanhoCabecalho : 0; }
+
+  /// Length of the records. Shorter than the header is FimDeArquivo.
+  plataforma::FalhaArquivo TamanhoDados(std::uint64_t *puiTamanho);
+
+  /// CRC of the records as the next Flush writes it into the header. A writer that knows how a write changes it says
+  /// so; one that does not lets it go, and Flush reads the whole file. Without meaning where there is no header.
+  std::optional<std::uint64_t> CrcDados() const { return m_uiCrcDados; }
+  void NotaCrcDados(std::optional<std::uint64_t> uiCrc) { m_uiCrcDados = uiCrc; }
+
   /// Runs `tentativa` up to 50 times, 10 ms apart, until it succeeds or fails fatally; traces each failure.
   template <typename F>
   [[nodiscard]] HRESULT TentaGravar(const CQZRastro &rastro, const char *lpExpressao, F &&tentativa);
@@ -98,8 +135,14 @@ protected:
 
   plataforma::IArquivoAberto &Arquivo() { return *m_arquivo; }
   plataforma::SecaoCritica &Secao() const { return m_secao; }
+  ModuloQZ GetModulo() const { return m_eModulo; }
+
+  /// The file's part in the list of created files of its directory.
+  CQZControleCriacao Controle() const { return {*this, m_eModulo, m_sNomeArquivo}; }
 
 private:
+  class EntradaPendente;
+
   /// What the file looked like when this object last had it: a difference means that others have written.
   struct EstadoArquivo {
     std::uint64_t uiTamanho = 0;
@@ -113,12 +156,29 @@ private:
                                                 bool bUltimaTentativa);
   static void PausaEntreTentativas();
 
-  [[nodiscard]] HRESULT AbreOuCria(const CQZRastro &rastro, EModoAbertura eModoAbertura);
-  [[nodiscard]] HRESULT TentaAbrir(const CString &sCaminho, EModoAbertura eModoAbertura, bool bCriaSemTruncar = false,
+  /// What AbreNoModo does about a missing file.
+  enum class SeFaltar { Cria, Falha };
+
+  [[nodiscard]] HRESULT AbreNoModo(EModoAbertura eModoAbertura, bool bPreservaConteudo, SeFaltar seFaltar);
+  [[nodiscard]] HRESULT CriaEAbre(const CQZRastro &rastro, EModoAbertura eModoAbertura);
+  [[nodiscard]] HRESULT AposAbrir(const CQZRastro &rastro, EModoAbertura eModoAbertura);
+  void VoltaAoModo(const CQZRastro &rastro, EModoAbertura eModoAnterior);
+  [[nodiscard]] HRESULT TentaAbrir(const CString &sCaminho, EModoAbertura eModoAbertura, bool bPreservaConteudo = false,
                                    int iTentativas = kTentativasAbertura);
   void AnotaEstado();
   bool EstadoMudou();
-  [[nodiscard]] HRESULT RecarregaSeMudou(const CQZRastro &rastro);
+
+  [[nodiscard]] HRESULT GerenciaControleCriacaoArquivos(EModoAbertura eModoAbertura);
+
+  [[nodiscard]] HRESULT GerenciaCabecalho();
+  [[nodiscard]] HRESULT PossuiCabecalho(bool *pbPossui);
+  [[nodiscard]] HRESULT CriaCabecalho();
+  [[nodiscard]] HRESULT GravaCopiaComCabecalho();
+  [[nodiscard]] HRESULT GeraDadosCabecalho(RegVersaoArquivo *pRegVersao, RegCabecalhoArquivo *pRegCabecalho);
+  [[nodiscard]] HRESULT ValidaCabecalho();
+  [[nodiscard]] HRESULT ValidaCabecalhoV01();
+  [[nodiscard]] HRESULT AtualizaCabecalho();
+  plataforma::FalhaArquivo CalculaCrcDoArquivo(std::uint64_t uiInicio, std::uint64_t *puiCrc);
 
   std::unique_ptr<plataforma::IArquivoAberto> m_arquivo;
   /// A file opened for one piece of work may lie on a stack that a machine fault abandons: its handle is then closed
@@ -129,19 +189,28 @@ private:
   ModuloQZ m_eModulo;
   CQZDataBase *m_pDataBase;
   mutable plataforma::SecaoCritica m_secao;
+  const bool m_bFlushAdiado;
+  bool m_bSemControle = false;
+  bool m_bEntradaNova = false;  ///< added to the list of created files by the creation that is under way
+
+  /// Data of the installation for the header; null until a header is first needed, and then code 0.
+  std::unique_ptr<CQZDadosInstalacao> m_pDadosInstalacao;
+  bool m_bTemCabecalho = false;
+  bool m_bCabecalhoGerenciado = false;   ///< once for an object, unless others have changed the file
+  RegCabecalhoArquivo m_regCabecalho{};  ///< as it was last read or written
+  bool m_bCabecalhoNoDisco = false;      ///< false while a write of it has not succeeded
+  std::optional<std::uint64_t> m_uiCrcDados;
+
   bool m_bMemoriaCarregada = false;
   std::optional<EstadoArquivo> m_estado;
 
   friend class CQZDataBase;
 };
 
-/// Attempts of one record write, and of a delete or rename.
-inline constexpr int kTentativasGravacao = 50;
-
 template <typename F>
 HRESULT CQZFileBase::TentaGravar(const CQZRastro &rastro, const char *lpExpressao, F &&tentativa) {
   HRESULT hr = codigos::kOk;
-  for (int i = 0; i < kTentativasGravacao; ++i) {
+  for (int i = 0; i < kTentativasInsistencia; ++i) {
     if (!QZ_FALHOU(rastro, hr, lpExpressao, tentativa())) {
       return hr;
     }

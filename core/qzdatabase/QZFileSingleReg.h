@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "core/platform/Plataforma.h"
+#include "core/qzdatabase/QZCrc64.h"
 #include "core/qzdatabase/QZFileBase.h"
 
 /// A file that holds exactly one record of the plain structure T, such as a base's version. The record is read once, at
@@ -41,6 +42,7 @@ private:
   [[nodiscard]] HRESULT GravaRegistro(const T &reg);
   void DesfazGravacao();
   void DesfazCriacao();
+  bool CabecalhoConfere();
 
   T m_reg{};
   /// The disk may hold something else than memory: from before a write until memory has it, and after one that failed
@@ -79,13 +81,13 @@ template <typename T>
 HRESULT CQZFileSingleReg<T>::CarregaMemoria() {
   const CQZRastro rastro(this, Nome(">::OnInicializa"), kFonte);
   std::uint64_t uiTamanho = 0;
-  plataforma::FalhaArquivo falha = Arquivo().Tamanho(&uiTamanho);
-  if (!falha && uiTamanho != sizeof(T)) {
+  plataforma::FalhaArquivo falha = TamanhoDados(&uiTamanho);
+  if (falha.causa == plataforma::CausaArquivo::FimDeArquivo || (!falha && uiTamanho != sizeof(T))) {
     QZ_RETORNA_CODIGO(rastro, codigos::kTamanhoDiferente);
   }
   T reg{};
   if (!falha) {
-    falha = Arquivo().Le(0, &reg, sizeof(T));
+    falha = Arquivo().Le(TamanhoCabecalho(), &reg, sizeof(T));
   }
   if (falha) {
     QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(falha));
@@ -150,9 +152,11 @@ template <typename T>
 HRESULT CQZFileSingleReg<T>::GravaRegistro(const T &reg) {
   const CQZRastro rastro(this, Nome(">::GravaRegistro"), kFonte);
   m_bDiscoDiverge = true;
-  if (const plataforma::FalhaArquivo falha = Arquivo().Grava(0, &reg, sizeof(T))) {
+  NotaCrcDados(CalculaCrc64(&reg, sizeof(T)));
+  if (const plataforma::FalhaArquivo falha = Arquivo().Grava(TamanhoCabecalho(), &reg, sizeof(T))) {
     QZ_VERIFICA(rastro, "CatchGravacao(pEx)", CatchGravacao(falha));
   }
+  QZ_VERIFICA(rastro, "Flush()", Flush());
   m_reg = reg;
   m_bDiscoDiverge = false;
   m_bCriacaoPendente = false;
@@ -165,11 +169,13 @@ void CQZFileSingleReg<T>::DesfazGravacao() {
   if (m_bCriacaoPendente) {
     DesfazCriacao();
   } else {
-    m_bDiscoDiverge = !ExisteArquivo() || Arquivo().Grava(0, &m_reg, sizeof(T));
+    NotaCrcDados(CalculaCrc64(&m_reg, sizeof(T)));
+    m_bDiscoDiverge = !ExisteArquivo() || Arquivo().Grava(TamanhoCabecalho(), &m_reg, sizeof(T)) || Falhou(Flush(true));
   }
 }
 
-/// Deletes the file that an unfinished write created: one of another length would keep the base from opening.
+/// Deletes the file that an unfinished write created: one of another length, or with a header that does not hold, would
+/// keep the base from opening. A whole one is somebody else's by now and stays.
 template <typename T>
 void CQZFileSingleReg<T>::DesfazCriacao() {
   FechaArquivo();
@@ -177,11 +183,20 @@ void CQZFileSingleReg<T>::DesfazCriacao() {
   std::uint64_t uiTamanho = 0;
   const plataforma::FalhaArquivo falha = plataforma::Arquivos().TamanhoDe(sCaminho, &uiTamanho);
   const bool bAusente = falha.causa == plataforma::CausaArquivo::NaoEncontrado;
-  if (bAusente || (!falha && uiTamanho < sizeof(T) && !plataforma::Arquivos().Apaga(sCaminho))) {
+  const bool bInacabado = !falha && (uiTamanho < TamanhoCabecalho() + sizeof(T) || !CabecalhoConfere());
+  if (bAusente || (bInacabado && !Falhou(Controle().Remove()) && !plataforma::Arquivos().Apaga(sCaminho))) {
     m_bCriacaoPendente = false;
     EsvaziaMemoria();
     MemoriaCarregada();
   }
+}
+
+/// False when the closed file on disk is refused for its header.
+template <typename T>
+bool CQZFileSingleReg<T>::CabecalhoConfere() {
+  const HRESULT hr = AbreArquivo(eModoLeitura);
+  FechaArquivo();
+  return hr != codigos::kDadosNaoConferem && hr != codigos::kCabecalhoDanificado;
 }
 
 #endif

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <map>
 
+#include "tests/apoio/ChaveCabecalho.h"
 #include "tests/apoio/ProcessoFilho.h"
 
 namespace apoio {
@@ -35,5 +37,9 @@ int main(int argc, char **argv) {
     return codigo;
   }
   testing::InitGoogleTest(&argc, argv);
+  std::optional<apoio::ChaveCabecalho> cabecalhos;
+  if (std::getenv("KALVO_TESTE_CABECALHO") != nullptr) {
+    cabecalhos.emplace(true);
+  }
   return RUN_ALL_TESTS();
 }

@@ -41,7 +41,7 @@ TEST_F(Abertura, CodigoETentativasPorCausa) {
 }
 
 TEST_F(Abertura, ArquivoSomenteLeituraTemCodigoProprio) {
-  m_empresa.Escreve("TESTE.DAT", Bytes(1, 1));
+  Prepara("TESTE.DAT", Bytes(1, 1));
   apoio::MarcaSomenteLeitura(m_empresa.Caminho("TESTE.DAT"), true);
   ASSERT_EQ(Abre(), codigos::kOk);
   std::uint64_t uiPosicao = 1;
@@ -75,7 +75,7 @@ TEST_F(Abertura, DiretorioQueNaoExisteFalhaSemInsistir) {
 }
 
 TEST_F(Abertura, MesmoModoNaoFazNada) {
-  m_empresa.Escreve("TESTE.DAT", Bytes(1, 1));
+  Prepara("TESTE.DAT", Bytes(1, 1));
   ASSERT_EQ(Abre(), codigos::kOk);
   m_falhas.Arma({apoio::kOpTodas, "TESTE.DAT", 1, true, plataforma::FalhaWin32(32), {}});
   EXPECT_EQ(Arquivo().AbreArquivo(eModoLeitura), codigos::kOk);
@@ -91,7 +91,7 @@ TEST_F(Abertura, ModoDeCriacaoEsvazia) {
 }
 
 TEST_F(Abertura, FalhaNaTrocaDeModoVoltaAoModoAnterior) {
-  m_empresa.Escreve("TESTE.DAT", Bytes(1, 2));
+  Prepara("TESTE.DAT", Bytes(1, 2));
   ASSERT_EQ(Abre(), codigos::kOk);
   apoio::ColetorRastro rastro;
   std::uint64_t uiPosicao = 0;
@@ -153,7 +153,7 @@ TEST_F(Abertura, OutroProcessoMudaOArquivoNaTrocaDeModo) {
   };
   for (const Caso &caso : casos) {
     SCOPED_TRACE(caso.nome);
-    m_empresa.Escreve("TESTE.DAT", Bytes(1, 2));
+    Prepara("TESTE.DAT", Bytes(1, 2));
     Intrometido intrometido(ParaGravar, [&] {
       // A clock tick must pass for the time of the last write to differ.
       plataforma::ServicosDoSistema().relogio->Espera(20);

@@ -14,7 +14,7 @@
 #include "core/qzdatabase/QZFileSingleReg.h"
 #include "tests/apoio/ArquivosDecorado.h"
 #include "tests/apoio/ColetorRastro.h"
-#include "tests/apoio/EmpresaTeste.h"
+#include "tests/apoio/EmpresaComBase.h"
 #include "tests/apoio/RelogioFalso.h"
 #include "tests/apoio/ServicosTrocados.h"
 
@@ -77,6 +77,12 @@ struct NomeTipoBanco<BancoTeste> {
 class ComBanco : public ::testing::Test {
 protected:
   HRESULT Abre() { return m_banco.Inicializa(m_empresa.Dono()); }
+  /// Writes a file and, where headers are on, lets it get its header.
+  void Prepara(const CString &nome, const std::string &bytes) {
+    m_empresa.Escreve(nome, bytes);
+    ASSERT_EQ(Abre(), codigos::kOk);
+    ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
+  }
   /// Content of a file, once the database has let go of it.
   std::string Disco(const CString &nome) {
     EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
@@ -85,7 +91,7 @@ protected:
   CQZFile<RegTeste> &Arquivo() { return m_banco.m_Registros; }
   CQZFileSingleReg<RegTeste> &Unico() { return m_banco.m_Unico; }
 
-  apoio::EmpresaTeste m_empresa;
+  apoio::EmpresaComBase m_empresa;
   apoio::RelogioFalso m_relogio;
   apoio::ArquivosComFalha m_falhas{*plataforma::ServicosDoSistema().arquivos};
   apoio::ServicosTrocados m_servicos{&m_falhas, nullptr, &m_relogio};

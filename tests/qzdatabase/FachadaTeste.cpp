@@ -25,7 +25,7 @@ protected:
     return !plataforma::Arquivos().Abre(m_empresa.Caminho("TESTE.DAT"), {}, &arquivo);
   }
 
-  apoio::EmpresaTeste m_empresa;
+  apoio::EmpresaComBase m_empresa;
   apoio::RelogioFalso m_relogio;
   apoio::ServicosTrocados m_servicos{nullptr, nullptr, &m_relogio};
 };
@@ -79,7 +79,7 @@ TEST_F(Fachada, SegundoArquivoRuimFechaOPrimeiro) {
 }
 
 TEST_F(Fachada, InicializarDeNovoDevolveOPrimeiroBanco) {
-  apoio::EmpresaTeste outra;
+  apoio::EmpresaComBase outra;
   m_empresa.Escreve("TESTE.DAT", Bytes(1, 1));
   Rotina a;
   ASSERT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kOk);

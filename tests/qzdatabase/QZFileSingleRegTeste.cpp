@@ -40,7 +40,7 @@ TEST_F(RegistroUnico, FalhaEmCadaOperacao) {
       for (std::size_t n = 1;; ++n) {
         SCOPED_TRACE(testing::Message() << (bExistia ? "existing" : "new") << ", fault " << n
                                         << (bPersistente ? " and all after" : ""));
-        apoio::EmpresaTeste empresa;
+        apoio::EmpresaComBase empresa;
         if (bExistia) {
           empresa.Escreve("UNICO.DAT", Bytes(1, 1));
         }
@@ -65,7 +65,7 @@ TEST_F(RegistroUnico, FalhaEmCadaOperacao) {
 
 TEST_F(RegistroUnico, FalhaDefinitivaDeixaODiscoComoEstava) {
   for (const bool bExistia : {false, true}) {
-    apoio::EmpresaTeste empresa;
+    apoio::EmpresaComBase empresa;
     if (bExistia) {
       empresa.Escreve("UNICO.DAT", Bytes(1, 1));
     }

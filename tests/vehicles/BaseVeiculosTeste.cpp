@@ -7,7 +7,7 @@
 #include "core/platform/MemoriaTarefa.h"
 #include "core/platform/Plataforma.h"
 #include "tests/apoio/ColetorRastro.h"
-#include "tests/apoio/EmpresaTeste.h"
+#include "tests/apoio/EmpresaComBase.h"
 #include "tests/apoio/RelogioFalso.h"
 #include "tests/apoio/ServicosTrocados.h"
 #include "tests/vehicles/AmostraVeiculos.h"
@@ -38,7 +38,7 @@ protected:
     return posicoes;
   }
 
-  apoio::EmpresaTeste m_empresa;
+  apoio::EmpresaComBase m_empresa;
   apoio::RelogioFalso m_relogio;
   apoio::ServicosTrocados m_servicos{nullptr, nullptr, &m_relogio};
   CBaseVeiculos m_base;

@@ -1,0 +1,23 @@
+#ifndef KALVO_CORE_QZDATABASE_QZFILECOPIA_H
+#define KALVO_CORE_QZDATABASE_QZFILECOPIA_H
+
+#include "core/qzdatabase/QZFileBase.h"
+
+/// The destination of a whole-file copy. Initialising it deletes what is at its path and opens nothing; it carries the
+/// source's bytes, header included, and manages none of its own. To be used by one thread.
+class CQZFileCopia : public CQZFileBase {
+public:
+  CQZFileCopia(const CString &sNomeArquivo, CQZDataBase *pDataBase);
+  ~CQZFileCopia() override { FinalizaNoDestrutor(); }
+
+  /// The open file, to be written raw; only after a successful AbreArquivo.
+  using CQZFileBase::Arquivo;
+  using CQZFileBase::CaminhoCompleto;
+
+protected:
+  [[nodiscard]] HRESULT OnInicializa() override;
+  [[nodiscard]] HRESULT CarregaMemoria() override { return codigos::kOk; }
+  void EsvaziaMemoria() override {}
+};
+
+#endif

@@ -1,0 +1,392 @@
+#include "core/qzdatabase/QZTextFile.h"
+
+#include <algorithm>
+
+#include "core/qzdatabase/QZCrc64.h"
+#include "core/qzdatabase/QZDataBase.h"
+#include "core/qzdatabase/QZLeitorSequencial.h"
+
+using plataforma::CQZTrava;
+using plataforma::FalhaArquivo;
+
+namespace {
+
+constexpr char kFonte[] = "QZTextFile.cpp";
+
+constexpr std::size_t kCrescimentoLinhas = 1000;
+
+/// The length that stands before each line on disk.
+using TamanhoLinha = std::uint32_t;
+
+void AcrescentaLinha(CString *psBytes, const CString &sTexto) {
+  const auto uiTamanho = static_cast<TamanhoLinha>(sTexto.size());
+  psBytes->append(reinterpret_cast<const char *>(&uiTamanho), sizeof(uiTamanho));
+  psBytes->append(sTexto);
+}
+
+/// The parameters of an entry record.
+auto Parametros(std::uint64_t uiPosicao, const CStringArray &aRegistros) {
+  return [uiPosicao, qtd = aRegistros.GetSize()] {
+    return ParametrosEscopo{{"uiPosicao", std::to_string(uiPosicao)}, {"aRegistros.GetCount()", std::to_string(qtd)}};
+  };
+}
+
+}  // namespace
+
+CQZTextFile::CQZTextFile(const CString &sNomeArquivo, CQZDataBase *pDataBase) : CQZFileBase(sNomeArquivo, pDataBase) {
+  const CQZEscopoProfiler escopo(this, {"CQZTextFile::CQZTextFile"}, [&] {
+    return ParametrosEscopo{{"sNomeArquivo", sNomeArquivo}};
+  });
+}
+
+HRESULT CQZTextFile::OnInicializa() {
+  const CQZOperacao rastro(this, {"CQZTextFile::OnInicializa"}, kFonte);
+  QZ_VERIFICA(rastro, "__super::OnInicializa()", CQZFileBase::OnInicializa());
+  QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AbreArquivo(eModoLeitura));
+  EsvaziaMemoria();
+  if (ExisteArquivo()) {
+    const HRESULT hr = CarregaMemoria();
+    if (Falhou(hr)) {
+      return hr;
+    }
+  }
+  MemoriaCarregada();
+  return codigos::kOk;
+}
+
+/// Takes what can be read of a damaged file: a line whose length reaches past the end of the file is cut there, and
+/// fewer bytes than a length at the end are no line.
+HRESULT CQZTextFile::CarregaMemoria() {
+  const CQZRastro rastro(this, {"CQZTextFile::OnInicializa"}, kFonte);
+  std::uint64_t uiTamanho = 0;
+  FalhaArquivo falha = Arquivo().Tamanho(&uiTamanho);
+  CQZLeitorSequencial leitor(Arquivo(), TamanhoCabecalho(), uiTamanho);
+  CArray<CQZDataBaseTextPair> aRegistros;
+  aRegistros.SetSize(0, kCrescimentoLinhas);
+  CQZDataBaseTextPair linha;
+  bool bFimDanificado = false;
+  while (!falha && leitor.Restam() >= sizeof(TamanhoLinha)) {
+    TamanhoLinha uiDeclarado = 0;
+    falha = leitor.Le(&uiDeclarado, sizeof(uiDeclarado));
+    if (!falha) {
+      linha.uiTamanhoNoArquivo = std::min<std::uint64_t>(uiDeclarado, leitor.Restam());
+      bFimDanificado = linha.uiTamanhoNoArquivo != uiDeclarado;
+      linha.sTexto.resize(static_cast<std::size_t>(linha.uiTamanhoNoArquivo));
+      falha = leitor.Le(linha.sTexto.data(), linha.sTexto.size());
+      linha.sTexto.resize(std::min(linha.sTexto.find('\0'), linha.sTexto.size()));
+      aRegistros.Add(linha);
+      linha.uiOffset += sizeof(uiDeclarado) + linha.uiTamanhoNoArquivo;
+    }
+  }
+  if (falha) {
+    QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(falha));
+  }
+  m_aRegistros = std::move(aRegistros);
+  m_bFimDanificado = bFimDanificado || leitor.Restam() != 0;
+  m_pendencia.reset();
+  return codigos::kOk;
+}
+
+void CQZTextFile::EsvaziaMemoria() {
+  m_aRegistros.SetSize(0, kCrescimentoLinhas);
+  m_bFimDanificado = false;
+  m_pendencia.reset();
+}
+
+HRESULT CQZTextFile::OnFinaliza() {
+  const CQZEscopoProfiler escopo(this, {"CQZTextFile::OnFinaliza"});
+  const CQZTrava trava(Secao());
+  static_cast<void>(RestauraPendencia());
+  EsvaziaMemoria();
+  return CQZFileBase::OnFinaliza();
+}
+
+const CArray<CQZDataBaseTextPair> *CQZTextFile::GetPtrArrayRegistros() const {
+  const CQZEscopoProfiler escopo(this, {"CQZTextFile::GetPtrArrayRegistros"});
+  return &m_aRegistros;
+}
+
+HRESULT CQZTextFile::Le(std::uint64_t uiPosicao, CString &sRegistro) {
+  const CQZOperacao rastro(this, {"CQZTextFile::Le"}, kFonte, [&] {
+    return ParametrosEscopo{{"uiPosicao", std::to_string(uiPosicao)}};
+  });
+  if (uiPosicao == 0) {
+    QZ_RETORNA_CODIGO(rastro, codigos::kPosicaoZero);
+  }
+  const CQZTrava trava(Secao());
+  ReabreSePerdido();
+  if (!ExisteArquivo()) {
+    QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoAberto);
+  }
+  if (uiPosicao > m_aRegistros.GetSize()) {
+    QZ_RETORNA_CODIGO(rastro, codigos::kPosicaoAlemDoFim);
+  }
+  sRegistro = m_aRegistros[IndiceDe(uiPosicao)].sTexto;
+  return codigos::kOk;
+}
+
+HRESULT CQZTextFile::Grava(std::uint64_t &uiPosicao, const CString &sRegistro) {
+  const CQZOperacao rastro(this, {"CQZTextFile::Grava"}, kFonte, [&] {
+    return ParametrosEscopo{{"uiPosicao", std::to_string(uiPosicao)}};
+  });
+  if (sRegistro.empty()) {
+    uiPosicao = 0;
+    return codigos::kOk;
+  }
+  CStringArray aRegistros;
+  aRegistros.Add(sRegistro);
+  QZ_VERIFICA(rastro, "GravaColecao(uiPosicao, aRegistros)", GravaColecao(uiPosicao, aRegistros));
+  return codigos::kOk;
+}
+
+HRESULT CQZTextFile::GravaColecao(std::uint64_t &uiPosicao, const CStringArray &aRegistros) {
+  const CQZOperacao rastro(this, {"CQZTextFile::GravaColecao"}, kFonte, Parametros(uiPosicao, aRegistros));
+  if (aRegistros.IsEmpty()) {
+    return codigos::kOk;
+  }
+  const CQZTrava trava(Secao());
+  ReabreSePerdido();
+  if (uiPosicao > m_aRegistros.GetSize()) {
+    QZ_RETORNA_CODIGO(rastro, codigos::kGravacaoAlemDoFim);
+  }
+  if (!PrecisaGravar(uiPosicao, aRegistros)) {
+    // What an earlier failure left on disk gets its chance of repair even when there is nothing new to write.
+    QZ_VERIFICA(rastro, "RestauraPendencia()", RestauraPendencia());
+    return codigos::kOk;
+  }
+  const std::uint64_t uiPedida = uiPosicao;
+  uiPosicao = DeveGravarNoFinal(uiPedida, aRegistros) ? 0 : uiPedida;
+  QZ_VERIFICA(rastro, "AbreArquivo()", AbreArquivo());
+
+  // Opening for writing may have found the file changed by others and loaded it anew, so the place is chosen again.
+  // From here on it stays: a retry must not decide by what its own failed attempt left.
+  uiPosicao = uiPedida;
+  if (uiPosicao > m_aRegistros.GetSize()) {
+    QZ_RETORNA_CODIGO(rastro, codigos::kGravacaoAlemDoFim);
+  }
+  uiPosicao = DeveGravarNoFinal(uiPosicao, aRegistros) ? 0 : uiPosicao;
+  const bool bShrink = DeveExecutarShrink(uiPosicao, aRegistros) || (uiPosicao == 0 && m_bFimDanificado);
+  const HRESULT hr = TentaGravar(rastro, "GravaRegistros(uiPosicao, aRegistros)",
+                                 [&] { return GravaRegistros(uiPosicao, aRegistros, bShrink); });
+  if (Falhou(hr)) {
+    static_cast<void>(RestauraPendencia());
+  }
+  return hr;
+}
+
+/// An append always needs writing, and so does a range that runs past the last line.
+bool CQZTextFile::PrecisaGravar(std::uint64_t uiPosicao, const CStringArray &aRegistros) const {
+  const CQZEscopoProfiler escopo(this, {"CQZTextFile::PrecisaGravar"}, Parametros(uiPosicao, aRegistros));
+  if (!FaixaExistente(uiPosicao, aRegistros)) {
+    return true;
+  }
+  for (std::size_t i = 0; i < aRegistros.GetSize(); ++i) {
+    if (aRegistros[i] != m_aRegistros[IndiceDe(uiPosicao) + i].sTexto) {
+      return true;
+    }
+  }
+  return false;
+}
+
+bool CQZTextFile::DeveGravarNoFinal(std::uint64_t uiPosicao, const CStringArray &aRegistros) const {
+  const CQZEscopoProfiler escopo(this, {"CQZTextFile::DeveGravarNoFinal"}, Parametros(uiPosicao, aRegistros));
+  if (!FaixaExistente(uiPosicao, aRegistros)) {
+    return false;
+  }
+  for (std::size_t i = 0; i < aRegistros.GetSize(); ++i) {
+    if (aRegistros[i].size() > m_aRegistros[IndiceDe(uiPosicao) + i].sTexto.size()) {
+      return true;
+    }
+  }
+  return false;
+}
+
+/// A line of which the disk holds more than its text counts as longer than whatever replaces it: writing the text's
+/// length over it would leave the rest standing between the lines.
+bool CQZTextFile::DeveExecutarShrink(std::uint64_t uiPosicao, const CStringArray &aRegistros) const {
+  const CQZEscopoProfiler escopo(this, {"CQZTextFile::DeveExecutarShrink"}, Parametros(uiPosicao, aRegistros));
+  const std::size_t inicio = IndiceDe(uiPosicao);
+  const std::size_t fim = std::min(m_aRegistros.GetSize(), inicio + aRegistros.GetSize());
+  for (std::size_t idx = inicio; idx < fim; ++idx) {
+    const CQZDataBaseTextPair &linha = m_aRegistros[idx];
+    if (aRegistros[idx - inicio].size() < linha.sTexto.size() || linha.uiTamanhoNoArquivo != linha.sTexto.size()) {
+      return true;
+    }
+  }
+  return false;
+}
+
+/// True when every line of the write replaces one that exists.
+bool CQZTextFile::FaixaExistente(std::uint64_t uiPosicao, const CStringArray &aRegistros) const {
+  const std::uint64_t uiLinhas = m_aRegistros.GetSize();
+  return uiPosicao != 0 && uiPosicao <= uiLinhas && aRegistros.GetSize() <= uiLinhas - uiPosicao + 1;
+}
+
+/// Index of the first line of a write: position 0 is behind the last line.
+std::size_t CQZTextFile::IndiceDe(std::uint64_t uiPosicao) const {
+  return uiPosicao != 0 ? static_cast<std::size_t>(uiPosicao - 1) : m_aRegistros.GetSize();
+}
+
+/// Place in the file of a write over an existing line.
+std::uint64_t CQZTextFile::OndeGravar(std::size_t indice) const {
+  std::uint64_t uiOffset = m_aRegistros[indice].uiOffset;
+  if (m_aRegistros[indice].bOffsetIncerto) {
+    uiOffset = 0;
+    for (std::size_t idx = 0; idx < indice; ++idx) {
+      uiOffset += sizeof(TamanhoLinha) + m_aRegistros[idx].uiTamanhoNoArquivo;
+    }
+  }
+  return TamanhoCabecalho() + uiOffset;
+}
+
+/// One attempt. All memory is obtained before the disk is touched: once the lines are on disk, taking them into memory
+/// must not fail.
+HRESULT CQZTextFile::GravaRegistros(std::uint64_t &uiPosicao, const CStringArray &aRegistros, bool bShrink) {
+  const CQZOperacao rastro(this, {"CQZTextFile::GravaRegistros"}, kFonte, Parametros(uiPosicao, aRegistros));
+  QZ_VERIFICA(rastro, "RestauraPendencia()", RestauraPendencia());
+  const std::size_t indice = IndiceDe(uiPosicao);
+  const bool bNoFinal = uiPosicao == 0;
+  if (bShrink) {
+    QZ_VERIFICA(rastro, "ExecutaShrink(uiPosicao, aRegistros)", ExecutaShrink(uiPosicao, aRegistros));
+  } else {
+    CString sBytes;
+    for (std::size_t i = 0; i < aRegistros.GetSize(); ++i) {
+      AcrescentaLinha(&sBytes, aRegistros[i]);
+    }
+    CStringArray aTextos = aRegistros;
+    m_aRegistros.Reserva(indice + aRegistros.GetSize());
+    const std::optional<std::uint64_t> uiOnde = bNoFinal ? std::nullopt : std::optional(OndeGravar(indice));
+    const HRESULT hr = GravaBytes(rastro, uiOnde, sBytes, false);
+    if (Falhou(hr)) {
+      return hr;
+    }
+    TomaLinhas(indice, std::move(aTextos));
+    if (bNoFinal) {
+      DefineOffsets(indice, m_pendencia->uiOnde);
+    }
+    m_pendencia.reset();
+  }
+  if (bNoFinal) {
+    uiPosicao = m_aRegistros.GetSize();
+  }
+  return codigos::kOk;
+}
+
+/// Writes all lines anew, the given ones in their places. The header stays, and the file is cut to its new length only
+/// after everything is written.
+HRESULT CQZTextFile::ExecutaShrink(std::uint64_t uiPosicao, const CStringArray &aRegistros) {
+  const CQZOperacao rastro(this, {"CQZTextFile::ExecutaShrink"}, kFonte, Parametros(uiPosicao, aRegistros));
+  const std::size_t inicio = IndiceDe(uiPosicao);
+  const std::size_t fim = inicio + aRegistros.GetSize();
+  CString sBytes;
+  for (std::size_t idx = 0; idx < std::max(fim, m_aRegistros.GetSize()); ++idx) {
+    AcrescentaLinha(&sBytes, idx >= inicio && idx < fim ? aRegistros[idx - inicio] : m_aRegistros[idx].sTexto);
+  }
+  CStringArray aTextos = aRegistros;
+  m_aRegistros.Reserva(fim);
+  const HRESULT hr = GravaBytes(rastro, TamanhoCabecalho(), sBytes, true);
+  if (Falhou(hr)) {
+    return hr;
+  }
+  TomaLinhas(inicio, std::move(aTextos));
+  DefineOffsets(0, 0);
+  m_bFimDanificado = false;
+  m_pendencia.reset();
+  return codigos::kOk;
+}
+
+/// Writes `sBytes` at `uiOnde`, or at the end of the file, and brings the header up to date; with `bCorta` the file
+/// ends behind them. What stood there is noted first in `m_pendencia`, which the caller clears once memory holds the
+/// lines.
+HRESULT CQZTextFile::GravaBytes(const CQZRastro &rastro, std::optional<std::uint64_t> uiOnde, const CString &sBytes,
+                                bool bCorta) {
+  Pendencia pendencia;
+  FalhaArquivo falha = Arquivo().Tamanho(&pendencia.uiTamanho);
+  pendencia.uiOnde = uiOnde.value_or(pendencia.uiTamanho);
+  if (!falha && pendencia.uiOnde < pendencia.uiTamanho) {
+    const std::uint64_t uiAteOFim = pendencia.uiTamanho - pendencia.uiOnde;
+    pendencia.sAntes.resize(
+        static_cast<std::size_t>(bCorta ? uiAteOFim : std::min<std::uint64_t>(uiAteOFim, sBytes.size())));
+    falha = Arquivo().Le(pendencia.uiOnde, pendencia.sAntes.data(), pendencia.sAntes.size());
+  }
+  if (!falha) {
+    const std::uint64_t uiFim = pendencia.uiOnde + sBytes.size();
+    const bool bSobra = bCorta && pendencia.uiTamanho > uiFim;
+    m_pendencia = std::move(pendencia);
+    falha = Arquivo().Grava(m_pendencia->uiOnde, sBytes.data(), sBytes.size());
+    if (!falha && bSobra) {
+      falha = Arquivo().AjustaTamanho(uiFim);
+    }
+    const bool bAcrescentou = m_pendencia->uiOnde == m_pendencia->uiTamanho && CrcDados().has_value();
+    NotaCrcDados(bAcrescentou ? std::optional(CalculaCrc64(sBytes.data(), sBytes.size(), *CrcDados())) : std::nullopt);
+  }
+  if (falha) {
+    QZ_VERIFICA(rastro, "CatchGravacao(pEx)", CatchGravacao(falha));
+  }
+  QZ_VERIFICA(rastro, "Flush()", Flush());
+  return codigos::kOk;
+}
+
+/// Puts the disk back to what it held before a write that failed or was abandoned half way; no damage is no work.
+HRESULT CQZTextFile::RestauraPendencia() {
+  if (!m_pendencia || !ExisteArquivo()) {
+    return codigos::kOk;
+  }
+  FalhaArquivo falha = Arquivo().Grava(m_pendencia->uiOnde, m_pendencia->sAntes.data(), m_pendencia->sAntes.size());
+  std::uint64_t uiTamanho = 0;
+  if (!falha) {
+    falha = Arquivo().Tamanho(&uiTamanho);
+  }
+  if (!falha && uiTamanho > m_pendencia->uiTamanho) {
+    falha = Arquivo().AjustaTamanho(m_pendencia->uiTamanho);
+  }
+  NotaCrcDados(std::nullopt);
+  const HRESULT hr = falha ? CatchGravacao(falha) : Flush(true);
+  if (!Falhou(hr)) {
+    m_pendencia.reset();
+  }
+  return hr;
+}
+
+/// Puts the written texts into memory from `indice` on; room for all of them must be reserved. Added lines have the
+/// offset of a new entry, which is not their place, and a line that changed its length moves those behind it.
+void CQZTextFile::TomaLinhas(std::size_t indice, CStringArray aTextos) {
+  const std::size_t linhas = m_aRegistros.GetSize();
+  m_aRegistros.SetSize(std::max(linhas, indice + aTextos.GetSize()));
+  bool bDeslocadas = false;
+  for (std::size_t i = 0; i < aTextos.GetSize(); ++i) {
+    CQZDataBaseTextPair &linha = m_aRegistros[indice + i];
+    linha.bOffsetIncerto = linha.bOffsetIncerto || bDeslocadas || indice + i >= linhas;
+    bDeslocadas = bDeslocadas || linha.uiTamanhoNoArquivo != aTextos[i].size();
+    linha.sTexto = std::move(aTextos[i]);
+    linha.uiTamanhoNoArquivo = linha.sTexto.size();
+  }
+}
+
+/// The lines from `indice` on lie one behind another from `uiOffset` on, with their texts as they are in memory.
+void CQZTextFile::DefineOffsets(std::size_t indice, std::uint64_t uiOffset) {
+  for (std::size_t idx = indice; idx < m_aRegistros.GetSize(); ++idx) {
+    CQZDataBaseTextPair &linha = m_aRegistros[idx];
+    linha.uiOffset = uiOffset;
+    linha.uiTamanhoNoArquivo = linha.sTexto.size();
+    linha.bOffsetIncerto = false;
+    uiOffset += sizeof(TamanhoLinha) + linha.uiTamanhoNoArquivo;
+  }
+}
+
+HRESULT CQZTextFile::GeraArquivoOffline() {
+  const CQZOperacao rastro(this, {"CQZTextFile::GeraArquivoOffline"}, kFonte);
+  const CQZTrava trava(Secao());
+  QZ_VERIFICA(rastro, "DeletaArquivoOffline()", DeletaArquivoOffline());
+  CQZDataBase qzDB(GetModulo(), plataforma::NivelTrava::Temporario);
+  CQZTextFile qzFile(CQZPath::ChangeExtension(GetNomeArquivo(), "OFL"), &qzDB);
+  QZ_VERIFICA(rastro, "qzDB.Inicializa(this)", qzDB.Inicializa(*this));
+  CStringArray aRegistros;
+  aRegistros.Reserva(m_aRegistros.GetSize());
+  for (std::size_t idx = 0; idx < m_aRegistros.GetSize(); ++idx) {
+    aRegistros.Add(m_aRegistros[idx].sTexto);
+  }
+  std::uint64_t uiPosicao = 0;
+  QZ_VERIFICA(rastro, "qzFile.GravaColecao(uiPosicao, aRegistros)", qzFile.GravaColecao(uiPosicao, aRegistros));
+  return codigos::kOk;
+}

@@ -1,0 +1,42 @@
+#ifndef KALVO_TESTS_APOIO_CHAVECABECALHO_H
+#define KALVO_TESTS_APOIO_CHAVECABECALHO_H
+
+#include "tests/apoio/ServicosTrocados.h"
+
+namespace apoio {
+
+/// The switch for file headers, for a scope and this process alone: the registry that all test processes of the machine
+/// share stays as it is. To be changed while no other thread uses it.
+class ChaveCabecalho {
+public:
+  explicit ChaveCabecalho(bool bLigada) : m_registro(plataforma::Registro(), bLigada) {}
+
+  void Define(bool bLigada) { m_registro.m_bLigada = bLigada; }
+
+private:
+  class RegistroComChave final : public plataforma::IRegistro {
+  public:
+    RegistroComChave(plataforma::IRegistro &base, bool bLigada) : m_bLigada(bLigada), m_base(base) {}
+
+    bool ExisteChave(const CString &chave) override { return m_base.ExisteChave(chave); }
+    std::optional<CString> LeTexto(const CString &chave, const CString &nome, bool bExpande) override {
+      return m_base.LeTexto(chave, nome, bExpande);
+    }
+    std::optional<std::uint32_t> LeNumero(const CString &chave, const CString &nome) override {
+      return nome == "QZDataBase_HabilitarCabecalho" ? std::optional<std::uint32_t>(m_bLigada)
+                                                      : m_base.LeNumero(chave, nome);
+    }
+
+    bool m_bLigada;
+
+  private:
+    plataforma::IRegistro &m_base;
+  };
+
+  RegistroComChave m_registro;
+  ServicosTrocados m_servicos{nullptr, &m_registro};
+};
+
+}  // namespace apoio
+
+#endif

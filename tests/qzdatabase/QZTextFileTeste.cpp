@@ -1,0 +1,457 @@
+#include "core/qzdatabase/QZTextFile.h"
+
+#include <cstdlib>
+#include <random>
+#include <sstream>
+
+#include "tests/apoio/ChaveCabecalho.h"
+#include "tests/qzdatabase/BancoTeste.h"
+
+namespace {
+
+using namespace std::string_literals;
+
+using Textos = std::vector<std::string>;
+
+/// Lines in short form: separated by blanks, "-" is an empty one, '0' a zero byte.
+Textos T(const std::string &resumo) {
+  Textos textos;
+  std::istringstream entrada(resumo);
+  for (std::string texto; entrada >> texto;) {
+    std::replace(texto.begin(), texto.end(), '0', '\0');
+    textos.push_back(texto == "-" ? "" : texto);
+  }
+  return textos;
+}
+
+/// The bytes of lines on disk.
+std::string Linhas(const Textos &textos) {
+  std::string bytes;
+  for (const std::string &texto : textos) {
+    for (unsigned i = 0; i < 4; ++i) {
+      bytes.push_back(static_cast<char>(texto.size() >> (8 * i)));
+    }
+    bytes += texto;
+  }
+  return bytes;
+}
+std::string Linhas(const char *resumo) {
+  return Linhas(T(resumo));
+}
+
+Textos Junta(Textos textos, const Textos &outros) {
+  textos.insert(textos.end(), outros.begin(), outros.end());
+  return textos;
+}
+
+class BancoTexto : public CQZDataBase {
+public:
+  BancoTexto() : CQZDataBase(QZ_DF, plataforma::NivelTrava::ArquivoDados) {}
+  ~BancoTexto() override { FinalizaNoDestrutor(); }
+
+  CQZTextFile m_Texto{"TEXTO.DAT", this};
+};
+
+/// A company with a text file. The parameter is the length of the file's header: 0, or 92 with headers switched on.
+class ArquivoTexto : public ComBanco, public testing::WithParamInterface<std::uint64_t> {
+protected:
+  HRESULT Inicia() { return m_banco.Inicializa(m_empresa.Dono()); }
+  void Prepara(const std::string &bytes) {
+    static_cast<void>(m_banco.Finaliza());
+    m_empresa.Escreve("TEXTO.DAT", bytes);
+    ASSERT_EQ(Inicia(), codigos::kOk);
+  }
+  CQZTextFile &Texto() { return m_banco.m_Texto; }
+  /// What a file holds behind its header, once the database has let go of it.
+  std::string Disco(const CString &nome = "TEXTO.DAT") {
+    static_cast<void>(m_banco.Finaliza());
+    return m_empresa.Le(nome);
+  }
+  HRESULT Grava(std::uint64_t *puiPosicao, const Textos &textos) {
+    CStringArray aRegistros;
+    for (const std::string &texto : textos) {
+      aRegistros.Add(texto);
+    }
+    return Texto().GravaColecao(*puiPosicao, aRegistros);
+  }
+  /// All lines, read one by one until there are no more.
+  Textos Lidas() {
+    Textos textos;
+    CString sTexto;
+    while (Texto().Le(textos.size() + 1, sTexto) == codigos::kOk) {
+      textos.push_back(sTexto);
+    }
+    return textos;
+  }
+  std::vector<std::uint64_t> Offsets() {
+    std::vector<std::uint64_t> offsets;
+    for (std::size_t idx = 0; idx < Texto().GetPtrArrayRegistros()->GetSize(); ++idx) {
+      offsets.push_back((*Texto().GetPtrArrayRegistros())[idx].uiOffset);
+    }
+    return offsets;
+  }
+
+  apoio::ChaveCabecalho m_cabecalho{GetParam() != 0};
+  BancoTexto m_banco;
+};
+
+constexpr std::uint64_t kCabecalhos[] = {0, kTamanhoCabecalho};
+INSTANTIATE_TEST_SUITE_P(Cabecalho, ArquivoTexto, testing::ValuesIn(kCabecalhos));
+
+/// The decision for each kind of write, the bytes it leaves and the places it records.
+TEST_P(ArquivoTexto, GravacaoByteAByte) {
+  struct Passo {
+    std::uint64_t uiPosicao;
+    const char *textos;
+    std::uint64_t uiPosicaoDepois;
+  };
+  struct Caso {
+    const char *nome;
+    const char *antes;
+    std::vector<Passo> passos;
+    const char *memoria;
+    std::vector<std::uint64_t> offsets;
+    std::string disco{};  ///< when it is not just the lines of `memoria`
+  };
+  const std::uint64_t h = GetParam();
+  const std::string sDuasVezes = Linhas("um dois") + std::string(h != 0 ? h - 8 : 0, '\0') + Linhas("DOIS");
+  const Caso casos[] = {
+      {"append", "um dois", {{0, "tres - x", 5}}, "um dois tres - x", {0, 6, h + 14, h + 22, h + 26}},
+      {"to an empty file", "", {{0, "um", 1}}, "um", {h}},
+      {"longer goes to the end", "um dois x", {{2, "trinta", 4}}, "um dois x trinta", {0, 6, 14, h + 19}},
+      {"with the whole range", "um dois x", {{1, "u trinta", 5}}, "um dois x u trinta", {0, 6, 14, h + 19, h + 24}},
+      {"same length in place", "um dois x", {{1, "UM DOIS", 1}}, "UM DOIS x", {0, 6, 14}},
+      {"shorter rewrites", "um dois x", {{2, "2", 2}}, "um 2 x", {0, 6, 11}},
+      {"empty line", "um dois x", {{1, "- DOIS", 1}}, "- DOIS x", {0, 4, 12}},
+      {"rewritten appended lines", "um", {{0, "dois x", 3}, {1, "u", 1}, {2, "DOIS", 2}}, "u DOIS x", {0, 5, 13}},
+      {"past the end", "um dois", {{2, "DOIS x", 2}}, "um DOIS x", {0, 6, 0}},
+      {"over an added line", "um dois", {{2, "DOIS x", 2}, {3, "X", 3}}, "um DOIS X", {0, 6, 0}},
+      {"past the end, longer",
+       "um dois x",
+       {{2, "trinta x -", 2}, {0, "y", 5}},
+       "um trinta x - y",
+       {0, 6, 14, 0, h + 25}},
+      {"over a moved line", "um dois x", {{2, "trinta x -", 2}, {3, "X", 3}}, "um trinta X -", {0, 6, 14, 0}},
+      {"past the end, shorter", "um dois", {{2, "d x", 2}}, "um d x", {0, 6, 11}},
+      {"zero byte, not loaded yet", "um", {{0, "a0b", 2}, {1, "UM", 1}}, "UM a0b", {0, h + 6}},
+      {"line cut at its zero byte", "a0b c", {{1, "a", 1}, {2, "C", 2}}, "a C", {0, 7}, Linhas("a0b C")},
+      {"as long as the cut text", "a0b c", {{1, "A", 1}}, "A c", {0, 5}},
+      {"longer than the cut text", "a0b c", {{1, "AB", 3}}, "a c AB", {0, 7, h + 12}, Linhas("a0b c AB")},
+      {"header counted twice", "um", {{0, "dois", 2}, {2, "DOIS", 2}}, "um DOIS", {0, h + 6}, h != 0 ? sDuasVezes : ""},
+  };
+  for (const Caso &caso : casos) {
+    SCOPED_TRACE(caso.nome);
+    Prepara(Linhas(caso.antes));
+    for (const Passo &passo : caso.passos) {
+      std::uint64_t uiPosicao = passo.uiPosicao;
+      EXPECT_EQ(Grava(&uiPosicao, T(passo.textos)), codigos::kOk);
+      EXPECT_EQ(uiPosicao, passo.uiPosicaoDepois);
+    }
+    EXPECT_EQ(Lidas(), T(caso.memoria));
+    EXPECT_EQ(Offsets(), caso.offsets);
+    EXPECT_EQ(Disco(), caso.disco.empty() ? Linhas(caso.memoria) : caso.disco);
+  }
+}
+
+/// Another process writes to the file while it is closed to be opened for writing.
+TEST_P(ArquivoTexto, OutroProcessoMudaOArquivo) {
+  struct Caso {
+    const char *outro;
+    HRESULT hr;
+    std::uint64_t uiPosicaoDepois;
+    const char *depois;
+  };
+  const Caso casos[] = {{"um", codigos::kGravacaoAlemDoFim, 2, "um"},
+                        {"um dois-mais", codigos::kOk, 2, "um trinta"},
+                        {"um dois tres", codigos::kOk, 4, "um dois tres trinta"}};
+  for (const Caso &caso : casos) {
+    SCOPED_TRACE(caso.outro);
+    Prepara(Linhas(caso.outro));
+    static_cast<void>(Disco());
+    const std::string sOutro = m_empresa.LeInteiro("TEXTO.DAT");
+    Prepara(Linhas("um dois"));
+    static_cast<void>(Disco());
+    ASSERT_EQ(Inicia(), codigos::kOk);
+    apoio::RelogioFalso relogio([&](std::uint32_t) { m_empresa.Escreve("TEXTO.DAT", sOutro); });
+    apoio::ServicosTrocados servicos(nullptr, nullptr, &relogio);
+    m_falhas.Arma({apoio::kOpAbre, "TEXTO.DAT", 1, false, plataforma::FalhaWin32(32), {}});
+    std::uint64_t uiPosicao = 2;
+    EXPECT_EQ(Texto().Grava(uiPosicao, "trinta"), caso.hr);
+    EXPECT_EQ(uiPosicao, caso.uiPosicaoDepois);
+    EXPECT_EQ(Disco(), Linhas(caso.depois));
+  }
+}
+
+TEST_P(ArquivoTexto, NadaAGravarNaoTocaODisco) {
+  Prepara(Linhas("um dois"));
+  m_falhas.Arma({apoio::kOpTodas, "TEXTO.DAT", 1, true, plataforma::FalhaWin32(1117), {}});
+  std::uint64_t uiPosicao = 2;
+  EXPECT_EQ(Texto().Grava(uiPosicao, "dois"), codigos::kOk);
+  EXPECT_EQ(Grava(&uiPosicao, {}), codigos::kOk);
+  EXPECT_EQ(uiPosicao, 2U);
+  EXPECT_EQ(Texto().Grava(uiPosicao, ""), codigos::kOk);
+  EXPECT_EQ(uiPosicao, 0U);
+  for (const std::uint64_t atras : {std::uint64_t{3}, ~std::uint64_t{0}}) {
+    uiPosicao = atras;
+    EXPECT_EQ(Grava(&uiPosicao, T("x y")), codigos::kGravacaoAlemDoFim);
+    EXPECT_EQ(uiPosicao, atras);
+  }
+  EXPECT_EQ(m_falhas.Vistas(), 0U);
+  m_falhas.Desarma();
+  EXPECT_EQ(Disco(), Linhas("um dois"));
+}
+
+TEST_P(ArquivoTexto, LeituraAntesDuranteEDepois) {
+  CString sTexto = "fica";
+  ASSERT_EQ(Inicia(), codigos::kOk);
+  EXPECT_EQ(Texto().Le(0, sTexto), codigos::kPosicaoZero);
+  EXPECT_EQ(Texto().Le(1, sTexto), codigos::kArquivoNaoAberto) << "a missing file is not open";
+  EXPECT_FALSE(m_empresa.Existe("TEXTO.DAT"));
+  std::uint64_t uiPosicao = 0;
+  EXPECT_EQ(Texto().Grava(uiPosicao, "um"), codigos::kOk);
+  EXPECT_EQ(uiPosicao, 1U);
+  EXPECT_EQ(Texto().Le(2, sTexto), codigos::kPosicaoAlemDoFim);
+  EXPECT_EQ(sTexto, "fica");
+  EXPECT_EQ(Texto().Le(1, sTexto), codigos::kOk);
+  EXPECT_EQ(sTexto, "um");
+  ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
+  EXPECT_TRUE(Offsets().empty());
+  EXPECT_EQ(Texto().Le(1, sTexto), codigos::kArquivoNaoAberto);
+}
+
+/// Any bytes load; a line appended behind a damaged end is found again.
+TEST_P(ArquivoTexto, ArquivosQuaisquer) {
+  struct Caso {
+    std::string disco;
+    Textos memoria;
+  };
+  const Textos grandes = {std::string(2047, 'a'), "", std::string(2048, 'b'), std::string(300000, 'c'), "d"};
+  const Textos muitas(40000, "linha");
+  const Caso casos[] = {
+      {"", {}},
+      {Linhas(grandes), grandes},
+      {Linhas(muitas), muitas},
+      {std::string(8, '\0'), {"", ""}},
+      {"x", {}},
+      {Linhas("um") + "\2\0\0"s, {"um"}},
+      {Linhas("um") + "\xFF\xFF\xFF\xFF"s, {"um", ""}},
+      {Linhas("um") + "\xFF\xFF\xFF\xFF"s + "resto", {"um", "resto"}},
+      {Linhas("um") + "\6\0\0\0re\0to"s, {"um", "re"}},
+  };
+  for (const Caso &caso : casos) {
+    SCOPED_TRACE(caso.disco.substr(0, 20));
+    Prepara(caso.disco);
+    ASSERT_EQ(Lidas(), caso.memoria);
+    std::uint64_t uiPosicao = 0;
+    ASSERT_EQ(Grava(&uiPosicao, {"mais", "linhas"}), codigos::kOk);
+    EXPECT_EQ(uiPosicao, caso.memoria.size() + 2);
+    ASSERT_EQ(Disco(), Linhas(Junta(caso.memoria, {"mais", "linhas"})));
+  }
+}
+
+/// Ten thousand random calls against the lines that memory and disk should hold. Rerun a failure with KALVO_SEMENTE set
+/// to its seed.
+TEST_P(ArquivoTexto, OperacoesAleatorias) {
+  const char *lpSemente = std::getenv("KALVO_SEMENTE");
+  const unsigned semente = lpSemente != nullptr ? static_cast<unsigned>(std::stoul(lpSemente)) : std::random_device()();
+  SCOPED_TRACE(testing::Message() << "seed " << semente);
+  std::mt19937 gerador(semente);
+  const auto sorteia = [&](std::size_t ate) { return gerador() % (ate + 1); };
+  Textos memoria;
+  Textos disco;  // a line may be longer here, from a zero byte on
+  const auto recarrega = [&] {
+    ASSERT_EQ(Disco(), Linhas(disco));
+    ASSERT_EQ(Inicia(), codigos::kOk);
+    memoria = disco;
+    for (std::string &texto : memoria) {
+      texto = texto.c_str();
+    }
+  };
+  const auto grava = [&](std::uint64_t uiPosicao, const Textos &textos) {
+    std::uint64_t uiDepois = uiPosicao;
+    const std::size_t linhas = memoria.size();
+    const std::size_t indice = uiPosicao != 0 ? uiPosicao - 1 : linhas;
+    const std::size_t fim = indice + textos.size();
+    const bool bAtras = uiPosicao > linhas && !textos.empty();
+    ASSERT_EQ(Grava(&uiDepois, textos), bAtras ? codigos::kGravacaoAlemDoFim : codigos::kOk);
+    bool bIguais = true;
+    bool bMaior = false;
+    bool bMenor = false;
+    for (std::size_t idx = indice; idx < std::min(fim, linhas); ++idx) {
+      const std::string &novo = textos[idx - indice];
+      bIguais = bIguais && novo == memoria[idx];
+      bMaior = bMaior || novo.size() > memoria[idx].size();
+      bMenor = bMenor || novo.size() < memoria[idx].size() || disco[idx].size() != memoria[idx].size();
+    }
+    const bool bNoFinal = !bAtras && !textos.empty() && (uiPosicao == 0 || (bMaior && fim <= linhas));
+    if (bNoFinal) {
+      memoria = Junta(memoria, textos);
+      disco = Junta(disco, textos);
+    } else if (!bAtras && (!bIguais || fim > linhas)) {
+      for (Textos *destino : {&memoria, &disco}) {
+        destino->resize(std::max(linhas, fim));
+        std::copy(textos.begin(), textos.end(), destino->begin() + static_cast<std::ptrdiff_t>(indice));
+      }
+      disco = bMenor ? memoria : disco;
+    }
+    ASSERT_EQ(uiDepois, bNoFinal ? memoria.size() : uiPosicao);
+    if (bNoFinal && GetParam() != 0) {
+      recarrega();  // until then a write over the new lines would be misplaced
+    }
+  };
+  Prepara("");
+  for (int i = 0; i < 10000; ++i) {
+    if (memoria.size() > 40) {
+      Prepara("");
+      memoria.clear();
+      disco.clear();
+    } else if (sorteia(19) == 0) {
+      recarrega();
+    }
+    Textos textos(sorteia(3));
+    const std::uint64_t uiPosicao = sorteia(memoria.size() + 1);
+    for (std::size_t t = 0; t < textos.size(); ++t) {
+      // Half of the lines keep their lengths, which random texts rarely do.
+      const std::size_t idx = uiPosicao + t - 1;
+      const bool bMantem = idx < memoria.size() && sorteia(1) == 0;
+      textos[t].resize(bMantem ? memoria[idx].size() : sorteia(4));
+      std::generate(textos[t].begin(), textos[t].end(), [&] { return "ab\0"[sorteia(2)]; });
+    }
+    grava(uiPosicao, textos);
+    ASSERT_EQ(Lidas(), memoria) << "operation " << i;
+    ASSERT_FALSE(HasFatalFailure()) << "operation " << i;
+  }
+  recarrega();
+}
+
+/// Every kind of write with its N-th file operation failing, for every N, once and for good, fatally and not: the
+/// caller's answer, the memory and the disk agree.
+TEST_P(ArquivoTexto, FalhaEmCadaOperacao) {
+  struct Caso {
+    const char *nome;
+    std::string disco;
+    std::uint64_t uiPosicao;
+    Textos textos;
+    Textos depois;
+  };
+  const Textos antes = {"um", "dois", "tres"};
+  const Caso casos[] = {
+      {"append", Linhas(antes), 0, {"quatro", "x"}, Junta(antes, {"quatro", "x"})},
+      {"longer", Linhas(antes), 3, {"trinta"}, Junta(antes, {"trinta"})},
+      {"in place", Linhas(antes), 2, {"DOIS"}, {"um", "DOIS", "tres"}},
+      {"past the end", Linhas(antes), 2, {"dois e meio", "TRES", "x"}, {"um", "dois e meio", "TRES", "x"}},
+      {"shrink", Linhas(antes), 1, {"u"}, {"u", "dois", "tres"}},
+      {"growing shrink", Linhas(antes), 3, {"t", "quatro"}, {"um", "dois", "t", "quatro"}},
+      {"behind a damaged end", Linhas(antes) + "x", 0, {"x"}, Junta(antes, {"x"})},
+  };
+  for (const Caso &caso : casos) {
+    for (const unsigned modo : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 7U}) {
+      const bool bPersistente = (modo & 1) != 0;
+      const std::uint32_t erro = (modo & 2) != 0 ? 1117 : 112;
+      const std::size_t gravaAntes = (modo & 4) != 0 ? 7 : 0;
+      for (std::size_t n = 1;; ++n) {
+        SCOPED_TRACE(testing::Message() << caso.nome << ", error " << erro << " at operation " << n
+                                        << (bPersistente ? " and all after" : "") << ", " << gravaAntes << " written");
+        Prepara(caso.disco);
+        m_falhas.Arma({apoio::kOpTodas, "TEXTO.DAT", n, bPersistente, plataforma::FalhaWin32(erro), gravaAntes});
+        std::uint64_t uiPosicao = caso.uiPosicao;
+        const HRESULT hr = Grava(&uiPosicao, caso.textos);
+        const bool bDisparou = m_falhas.Disparou();
+        m_falhas.Desarma();
+        const bool bNoFinal = caso.depois == Junta(antes, caso.textos);
+        ASSERT_EQ(uiPosicao, !bNoFinal ? caso.uiPosicao : Falhou(hr) ? 0 : caso.depois.size());
+        ASSERT_EQ(Lidas(), Falhou(hr) ? antes : caso.depois);
+        // A lasting failure is repaired when the file is finished; anything else is right by now, repair or not.
+        if (!bPersistente) {
+          m_falhas.Arma(
+              {apoio::kOpGrava | apoio::kOpAjustaTamanho, "TEXTO.DAT", 1, true, plataforma::FalhaWin32(1117), {}});
+        }
+        ASSERT_EQ(Disco(), Falhou(hr) ? caso.disco : Linhas(caso.depois));
+        m_falhas.Desarma();
+        if (!bDisparou) {
+          break;
+        }
+      }
+    }
+  }
+}
+
+TEST_P(ArquivoTexto, DanoDeUmaGravacaoESanadoPelaProxima) {
+  for (const std::string proxima : {"dois", "DOIS", "d"}) {
+    SCOPED_TRACE(proxima);
+    Prepara(Linhas("um dois tres"));
+    std::uint64_t uiPosicao = 1;
+    m_falhas.Arma({apoio::kOpGrava, "TEXTO.DAT", 1, true, plataforma::FalhaWin32(1117), 6});
+    EXPECT_EQ(Grava(&uiPosicao, {"", "meio"}), codigos::kArqErroFisico);
+    uiPosicao = 2;
+    EXPECT_EQ(Grava(&uiPosicao, {proxima}), codigos::kArqErroFisico) << "the damage cannot be repaired yet";
+    m_falhas.Desarma();
+    EXPECT_EQ(Grava(&uiPosicao, {proxima}), codigos::kOk);
+    EXPECT_EQ(Lidas(), (Textos{"um", proxima, "tres"}));
+    m_falhas.Arma({apoio::kOpGrava, "TEXTO.DAT", 1, true, plataforma::FalhaWin32(1117), {}});
+    EXPECT_EQ(Disco(), Linhas({"um", proxima, "tres"}));
+    m_falhas.Desarma();
+  }
+}
+
+TEST_P(ArquivoTexto, FalhaEmCadaOperacaoDaCarga) {
+  const Textos textos = {"um", std::string(100000, 'x'), "tres"};
+  for (const bool bPersistente : {false, true}) {
+    for (std::size_t n = 1;; ++n) {
+      SCOPED_TRACE(testing::Message() << "fault " << n << (bPersistente ? " and all after" : ""));
+      m_empresa.Escreve("TEXTO.DAT", Linhas(textos));
+      m_falhas.Arma({apoio::kOpTodas, "TEXTO.DAT", n, bPersistente, plataforma::FalhaWin32(1117), {}});
+      const HRESULT hr = Inicia();
+      const bool bDisparou = m_falhas.Disparou();
+      m_falhas.Desarma();
+      if (Falhou(hr)) {
+        ASSERT_TRUE(Offsets().empty());
+        ASSERT_EQ(Inicia(), codigos::kOk);
+      }
+      ASSERT_EQ(Lidas(), textos);
+      ASSERT_EQ(Disco(), Linhas(textos));
+      if (!bDisparou) {
+        break;
+      }
+    }
+  }
+}
+
+TEST_P(ArquivoTexto, RastroDeUmaFalha) {
+  const std::string s = "CQZTextFile::";
+  const std::string f = "|QZTextFile.cpp|";
+  Prepara(Linhas("um dois"));
+  apoio::ColetorRastro rastro;
+  std::uint64_t uiPosicao = 3;
+  EXPECT_EQ(Texto().Grava(uiPosicao, "x"), codigos::kGravacaoAlemDoFim);
+  EXPECT_EQ(rastro.Toma(), (Textos{s + "GravaColecao" + f + "((HRESULT)0x810809DBL)",
+                                   s + "Grava" + f + "GravaColecao(uiPosicao, aRegistros)"}));
+  m_falhas.Arma({apoio::kOpGrava, "TEXTO.DAT", 1, false, plataforma::FalhaWin32(1117), {}});
+  uiPosicao = 2;
+  EXPECT_EQ(Texto().Grava(uiPosicao, "x"), codigos::kArqErroFisico);
+  EXPECT_EQ(rastro.Toma(), (Textos{s + "ExecutaShrink" + f + "CatchGravacao(pEx)",
+                                   s + "GravaRegistros" + f + "ExecutaShrink(uiPosicao, aRegistros)",
+                                   s + "GravaColecao" + f + "GravaRegistros(uiPosicao, aRegistros)",
+                                   s + "Grava" + f + "GravaColecao(uiPosicao, aRegistros)"}));
+  m_falhas.Arma({apoio::kOpGrava, "TEXTO.DAT", 1, false, plataforma::FalhaWin32(112), {}});
+  EXPECT_EQ(Texto().Grava(uiPosicao, "DOIS"), codigos::kOk) << "a passing failure is ridden out";
+  EXPECT_EQ(rastro.Toma(), (Textos{s + "GravaRegistros" + f + "CatchGravacao(pEx)",
+                                   s + "GravaColecao" + f + "GravaRegistros(uiPosicao, aRegistros)"}));
+}
+
+TEST_P(ArquivoTexto, CopiaOffline) {
+  Prepara(Linhas("a0b - c"));
+  m_empresa.Escreve("TEXTO.OFL", "an earlier companion");
+  EXPECT_EQ(Texto().GeraArquivoOffline(), codigos::kOk);
+  EXPECT_EQ(Disco("TEXTO.OFL"), Linhas("a - c"));
+
+  ASSERT_EQ(Inicia(), codigos::kOk);
+  m_falhas.Arma({apoio::kOpApaga, "TEXTO.OFL", 1, true, plataforma::FalhaWin32(5), {}});
+  EXPECT_TRUE(Falhou(Texto().GeraArquivoOffline()));
+  m_falhas.Arma({apoio::kOpGrava, "TEXTO.OFL", 1, true, plataforma::FalhaWin32(1117), {}});
+  EXPECT_EQ(Texto().GeraArquivoOffline(), codigos::kArqErroFisico);
+  m_falhas.Desarma();
+  EXPECT_EQ(Disco(), Linhas("a0b - c"));
+}
+
+}  // namespace

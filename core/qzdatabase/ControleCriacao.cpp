@@ -1,7 +1,7 @@
 #include "core/qzdatabase/ControleCriacao.h"
 
 #include "core/platform/Plataforma.h"
-#include "core/qzdatabase/QZDataBase.h"
+#include "core/qzdatabase/QZBancoTemporario.h"
 #include "core/qzdatabase/QZTextFile.h"
 
 namespace {
@@ -29,20 +29,18 @@ bool CQZControleCriacao::Controlado(const CString &sNomeArquivo) {
 HRESULT CQZControleCriacao::Possui(bool *pbPossui) const {
   const CQZRastro rastro(&m_dono, {"CQZFileBase::PossuiControleCriacaoArquivos"}, kFonte);
   *pbPossui = false;
-  CQZDataBase qzDB(m_eModulo);
-  CQZTextFile qzTextFile(kArquivoControle, &qzDB);
-  QZ_VERIFICA(rastro, "qzDB.Inicializa(this)", qzDB.Inicializa(m_dono));
-  *pbPossui = ProcuraLinha(qzTextFile, m_sNomeArquivo) != 0;
+  CQZBancoTemporario<CQZTextFile> lista(m_eModulo, kArquivoControle);
+  QZ_VERIFICA(rastro, "qzDB.Inicializa(this)", lista.Banco().Inicializa(m_dono));
+  *pbPossui = ProcuraLinha(lista.Arquivo(), m_sNomeArquivo) != 0;
   return codigos::kOk;
 }
 
 HRESULT CQZControleCriacao::Cria() const {
   const CQZRastro rastro(&m_dono, {"CQZFileBase::CriaControleCriacaoArquivos"}, kFonte);
-  CQZDataBase qzDB(m_eModulo);
-  CQZTextFile qzTextFile(kArquivoControle, &qzDB);
-  QZ_VERIFICA(rastro, "qzDB.Inicializa(this)", qzDB.Inicializa(m_dono));
+  CQZBancoTemporario<CQZTextFile> lista(m_eModulo, kArquivoControle);
+  QZ_VERIFICA(rastro, "qzDB.Inicializa(this)", lista.Banco().Inicializa(m_dono));
   std::uint64_t uiPosicao = 0;
-  QZ_VERIFICA(rastro, "qzTextFile.Grava(uiPosicao, m_sNomeArquivo)", qzTextFile.Grava(uiPosicao, m_sNomeArquivo));
+  QZ_VERIFICA(rastro, "qzTextFile.Grava(uiPosicao, m_sNomeArquivo)", lista.Arquivo().Grava(uiPosicao, m_sNomeArquivo));
   return codigos::kOk;
 }
 
@@ -51,16 +49,15 @@ HRESULT CQZControleCriacao::Remove() const {
   if (!plataforma::Arquivos().Existe(CQZPath::CaminhoArquivo(m_eModulo, m_dono.GetEmpresa(), kArquivoControle))) {
     return codigos::kOk;
   }
-  CQZDataBase qzDB(m_eModulo);
-  CQZTextFile qzTextFile(kArquivoControle, &qzDB);
-  QZ_VERIFICA(rastro, "qzDB.Inicializa(this)", qzDB.Inicializa(m_dono));
-  std::uint64_t uiPosicao = ProcuraLinha(qzTextFile, m_sNomeArquivo);
+  CQZBancoTemporario<CQZTextFile> lista(m_eModulo, kArquivoControle);
+  QZ_VERIFICA(rastro, "qzDB.Inicializa(this)", lista.Banco().Inicializa(m_dono));
+  std::uint64_t uiPosicao = ProcuraLinha(lista.Arquivo(), m_sNomeArquivo);
   if (uiPosicao == 0) {
     return codigos::kOk;
   }
   // Grava takes an empty line for nothing to write; a collection of one empty line makes the stored one empty.
   CStringArray aVazia;
   aVazia.Add(CString());
-  QZ_VERIFICA(rastro, "qzTextFile.Grava(uiPosicao, \"\")", qzTextFile.GravaColecao(uiPosicao, aVazia));
+  QZ_VERIFICA(rastro, "qzTextFile.Grava(uiPosicao, \"\")", lista.Arquivo().GravaColecao(uiPosicao, aVazia));
   return codigos::kOk;
 }

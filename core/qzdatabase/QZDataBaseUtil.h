@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "core/platform/CArray.h"
-#include "core/qzdatabase/QZDataBase.h"
+#include "core/qzdatabase/QZBancoTemporario.h"
 #include "core/qzdatabase/QZFile.h"
 #include "core/qzdatabase/QZFileSingleReg.h"
 
@@ -86,11 +86,10 @@ HRESULT CQZDataBaseUtil::LeSingleReg(const IQZDF_Profiler *pOwner, ModuloQZ eMod
                                      const CString &sNomeArquivo) {
   const CQZRastro rastro(pOwner, {"CQZDataBaseUtil::LeSingleReg"}, kFonteUtil);
   *pReg = T{};
-  CQZDataBase qzDB(eModulo);
-  CQZFileSingleReg<T> qzFile(sNomeArquivo, &qzDB);
-  QZ_VERIFICA(rastro, "qzDB.Inicializa(pOwner)", qzDB.Inicializa(*pOwner));
-  if (qzFile.ExisteArquivo()) {
-    QZ_VERIFICA(rastro, "qzFile.Le(pReg)", qzFile.Le(pReg));
+  CQZBancoTemporario<CQZFileSingleReg<T>> temporario(eModulo, sNomeArquivo);
+  QZ_VERIFICA(rastro, "qzDB.Inicializa(pOwner)", temporario.Banco().Inicializa(*pOwner));
+  if (temporario.Arquivo().ExisteArquivo()) {
+    QZ_VERIFICA(rastro, "qzFile.Le(pReg)", temporario.Arquivo().Le(pReg));
   }
   return codigos::kOk;
 }
@@ -99,10 +98,9 @@ template <typename T>
 HRESULT CQZDataBaseUtil::GravaSingleReg(const IQZDF_Profiler *pOwner, ModuloQZ eModulo, const T &reg,
                                         const CString &sNomeArquivo) {
   const CQZRastro rastro(pOwner, {"CQZDataBaseUtil::GravaSingleReg"}, kFonteUtil);
-  CQZDataBase qzDB(eModulo);
-  CQZFileSingleReg<T> qzFile(sNomeArquivo, &qzDB);
-  QZ_VERIFICA(rastro, "qzDB.Inicializa(pOwner)", qzDB.Inicializa(*pOwner));
-  QZ_VERIFICA(rastro, "qzFile.Grava(reg)", qzFile.Grava(reg));
+  CQZBancoTemporario<CQZFileSingleReg<T>> temporario(eModulo, sNomeArquivo);
+  QZ_VERIFICA(rastro, "qzDB.Inicializa(pOwner)", temporario.Banco().Inicializa(*pOwner));
+  QZ_VERIFICA(rastro, "qzFile.Grava(reg)", temporario.Arquivo().Grava(reg));
   return codigos::kOk;
 }
 
@@ -167,12 +165,12 @@ template <typename T>
 HRESULT CQZDataBaseUtil::GravaTRASemRegistroZero(const IQZDF_Profiler *pOwner, ModuloQZ eModulo,
                                                  const CString &sNomeArquivo, bool *pbTemCompanheiro) {
   const CQZRastro rastro(pOwner, {"CQZDataBaseUtil::RemoveRegistroZero"}, kFonteUtil);
-  CQZDataBase qzDB(eModulo);
-  CQZFile<T> qzFile(sNomeArquivo, &qzDB);
-  CQZFile<T> qzFileTRA(CQZPath::ChangeExtension(sNomeArquivo, "TRA"), &qzDB);
-  QZ_VERIFICA(rastro, "qzDB.Inicializa(pOwner)", qzDB.Inicializa(*pOwner));
+  CQZBancoTemporario<CQZFile<T>> origem(eModulo, sNomeArquivo);
+  CQZBancoTemporario<CQZFile<T>> companheiro(eModulo, CQZPath::ChangeExtension(sNomeArquivo, "TRA"));
+  QZ_VERIFICA(rastro, "qzDB.Inicializa(pOwner)", origem.Banco().Inicializa(*pOwner));
+  QZ_VERIFICA(rastro, "qzDB.Inicializa(pOwner)", companheiro.Banco().Inicializa(*pOwner));
 
-  const CQZBlocosRegistros<T> *pRegistros = qzFile.GetPtrArrayRegistros();
+  const CQZBlocosRegistros<T> *pRegistros = origem.Arquivo().GetPtrArrayRegistros();
   *pbTemCompanheiro = pRegistros->GetSize() > 1;
   if (!*pbTemCompanheiro) {
     return codigos::kOk;
@@ -183,8 +181,9 @@ HRESULT CQZDataBaseUtil::GravaTRASemRegistroZero(const IQZDF_Profiler *pOwner, M
     aRegistros[idx] = (*pRegistros)[idx + 1];
   }
   std::uint64_t uiPosicao = 0;
-  QZ_VERIFICA(rastro, "qzFileTRA.GravaColecao(uiPosicao, aRegistros)", qzFileTRA.GravaColecao(uiPosicao, aRegistros));
-  QZ_VERIFICA(rastro, "qzFileTRA.DescarregaNoDisco()", qzFileTRA.DescarregaNoDisco());
+  QZ_VERIFICA(rastro, "qzFileTRA.GravaColecao(uiPosicao, aRegistros)",
+              companheiro.Arquivo().GravaColecao(uiPosicao, aRegistros));
+  QZ_VERIFICA(rastro, "qzFileTRA.DescarregaNoDisco()", companheiro.Arquivo().DescarregaNoDisco());
   return codigos::kOk;
 }
 

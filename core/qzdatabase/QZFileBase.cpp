@@ -55,14 +55,11 @@ HRESULT CQZFileBase::AbreArquivo(EModoAbertura eModoAbertura) {
 
 /// While a file is being created its entry in the list of created files stands already. An entry without a file would
 /// lock the company out, so it goes again when the creation comes to nothing: failed, thrown out of, or abandoned after
-/// a machine fault (where the object survives one, as the files of shared databases do).
+/// a machine fault.
 class CQZFileBase::EntradaPendente {
 public:
-  explicit EntradaPendente(CQZFileBase &file) : m_file(file) {
-    if (file.m_secao.Nivel() == plataforma::NivelTrava::ArquivoDados) {
-      m_noLivro.emplace(&file, [](void *pFile) { Desfaz(*static_cast<CQZFileBase *>(pFile)); });
-    }
-  }
+  explicit EntradaPendente(CQZFileBase &file)
+      : m_file(file), m_noLivro(&file, [](void *pFile) { Desfaz(*static_cast<CQZFileBase *>(pFile)); }) {}
   ~EntradaPendente() { Desfaz(m_file); }
   EntradaPendente(const EntradaPendente &) = delete;
   EntradaPendente &operator=(const EntradaPendente &) = delete;
@@ -81,7 +78,7 @@ private:
   }
 
   CQZFileBase &m_file;
-  std::optional<plataforma::CQZNoLivro> m_noLivro;
+  plataforma::CQZNoLivro m_noLivro;
 };
 
 HRESULT CQZFileBase::AbreNoModo(EModoAbertura eModoAbertura, bool bPreservaConteudo, SeFaltar seFaltar) {
@@ -156,9 +153,6 @@ HRESULT CQZFileBase::TentaAbrir(const CString &sCaminho, EModoAbertura eModoAber
     const FalhaArquivo falha =
         plataforma::Arquivos().Abre(sCaminho, ModoDoSistema(eModoAbertura, bPreservaConteudo), &m_arquivo);
     if (!falha) {
-      if (m_secao.Nivel() == plataforma::NivelTrava::Temporario) {
-        m_noLivro.emplace(m_arquivo.get(), plataforma::FechaAbandonado);
-      }
       m_eModoAtual = eModoAbertura;
       return codigos::kOk;
     }
@@ -254,6 +248,7 @@ HRESULT CQZFileBase::DescarregaNoDisco() {
 
 HRESULT CQZFileBase::OnInicializa() {
   const CQZRastro rastro(this, {"CQZFileBase::OnInicializa"}, kFonte);
+  FechaArquivo();  // a failed initialisation leaves its handle open
   const std::optional<std::uint32_t> uiLigado = plataforma::Registro().LeNumero(kChaveSuite, kValorCabecalho);
   m_bCabecalhoGerenciado = false;
   m_bTemCabecalho = uiLigado.value_or(0) != 0 && !CQZPath::TemExtensao(m_sNomeArquivo, "TRA");
@@ -332,7 +327,6 @@ plataforma::FalhaArquivo CQZFileBase::TamanhoDados(std::uint64_t *puiTamanho) {
 }
 
 void CQZFileBase::FechaArquivo() {
-  m_noLivro.reset();
   m_arquivo.reset();
   m_eModoAtual = eModoFechado;
 }

@@ -9,7 +9,7 @@
 #include "core/env/QZPath.h"
 #include "core/errors/CodigosResultado.h"
 #include "core/log/QZOperacao.h"
-#include "core/platform/ArquivoNoLivro.h"
+#include "core/platform/LivroTravas.h"
 #include "core/platform/SistemaArquivos.h"
 #include "core/qzdatabase/CabecalhoArquivo.h"
 #include "core/qzdatabase/ControleCriacao.h"
@@ -181,9 +181,6 @@ private:
   plataforma::FalhaArquivo CalculaCrcDoArquivo(std::uint64_t uiInicio, std::uint64_t *puiCrc);
 
   std::unique_ptr<plataforma::IArquivoAberto> m_arquivo;
-  /// A file opened for one piece of work may lie on a stack that a machine fault abandons: its handle is then closed
-  /// through the ledger. The files of a shared database belong to the container, which survives.
-  std::optional<plataforma::CQZNoLivro> m_noLivro;
   EModoAbertura m_eModoAtual = eModoFechado;
   CString m_sNomeArquivo;
   ModuloQZ m_eModulo;

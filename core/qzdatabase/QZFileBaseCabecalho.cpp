@@ -1,6 +1,7 @@
 // The header of a data file: created, checked, brought up to date.
 
 #include "core/qzdatabase/PercorreArquivo.h"
+#include "core/qzdatabase/QZBancoTemporario.h"
 #include "core/qzdatabase/QZCrc64.h"
 #include "core/qzdatabase/QZDataBaseUtil.h"
 #include "core/qzdatabase/QZFileBase.h"
@@ -113,9 +114,9 @@ HRESULT CQZFileBase::CriaCabecalho() {
 /// The copy is on the storage device, and closed, when this returns.
 HRESULT CQZFileBase::GravaCopiaComCabecalho() {
   const CQZRastro rastro(this, {"CQZFileBase::CriaCabecalho"}, kFonte);
-  CQZDataBase qzDB(m_eModulo);
-  CQZFileCopia qzFileDestino(CQZPath::ChangeExtension(m_sNomeArquivo, "TRA"), &qzDB);
-  QZ_VERIFICA(rastro, "qzDB.Inicializa(this)", qzDB.Inicializa(*this));
+  CQZBancoTemporario<CQZFileCopia> copia(m_eModulo, CQZPath::ChangeExtension(m_sNomeArquivo, "TRA"));
+  CQZFileCopia &qzFileDestino = copia.Arquivo();
+  QZ_VERIFICA(rastro, "qzDB.Inicializa(this)", copia.Banco().Inicializa(*this));
   QZ_VERIFICA(rastro, "qzFileDestino.AbreArquivo()", qzFileDestino.AbreArquivo());
 
   RegVersaoArquivo regVersao{};

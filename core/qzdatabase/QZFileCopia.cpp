@@ -2,6 +2,7 @@
 
 #include "core/platform/Textos.h"
 #include "core/qzdatabase/PercorreArquivo.h"
+#include "core/qzdatabase/QZBancoTemporario.h"
 #include "core/qzdatabase/QZDataBaseUtil.h"
 
 using plataforma::CQZTrava;
@@ -34,10 +35,11 @@ HRESULT CQZFileBase::CopiaArquivoPara(const CString &sEmpresa, ModuloQZ qzModulo
   if (plataforma::Maiusculas(sDestino) == plataforma::Maiusculas(CaminhoCompleto())) {
     QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoApagado);
   }
-  CQZDataBase qzDB(qzModulo);
-  CQZFileCopia qzFileDestino(m_sNomeArquivo, &qzDB);
+  CQZBancoTemporario<CQZFileCopia> copia(qzModulo, m_sNomeArquivo);
+  CQZFileCopia &qzFileDestino = copia.Arquivo();
   qzFileDestino.DesabilitaControleCriacaoArquivos();
-  QZ_VERIFICA(rastro, "qzDB.Inicializa(sEmpresa, ( 0xffff ), 0)", qzDB.Inicializa(sEmpresa, kUsuarioInterno, 0));
+  QZ_VERIFICA(rastro, "qzDB.Inicializa(sEmpresa, ( 0xffff ), 0)",
+              copia.Banco().Inicializa(sEmpresa, kUsuarioInterno, 0));
 
   const CQZTrava trava(m_secao);
   std::uint64_t uiTamanho = 0;

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "core/qzdatabase/QZBancoTemporario.h"
 #include "core/qzdatabase/QZCrc64.h"
-#include "core/qzdatabase/QZDataBase.h"
 #include "core/qzdatabase/QZLeitorSequencial.h"
 
 using plataforma::CQZTrava;
@@ -378,15 +378,15 @@ HRESULT CQZTextFile::GeraArquivoOffline() {
   const CQZOperacao rastro(this, {"CQZTextFile::GeraArquivoOffline"}, kFonte);
   const CQZTrava trava(Secao());
   QZ_VERIFICA(rastro, "DeletaArquivoOffline()", DeletaArquivoOffline());
-  CQZDataBase qzDB(GetModulo(), plataforma::NivelTrava::Temporario);
-  CQZTextFile qzFile(CQZPath::ChangeExtension(GetNomeArquivo(), "OFL"), &qzDB);
-  QZ_VERIFICA(rastro, "qzDB.Inicializa(this)", qzDB.Inicializa(*this));
+  CQZBancoTemporario<CQZTextFile> offline(GetModulo(), CQZPath::ChangeExtension(GetNomeArquivo(), "OFL"));
+  QZ_VERIFICA(rastro, "qzDB.Inicializa(this)", offline.Banco().Inicializa(*this));
   CStringArray aRegistros;
   aRegistros.Reserva(m_aRegistros.GetSize());
   for (std::size_t idx = 0; idx < m_aRegistros.GetSize(); ++idx) {
     aRegistros.Add(m_aRegistros[idx].sTexto);
   }
   std::uint64_t uiPosicao = 0;
-  QZ_VERIFICA(rastro, "qzFile.GravaColecao(uiPosicao, aRegistros)", qzFile.GravaColecao(uiPosicao, aRegistros));
+  QZ_VERIFICA(rastro, "qzFile.GravaColecao(uiPosicao, aRegistros)",
+              offline.Arquivo().GravaColecao(uiPosicao, aRegistros));
   return codigos::kOk;
 }

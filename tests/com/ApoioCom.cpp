@@ -22,6 +22,18 @@ Empresa::Empresa(const CString &sSubdiretorioAusente) : m_sCodigo(CodigoUnico())
                          m_pasta.Caminho() + sSubdiretorioAusente);
 }
 
+void Empresa::ApagaArquivos() const {
+  for (const char *lpNome : {"DFVEIC.DAT", "DFVEIVS.DAT", "QZDATABASE_FILE_CTRL.DAT"}) {
+    DeleteFileA(Arquivo(lpNome).c_str());
+  }
+}
+
+std::string Registros(const Empresa &empresa) {
+  constexpr std::size_t kCabecalho = 92;
+  const std::string sConteudo = apoio::LeArquivo(empresa.Arquivo("DFVEIC.DAT"));
+  return sConteudo.size() % 256 == kCabecalho ? sConteudo.substr(kCabecalho) : sConteudo;
+}
+
 Veiculos Cria(HRESULT *phr) {
   void *pObjeto = nullptr;
   const HRESULT hr = CoCreateInstance(CLSID_CQZDF_Veiculos, nullptr, CLSCTX_LOCAL_SERVER, IID_IQZDF_Veiculos, &pObjeto);

@@ -61,11 +61,17 @@ public:
   const CString &Codigo() const { return m_sCodigo; }
   CString Arquivo(const CString &sNome) const { return m_pasta / sNome; }
 
+  /// Back to a company without data files; nobody may have them open.
+  void ApagaArquivos() const;
+
 private:
   apoio::PastaTemporaria m_pasta;
   apoio::RegistroTeste m_registro;
   CString m_sCodigo;
 };
+
+/// The vehicle records on disk, without the header where headers are on. Nobody may have the file open.
+std::string Registros(const Empresa &empresa);
 
 /// A new service object of the registered server; null with the result code in `*phr` when that fails.
 Veiculos Cria(HRESULT *phr = nullptr);

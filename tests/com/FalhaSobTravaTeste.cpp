@@ -172,7 +172,7 @@ TEST(FalhaSobTrava, UmaChamadaFalhaEOsOutrosContinuam) {
   }
   EXPECT_EQ(arquivos.Abertos(), 0);
   // Nobody holds the file any more, and it has what was written and nothing of what was not.
-  EXPECT_EQ(apoio::LeArquivo(empresa.Arquivo("DFVEIC.DAT")).size(), uiGravados * sizeof(RegVeiculo));
+  EXPECT_EQ(Registros(empresa).size(), uiGravados * sizeof(RegVeiculo));
 }
 
 // Unlike a machine fault an exception costs the object nothing: the very next write goes through.
@@ -199,8 +199,7 @@ TEST(FalhaSobTrava, ExcecaoDeixaOObjetoUtilizavel) {
       EXPECT_EQ(lPos, ++lGravados);
     }
   }
-  EXPECT_EQ(apoio::LeArquivo(empresa.Arquivo("DFVEIC.DAT")).size(),
-            static_cast<std::size_t>(lGravados) * sizeof(RegVeiculo));
+  EXPECT_EQ(Registros(empresa).size(), static_cast<std::size_t>(lGravados) * sizeof(RegVeiculo));
 }
 
 // A company is opened from nothing, from a base to be converted and from a converted one, and closed again, with a

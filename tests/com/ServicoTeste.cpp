@@ -171,7 +171,7 @@ TEST_F(Servico, FalhaDeMaquinaTiraORegistroDoObjeto) {
     unsigned uiQtd = 5;
     EXPECT_EQ(Bits(spVeiculos->GetQuantidadeRegistros(&uiQtd)), 0x8004EAC5U);
     EXPECT_EQ(uiQtd, 0U);
-    EXPECT_EQ(apoio::LeArquivo(empresa.Arquivo("DFVEIC.DAT")).size(), 256U);
+    EXPECT_EQ(Registros(empresa).size(), 256U);
 
     const Veiculos spNovo = NovoPara(empresa);
     ASSERT_TRUE(spNovo);

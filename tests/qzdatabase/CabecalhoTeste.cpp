@@ -1,0 +1,232 @@
+// File headers: creation, damage, the switch, and the bytes themselves.
+
+#include "core/conx/DadosInstalacao.h"
+#include "core/qzdatabase/QZDataBaseUtil.h"
+#include "core/qzdatabase/QZTextFile.h"
+#include "tests/apoio/ChaveCabecalho.h"
+#include "tests/qzdatabase/BancoTeste.h"
+
+namespace {
+
+std::string DeHexa(const char *hexa) {
+  std::string bytes;
+  for (unsigned valor = 0; *hexa != '\0'; ++hexa) {
+    if (*hexa != ' ') {
+      valor = valor << 4 | static_cast<unsigned>(*hexa <= '9' ? *hexa - '0' : *hexa - 'A' + 10);
+      if (hexa[1] == ' ' || hexa[1] == '\0') {
+        bytes.push_back(static_cast<char>(valor));
+        valor = 0;
+      }
+    }
+  }
+  return bytes;
+}
+
+class Cabecalho : public ComBanco {
+protected:
+  /// Both files with headers; TESTE.DAT with the records 1 to 4.
+  void PreparaBase() {
+    m_empresa.Escreve("UNICO.DAT", Bytes(7, 7));
+    Prepara("TESTE.DAT", Bytes(1, 4));
+  }
+  /// Opens the base and lets it go.
+  HRESULT AbreUmaVez() { return BancoTeste().Inicializa(m_empresa.Dono()); }
+  std::string Inteiro(const CString &nome = "TESTE.DAT") { return m_empresa.LeInteiro(nome); }
+
+  apoio::ChaveCabecalho m_chave{true};
+};
+
+TEST_F(Cabecalho, BytesConhecidos) {
+  CQZProfilerEmpresa dono = m_empresa.Dono();
+  std::string veiculo("V001\0\0\0\0\0\0\0\0\0ABC1D23\0\0SP\0CAMINHAO TOCO", 38);
+  veiculo.resize(76);
+  veiculo += DeHexa("E4 07 00 00") + "12345678";
+  veiculo.resize(101);
+  veiculo += DeHexa("02 01 00 C0 68 78 04 00 00 00 00 00 0E 27 07 00 00 00 00 58 F1 06 00 00 00 00 00");
+  veiculo += "00123456789";
+  veiculo += DeHexa("00 11 00 01");
+  veiculo.resize(256);
+  const std::string sVersao = DeHexa("01 00 00 00 00 00 00 00 0D F1 D0 5C 92 79 E9 54 36 64 84 38 58 81 E7 53");
+  const struct {
+    const char *nome;
+    std::string dados;
+    const char *codigo;
+    const char *fim;  ///< the two checks at the end of the header
+    std::uint32_t uiCodigo;
+  } casos[] = {
+      {"DFVEIC.DAT", veiculo, "00 00 00 00", "61 3A 7A 2F AF EF 19 D0 DA 17 A7 DD 3F 98 1C 1A", 0},
+      {"DFVEIC.DAT", veiculo, "4E 61 BC 00", "61 3A 7A 2F AF EF 19 D0 79 AF FF E5 17 CD B2 24", 12345678},
+      {"DFVEIC.DAT", "", "00 00 00 00", "00 00 00 00 00 00 00 00 5D 38 C7 AE 0E 3F 39 9F", 0},
+      {"DFVEIVS.DAT", std::string(1, 1) + std::string(15, 0), "00 00 00 00",
+       "E4 3A 39 CA 97 D4 5D E0 4F 97 F4 6C 47 20 40 50", 0},
+      {"QZDATABASE_FILE_CTRL.DAT", DeHexa("0A 00 00 00") + "DFVEIC.DAT", "00 00 00 00",
+       "43 61 E3 53 E2 B8 01 46 A2 DB 20 C7 28 7D 24 33", 0},
+  };
+  static std::uint32_t s_uiCodigo;
+  DefineLeitorDadosInstalacao([](const CQZBaseParaRotinas &, CQZDadosInstalacao *pDados) -> HRESULT {
+    pDados->uiCodigo = s_uiCodigo;
+    return codigos::kOk;
+  });
+  for (const auto &caso : casos) {
+    SCOPED_TRACE(testing::Message() << caso.nome << ", " << caso.uiCodigo);
+    s_uiCodigo = caso.uiCodigo;
+    m_empresa.Escreve(caso.nome, caso.dados);
+    CQZDataBase qzDB(QZ_DF);
+    CQZTextFile qzFile(caso.nome, &qzDB);  // opening gives the header, whatever the file holds
+    EXPECT_EQ(qzDB.Inicializa(dono), codigos::kOk);
+    EXPECT_EQ(qzDB.Finaliza(), codigos::kOk);
+    std::string sNome = caso.nome;
+    sNome.resize(46);
+    EXPECT_EQ(Inteiro(caso.nome),
+              sVersao + DeHexa(caso.codigo) + std::string(2, 0) + sNome + DeHexa(caso.fim) + caso.dados);
+  }
+  DefineLeitorDadosInstalacao(nullptr);
+}
+
+/// Each kind of damage has its code, changes nothing, and goes away with the good file.
+TEST_F(Cabecalho, DanoERecusadoEPassa) {
+  PreparaBase();
+  const std::string sBom = Inteiro();
+  const auto inverte = [&](std::size_t uiPosicao) {
+    std::string bytes = sBom;
+    bytes[uiPosicao] = static_cast<char>(~bytes[uiPosicao]);
+    return bytes;
+  };
+  std::vector<std::pair<std::string, HRESULT>> casos;
+  for (std::size_t i = kPosicaoRegCabecalho; i < sBom.size(); ++i) {
+    casos.emplace_back(inverte(i), i < kTamanhoCabecalho ? codigos::kCabecalhoDanificado : codigos::kDadosNaoConferem);
+  }
+  for (std::size_t i = kPosicaoRegCabecalho; i < sBom.size(); ++i) {
+    casos.emplace_back(sBom.substr(0, i),
+                       i < kTamanhoCabecalho ? codigos::kCabecalhoDanificado : codigos::kDadosNaoConferem);
+  }
+  RegVersaoArquivo versao2 = MontaRegVersao();
+  versao2.iVersao = 2;
+  versao2.uiCrcVersao = CalculaCrc64(&versao2, 2);
+  versao2.uiCrcCrcVersao = CalculaCrc64(reinterpret_cast<const char *>(&versao2) + 8, 8);
+  casos.emplace_back(std::string(reinterpret_cast<const char *>(&versao2), sizeof(versao2)) + sBom.substr(24),
+                     codigos::kCabecalhoVersaoDesconhecida);
+  casos.emplace_back(Inteiro("UNICO.DAT"), codigos::kCabecalhoDeOutroArquivo);
+  for (std::size_t i = 0; i < casos.size(); ++i) {
+    SCOPED_TRACE(i);
+    const auto &[bytes, hr] = casos[i];
+    m_empresa.Escreve("TESTE.DAT", bytes);
+    ASSERT_EQ(AbreUmaVez(), hr);
+    ASSERT_EQ(AbreUmaVez(), hr) << "again";
+    ASSERT_EQ(Inteiro(), bytes);
+    m_empresa.Escreve("TESTE.DAT", sBom);
+    ASSERT_EQ(AbreUmaVez(), codigos::kOk);
+    ASSERT_EQ(Inteiro(), sBom);
+  }
+  m_empresa.Escreve("TESTE.DAT", inverte(2));
+  EXPECT_EQ(AbreUmaVez(), codigos::kOk) << "padding of the version record is covered by no check";
+  m_empresa.Escreve("UNICO.DAT", Inteiro("UNICO.DAT").substr(0, 107));
+  EXPECT_EQ(AbreUmaVez(), codigos::kDadosNaoConferem);
+}
+
+/// A damaged version record looks like a file without header: it gets one more, and its records are still there.
+TEST_F(Cabecalho, RegistroDeVersaoDanificadoNaoPerdeRegistros) {
+  PreparaBase();
+  std::string bytes = Inteiro();
+  for (const std::size_t uiPosicao : {0U, 8U, 16U}) {
+    std::string danificado = bytes;
+    SCOPED_TRACE(uiPosicao);
+    danificado[uiPosicao] ^= 1;
+    m_empresa.Escreve("TESTE.DAT", danificado);
+    EXPECT_EQ(AbreUmaVez(), codigos::kTamanhoNaoMultiplo);
+    EXPECT_EQ(AbreUmaVez(), codigos::kTamanhoNaoMultiplo);
+    EXPECT_EQ(m_empresa.Le("TESTE.DAT"), danificado);
+    EXPECT_FALSE(m_empresa.Existe("TESTE.TRA"));
+  }
+}
+
+/// Reads, writes and a second process's view while the switch changes: no record moves.
+TEST_F(Cabecalho, ChaveMudaDuranteEEntreAberturas) {
+  m_chave.Define(false);
+  m_empresa.Escreve("TESTE.DAT", Bytes(1, 3));
+  ASSERT_EQ(Abre(), codigos::kOk);
+  m_chave.Define(true);
+  std::uint64_t uiPosicao = 0;
+  EXPECT_EQ(Arquivo().Grava(uiPosicao, Registro(4)), codigos::kOk);
+  EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
+  EXPECT_EQ(Inteiro(), Bytes(1, 4)) << "opened without";
+
+  ASSERT_EQ(Abre(), codigos::kOk);
+  m_chave.Define(false);
+  uiPosicao = 2;
+  EXPECT_EQ(Arquivo().Grava(uiPosicao, Registro(9)), codigos::kOk);
+  EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
+  EXPECT_EQ(Inteiro().size(), kTamanhoCabecalho + Bytes(1, 4).size()) << "opened with";
+  EXPECT_EQ(m_empresa.Le("TESTE.DAT"), Bytes(1, 1) + Bytes(9, 9) + Bytes(3, 4));
+
+  EXPECT_EQ(AbreUmaVez(), codigos::kTamanhoNaoMultiplo) << "off: 92 bytes too many";
+  m_chave.Define(true);
+  EXPECT_EQ(Abre(), codigos::kOk);
+  RegTeste reg;
+  EXPECT_EQ(Arquivo().Le(4, &reg), codigos::kOk);
+  EXPECT_EQ(reg, Registro(4));
+}
+
+/// Every write leaves a header that a full check accepts: over, within and behind the stored records.
+TEST_F(Cabecalho, SegueCadaGravacao) {
+  PreparaBase();
+  for (const std::uint32_t uiPrimeiro : {1U, 4U, 2U, 0U, 3U}) {
+    ASSERT_EQ(Abre(), codigos::kOk);
+    for (std::uint32_t uiQtd = 1; uiQtd < 4; ++uiQtd) {
+      std::uint64_t uiPosicao = uiPrimeiro;
+      const std::uint32_t uiNumero = 100 * uiPrimeiro + 10 * uiQtd;
+      ASSERT_EQ(Arquivo().GravaColecao(uiPosicao, Colecao(uiNumero, uiNumero + uiQtd - 1)), codigos::kOk);
+      ASSERT_EQ(Unico().Grava(Registro(uiNumero)), codigos::kOk);
+    }
+    static_cast<void>(Disco("TESTE.DAT"));
+    static_cast<void>(m_empresa.Le("UNICO.DAT"));
+  }
+  ASSERT_EQ(Abre(), codigos::kOk);
+  EXPECT_EQ(Arquivo().GetQuantidade(), 12U);
+}
+
+/// A database that defers flushing writes the header once, at the end.
+TEST_F(Cabecalho, FlushAdiado) {
+  PreparaBase();
+  CQZDataBase qzDB(QZ_DF);
+  qzDB.AdiaFlush();
+  CQZFile<RegTeste> qzFile("TESTE.DAT", &qzDB);
+  ASSERT_EQ(qzDB.Inicializa(m_empresa.Dono()), codigos::kOk);
+  m_falhas.Arma({apoio::kOpGrava, "TESTE.DAT", 100, false, plataforma::FalhaWin32(112), {}});
+  for (std::uint64_t uiPosicao = 1; uiPosicao <= 4; ++uiPosicao) {
+    std::uint64_t uiOnde = uiPosicao;
+    ASSERT_EQ(qzFile.Grava(uiOnde, Registro(50)), codigos::kOk);
+  }
+  EXPECT_EQ(m_falhas.Vistas(), 4U);
+  ASSERT_EQ(qzDB.Finaliza(), codigos::kOk);
+  EXPECT_EQ(m_falhas.Vistas(), 5U);
+  EXPECT_EQ(m_empresa.Le("TESTE.DAT"), Bytes(50, 50) + Bytes(50, 50) + Bytes(50, 50) + Bytes(50, 50));
+}
+
+/// A header that cannot be made leaves the file as it was and no companion; the next try works.
+TEST_F(Cabecalho, FalhaEmCadaOperacaoDaCriacao) {
+  m_empresa.Escreve("UNICO.DAT", Bytes(7, 7));
+  for (const bool bPersistente : {false, true}) {
+    for (std::size_t n = 1;; ++n) {
+      SCOPED_TRACE(testing::Message() << "fault " << n << (bPersistente ? " and all after" : ""));
+      m_empresa.Escreve("TESTE.DAT", Bytes(1, 4));
+      m_falhas.Arma({apoio::kOpTodas, "TESTE", n, bPersistente, plataforma::FalhaWin32(1117), 30});
+      const HRESULT hr = AbreUmaVez();
+      const bool bDisparou = m_falhas.Disparou();
+      m_falhas.Desarma();
+      ASSERT_EQ(m_empresa.Le("TESTE.DAT"), Bytes(1, 4));
+      if (!bPersistente) {
+        ASSERT_FALSE(m_empresa.Existe("TESTE.TRA"));
+      }
+      ASSERT_EQ(AbreUmaVez(), codigos::kOk) << "a second try works";
+      ASSERT_EQ(m_empresa.Le("TESTE.DAT"), Bytes(1, 4));
+      ASSERT_FALSE(m_empresa.Existe("TESTE.TRA"));
+      if (!bDisparou) {
+        ASSERT_EQ(hr, codigos::kOk);
+        break;
+      }
+    }
+  }
+}
+
+}  // namespace

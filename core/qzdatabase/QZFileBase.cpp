@@ -83,7 +83,7 @@ private:
 
 HRESULT CQZFileBase::AbreNoModo(EModoAbertura eModoAbertura, bool bPreservaConteudo, SeFaltar seFaltar) {
   const CQZOperacao rastro(this, {"CQZFileBase::AbreArquivo"}, kFonte);
-  if (ExisteArquivo() && eModoAbertura == m_eModoAtual) {
+  if (m_bPronto && eModoAbertura == m_eModoAtual) {
     return codigos::kOk;
   }
   std::optional<EntradaPendente> entradaPendente;
@@ -93,7 +93,9 @@ HRESULT CQZFileBase::AbreNoModo(EModoAbertura eModoAbertura, bool bPreservaConte
   // The list is consulted while the file is still open: a failure leaves the object as it was.
   QZ_VERIFICA(rastro, "GerenciaControleCriacaoArquivos(eModoAbertura)", GerenciaControleCriacaoArquivos(eModoAbertura));
   const EModoAbertura eModoAnterior = m_eModoAtual;
-  AnotaEstado();
+  if (m_bPronto) {
+    AnotaEstado();
+  }
   FechaArquivo();
 
   const HRESULT hr = TentaAbrir(CaminhoCompleto(), eModoAbertura, bPreservaConteudo);
@@ -144,6 +146,7 @@ HRESULT CQZFileBase::AposAbrir(const CQZRastro &rastro, EModoAbertura eModoAbert
       m_estado.reset();
     }
   }
+  m_bPronto = !Falhou(hr);
   return hr;
 }
 
@@ -329,6 +332,7 @@ plataforma::FalhaArquivo CQZFileBase::TamanhoDados(std::uint64_t *puiTamanho) {
 void CQZFileBase::FechaArquivo() {
   m_arquivo.reset();
   m_eModoAtual = eModoFechado;
+  m_bPronto = false;
 }
 
 void CQZFileBase::ReabreSePerdido() {

@@ -182,6 +182,7 @@ private:
 
   std::unique_ptr<plataforma::IArquivoAberto> m_arquivo;
   EModoAbertura m_eModoAtual = eModoFechado;
+  bool m_bPronto = false;  ///< open, with its header and memory seen to; false after an opening that was abandoned
   CString m_sNomeArquivo;
   ModuloQZ m_eModulo;
   CQZDataBase *m_pDataBase;

@@ -20,7 +20,6 @@ HRESULT CQZFileBase::GerenciaCabecalho() {
   if (!m_bTemCabecalho || m_bCabecalhoGerenciado) {
     return codigos::kOk;
   }
-  m_bCabecalhoGerenciado = true;
   bool bPossui = false;
   QZ_VERIFICA(rastro, "PossuiCabecalho()", PossuiCabecalho(&bPossui));
   if (bPossui) {
@@ -28,6 +27,7 @@ HRESULT CQZFileBase::GerenciaCabecalho() {
   } else {
     QZ_VERIFICA(rastro, "CriaCabecalho()", CriaCabecalho());
   }
+  m_bCabecalhoGerenciado = true;
   return codigos::kOk;
 }
 

@@ -30,6 +30,7 @@ public:
   CString Caminho(const CString &nome) const { return m_pasta / nome; }
   std::string Le(const CString &nome) const { return LeArquivo(Caminho(nome)); }
   void Escreve(const CString &nome, const std::string &conteudo) const { EscreveArquivo(Caminho(nome), conteudo); }
+  void CriaSubpasta(const CString &nome) const { m_pasta.CriaSubpasta(nome); }
   bool Existe(const CString &nome) const { return ExisteNoDisco(Caminho(nome)); }
 
 private:

@@ -251,3 +251,44 @@ TEST(FalhaSobTrava, AoAbrirEFecharACompanhia) {
     }
   }
 }
+
+// The first write creates the file and its entry in the list of created files, the second finds both: with a fault at
+// each file operation of either in turn another object writes all the same, and nothing half written stays.
+TEST(FalhaSobTrava, EmCadaOperacaoDeUmaGravacao) {
+  for (const bool bExiste : {false, true}) {
+    bool bFalhou = true;
+    for (std::size_t n = 1; bFalhou; ++n) {
+      SCOPED_TRACE(testing::Message() << (bExiste ? "second write, " : "first write, ") << n);
+      ASSERT_LT(n, 200U);
+      const Empresa empresa;
+      apoio::ColetorRastro rastro;
+      apoio::ArquivosComFalha arquivos(plataforma::ArquivosDoSistema());
+      const apoio::ServicosTrocados servicos(&arquivos);
+      bool bGravou = false;
+      {
+        const Veiculos spVeiculos = NovoPara(empresa);
+        const Veiculos spOutro = NovoPara(empresa);
+        ASSERT_TRUE(spVeiculos && spOutro);
+        LONG lPos = 0;
+        if (bExiste) {
+          ASSERT_EQ(spOutro->Grava(&lPos, Veiculo("BOM")), S_OK);
+          lPos = 0;
+        }
+        arquivos.Arma({.enesima = n, .gravaAntes = 33, .aoFalhar = kFalhas[n % 2].executa});
+        bGravou = SUCCEEDED(spVeiculos->Grava(&lPos, Veiculo("BOM")));
+        bFalhou = arquivos.Disparou();
+        arquivos.Desarma();
+        ASSERT_EQ(plataforma::LivroTravas::Marca(), 0U);
+        ASSERT_EQ(EmUmSegundo([&] {
+                    LONG lNova = 0;
+                    return spOutro->Grava(&lNova, Veiculo("BOM"));
+                  }),
+                  S_OK);
+      }
+      ASSERT_EQ(arquivos.Abertos(), 0);
+      rastro.Toma();
+      ASSERT_TRUE(NovoPara(empresa)) << testing::PrintToString(rastro.Toma());
+      ASSERT_EQ(Registros(empresa).size() / sizeof(RegVeiculo), 1U + (bExiste ? 1 : 0) + (bGravou ? 1 : 0));
+    }
+  }
+}

@@ -61,13 +61,14 @@ TEST_F(Copia, RecusaDestinoIgualOuPreso) {
 
 /// The deletion before the copy is in the source's own module, whatever the destination's is.
 TEST_F(Copia, ParaOutroModuloApagaODoModuloDaOrigem) {
-  apoio::RegistroTeste registro;
-  registro.DefineTexto(m_outra.ChaveDaEmpresa(), "CR", m_outra.Caminho("cr"));
-  m_outra.Escreve("TESTE.DAT", "of module 1");
+  m_outra.CriaSubpasta("NFe");
+  m_outra.Escreve("TESTE.DAT", "of the source's module");
   m_empresa.Escreve("TESTE.DAT", Bytes(1, 2));
   ASSERT_EQ(Abre(), codigos::kOk);
-  EXPECT_EQ(Arquivo().CopiaArquivoPara(m_outra.Codigo(), kModuloInstalacao), codigos::kOk);
+  EXPECT_EQ(Arquivo().CopiaArquivoPara(m_outra.Codigo(), QZ_NFE), codigos::kOk);
   EXPECT_FALSE(m_outra.Existe("TESTE.DAT"));
+  EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 2));
+  EXPECT_EQ(m_outra.LeInteiro("NFe\\TESTE.DAT"), m_empresa.LeInteiro("TESTE.DAT"));
 }
 
 TEST_F(Copia, FalhaEmCadaOperacaoPoupaAOrigem) {

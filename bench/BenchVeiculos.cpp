@@ -1,20 +1,16 @@
 // What the register costs, on 1,000,000 records of 256 bytes, beside the bare operation or SQLite in the same run.
 
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <mutex>
-#include <string>
 #include <vector>
 
 #include "bench/Amostra.h"
 #include "bench/ComparacaoSqlite.h"
+#include "bench/EmpresaBench.h"
 #include "core/platform/MemoriaTarefa.h"
 #include "core/platform/Plataforma.h"
-#include "core/platform/posix/RegistroMemoria.h"
 #include "core/qzdatabase/QZDataBaseUtil.h"
 #include "vehicles/BaseVeiculos.h"
 #include "vehicles/VersaoBaseVeiculos.h"
@@ -23,20 +19,10 @@ namespace {
 
 constexpr char kEmpresa[] = "BENCH";
 
-void Exige(HRESULT hr, const char *lpPasso) {
-  if (Falhou(hr)) {
-    std::fprintf(stderr, "%s: 0x%08X\n", lpPasso, BitsResultado(hr));
-    std::exit(1);
-  }
-}
-
 /// A register over a temporary directory, filled with the sample.
 class Base {
 public:
-  Base() : m_pasta(std::filesystem::temp_directory_path() / ("kalvo-bench-" + std::to_string(getpid()))) {
-    std::filesystem::create_directories(m_pasta);
-    plataforma::RegistroMemoria::DoProcesso().DefineTexto(CString(kChaveSuite) + "Empresas\\" + kEmpresa, "DF",
-                                                          m_pasta.string());
+  Base() {
     CQZProfilerEmpresa dono(kEmpresa, 1, 1);
     CQZDataBase_Veiculos banco;
     Exige(banco.Inicializa(dono), "Inicializa");
@@ -52,19 +38,15 @@ public:
           "GravaSingleReg");
     Exige(m_registro.Inicializa(kEmpresa, 1, 1), "register");
   }
-  ~Base() {
-    static_cast<void>(m_registro.Finaliza());
-    std::filesystem::remove_all(m_pasta);
-  }
+  ~Base() { static_cast<void>(m_registro.Finaliza()); }
   Base(const Base &) = delete;
   Base &operator=(const Base &) = delete;
 
   CBaseVeiculos &Registro() { return m_registro; }
-  CString CaminhoDados() const { return (m_pasta / kArquivoVeiculos).string(); }
-  CString CaminhoSolto() const { return (m_pasta / "SOLTO.DAT").string(); }
+  CString CaminhoSolto() const { return m_empresa.Caminho("SOLTO.DAT"); }
 
 private:
-  std::filesystem::path m_pasta;
+  EmpresaBench m_empresa{kEmpresa};
   CBaseVeiculos m_registro;
 };
 

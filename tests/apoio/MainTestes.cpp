@@ -37,9 +37,7 @@ int main(int argc, char **argv) {
     return codigo;
   }
   testing::InitGoogleTest(&argc, argv);
-  std::optional<apoio::ChaveCabecalho> cabecalhos;
-  if (std::getenv("KALVO_TESTE_CABECALHO") != nullptr) {
-    cabecalhos.emplace(true);
-  }
+  // The switch in the machine's registry belongs to the tests of the registered server.
+  const apoio::ChaveCabecalho cabecalhos(std::getenv("KALVO_TESTE_CABECALHO") != nullptr);
   return RUN_ALL_TESTS();
 }

@@ -50,6 +50,29 @@ const char kRegistroLido[] =
     "42 43 31 44 32 33 00 00 53 50 00 02 01 00 01 00 "
     "00*24";
 
+/// What stands before the data of a file with headers on: the same 24 bytes for every file, the installation code 0,
+/// the name, and the checks of data and header.
+std::string Cabecalho(std::string sNome, const std::string &sChecagens) {
+  sNome.resize(46);
+  return Bytes("01 00*7 0D F1 D0 5C 92 79 E9 54 36 64 84 38 58 81 E7 53 00*6") + sNome + Bytes(sChecagens);
+}
+
+/// The switch that the server reads, on for a scope.
+class CabecalhosLigados {
+public:
+  CabecalhosLigados() {
+    const DWORD uiLigado = 1;
+    EXPECT_EQ(RegSetKeyValueA(HKEY_LOCAL_MACHINE, kChave, kValor, REG_DWORD, &uiLigado, sizeof(uiLigado)), 0);
+  }
+  ~CabecalhosLigados() { RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, kChave, kValor); }
+  CabecalhosLigados(const CabecalhosLigados &) = delete;
+  CabecalhosLigados &operator=(const CabecalhosLigados &) = delete;
+
+private:
+  static constexpr char kChave[] = "SOFTWARE\\Wow6432Node\\Tarvel";
+  static constexpr char kValor[] = "QZDataBase_HabilitarCabecalho";
+};
+
 std::string Memoria(const void *p, std::size_t n) {
   return std::string(static_cast<const char *>(p), n);
 }
@@ -77,6 +100,29 @@ TEST(BytesCom, GravadoELidoByteAByte) {
   // The company's files are open to the server alone until its last object is gone, which it is by now.
   EXPECT_EQ(apoio::LeArquivo(empresa.Arquivo("DFVEIC.DAT")), Bytes(kArquivoGravado));
   EXPECT_EQ(apoio::LeArquivo(empresa.Arquivo("DFVEIVS.DAT")), Bytes("01 00*15"));
+  EXPECT_EQ(apoio::LeArquivo(empresa.Arquivo("QZDATABASE_FILE_CTRL.DAT")),
+            Bytes("0B 00*3") + "DFVEIVS.DAT" + Bytes("0A 00*3") + "DFVEIC.DAT");
+  EXPECT_FALSE(apoio::ExisteNoDisco(empresa.Arquivo("DFVEIVSD.TRA")));
+}
+
+TEST(BytesCom, ComCabecalhos) {
+  const CabecalhosLigados cabecalhos;
+  const Empresa empresa;
+  apoio::EscreveArquivo(empresa.Arquivo("DFVEIVS.DAT"), Bytes("01 00*15"));
+  for (int i = 0; i < 2; ++i) {
+    const Veiculos spVeiculos = Abre(empresa.Codigo());
+    ASSERT_TRUE(spVeiculos);
+    LONG lPos = i;
+    ASSERT_EQ(spVeiculos->Grava(&lPos, Veiculo("V001")), S_OK);
+    EXPECT_EQ(lPos, 1);
+  }
+  EXPECT_EQ(apoio::LeArquivo(empresa.Arquivo("DFVEIC.DAT")),
+            Cabecalho("DFVEIC.DAT", "61 3A 7A 2F AF EF 19 D0 DA 17 A7 DD 3F 98 1C 1A") + Bytes(kArquivoGravado));
+  EXPECT_EQ(apoio::LeArquivo(empresa.Arquivo("DFVEIVS.DAT")),
+            Cabecalho("DFVEIVS.DAT", "E4 3A 39 CA 97 D4 5D E0 4F 97 F4 6C 47 20 40 50") + Bytes("01 00*15"));
+  EXPECT_EQ(apoio::LeArquivo(empresa.Arquivo("QZDATABASE_FILE_CTRL.DAT")),
+            Cabecalho("QZDATABASE_FILE_CTRL.DAT", "43 61 E3 53 E2 B8 01 46 A2 DB 20 C7 28 7D 24 33") +
+                Bytes("0A 00*3") + "DFVEIC.DAT");
 }
 
 TEST(BytesCom, MilharesDeRegistrosAtravessamInteiros) {

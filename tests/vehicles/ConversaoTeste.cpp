@@ -118,6 +118,34 @@ TEST_F(Conversao, InterrompidaEmQualquerPonto) {
   }
 }
 
+/// What the conversion created is in the list, what it deleted is not; either one's later absence says so.
+TEST_F(Conversao, ArquivosQueSomemDepois) {
+  for (const char *lpRegistros : {"0ab", "0"}) {
+    apoio::EmpresaComBase empresa;
+    empresa.Escreve("DFVEIC.DAT", Base(lpRegistros));
+    empresa.Escreve("QZDATABASE_FILE_CTRL.DAT", std::string("\x0A\0\0\0DFVEIC.DAT", 14));
+    ASSERT_EQ(Abre(empresa), codigos::kOk);
+    ASSERT_EQ(Abre(empresa), codigos::kOk);
+    if (empresa.Existe("DFVEIC.DAT")) {
+      ASSERT_FALSE(plataforma::Arquivos().Apaga(empresa.Caminho("DFVEIC.DAT")));
+      EXPECT_EQ(Abre(empresa), codigos::kArquivoDesapareceu);
+    }
+    ASSERT_FALSE(plataforma::Arquivos().Apaga(empresa.Caminho("DFVEIVS.DAT")));
+    EXPECT_EQ(Abre(empresa), codigos::kArquivoDesapareceu);
+  }
+}
+
+/// The journal of an earlier program, found after the record file was rewritten.
+TEST_F(Conversao, DiarioAntigoEContinuado) {
+  m_empresa.Escreve("DFVEIC.DAT", Base("ab"));
+  m_empresa.Escreve("DFVEIVS.TRA", kVersao1);
+  EXPECT_EQ(Abre(), codigos::kOk);
+  EXPECT_EQ(m_empresa.Le("DFVEIC.DAT"), Base("ab"));
+  EXPECT_EQ(m_empresa.Le("DFVEIVS.DAT"), kVersao1);
+  EXPECT_FALSE(m_empresa.Existe("DFVEIVS.TRA"));
+  EXPECT_FALSE(m_empresa.Existe("DFVEIVSD.TRA"));
+}
+
 TEST_F(Conversao, UmaOperacaoQueFalhaNaoPerdeVeiculo) {
   for (std::size_t n = 1;; ++n) {
     SCOPED_TRACE(testing::Message() << "fault " << n);

@@ -134,8 +134,8 @@ KALVO_COM_MULTIPLICACAO std::uint64_t CalculaPorMultiplicacao(const void *pDados
   }
   const auto *p = static_cast<const __m128i *>(pDados);
   __m128i blocos[kBlocos];
-  for (std::size_t i = 0; i < kBlocos; ++i) {
-    blocos[i] = _mm_loadu_si128(p++);
+  for (__m128i &bloco : blocos) {
+    bloco = _mm_loadu_si128(p++);
   }
   blocos[0] = _mm_xor_si128(blocos[0], _mm_cvtsi64_si128(static_cast<long long>(uiInicial)));
   for (cb -= kPasso; cb >= kPasso; cb -= kPasso) {

@@ -50,7 +50,7 @@ CQZFileBase::~CQZFileBase() {
 }
 
 HRESULT CQZFileBase::AbreArquivo(EModoAbertura eModoAbertura) {
-  return AbreNoModo(eModoAbertura, false, SeFaltar::Cria);
+  return AbreNoModo(eModoAbertura, false);
 }
 
 /// While a file is being created its entry in the list of created files stands already. An entry without a file would
@@ -81,7 +81,9 @@ private:
   plataforma::CQZNoLivro m_noLivro;
 };
 
-HRESULT CQZFileBase::AbreNoModo(EModoAbertura eModoAbertura, bool bPreservaConteudo, SeFaltar seFaltar) {
+/// `bCriando` is set for the two opens of CriaEAbre: the creation keeps what is there, and a file that is missing again
+/// is not created again.
+HRESULT CQZFileBase::AbreNoModo(EModoAbertura eModoAbertura, bool bCriando) {
   const CQZOperacao rastro(this, {"CQZFileBase::AbreArquivo"}, kFonte);
   if (m_bPronto && eModoAbertura == m_eModoAtual) {
     return codigos::kOk;
@@ -98,11 +100,11 @@ HRESULT CQZFileBase::AbreNoModo(EModoAbertura eModoAbertura, bool bPreservaConte
   }
   FechaArquivo();
 
-  const HRESULT hr = TentaAbrir(CaminhoCompleto(), eModoAbertura, bPreservaConteudo);
+  const HRESULT hr = TentaAbrir(CaminhoCompleto(), eModoAbertura, bCriando);
   if (hr == codigos::kArqNaoEncontrado && eModoAbertura == eModoLeitura) {
     return codigos::kOk;
   }
-  if (hr == codigos::kArqNaoEncontrado && eModoAbertura != eModoCriacao && seFaltar == SeFaltar::Cria) {
+  if (hr == codigos::kArqNaoEncontrado && eModoAbertura != eModoCriacao && !bCriando) {
     return CriaEAbre(rastro, eModoAbertura);
   }
   if (Falhou(hr)) {
@@ -118,8 +120,8 @@ HRESULT CQZFileBase::AbreNoModo(EModoAbertura eModoAbertura, bool bPreservaConte
 /// Another process may create the file and write to it between our look and our creation, so this creation never
 /// truncates.
 HRESULT CQZFileBase::CriaEAbre(const CQZRastro &rastro, EModoAbertura eModoAbertura) {
-  QZ_VERIFICA(rastro, "AbreArquivo(eModoCriacao)", AbreNoModo(eModoCriacao, true, SeFaltar::Falha));
-  QZ_VERIFICA(rastro, "AbreArquivo(eModoAbertura)", AbreNoModo(eModoAbertura, true, SeFaltar::Falha));
+  QZ_VERIFICA(rastro, "AbreArquivo(eModoCriacao)", AbreNoModo(eModoCriacao, true));
+  QZ_VERIFICA(rastro, "AbreArquivo(eModoAbertura)", AbreNoModo(eModoAbertura, true));
   return codigos::kOk;
 }
 

@@ -156,10 +156,7 @@ private:
                                                 bool bUltimaTentativa);
   static void PausaEntreTentativas();
 
-  /// What AbreNoModo does about a missing file.
-  enum class SeFaltar { Cria, Falha };
-
-  [[nodiscard]] HRESULT AbreNoModo(EModoAbertura eModoAbertura, bool bPreservaConteudo, SeFaltar seFaltar);
+  [[nodiscard]] HRESULT AbreNoModo(EModoAbertura eModoAbertura, bool bCriando);
   [[nodiscard]] HRESULT CriaEAbre(const CQZRastro &rastro, EModoAbertura eModoAbertura);
   [[nodiscard]] HRESULT AposAbrir(const CQZRastro &rastro, EModoAbertura eModoAbertura);
   void VoltaAoModo(const CQZRastro &rastro, EModoAbertura eModoAnterior);

@@ -124,14 +124,17 @@ TEST_F(Cabecalho, DanoERecusadoEPassa) {
   EXPECT_EQ(AbreUmaVez(), codigos::kDadosNaoConferem);
 }
 
-/// A damaged version record looks like a file without header: it gets one more, and its records are still there.
+/// Without a whole version record it is a file without header: it gets one more, and all its bytes are still there.
 TEST_F(Cabecalho, RegistroDeVersaoDanificadoNaoPerdeRegistros) {
   PreparaBase();
-  std::string bytes = Inteiro();
+  const std::string bytes = Inteiro();
+  std::vector<std::string> danos{bytes.substr(0, 1), bytes.substr(0, 15), bytes.substr(0, 23)};
   for (const std::size_t uiPosicao : {0U, 8U, 16U}) {
-    std::string danificado = bytes;
-    SCOPED_TRACE(uiPosicao);
-    danificado[uiPosicao] ^= 1;
+    danos.push_back(bytes);
+    danos.back()[uiPosicao] ^= 1;
+  }
+  for (const std::string &danificado : danos) {
+    SCOPED_TRACE(testing::PrintToString(danificado));
     m_empresa.Escreve("TESTE.DAT", danificado);
     EXPECT_EQ(AbreUmaVez(), codigos::kTamanhoNaoMultiplo);
     EXPECT_EQ(AbreUmaVez(), codigos::kTamanhoNaoMultiplo);

@@ -61,13 +61,16 @@ int CKalvoModule::Executa(const char *lpLinhaComando) {
   InstalaLogDeErros();
   CQZMensagem::Instala();
   if (!m_contagem.Pronta()) {
-    DizErro("Kalvo: o sistema nao deu os recursos para iniciar.");
+    DizErro("Kalvo: o sistema n\xE3o deu os recursos para iniciar");
     return -1;
   }
   const CApartamento apartamento;
   HRESULT hr = DefineSeguranca();
   if (FAILED(hr)) {
-    DizErro("Kalvo: falha ao definir a seguranca COM: " + TextoCodigo(static_cast<unsigned long>(hr)));
+    DizErro(
+        "Kalvo: falha ao definir a seguran\xE7"
+        "a COM: " +
+        TextoCodigo(static_cast<unsigned long>(hr)));
     return hr;
   }
   const Comando eComando = LeLinhaComando(lpLinhaComando);

@@ -202,6 +202,9 @@ TEST_F(RegistroCom, ServeDeUmCaminhoComBrancosEAcentos) {
   {
     const Empresa empresa;
     EXPECT_TRUE(Abre(empresa.Codigo()));
+    ITypeLib *pBiblioteca = nullptr;
+    EXPECT_EQ(LoadRegTypeLib(LIBID_Kalvo, 1, 0, LOCALE_NEUTRAL, &pBiblioteca), S_OK);
+    const Ponteiro<ITypeLib> spBiblioteca(pBiblioteca);
   }
   ASSERT_GE(EsperaServidorTerminar(), 0);
   EXPECT_EQ(Executa("\"-unregserver\""), 0U) << m_sErro;
@@ -243,29 +246,7 @@ TEST_F(RegistroCom, FalhaDizOQueENaoDeixaNada) {
   }
 }
 
-TEST(ExecutavelCom, TrazVersaoENome) {
-  const std::string sExecutavel = PastaDoPrograma() + "Kalvo.exe";
-  std::vector<char> versao(GetFileVersionInfoSizeA(sExecutavel.c_str(), nullptr));
-  ASSERT_FALSE(versao.empty());
-  ASSERT_TRUE(GetFileVersionInfoA(sExecutavel.c_str(), 0, static_cast<DWORD>(versao.size()), versao.data()));
-  void *pValor = nullptr;
-  UINT uiTamanho = 0;
-  ASSERT_TRUE(VerQueryValueA(versao.data(), "\\", &pValor, &uiTamanho));
-  const auto &fixa = *static_cast<const VS_FIXEDFILEINFO *>(pValor);
-  EXPECT_EQ(fixa.dwFileVersionMS, 0x00010000U);
-  EXPECT_EQ(fixa.dwFileVersionLS, 0U);
-  ASSERT_TRUE(VerQueryValueA(versao.data(), "\\StringFileInfo\\041604E4\\FileVersion", &pValor, &uiTamanho));
-  EXPECT_STREQ(static_cast<const char *>(pValor), "1.0.0.0");
-
-  const HMODULE hRecursos = LoadLibraryExA(sExecutavel.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-  ASSERT_NE(hRecursos, nullptr);
-  std::array<char, 32> nome{};
-  EXPECT_EQ(LoadStringA(hRecursos, 100, nome.data(), static_cast<int>(nome.size())), 5);
-  EXPECT_STREQ(nome.data(), "Kalvo");
-  FreeLibrary(hRecursos);
-}
-
-TEST(ExecutavelCom, AgregacaoEntreProcessosERecusada) {
+TEST(AtivacaoCom, AgregacaoEntreProcessosERecusada) {
   const Veiculos spExterno = Cria();
   void *pObjeto = nullptr;
   EXPECT_EQ(CoCreateInstance(CLSID_CQZDF_Veiculos, spExterno.get(), CLSCTX_LOCAL_SERVER, IID_IUnknown, &pObjeto),

@@ -163,7 +163,7 @@ protected:
   }
 
   /// Runs this installation's server; what it says stays in m_sErro.
-  DWORD Executa(const char *lpArgumentos) { return ExecutaKalvoDe(m_sPasta, lpArgumentos, &m_sErro); }
+  DWORD Executa(const char *lpArgumentos) { return apoiocom::Executa(m_sPasta + "Kalvo.exe", lpArgumentos, &m_sErro); }
 
   const apoio::PastaTemporaria m_raiz;
   const std::string m_sPasta = m_raiz.CriaSubpasta("Instala\xE7\xE3o do servidor");

@@ -26,9 +26,8 @@ bool EscreveNoRedirecionado(const CString &linha) {
 }
 
 void EscreveNoConsoleDoPai(const std::wstring &linha) {
-  if (!AttachConsole(ATTACH_PARENT_PROCESS)) {
-    return;
-  }
+  // Without one to attach to, or with one already, the console's name tells.
+  const BOOL bAnexou = AttachConsole(ATTACH_PARENT_PROCESS);
   const HANDLE hConsole =
       CreateFileA("CONOUT$", GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
   if (hConsole != INVALID_HANDLE_VALUE) {
@@ -36,7 +35,9 @@ void EscreveNoConsoleDoPai(const std::wstring &linha) {
     WriteConsoleW(hConsole, linha.data(), static_cast<DWORD>(linha.size()), &dwEscritos, nullptr);
     CloseHandle(hConsole);
   }
-  FreeConsole();
+  if (bAnexou) {
+    FreeConsole();
+  }
 }
 
 }  // namespace

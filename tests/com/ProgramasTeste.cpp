@@ -21,6 +21,10 @@ struct Programa {
   bool bManifesto;
 };
 
+std::ostream &operator<<(std::ostream &saida, const Programa &programa) {
+  return saida << programa.lpArquivo;
+}
+
 /// A program file, read but not run.
 class Imagem {
 public:

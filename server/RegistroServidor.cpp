@@ -99,10 +99,11 @@ private:
   HRESULT GravaTudo() const {
     HRESULT hr = GravaValores(ValoresDoServidor(m_sExecutavel));
     hr = FAILED(hr) ? hr : RegistraBiblioteca();
-    if (FAILED(hr)) {
-      return hr;
+    if (!m_bPorUsuario) {
+      hr = FAILED(hr) ? hr : RegistraProxy();
     }
-    return m_bPorUsuario ? GravaValores(ValoresDoProxy(m_sProxy)) : RegistraProxy();
+    // Also after the DLL's own registration, which may leave out what it cannot write without saying so.
+    return FAILED(hr) ? hr : GravaValores(ValoresDoProxy(m_sProxy));
   }
 
   HRESULT Relata(const CString &operacao, const std::wstring &alvo, HRESULT hr) const {

@@ -211,37 +211,37 @@ TEST_F(RegistroCom, ServeDeUmCaminhoComBrancosEAcentos) {
 }
 
 TEST_F(RegistroCom, FalhaDizOQueENaoDeixaNada) {
+  const std::string sProxy = std::string(kClasses) + "\\CLSID\\{84BE9740-8888-4462-883D-B2725BBA0296}";
   for (const Alcance &alcance : kAlcances) {
     SCOPED_TRACE(alcance.lpRegistra);
     Limpa();
-    for (const bool bHaviaRegistro : {false, true}) {
-      SCOPED_TRACE(bHaviaRegistro);
-      if (bHaviaRegistro) {
+    for (const bool bHaviaOutro : {false, true}) {
+      SCOPED_TRACE(bHaviaOutro);
+      if (bHaviaOutro) {
         ASSERT_EQ(ExecutaKalvo(alcance.lpRegistra), 0U);
       }
-      const Arvore antes = Classes(alcance.hRaiz);
-
       // The executable alone in its folder: the proxy/stub that belongs beside it is missing.
+      const Arvore antes = Classes(alcance.hRaiz);
       EXPECT_EQ(Executa(alcance.lpRegistra), 0x8007007EU);
       EXPECT_NE(m_sErro.find(m_sPasta + "QZDF_VeiculosPS.dll: erro 0x8007007E"), std::string::npos) << m_sErro;
       EXPECT_EQ(TodaDiferenca(antes, Classes(alcance.hRaiz)), "");
 
-      // A key that lives only in memory takes no lasting keys: the class's key cannot be written, after others were.
-      if (!bHaviaRegistro) {
-        Copia("QZDF_VeiculosPS.dll");
-        const std::string sBloqueada = std::string(kClasses) + "\\Kalvo.QZDF_Veiculos";
-        HKEY hChave = nullptr;
-        ASSERT_EQ(RegCreateKeyExA(alcance.hRaiz, sBloqueada.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_WRITE,
-                                  nullptr, &hChave, nullptr),
-                  ERROR_SUCCESS);
-        RegCloseKey(hChave);
-        const Arvore bloqueada = Classes(alcance.hRaiz);
-        EXPECT_EQ(Executa(alcance.lpRegistra), static_cast<DWORD>(HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE)));
-        EXPECT_NE(m_sErro.find(sBloqueada + "\\CLSID: erro 0x800703FD"), std::string::npos) << m_sErro;
-        EXPECT_EQ(TodaDiferenca(bloqueada, Classes(alcance.hRaiz)), "");
-        RegDeleteTreeA(alcance.hRaiz, sBloqueada.c_str());
-        DeleteFileA((m_sPasta + "QZDF_VeiculosPS.dll").c_str());
-      }
+      // A key that lives only in memory takes no lasting keys: the proxy's cannot be written, after everything else
+      // was.
+      Copia("QZDF_VeiculosPS.dll");
+      RegDeleteTreeA(alcance.hRaiz, sProxy.c_str());
+      HKEY hChave = nullptr;
+      ASSERT_EQ(RegCreateKeyExA(alcance.hRaiz, sProxy.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_WRITE, nullptr,
+                                &hChave, nullptr),
+                ERROR_SUCCESS);
+      RegCloseKey(hChave);
+      const Arvore bloqueada = Classes(alcance.hRaiz);
+      EXPECT_EQ(Executa(alcance.lpRegistra), static_cast<DWORD>(HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE)));
+      EXPECT_NE(Minusculas(m_sErro).find(Minusculas(sProxy) + "\\inprocserver32: erro 0x800703fd"), std::string::npos)
+          << m_sErro;
+      EXPECT_EQ(TodaDiferenca(bloqueada, Classes(alcance.hRaiz)), "");
+      RegDeleteTreeA(alcance.hRaiz, sProxy.c_str());
+      DeleteFileA((m_sPasta + "QZDF_VeiculosPS.dll").c_str());
     }
   }
 }

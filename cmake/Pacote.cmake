@@ -16,7 +16,8 @@ install(
         ${KALVO_IDL_GERADO}/QZDF_Veiculos_i.c
   DESTINATION include)
 install(FILES server/idl/QZDF_Veiculos.idl vehicles/RegVeiculoPS.idl DESTINATION idl)
-install(FILES docs/client-guide.md docs/diagnosis.md docs/installation.md docs/message-library.md DESTINATION docs)
+install(FILES docs/client-guide.md docs/diagnosis.md docs/file-formats.md docs/installation.md docs/message-library.md
+        DESTINATION docs)
 
 set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_FILE_NAME kalvo-${PROJECT_VERSION}-win64)

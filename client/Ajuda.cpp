@@ -14,9 +14,11 @@ Comandos:
   busca [filtros]           lista os veículos que passam por todos os filtros
   conta                     mostra a quantidade de registros
   importa ARQUIVO.csv       inclui os veículos de um arquivo CSV
+  diagnostico               confere a instalação: registro, diretórios, ativação
 
 Opções globais:
-  --empresa CODIGO          empresa dona da base (obrigatória)
+  --empresa CODIGO          empresa dona da base (obrigatória, menos para
+                            diagnostico)
   --usuario N               usuário, 0 a 65535 (padrão 1)
   --sessao N                sessão (padrão 1)
   --ajuda                   mostra este texto

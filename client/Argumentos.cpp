@@ -101,7 +101,7 @@ CArgumentos::CArgumentos(std::span<const std::string> aTextos, std::span<const C
   if (m_aValores.size() > it->uiMaximoValores) {
     throw CErroUso("valor a mais para o comando " + std::string(it->sNome) + ": " + m_aValores[it->uiMaximoValores]);
   }
-  if (!Tem("empresa") || Empresa().empty()) {
+  if (Tem("empresa") ? Empresa().empty() : it->bExigeEmpresa) {
     throw CErroUso("--empresa: falta o código da empresa"_pt);
   }
 }

@@ -29,6 +29,7 @@ struct CComandoConhecido {
   std::vector<COpcaoConhecida> aOpcoes;  // those of this command alone
   std::size_t uiMinimoValores;
   std::size_t uiMaximoValores;
+  bool bExigeEmpresa = true;
 };
 
 class CArgumentos {
@@ -39,6 +40,7 @@ public:
 
   const CComandoConhecido &Comando() const { return *m_pComando; }
   const std::vector<std::string> &Valores() const { return m_aValores; }
+  // Only of a command that needs one.
   const std::string &Empresa() const { return m_mapOpcoes.find("empresa")->second; }
   std::uint16_t Usuario() const;
   std::int32_t Sessao() const;

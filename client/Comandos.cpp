@@ -10,6 +10,7 @@
 #include "client/BarraProgresso.h"
 #include "client/Campos.h"
 #include "client/Codificacao.h"
+#include "client/Diagnostico.h"
 #include "client/Importacao.h"
 #include "client/QZVeiculosCliente.h"
 #include "client/Saida.h"
@@ -221,6 +222,11 @@ eSaida Importa(const CArgumentos &argumentos) {
   return resultado.uiRecusados == 0 ? kSucesso : kLinhasRecusadas;
 }
 
+eSaida Diagnostico(const CArgumentos &argumentos) {
+  const std::string *const pEmpresa = argumentos.Opcao("empresa");
+  return Diagnostica(pEmpresa != nullptr ? *pEmpresa : "") ? kSucesso : kOperacaoFalhou;
+}
+
 using FComando = eSaida (*)(const CArgumentos &);
 
 struct CComando {
@@ -238,6 +244,7 @@ const std::vector<CComando> &Comandos() {
        Busca},
       {{"conta", {}, 0, 0}, Conta},
       {{"importa", {{"tudo-ou-nada", false}}, 1, 1}, Importa},
+      {{"diagnostico", {}, 0, 0, false}, Diagnostico},
   };
   return aComandos;
 }

@@ -44,10 +44,11 @@ instala_amostra() {
 }
 
 # Waits until no server of this checkout runs; fails after 30 seconds. Prints how long it took, in milliseconds.
+# Usage: espera_fim_do_servidor [part of the server's command line]
 espera_fim_do_servidor() {
   local inicio
   inicio=$(date +%s%N)
-  while pgrep -f 'build.windows.bin.Kalvo.exe' >/dev/null; do
+  while pgrep -f "${1:-build.windows.bin.Kalvo.exe}" >/dev/null; do
     if [ $((($(date +%s%N) - inicio) / 1000000000)) -ge 30 ]; then
       printf 'the server is still there after 30 s\n' >&2
       return 1

@@ -28,9 +28,16 @@ HRESULT CClasseVeiculos::LockServer(BOOL bTrava) {
   CContagemModulo &contagem = CContagemModulo::DoProcesso();
   if (bTrava) {
     contagem.Trava();
-  } else {
-    contagem.Destrava();
+    ++m_lTravas;
+    return S_OK;
   }
+  LONG lTravas = m_lTravas.load();
+  while (lTravas > 0 && !m_lTravas.compare_exchange_weak(lTravas, lTravas - 1)) {
+  }
+  if (lTravas <= 0) {
+    return E_UNEXPECTED;
+  }
+  contagem.Destrava();
   return S_OK;
 }
 

@@ -5,6 +5,8 @@
 //
 #include <unknwn.h>
 
+#include <atomic>
+
 /// The class object: creates service objects, plain or aggregated. One lives for the whole process and does not itself
 /// keep it alive; clients that want that call LockServer.
 class CClasseVeiculos final : public IClassFactory {
@@ -18,7 +20,11 @@ public:
   ULONG STDMETHODCALLTYPE Release() override { return 1; }
 
   HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown *pExterno, REFIID riid, void **ppv) override;
+  /// Without a lock to take away an unlocking gives E_UNEXPECTED: it must not end the process under others' objects.
   HRESULT STDMETHODCALLTYPE LockServer(BOOL bTrava) override;
+
+private:
+  std::atomic<LONG> m_lTravas{0};
 };
 
 /// The class object's registration with the component platform; destruction revokes it.

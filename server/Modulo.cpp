@@ -6,6 +6,8 @@
 
 #include "core/errors/QZMensagem.h"
 #include "core/errors/guard/TraducaoExcecoes.h"
+#include "core/log/QZProfilerEmpresa.h"
+#include "core/log/Rastro.h"
 #include "core/log/SumidouroErroLog.h"
 #include "server/LinhaComando.h"
 #include "server/MonitorEncerramento.h"
@@ -45,6 +47,14 @@ HRESULT DefineSeguranca() {
   return hr == RPC_E_CHANGED_MODE && GetModuleHandleA("Mscoree.dll") != nullptr ? S_OK : hr;
 }
 
+/// Says why the process cannot serve, to whoever started it and to the error log: when the component platform started
+/// it, nobody else listens.
+void RelataFalha(const CString &sOque, const char *lpChamada, HRESULT hr) {
+  DizErro("Kalvo: falha ao " + sOque + ": " + TextoCodigo(static_cast<unsigned long>(hr)));
+  const CQZProfilerEmpresa profiler;
+  static_cast<void>(CQZRastro(&profiler, {"CKalvoModule::Executa"}, "Modulo.cpp").Falha(hr, lpChamada, __LINE__));
+}
+
 /// Runs the message loop until a quit message.
 void ProcessaMensagens() {
   MSG mensagem;
@@ -61,13 +71,16 @@ int CKalvoModule::Executa(const char *lpLinhaComando) {
   InstalaLogDeErros();
   CQZMensagem::Instala();
   if (!m_contagem.Pronta()) {
-    DizErro("Kalvo: o sistema nao deu os recursos para iniciar.");
+    DizErro("Kalvo: o sistema n\xE3o deu os recursos para iniciar");
     return -1;
   }
   const CApartamento apartamento;
   HRESULT hr = DefineSeguranca();
   if (FAILED(hr)) {
-    DizErro("Kalvo: falha ao definir a seguranca COM: " + TextoCodigo(static_cast<unsigned long>(hr)));
+    RelataFalha(
+        "definir a seguran\xE7"
+        "a COM",
+        "DefineSeguranca()", hr);
     return hr;
   }
   const Comando eComando = LeLinhaComando(lpLinhaComando);
@@ -80,7 +93,7 @@ int CKalvoModule::Executa(const char *lpLinhaComando) {
     hr = QZTranslateThrownExceptionToHresult();
   }
   if (FAILED(hr)) {
-    DizErro("Kalvo: falha ao iniciar o servidor: " + TextoCodigo(static_cast<unsigned long>(hr)));
+    RelataFalha("iniciar o servidor", "Serve()", hr);
   }
   return hr;
 }

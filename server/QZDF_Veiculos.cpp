@@ -83,6 +83,9 @@ HRESULT CQZDF_Veiculos::Cria(IUnknown *pExterno, REFIID riid, void **ppv) {
   }
   HRESULT hr = pObjeto->m_hrConstruct;
   if (!Falhou(hr)) {
+    if (pExterno == nullptr) {
+      pObjeto->m_vigia.ObservaCriacao();
+    }
     hr = pObjeto->m_interno.QueryInterface(riid, ppv);
   }
   pObjeto->m_interno.Release();

@@ -7,30 +7,54 @@
 
 namespace {
 
-void Escreve(HANDLE hSaida, const CString &linha) {
+constexpr UINT kPaginaTextos = 1252;
+
+std::wstring TextoLargo(const CString &texto) {
+  std::wstring largo(texto.size(), L'\0');
+  const int iTamanho = static_cast<int>(texto.size());
+  largo.resize(
+      static_cast<std::size_t>(MultiByteToWideChar(kPaginaTextos, 0, texto.data(), iTamanho, largo.data(), iTamanho)));
+  return largo;
+}
+
+/// False when there is no such output. A program without a console may have been handed numbers that are no handles.
+bool EscreveNoRedirecionado(const CString &linha) {
+  const HANDLE hErro = GetStdHandle(STD_ERROR_HANDLE);
   DWORD dwEscritos = 0;
-  WriteFile(hSaida, linha.data(), static_cast<DWORD>(linha.size()), &dwEscritos, nullptr);
+  return hErro != nullptr && hErro != INVALID_HANDLE_VALUE && GetFileType(hErro) != FILE_TYPE_UNKNOWN &&
+         WriteFile(hErro, linha.data(), static_cast<DWORD>(linha.size()), &dwEscritos, nullptr);
+}
+
+void EscreveNoConsoleDoPai(const std::wstring &linha) {
+  // Without one to attach to, or with one already, the console's name tells.
+  const BOOL bAnexou = AttachConsole(ATTACH_PARENT_PROCESS);
+  const HANDLE hConsole =
+      CreateFileA("CONOUT$", GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+  if (hConsole != INVALID_HANDLE_VALUE) {
+    DWORD dwEscritos = 0;
+    WriteConsoleW(hConsole, linha.data(), static_cast<DWORD>(linha.size()), &dwEscritos, nullptr);
+    CloseHandle(hConsole);
+  }
+  if (bAnexou) {
+    FreeConsole();
+  }
 }
 
 }  // namespace
 
 void DizErro(const CString &texto) {
   const CString linha = texto + "\r\n";
-  const HANDLE hErro = GetStdHandle(STD_ERROR_HANDLE);
-  if (hErro != nullptr && hErro != INVALID_HANDLE_VALUE) {
-    Escreve(hErro, linha);
-    return;
+  if (!EscreveNoRedirecionado(linha)) {
+    EscreveNoConsoleDoPai(TextoLargo(linha));
   }
-  if (!AttachConsole(ATTACH_PARENT_PROCESS)) {
-    return;
-  }
-  const HANDLE hConsole =
-      CreateFileA("CONOUT$", GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
-  if (hConsole != INVALID_HANDLE_VALUE) {
-    Escreve(hConsole, linha);
-    CloseHandle(hConsole);
-  }
-  FreeConsole();
+}
+
+CString Texto1252(const std::wstring &texto) {
+  const int iTamanho = static_cast<int>(texto.size());
+  CString saida(texto.size(), '\0');
+  saida.resize(static_cast<std::size_t>(
+      WideCharToMultiByte(kPaginaTextos, 0, texto.data(), iTamanho, saida.data(), iTamanho, nullptr, nullptr)));
+  return saida;
 }
 
 CString TextoCodigo(unsigned long codigo) {

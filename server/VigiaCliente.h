@@ -7,7 +7,6 @@
 
 #include <atomic>
 #include <memory>
-#include <mutex>
 
 /// A component object whose client is watched.
 class IObjetoVigiado {
@@ -19,11 +18,15 @@ protected:
   ~IObjetoVigiado() = default;
 };
 
+/// The wait for the end of one process, after which all references that other processes hold on an object are released.
+class CEsperaCliente;
+
 /// Releases the references that a client process held on an object when that process ends without releasing them. The
 /// component platform finds such clients late or not at all, and the server would stay for ever.
 ///
-/// The process of the first call is taken for the object's client. Other processes to which it hands the object lose
-/// their references with it.
+/// The process that has the object created is taken for its client until the first call shows who the client is: the
+/// platform may create objects through a process of its own. Other processes to which the client hands the object lose
+/// their references with it. A watch that the system cannot provide is done without.
 class CVigiaCliente {
 public:
   explicit CVigiaCliente(IObjetoVigiado &objeto);
@@ -32,31 +35,24 @@ public:
   CVigiaCliente(const CVigiaCliente &) = delete;
   CVigiaCliente &operator=(const CVigiaCliente &) = delete;
 
-  /// Called at the start of each call from a client; the first call begins the watch. Calls from within the server's
-  /// own process are not watched.
-  void Observa() {
+  /// Called while the object is being created, before anybody else can reach it.
+  void ObservaCriacao() noexcept { Comeca(); }
+
+  /// Called at the start of each call from a client; the first call settles whom to watch. Calls from within the
+  /// server's own process are not watched.
+  void Observa() noexcept {
     if (!m_bObservado.load(std::memory_order_relaxed) && !m_bObservado.exchange(true)) {
       Comeca();
     }
   }
 
 private:
-  /// Shared with the waiting thread, which may run while the watcher is being destroyed.
-  struct Estado {
-    std::mutex mutex;
-    IObjetoVigiado *pObjeto;  // null once the watcher is gone
-    std::atomic<bool> bDisparou{false};
-  };
-  using Referencia = std::shared_ptr<Estado>;
+  void Comeca() noexcept;
 
-  static void CALLBACK AoTerminarCliente(void *pReferencia, BOOLEAN bTempo);
-  void Comeca();
-
-  Referencia m_spEstado;
-  Referencia *m_pReferenciaEspera = nullptr;  // belongs to the callback once that has begun
+  IObjetoVigiado &m_objeto;
   std::atomic<bool> m_bObservado{false};
-  HANDLE m_hProcesso = nullptr;
-  HANDLE m_hEspera = nullptr;
+  unsigned long m_ulPid = 0;
+  std::unique_ptr<CEsperaCliente> m_spEspera;
 };
 
 #endif

@@ -117,12 +117,12 @@ std::string PastaDoPrograma() {
 }
 
 DWORD ExecutaKalvo(const std::string &sArgumentos, std::string *psErro) {
-  return ExecutaKalvoDe(PastaDoPrograma(), sArgumentos, psErro);
+  return Executa(PastaDoPrograma() + "Kalvo.exe", sArgumentos, psErro);
 }
 
-DWORD ExecutaKalvoDe(const std::string &sPasta, const std::string &sArgumentos, std::string *psErro) {
+DWORD Executa(const std::string &sPrograma, const std::string &sArgumentos, std::string *psSaida) {
   const apoio::PastaTemporaria pasta;
-  const CString sSaida = pasta / "erro.txt";
+  const CString sSaida = pasta / "saida.txt";
   SECURITY_ATTRIBUTES heranca{sizeof(heranca), nullptr, TRUE};
   Handle hSaida(CreateFileA(sSaida.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &heranca, CREATE_ALWAYS, 0, nullptr));
   STARTUPINFOA inicio{};
@@ -131,7 +131,7 @@ DWORD ExecutaKalvoDe(const std::string &sPasta, const std::string &sArgumentos, 
   inicio.hStdOutput = hSaida.get();
   inicio.hStdError = hSaida.get();
   PROCESS_INFORMATION processo{};
-  std::string sLinha = "\"" + sPasta + "Kalvo.exe\" " + sArgumentos;
+  std::string sLinha = "\"" + sPrograma + "\" " + sArgumentos;
   DWORD dwCodigo = 0xFFFFFFFF;
   if (CreateProcessA(nullptr, sLinha.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &inicio, &processo)) {
     const Handle hThread(processo.hThread);
@@ -141,8 +141,8 @@ DWORD ExecutaKalvoDe(const std::string &sPasta, const std::string &sArgumentos, 
     }
   }
   hSaida.reset();
-  if (psErro != nullptr) {
-    *psErro = apoio::LeArquivo(sSaida);
+  if (psSaida != nullptr) {
+    *psSaida = apoio::LeArquivo(sSaida);
   }
   return dwCodigo;
 }

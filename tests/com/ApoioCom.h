@@ -106,8 +106,9 @@ std::string PastaDoPrograma();
 /// `*psErro`.
 DWORD ExecutaKalvo(const std::string &sArgumentos, std::string *psErro = nullptr);
 
-/// The same with the Kalvo.exe of another folder, given with its final `\`.
-DWORD ExecutaKalvoDe(const std::string &sPasta, const std::string &sArgumentos, std::string *psErro);
+/// Runs any program, given by its full path, to its end and returns its exit code; what it writes to standard output
+/// and standard error goes to `*psSaida`.
+DWORD Executa(const std::string &sPrograma, const std::string &sArgumentos, std::string *psSaida);
 
 /// Handles of the running Kalvo.exe processes.
 std::vector<Handle> Servidores();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -12,155 +13,240 @@ using namespace apoiocom;
 
 namespace {
 
-constexpr char kClasse[] = "CLSID\\{68409B5A-ADF8-424F-A93A-BAC1844E3253}";
-constexpr char kAppId[] = "AppID\\{f5b03bc1-ff38-45f0-a365-680a4ab6f515}";
+constexpr char kClasses[] = "Software\\Classes";
+constexpr char kOpcoesBiblioteca[] = "typelib\\{719b6d68-7fdd-4942-94c3-953b64051322}\\1.0\\flags\\";
 
-/// A text value below the machine's classes; "(absent)" when there is none.
-std::string Classe(const std::string &sChave, const char *lpNome = nullptr) {
-  std::array<char, 512> texto{};
-  DWORD dwTamanho = texto.size();
-  return RegGetValueA(HKEY_LOCAL_MACHINE, ("Software\\Classes\\" + sChave).c_str(), lpNome, RRF_RT_REG_SZ, nullptr,
-                      texto.data(), &dwTamanho) == ERROR_SUCCESS
-             ? texto.data()
-             : "(absent)";
-}
+/// Keys (ending with `\`) and values below a key with their texts; names and identifiers in lower case.
+using Arvore = std::map<std::string, std::string>;
 
 std::string Minusculas(std::string texto) {
   std::transform(texto.begin(), texto.end(), texto.begin(), [](char c) { return static_cast<char>(tolower(c)); });
   return texto;
 }
 
-struct ValorEsperado {
-  std::string sChave;
-  const char *lpNome;
+void LeArvore(HKEY hPai, const std::string &sNome, const std::string &sCaminho, Arvore &arvore) {
+  HKEY hChave = nullptr;
+  if (RegOpenKeyExA(hPai, sNome.c_str(), 0, KEY_READ, &hChave) != ERROR_SUCCESS) {
+    return;
+  }
+  std::array<char, 512> nome{};
+  std::array<char, 4096> dados{};
+  for (DWORD i = 0;; ++i) {
+    DWORD dwNome = nome.size();
+    DWORD dwDados = dados.size() - 1;
+    DWORD dwTipo = 0;
+    if (RegEnumValueA(hChave, i, nome.data(), &dwNome, nullptr, &dwTipo, reinterpret_cast<BYTE *>(dados.data()),
+                      &dwDados) != ERROR_SUCCESS) {
+      break;
+    }
+    dados[dwDados] = 0;
+    const std::string sTexto = dwTipo == REG_SZ ? dados.data() : "(no text)";
+    arvore[sCaminho + Minusculas(nome.data())] = sTexto.starts_with("{") ? Minusculas(sTexto) : sTexto;
+  }
+  for (DWORD i = 0;; ++i) {
+    DWORD dwNome = nome.size();
+    if (RegEnumKeyExA(hChave, i, nome.data(), &dwNome, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) {
+      break;
+    }
+    const std::string sFilho = sCaminho + Minusculas(nome.data()) + "\\";
+    if (sFilho == "wow6432node\\") {  // shows the keys once more that both views share
+      continue;
+    }
+    arvore[sFilho] = "";
+    LeArvore(hChave, nome.data(), sFilho, arvore);
+  }
+  RegCloseKey(hChave);
+}
+
+Arvore Classes(HKEY hRaiz) {
+  Arvore arvore;
+  LeArvore(hRaiz, kClasses, "", arvore);
+  const auto opcoes = arvore.find(kOpcoesBiblioteca);
+  if (opcoes != arvore.end()) {
+    opcoes->second = "";  // the platforms do not agree on the flags of a library read from a file
+  }
+  return arvore;
+}
+
+/// What the second tree has beyond the first, or otherwise, one entry a line.
+std::string Diferenca(const Arvore &antes, const Arvore &depois) {
+  std::vector<std::pair<std::string, std::string>> diferentes;
+  std::set_difference(depois.begin(), depois.end(), antes.begin(), antes.end(), std::back_inserter(diferentes));
   std::string sTexto;
+  for (const auto &[sNome, sValor] : diferentes) {
+    sTexto.append(sNome).append(sNome.back() == '\\' && sValor.empty() ? "" : " = ").append(sValor).append("\n");
+  }
+  return sTexto;
+}
+
+std::string TodaDiferenca(const Arvore &antes, const Arvore &depois) {
+  return Diferenca(antes, depois) + Diferenca(depois, antes);
+}
+
+/// Everything that a registration of the server in a folder leaves, with the type library or without.
+std::string Esperado(const std::string &sPasta, bool bBiblioteca) {
+  const std::string sClasse = "clsid\\{68409b5a-adf8-424f-a93a-bac1844e3253}\\";
+  const std::string sProxy = "clsid\\{84be9740-8888-4462-883d-b2725bba0296}\\";
+  const std::string sInterface = "interface\\{581ee5e9-6ee9-4428-87c0-6be18d374724}\\";
+  const std::string sBiblioteca = "typelib\\{719b6d68-7fdd-4942-94c3-953b64051322}\\";
+  const std::string sClsid = "{68409b5a-adf8-424f-a93a-bac1844e3253}";
+  const std::string sAppId = "{f5b03bc1-ff38-45f0-a365-680a4ab6f515}";
+  Arvore arvore = {
+      {"appid\\kalvo.exe\\", ""},
+      {"appid\\kalvo.exe\\appid", sAppId},
+      {"kalvo.qzdf_veiculos.1\\", "QZDF_Veiculos Class"},
+      {"kalvo.qzdf_veiculos.1\\clsid\\", sClsid},
+      {"kalvo.qzdf_veiculos\\", "QZDF_Veiculos Class"},
+      {"kalvo.qzdf_veiculos\\clsid\\", sClsid},
+      {"kalvo.qzdf_veiculos\\curver\\", "Kalvo.QZDF_Veiculos.1"},
+      {sClasse, "QZDF_Veiculos Class"},
+      {sClasse + "appid", sAppId},
+      {sClasse + "progid\\", "Kalvo.QZDF_Veiculos.1"},
+      {sClasse + "versionindependentprogid\\", "Kalvo.QZDF_Veiculos"},
+      {sClasse + "localserver32\\", "\"" + sPasta + "Kalvo.exe\""},
+      {sClasse + "typelib\\", "{719b6d68-7fdd-4942-94c3-953b64051322}"},
+      {sInterface, "IQZDF_Veiculos"},
+      {sInterface + "proxystubclsid32\\", "{84be9740-8888-4462-883d-b2725bba0296}"},
+      {sInterface + "nummethods\\", "10"},
+      {sProxy, "PSFactoryBuffer"},
+      {sProxy + "inprocserver32\\", sPasta + "QZDF_VeiculosPS.dll"},
+      {sProxy + "inprocserver32\\threadingmodel", "Both"},
+  };
+  if (bBiblioteca) {
+    arvore.insert({{sBiblioteca, ""},
+                   {sBiblioteca + "1.0\\", "Kalvo 1.0 Type Library"},
+                   {sBiblioteca + "1.0\\0\\", ""},
+                   {sBiblioteca + "1.0\\0\\win64\\", sPasta + "Kalvo.exe"},
+                   {kOpcoesBiblioteca, ""},
+                   {sBiblioteca + "1.0\\helpdir\\", sPasta.substr(0, sPasta.size() - 1)}});
+  }
+  return Diferenca({}, arvore);
+}
+
+/// One of the two registrations: switches and hive.
+struct Alcance {
+  const char *lpRegistra;
+  const char *lpRemove;
+  HKEY hRaiz;
+  bool bBiblioteca;
 };
 
-std::vector<ValorEsperado> ValoresDaClasse() {
-  const std::string sClasse = kClasse;
-  return {
-      {"AppID\\Kalvo.EXE", "AppID", "{f5b03bc1-ff38-45f0-a365-680a4ab6f515}"},
-      {"Kalvo.QZDF_Veiculos.1", nullptr, "QZDF_Veiculos Class"},
-      {"Kalvo.QZDF_Veiculos.1\\CLSID", nullptr, "{68409b5a-adf8-424f-a93a-bac1844e3253}"},
-      {"Kalvo.QZDF_Veiculos", nullptr, "QZDF_Veiculos Class"},
-      {"Kalvo.QZDF_Veiculos\\CLSID", nullptr, "{68409b5a-adf8-424f-a93a-bac1844e3253}"},
-      {"Kalvo.QZDF_Veiculos\\CurVer", nullptr, "Kalvo.QZDF_Veiculos.1"},
-      {sClasse, nullptr, "QZDF_Veiculos Class"},
-      {sClasse, "AppID", "{f5b03bc1-ff38-45f0-a365-680a4ab6f515}"},
-      {sClasse + "\\ProgID", nullptr, "Kalvo.QZDF_Veiculos.1"},
-      {sClasse + "\\VersionIndependentProgID", nullptr, "Kalvo.QZDF_Veiculos"},
-      {sClasse + "\\LocalServer32", nullptr, "\"" + PastaDoPrograma() + "Kalvo.exe\""},
-      {sClasse + "\\TypeLib", nullptr, "{719b6d68-7fdd-4942-94c3-953b64051322}"},
-      {"TypeLib\\{719b6d68-7fdd-4942-94c3-953b64051322}\\1.0\\0\\win64", nullptr, PastaDoPrograma() + "Kalvo.exe"},
-      {"Interface\\{581ee5e9-6ee9-4428-87c0-6be18d374724}\\ProxyStubClsid32", nullptr,
-       "{84be9740-8888-4462-883d-b2725bba0296}"},
-      {"CLSID\\{84be9740-8888-4462-883d-b2725bba0296}\\InProcServer32", nullptr,
-       PastaDoPrograma() + "QZDF_VeiculosPS.dll"},
-  };
-}
+// Wine's per-user registration of a type library writes to the machine's hive; the machine's, which follows, removes
+// it.
+const Alcance kAlcances[] = {{"/RegServerPerUser", "/UnregServerPerUser", HKEY_CURRENT_USER, false},
+                             {"/RegServer", "/UnregServer", HKEY_LOCAL_MACHINE, true}};
+
+/// An installation of the server in a folder of its own, in a path with blanks and accents.
+class RegistroCom : public testing::Test {
+protected:
+  void SetUp() override {
+    Copia("Kalvo.exe");
+    Limpa();
+  }
+
+  /// The registration that the other tests of the program work with.
+  void TearDown() override {
+    Limpa();
+    EXPECT_EQ(ExecutaKalvo("/RegServer"), 0U);
+  }
+
+  /// Leaves what stays by rule after a registration was removed.
+  static void Limpa() {
+    for (const Alcance &alcance : kAlcances) {
+      EXPECT_EQ(ExecutaKalvo(alcance.lpRegistra), 0U);
+      EXPECT_EQ(ExecutaKalvo(alcance.lpRemove), 0U);
+    }
+  }
+
+  void Copia(const std::string &sArquivo) const {
+    ASSERT_TRUE(CopyFileA((PastaDoPrograma() + sArquivo).c_str(), (m_sPasta + sArquivo).c_str(), FALSE));
+  }
+
+  /// Runs this installation's server; what it says stays in m_sErro.
+  DWORD Executa(const char *lpArgumentos) { return apoiocom::Executa(m_sPasta + "Kalvo.exe", lpArgumentos, &m_sErro); }
+
+  const apoio::PastaTemporaria m_raiz;
+  const std::string m_sPasta = m_raiz.CriaSubpasta("Instala\xE7\xE3o do servidor");
+  std::string m_sErro;
+};
 
 }  // namespace
 
-TEST(RegistroCom, TodaFormaDeEscreverAChaveRegistraERemove) {
-  const struct {
-    const char *lpRegistra;
-    const char *lpRemove;
-  } formas[] = {
-      {"/regserver", "/UNREGSERVER"}, {"-RegServer", "-UnregServer"}, {"-Embedding /REGSERVER", "\"/unregserver\""}};
-  for (const auto &forma : formas) {
-    SCOPED_TRACE(forma.lpRegistra);
-    std::string sErro;
-    EXPECT_EQ(ExecutaKalvo(forma.lpRemove, &sErro), 0U) << sErro;
-    for (const ValorEsperado &valor : ValoresDaClasse()) {
-      EXPECT_EQ(Classe(valor.sChave, valor.lpNome), "(absent)") << valor.sChave;
+TEST_F(RegistroCom, RegistraERemoveChaveAChave) {
+  Copia("QZDF_VeiculosPS.dll");
+  for (const Alcance &alcance : kAlcances) {
+    SCOPED_TRACE(alcance.lpRegistra);
+    Limpa();
+    const Arvore vazia = Classes(alcance.hRaiz);
+    EXPECT_EQ(vazia.at("appid\\{f5b03bc1-ff38-45f0-a365-680a4ab6f515}\\"), "Kalvo");
+    for (int iVez = 1; iVez <= 2; ++iVez) {
+      EXPECT_EQ(Executa(alcance.lpRegistra), 0U);
+      EXPECT_EQ(m_sErro, "");
+      EXPECT_EQ(Diferenca(vazia, Classes(alcance.hRaiz)), Esperado(m_sPasta, alcance.bBiblioteca)) << iVez;
     }
-    EXPECT_EQ(Classe(kAppId), "Kalvo");
-    EXPECT_EQ(ExecutaKalvo(forma.lpRegistra, &sErro), 0U) << sErro;
-    for (const ValorEsperado &valor : ValoresDaClasse()) {
-      EXPECT_EQ(Minusculas(Classe(valor.sChave, valor.lpNome)), Minusculas(valor.sTexto)) << valor.sChave;
+    // Nothing but the executable is needed to remove the registration.
+    ASSERT_TRUE(MoveFileA((m_sPasta + "QZDF_VeiculosPS.dll").c_str(), (m_sPasta + "fora.dll").c_str()));
+    for (int iVez = 1; iVez <= 2; ++iVez) {
+      EXPECT_EQ(Executa(alcance.lpRemove), 0U);
+      EXPECT_EQ(m_sErro, "");
+      EXPECT_EQ(TodaDiferenca(vazia, Classes(alcance.hRaiz)), "") << iVez;
     }
-    EXPECT_EQ(sErro, "");
+    ASSERT_TRUE(MoveFileA((m_sPasta + "fora.dll").c_str(), (m_sPasta + "QZDF_VeiculosPS.dll").c_str()));
   }
-  EXPECT_TRUE(Cria());
 }
 
-TEST(RegistroCom, RemoverDuasVezesNaoFalha) {
-  EXPECT_EQ(ExecutaKalvo("/UnregServer"), 0U);
-  EXPECT_EQ(ExecutaKalvo("/UnregServer"), 0U);
-  EXPECT_EQ(ExecutaKalvo("/RegServer"), 0U);
-}
-
-TEST(RegistroCom, FalhaDizOQueEComQueErro) {
-  // The executable alone in a folder: the proxy/stub that belongs beside it is missing.
-  const apoio::PastaTemporaria pasta;
-  ASSERT_TRUE(CopyFileA((PastaDoPrograma() + "Kalvo.exe").c_str(), (pasta / "Kalvo.exe").c_str(), TRUE));
-  std::string sErro;
-  EXPECT_EQ(ExecutaKalvoDe(pasta.Caminho(), "/RegServer", &sErro), 0x8007007EU);
-  EXPECT_NE(sErro.find("QZDF_VeiculosPS.dll"), std::string::npos) << sErro;
-  EXPECT_NE(sErro.find("0x8007007E"), std::string::npos) << sErro;
-  EXPECT_EQ(ExecutaKalvo("/RegServer"), 0U);
-}
-
-TEST(RegistroCom, BibliotecaDeTiposDescreveAInterface) {
-  ITypeLib *pBiblioteca = nullptr;
-  ASSERT_EQ(LoadRegTypeLib(LIBID_Kalvo, 1, 0, LOCALE_NEUTRAL, &pBiblioteca), S_OK);
-  const Ponteiro<ITypeLib> spBiblioteca(pBiblioteca);
-  ITypeInfo *pTipo = nullptr;
-  ASSERT_EQ(spBiblioteca->GetTypeInfoOfGuid(IID_IQZDF_Veiculos, &pTipo), S_OK);
-  const Ponteiro<ITypeInfo> spTipo(pTipo);
-
-  const struct {
-    const wchar_t *lpNome;
-    SHORT sParametros;
-  } funcoes[] = {{L"Inicializa", 3},
-                 {L"Grava", 2},
-                 {L"Le", 2},
-                 {L"Existe", 3},
-                 {L"BuscaPonteiros", 2},
-                 {L"LePonteiros", 3},
-                 {L"GetQuantidadeRegistros", 1}};
-  UINT uiIndice = 0;
-  for (const auto &funcao : funcoes) {
-    FUNCDESC *pDescricao = nullptr;
-    ASSERT_EQ(spTipo->GetFuncDesc(uiIndice, &pDescricao), S_OK);
-    EXPECT_EQ(pDescricao->memid, static_cast<MEMBERID>(0x60010000 + uiIndice));
-    EXPECT_EQ(pDescricao->cParams, funcao.sParametros);
-    EXPECT_EQ(pDescricao->oVft, static_cast<SHORT>((3 + uiIndice) * sizeof(void *)));
-    BSTR sNome = nullptr;
-    UINT uiNomes = 0;
-    EXPECT_EQ(spTipo->GetNames(pDescricao->memid, &sNome, 1, &uiNomes), S_OK);
-    EXPECT_STREQ(sNome, funcao.lpNome);
-    SysFreeString(sNome);
-    spTipo->ReleaseFuncDesc(pDescricao);
-    ++uiIndice;
+TEST_F(RegistroCom, ServeDeUmCaminhoComBrancosEAcentos) {
+  Copia("QZDF_VeiculosPS.dll");
+  ASSERT_GE(EsperaServidorTerminar(), 0);
+  ASSERT_EQ(Executa("-Embedding /REGSERVER"), 0U) << m_sErro;
+  {
+    const Empresa empresa;
+    EXPECT_TRUE(Abre(empresa.Codigo()));
+    ITypeLib *pBiblioteca = nullptr;
+    EXPECT_EQ(LoadRegTypeLib(LIBID_Kalvo, 1, 0, LOCALE_NEUTRAL, &pBiblioteca), S_OK);
+    const Ponteiro<ITypeLib> spBiblioteca(pBiblioteca);
   }
-  FUNCDESC *pAMais = nullptr;
-  EXPECT_NE(spTipo->GetFuncDesc(uiIndice, &pAMais), S_OK);
+  ASSERT_GE(EsperaServidorTerminar(), 0);
+  EXPECT_EQ(Executa("\"-unregserver\""), 0U) << m_sErro;
 }
 
-TEST(RegistroCom, ExecutavelTrazVersaoENome) {
-  const std::string sExecutavel = PastaDoPrograma() + "Kalvo.exe";
-  std::vector<char> versao(GetFileVersionInfoSizeA(sExecutavel.c_str(), nullptr));
-  ASSERT_FALSE(versao.empty());
-  ASSERT_TRUE(GetFileVersionInfoA(sExecutavel.c_str(), 0, static_cast<DWORD>(versao.size()), versao.data()));
-  void *pValor = nullptr;
-  UINT uiTamanho = 0;
-  ASSERT_TRUE(VerQueryValueA(versao.data(), "\\", &pValor, &uiTamanho));
-  const auto &fixa = *static_cast<const VS_FIXEDFILEINFO *>(pValor);
-  EXPECT_EQ(fixa.dwFileVersionMS, 0x00010000U);
-  EXPECT_EQ(fixa.dwFileVersionLS, 0U);
-  ASSERT_TRUE(VerQueryValueA(versao.data(), "\\StringFileInfo\\041604E4\\FileVersion", &pValor, &uiTamanho));
-  EXPECT_STREQ(static_cast<const char *>(pValor), "1.0.0.0");
+TEST_F(RegistroCom, FalhaDizOQueENaoDeixaNada) {
+  const std::string sProxy = std::string(kClasses) + "\\CLSID\\{84BE9740-8888-4462-883D-B2725BBA0296}";
+  for (const Alcance &alcance : kAlcances) {
+    SCOPED_TRACE(alcance.lpRegistra);
+    Limpa();
+    for (const bool bHaviaOutro : {false, true}) {
+      SCOPED_TRACE(bHaviaOutro);
+      if (bHaviaOutro) {
+        ASSERT_EQ(ExecutaKalvo(alcance.lpRegistra), 0U);
+      }
+      // The executable alone in its folder: the proxy/stub that belongs beside it is missing.
+      const Arvore antes = Classes(alcance.hRaiz);
+      EXPECT_EQ(Executa(alcance.lpRegistra), 0x8007007EU);
+      EXPECT_NE(m_sErro.find(m_sPasta + "QZDF_VeiculosPS.dll: erro 0x8007007E"), std::string::npos) << m_sErro;
+      EXPECT_EQ(TodaDiferenca(antes, Classes(alcance.hRaiz)), "");
 
-  const HMODULE hRecursos = LoadLibraryExA(sExecutavel.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-  ASSERT_NE(hRecursos, nullptr);
-  std::array<char, 32> nome{};
-  EXPECT_EQ(LoadStringA(hRecursos, 100, nome.data(), static_cast<int>(nome.size())), 5);
-  EXPECT_STREQ(nome.data(), "Kalvo");
-  FreeLibrary(hRecursos);
+      // A key that lives only in memory takes no lasting keys: the proxy's cannot be written, after everything else
+      // was.
+      Copia("QZDF_VeiculosPS.dll");
+      RegDeleteTreeA(alcance.hRaiz, sProxy.c_str());
+      HKEY hChave = nullptr;
+      ASSERT_EQ(RegCreateKeyExA(alcance.hRaiz, sProxy.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_WRITE, nullptr,
+                                &hChave, nullptr),
+                ERROR_SUCCESS);
+      RegCloseKey(hChave);
+      const Arvore bloqueada = Classes(alcance.hRaiz);
+      EXPECT_EQ(Executa(alcance.lpRegistra), static_cast<DWORD>(HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE)));
+      EXPECT_NE(Minusculas(m_sErro).find(Minusculas(sProxy) + "\\inprocserver32: erro 0x800703fd"), std::string::npos)
+          << m_sErro;
+      EXPECT_EQ(TodaDiferenca(bloqueada, Classes(alcance.hRaiz)), "");
+      RegDeleteTreeA(alcance.hRaiz, sProxy.c_str());
+      DeleteFileA((m_sPasta + "QZDF_VeiculosPS.dll").c_str());
+    }
+  }
 }
 
-TEST(RegistroCom, AgregacaoEntreProcessosERecusada) {
+TEST(AtivacaoCom, AgregacaoEntreProcessosERecusada) {
   const Veiculos spExterno = Cria();
   void *pObjeto = nullptr;
   EXPECT_EQ(CoCreateInstance(CLSID_CQZDF_Veiculos, spExterno.get(), CLSCTX_LOCAL_SERVER, IID_IUnknown, &pObjeto),

@@ -309,6 +309,8 @@ TEST_F(Servico, SoObjetosETravasSeguramOProcesso) {
   EXPECT_EQ(WaitForSingleObject(contagem.EventoZerou(), 0), WAIT_OBJECT_0);
   contagem.LimpaAtividade();
   EXPECT_FALSE(contagem.EmUso());
+  EXPECT_EQ(classe.LockServer(FALSE), E_UNEXPECTED);
+  EXPECT_EQ(contagem.Quantidade(), 0);
   void *pObjeto = nullptr;
   EXPECT_EQ(classe.CreateInstance(nullptr, IID_IClassFactory, &pObjeto), E_NOINTERFACE);
   EXPECT_EQ(contagem.Quantidade(), 0);

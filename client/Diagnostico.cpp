@@ -1,0 +1,214 @@
+#include "client/Diagnostico.h"
+
+#include <windows.h>
+
+#include <oleauto.h>
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <type_traits>
+
+#include "client/Codificacao.h"
+#include "client/QZVeiculosCliente.h"
+#include "client/RegistroClasses.h"
+#include "client/Saida.h"
+#include "core/env/QZPath.h"
+
+namespace {
+
+enum class eAchado { bom, aviso, falha };
+
+// The findings as they are made. Labels are UTF-8 literals; texts are Windows-1252.
+class CRelatorio {
+public:
+  static void Titulo(const std::string &sTitulo) { Escreve(sTitulo + "\n"); }
+
+  void Anota(eAchado eTipo, std::string_view sRotulo, const std::string &sTexto) {
+    constexpr std::string_view kMarcas[] = {"  [ok]    ", "  [aviso] ", "  [FALHA] "};
+    constexpr std::size_t kLargura = 24;
+    std::string sLinha = De8Para1252(sRotulo).value();
+    sLinha.resize(kLargura, '.');
+    Escreve(std::string(kMarcas[static_cast<std::size_t>(eTipo)]) + sLinha + " " + sTexto + "\n");
+    m_uiFalhas += eTipo == eAchado::falha ? 1U : 0U;
+  }
+  void Bom(std::string_view sRotulo, const std::string &sTexto) { Anota(eAchado::bom, sRotulo, sTexto); }
+  void Aviso(std::string_view sRotulo, const std::string &sTexto) { Anota(eAchado::aviso, sRotulo, sTexto); }
+  void Falha(std::string_view sRotulo, const std::string &sTexto) { Anota(eAchado::falha, sRotulo, sTexto); }
+
+  unsigned Falhas() const { return m_uiFalhas; }
+
+private:
+  unsigned m_uiFalhas = 0;
+};
+
+std::string Texto(const std::wstring &sTexto) {
+  return De16Para1252(sTexto).value_or("(nome fora do Windows-1252)");
+}
+
+std::string ComRaiz(const CValorClasse &valor) {
+  return " (" + std::string(valor.pRaiz) + ")";
+}
+
+std::string Falta(const std::wstring &sChave) {
+  return "falta a chave Software\\Classes\\" + Texto(sChave) + " em HKCU e em HKLM";
+}
+
+std::wstring ChaveClasse() {
+  return L"CLSID\\" + TextoGuid(CLSID_CQZDF_Veiculos);
+}
+
+// The file that a key names; a fault and nothing when it is not registered or not there.
+std::optional<CValorClasse> ConfereArquivo(CRelatorio &relatorio, std::string_view sRotulo,
+                                           const std::wstring &sChave) {
+  std::optional<CValorClasse> valor = ProcuraClasse(sChave);
+  if (!valor) {
+    relatorio.Falha(sRotulo, Falta(sChave));
+    return std::nullopt;
+  }
+  valor->sTexto = ProgramaDaLinha(valor->sTexto);
+  if (!ExisteArquivo(valor->sTexto)) {
+    relatorio.Falha(sRotulo, Texto(valor->sTexto) + ComRaiz(*valor) + ": o arquivo não existe"_pt);
+    return std::nullopt;
+  }
+  return valor;
+}
+
+void ConfereClasse(CRelatorio &relatorio) {
+  const std::wstring sProgId = L"Kalvo.QZDF_Veiculos";
+  const std::optional<CValorClasse> classe = ProcuraClasse(ChaveClasse());
+  if (classe) {
+    relatorio.Bom("classe ", Texto(TextoGuid(CLSID_CQZDF_Veiculos)) + ComRaiz(*classe));
+  } else {
+    relatorio.Falha("classe ", Falta(ChaveClasse()));
+  }
+  const std::optional<CValorClasse> progId = ProcuraClasse(sProgId + L"\\CLSID");
+  if (!progId) {
+    relatorio.Falha("ProgID ", Falta(sProgId));
+  } else if (lstrcmpiW(progId->sTexto.c_str(), TextoGuid(CLSID_CQZDF_Veiculos).c_str()) != 0) {
+    relatorio.Falha("ProgID ", Texto(sProgId) + " é de outra classe: "_pt + Texto(progId->sTexto));
+  } else {
+    relatorio.Bom("ProgID ", Texto(sProgId) + ComRaiz(*progId));
+  }
+}
+
+void ConfereServidor(CRelatorio &relatorio) {
+  const std::wstring sChave = ChaveClasse() + L"\\LocalServer32";
+  if (const auto servidor = ConfereArquivo(relatorio, "servidor ", sChave)) {
+    relatorio.Bom("servidor ",
+                  Texto(servidor->sTexto) + ", versão "_pt + VersaoDoArquivo(servidor->sTexto) + ComRaiz(*servidor));
+  }
+  const auto doUsuario = ProcuraClasseEm(HKEY_CURRENT_USER, sChave);
+  const auto daMaquina = ProcuraClasseEm(HKEY_LOCAL_MACHINE, sChave);
+  if (doUsuario && daMaquina && doUsuario->sTexto != daMaquina->sTexto) {
+    relatorio.Aviso("servidor ", "outro está registrado para a máquina: "_pt + Texto(daMaquina->sTexto) +
+                                     "; programas elevados usam esse"_pt);
+  }
+}
+
+void ConfereBiblioteca(CRelatorio &relatorio) {
+  const auto biblioteca =
+      ConfereArquivo(relatorio, "biblioteca de tipos ", L"TypeLib\\" + TextoGuid(LIBID_Kalvo) + L"\\1.0\\0\\win64");
+  if (!biblioteca) {
+    return;
+  }
+  ITypeLib *pBiblioteca = nullptr;
+  const HRESULT hr = LoadTypeLibEx(biblioteca->sTexto.c_str(), REGKIND_NONE, &pBiblioteca);
+  if (FAILED(hr)) {
+    relatorio.Falha("biblioteca de tipos ", Texto(biblioteca->sTexto) + ": " + CQZErroVeiculos(hr).what());
+    return;
+  }
+  pBiblioteca->Release();
+  relatorio.Bom("biblioteca de tipos ", Texto(biblioteca->sTexto) + ComRaiz(*biblioteca));
+}
+
+void ConfereProxy(CRelatorio &relatorio) {
+  const std::wstring sInterface = L"Interface\\" + TextoGuid(IID_IQZDF_Veiculos) + L"\\ProxyStubClsid32";
+  const std::optional<CValorClasse> interface_ = ProcuraClasse(sInterface);
+  if (!interface_) {
+    relatorio.Falha("interface ", Falta(sInterface));
+    return;
+  }
+  relatorio.Bom("interface ", Texto(TextoGuid(IID_IQZDF_Veiculos)) + ComRaiz(*interface_));
+  const auto proxy = ConfereArquivo(relatorio, "proxy ", L"CLSID\\" + interface_->sTexto + L"\\InProcServer32");
+  if (!proxy) {
+    return;
+  }
+  struct CLibera {
+    void operator()(HMODULE h) const { FreeLibrary(h); }
+  };
+  const std::unique_ptr<std::remove_pointer_t<HMODULE>, CLibera> spModulo(
+      LoadLibraryExW(proxy->sTexto.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+  if (!spModulo) {
+    const HRESULT hr = HRESULT_FROM_WIN32(GetLastError());
+    relatorio.Falha("proxy ", Texto(proxy->sTexto) + " não pode ser carregado: "_pt + TextoCodigoErro(hr));
+    return;
+  }
+  relatorio.Bom("proxy ", Texto(proxy->sTexto) + ", versão "_pt + VersaoDoArquivo(proxy->sTexto) + ComRaiz(*proxy));
+}
+
+void ConfereDiretorio(CRelatorio &relatorio, std::string_view sRotulo, const CString &sDiretorio,
+                      const std::string &sValor) {
+  if (sDiretorio.empty()) {
+    relatorio.Falha(sRotulo, "falta o valor " + sValor);
+    return;
+  }
+  const DWORD dwAtributos = GetFileAttributesA(sDiretorio.c_str());
+  if (dwAtributos == INVALID_FILE_ATTRIBUTES || (dwAtributos & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+    relatorio.Falha(sRotulo, sDiretorio + ": o diretório não existe (valor "_pt + sValor + ")");
+    return;
+  }
+  relatorio.Bom(sRotulo, sDiretorio);
+}
+
+void ConfereDiretorios(CRelatorio &relatorio, const std::string &sEmpresa) {
+  const std::string sSuite = std::string("HKLM\\") + kChaveSuite;
+  ConfereDiretorio(relatorio, "instalação ", CQZPath::DiretorioInstalacao(QZ_DF),
+                   "Path de " + sSuite + "Miran Empresarial");
+  if (sEmpresa.empty()) {
+    return;
+  }
+  ConfereDiretorio(relatorio, "empresa ", CQZPath::DiretorioEmpresa(QZ_DF, sEmpresa),
+                   "DF de " + sSuite + "Empresas\\" + sEmpresa);
+}
+
+void ConfereAtivacao(CRelatorio &relatorio) {
+  constexpr wchar_t kServidor[] = L"Kalvo.exe";
+  const bool bJaExecutava = QuantosProcessos(kServidor) != 0;
+  const CQZApartamento apartamento;
+  CQZVeiculosHR veiculos;
+  const auto tInicio = std::chrono::steady_clock::now();
+  const HRESULT hr = veiculos.Cria();
+  const auto tempo = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - tInicio);
+  if (FAILED(hr)) {
+    relatorio.Falha("ativação ", CQZErroVeiculos(hr).what());
+    return;
+  }
+  relatorio.Bom("ativação ", std::to_string(tempo.count()) + (bJaExecutava ? " ms (o servidor já estava em execução)"_pt
+                                                                           : " ms (o servidor foi iniciado agora)"));
+  const unsigned uiProcessos = QuantosProcessos(kServidor);
+  if (uiProcessos > 1) {
+    relatorio.Aviso("processos ",
+                    std::to_string(uiProcessos) +
+                        " servidores em execução: cada conta e sessão tem o seu, e só um abre uma empresa"_pt);
+  }
+}
+
+}  // namespace
+
+bool Diagnostica(const std::string &sEmpresa) {
+  CRelatorio relatorio;
+  CRelatorio::Titulo("Registro");
+  ConfereClasse(relatorio);
+  ConfereServidor(relatorio);
+  ConfereBiblioteca(relatorio);
+  ConfereProxy(relatorio);
+  CRelatorio::Titulo("Diretórios"_pt);
+  ConfereDiretorios(relatorio, sEmpresa);
+  CRelatorio::Titulo("Ativação"_pt);
+  ConfereAtivacao(relatorio);
+  Escreve(relatorio.Falhas() == 0 ? std::string("Tudo em ordem.\n")
+                                  : "Falhas encontradas: " + std::to_string(relatorio.Falhas()) + "\n");
+  return relatorio.Falhas() == 0;
+}

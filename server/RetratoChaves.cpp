@@ -1,0 +1,133 @@
+#include "server/RetratoChaves.h"
+
+#include <memory>
+#include <type_traits>
+
+namespace {
+
+struct FechaChave {
+  void operator()(HKEY h) const { RegCloseKey(h); }
+};
+using Chave = std::unique_ptr<std::remove_pointer_t<HKEY>, FechaChave>;
+
+constexpr DWORD kMaiorNomeValor = 16384;  // characters, the system's limits, the final zero included
+constexpr DWORD kMaiorNomeChave = 256;
+
+/// True when the key is not there any more.
+bool Apaga(HKEY hPai, const std::wstring &chave) {
+  const LSTATUS erro = RegDeleteTreeW(hPai, chave.c_str());
+  return erro == ERROR_SUCCESS || erro == ERROR_FILE_NOT_FOUND;
+}
+
+}  // namespace
+
+CRetratoChaves::CRetratoChaves(HKEY hRaiz, const std::vector<std::wstring> &chaves) : m_hRaiz(hRaiz) {
+  for (const std::wstring &chave : chaves) {
+    m_chaves[chave] = Le(hRaiz, chave);
+  }
+}
+
+bool CRetratoChaves::Restaura() const {
+  bool bTudo = true;
+  for (const auto &[chave, ramo] : m_chaves) {
+    bTudo = Poe(m_hRaiz, chave, ramo) && bTudo;
+  }
+  return bTudo;
+}
+
+CRetratoChaves::Ramo CRetratoChaves::Le(HKEY hPai, const std::wstring &chave) {
+  Ramo ramo;
+  HKEY h = nullptr;
+  const LSTATUS erro = RegOpenKeyExW(hPai, chave.c_str(), 0, KEY_READ, &h);
+  if (erro == ERROR_FILE_NOT_FOUND) {
+    return ramo;
+  }
+  ramo.eSituacao = erro == ERROR_SUCCESS ? Situacao::Presente : Situacao::Ilegivel;
+  if (erro == ERROR_SUCCESS) {
+    const Chave spChave(h);
+    LeValores(h, ramo);
+    LeFilhos(h, ramo);
+  }
+  return ramo;
+}
+
+void CRetratoChaves::LeValores(HKEY hChave, Ramo &ramo) {
+  std::vector<wchar_t> nome(kMaiorNomeValor);
+  std::vector<BYTE> dados(1024);
+  for (DWORD dwIndice = 0;;) {
+    auto dwNome = static_cast<DWORD>(nome.size());
+    auto dwDados = static_cast<DWORD>(dados.size());
+    DWORD dwTipo = 0;
+    const LSTATUS erro =
+        RegEnumValueW(hChave, dwIndice, nome.data(), &dwNome, nullptr, &dwTipo, dados.data(), &dwDados);
+    if (erro == ERROR_MORE_DATA) {
+      dados.resize(dados.size() * 2);
+      continue;
+    }
+    if (erro != ERROR_SUCCESS) {
+      return;
+    }
+    ramo.valores[std::wstring(nome.data(), dwNome)] = {dwTipo, {dados.begin(), dados.begin() + dwDados}};
+    ++dwIndice;
+  }
+}
+
+void CRetratoChaves::LeFilhos(HKEY hChave, Ramo &ramo) {
+  std::vector<wchar_t> nome(kMaiorNomeChave);
+  for (DWORD dwIndice = 0;; ++dwIndice) {
+    auto dwNome = static_cast<DWORD>(nome.size());
+    if (RegEnumKeyExW(hChave, dwIndice, nome.data(), &dwNome, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) {
+      return;
+    }
+    const std::wstring filho(nome.data(), dwNome);
+    ramo.filhos[filho] = Le(hChave, filho);
+  }
+}
+
+bool CRetratoChaves::Poe(HKEY hPai, const std::wstring &chave, const Ramo &antes) {
+  if (antes.eSituacao == Situacao::Ilegivel) {
+    return true;
+  }
+  if (antes.eSituacao == Situacao::Ausente) {
+    return Apaga(hPai, chave);
+  }
+  HKEY h = nullptr;
+  if (RegCreateKeyExW(hPai, chave.c_str(), 0, nullptr, 0, KEY_READ | KEY_WRITE, nullptr, &h, nullptr) !=
+      ERROR_SUCCESS) {
+    return false;
+  }
+  const Chave spChave(h);
+  Ramo agora;
+  LeValores(h, agora);
+  LeFilhos(h, agora);
+  const bool bValores = PoeValores(h, antes, agora);
+  return PoeFilhos(h, antes, agora) && bValores;
+}
+
+bool CRetratoChaves::PoeValores(HKEY hChave, const Ramo &antes, const Ramo &agora) {
+  bool bTudo = true;
+  for (const auto &[nome, valor] : agora.valores) {
+    if (antes.valores.count(nome) == 0) {
+      bTudo = RegDeleteValueW(hChave, nome.c_str()) == ERROR_SUCCESS && bTudo;
+    }
+  }
+  for (const auto &[nome, valor] : antes.valores) {
+    bTudo = RegSetValueExW(hChave, nome.c_str(), 0, valor.dwTipo, valor.dados.data(),
+                           static_cast<DWORD>(valor.dados.size())) == ERROR_SUCCESS &&
+            bTudo;
+  }
+  return bTudo;
+}
+
+bool CRetratoChaves::PoeFilhos(HKEY hChave, const Ramo &antes, const Ramo &agora) {
+  bool bTudo = true;
+  for (const auto &[nome, ramo] : agora.filhos) {
+    if (antes.filhos.count(nome) == 0) {
+      bTudo = Apaga(hChave, nome) && bTudo;
+    }
+  }
+  for (const auto &[nome, ramo] : antes.filhos) {
+    bTudo = Poe(hChave, nome, ramo) && bTudo;
+  }
+  return bTudo;
+}

@@ -1,0 +1,33 @@
+#ifndef KALVO_SERVER_VALORESREGISTRO_H
+#define KALVO_SERVER_VALORESREGISTRO_H
+
+#include <string>
+#include <vector>
+
+// What the registration consists of. Keys are relative to a classes root (`Software\Classes` of the machine or of a
+// user).
+
+/// One text value; an empty name is the key's default value.
+struct ValorRegistro {
+  std::wstring chave;
+  std::wstring nome;
+  std::wstring texto;
+};
+
+/// Application identity and class, served by this executable.
+std::vector<ValorRegistro> ValoresDoServidor(const std::wstring &sExecutavel);
+
+/// The interface and its proxy/stub, as the DLL's own registration writes them.
+std::vector<ValorRegistro> ValoresDoProxy(const std::wstring &sProxy);
+
+/// Keys that a registration may create or change, the type library's included, each with all below it.
+std::vector<std::wstring> ChavesTocadas();
+
+/// Keys that an unregistration removes with all below them; that of the type library is the platform's to remove. The
+/// application identity stays.
+std::vector<std::wstring> ChavesRemovidas();
+
+/// Key of version 1.0 of the type library.
+std::wstring ChaveDaBiblioteca();
+
+#endif

@@ -1,0 +1,109 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tests/com/ApoioCom.h"
+
+using namespace apoiocom;
+
+namespace {
+
+constexpr char kChaveSuite[] = "SOFTWARE\\Wow6432Node\\Tarvel\\";
+constexpr char kInterface[] = "Software\\Classes\\Interface\\{581EE5E9-6EE9-4428-87C0-6BE18D374724}";
+
+/// veiculos.exe diagnostico against the real registry, with an installation directory and a company in order.
+class DiagnosticoCom : public testing::Test {
+protected:
+  void SetUp() override {
+    m_registro.DefineTexto(std::string(kChaveSuite) + "Miran Empresarial", "Path", m_pasta.Caminho());
+  }
+  void TearDown() override { EXPECT_EQ(ExecutaKalvo("/RegServer"), 0U); }
+
+  DWORD Diagnostica(const std::string &sEmpresa) {
+    const DWORD dwCodigo =
+        Executa(PastaDoPrograma() + "veiculos.exe", "--empresa \"" + sEmpresa + "\" diagnostico", &m_sSaida);
+    m_sSaida.erase(std::remove(m_sSaida.begin(), m_sSaida.end(), '\r'), m_sSaida.end());
+    return dwCodigo;
+  }
+
+  /// The lines of the given kind, without their texts.
+  std::vector<std::string> Linhas(const std::string &sMarca) const {
+    std::vector<std::string> rotulos;
+    for (std::size_t i = m_sSaida.find(sMarca); i != std::string::npos; i = m_sSaida.find(sMarca, i + 1)) {
+      const std::size_t uiInicio = m_sSaida.find_first_not_of(' ', i + sMarca.size());
+      rotulos.push_back(m_sSaida.substr(uiInicio, m_sSaida.find(" .", uiInicio) - uiInicio));
+    }
+    return rotulos;
+  }
+
+  const apoio::PastaTemporaria m_pasta;
+  apoio::RegistroTeste m_registro;
+  const Empresa m_empresa;
+  std::string m_sSaida;
+};
+
+using Rotulos = std::vector<std::string>;
+
+const Rotulos kTudo = {"classe", "ProgID",           "servidor", "biblioteca de tipos", "interface",
+                       "proxy",  "instala\xE7\xE3o", "empresa",  "ativa\xE7\xE3o"};
+
+}  // namespace
+
+TEST_F(DiagnosticoCom, TudoEmOrdem) {
+  ASSERT_GE(EsperaServidorTerminar(), 0);
+  EXPECT_EQ(Diagnostica(m_empresa.Codigo()), 0U) << m_sSaida;
+  EXPECT_EQ(Linhas("[ok]"), kTudo);
+  EXPECT_EQ(Linhas("[FALHA]"), Rotulos{});
+  EXPECT_NE(m_sSaida.find(PastaDoPrograma() + "Kalvo.exe, vers\xE3o 1.0.0.0 (HKLM)"), std::string::npos) << m_sSaida;
+  EXPECT_NE(m_sSaida.find("o servidor foi iniciado agora"), std::string::npos) << m_sSaida;
+}
+
+TEST_F(DiagnosticoCom, ApontaOQueFalta) {
+  const apoio::PastaTemporaria outra;
+  const Empresa semDiretorio("ausente\\");
+  const struct {
+    const char *lpNome;
+    std::function<void()> quebra;
+    std::string sEmpresa;
+    Rotulos falhas;
+    std::string sTrecho;
+  } casos[] = {
+      {"company unknown", [] {}, "NAO_HA", {"empresa"}, "Empresas\\NAO_HA"},
+      {"company without its directory", [] {}, semDiretorio.Codigo(), {"empresa"}, "ausente\\: o diret\xF3rio"},
+      {"proxy key missing",
+       [] { ASSERT_EQ(RegDeleteTreeA(HKEY_LOCAL_MACHINE, kInterface), ERROR_SUCCESS); },
+       m_empresa.Codigo(),
+       {"interface", "ativa\xE7\xE3o"},
+       "ProxyStubClsid32 em HKCU e em HKLM"},
+      {"server file missing",
+       [&outra] {
+         // A server that still runs would hide that the file is missing.
+         ASSERT_GE(EsperaServidorTerminar(), 0);
+         for (const char *const lpArquivo : {"Kalvo.exe", "QZDF_VeiculosPS.dll"}) {
+           ASSERT_TRUE(CopyFileA((PastaDoPrograma() + lpArquivo).c_str(), (outra / lpArquivo).c_str(), TRUE));
+         }
+         std::string sErro;
+         ASSERT_EQ(Executa(outra / "Kalvo.exe", "/RegServer", &sErro), 0U) << sErro;
+         ASSERT_TRUE(DeleteFileA((outra / "Kalvo.exe").c_str()));
+       },
+       m_empresa.Codigo(),
+       {"servidor", "biblioteca de tipos", "ativa\xE7\xE3o"},
+       outra / "Kalvo.exe (HKLM): o arquivo n\xE3o existe"},
+      {"unregistered",
+       [] { ASSERT_EQ(ExecutaKalvo("/UnregServer"), 0U); },
+       m_empresa.Codigo(),
+       {"classe", "ProgID", "servidor", "biblioteca de tipos", "interface", "ativa\xE7\xE3o"},
+       "0x80040154"},
+  };
+  for (const auto &caso : casos) {
+    SCOPED_TRACE(caso.lpNome);
+    ASSERT_EQ(ExecutaKalvo("/RegServer"), 0U);
+    caso.quebra();
+    EXPECT_EQ(Diagnostica(caso.sEmpresa), 1U) << m_sSaida;
+    EXPECT_EQ(Linhas("[FALHA]"), caso.falhas) << m_sSaida;
+    EXPECT_NE(m_sSaida.find(caso.sTrecho), std::string::npos) << m_sSaida;
+  }
+}

@@ -24,7 +24,7 @@ private:
     }
     std::optional<std::uint32_t> LeNumero(const CString &chave, const CString &nome) override {
       return nome == "QZDataBase_HabilitarCabecalho" ? std::optional<std::uint32_t>(m_bLigada)
-                                                      : m_base.LeNumero(chave, nome);
+                                                     : m_base.LeNumero(chave, nome);
     }
 
     bool m_bLigada;

@@ -20,21 +20,12 @@ RegistraFilha::RegistraFilha(const char *nome, FuncaoFilha funcao) {
   Filhas()[nome] = funcao;
 }
 
-bool ExecutaFilha(int argc, char **argv, int *codigo) {
-  if (argc < 3 || std::string(argv[1]) != "--filho") {
-    return false;
-  }
-  const auto achada = Filhas().find(argv[2]);
-  *codigo = achada != Filhas().end() ? achada->second(std::vector<std::string>(argv + 3, argv + argc)) : 127;
-  return true;
-}
-
 }  // namespace apoio
 
 int main(int argc, char **argv) {
-  int codigo = 0;
-  if (apoio::ExecutaFilha(argc, argv, &codigo)) {
-    return codigo;
+  if (argc >= 3 && std::string(argv[1]) == "--filho") {
+    const auto achada = apoio::Filhas().find(argv[2]);
+    return achada != apoio::Filhas().end() ? achada->second({argv + 3, argv + argc}) : 127;
   }
   testing::InitGoogleTest(&argc, argv);
   // The switch in the machine's registry belongs to the tests of the registered server.

@@ -16,14 +16,11 @@ public:
   RegistraFilha(const char *nome, FuncaoFilha funcao);
 };
 
-/// Runs the child function that the program's arguments name. False when they name none: the tests run then.
-bool ExecutaFilha(int argc, char **argv, int *codigo);
-
 /// The running test program once more, as a child that runs one registered function. The two talk in lines: the
 /// child's standard input and output are pipes to the parent; its error output is the parent's.
 class ProcessoFilho {
 public:
-  /// Throws std::runtime_error when the process cannot be started.
+  /// The arguments may not hold quotes. Throws std::runtime_error when the process cannot be started.
   explicit ProcessoFilho(const std::string &nome, const std::vector<std::string> &argumentos = {});
   /// Ends the child if it still runs.
   ~ProcessoFilho();

@@ -8,18 +8,9 @@
 namespace apoio {
 namespace {
 
-/// An argument as the C runtime of the child will read it back.
+/// An argument without quotes in it, as the C runtime of the child will read it back.
 std::string Citado(const std::string &argumento) {
-  std::string citado = "\"";
-  std::size_t barras = 0;
-  for (const char letra : argumento) {
-    if (letra == '"') {
-      citado.append(barras + 1, '\\');
-    }
-    barras = letra == '\\' ? barras + 1 : 0;
-    citado += letra;
-  }
-  return citado.append(barras, '\\') + "\"";
+  return "\"" + argumento + (argumento.ends_with('\\') ? "\\\"" : "\"");
 }
 
 void Fecha(HANDLE *h) {

@@ -1,7 +1,7 @@
 #ifndef KALVO_TESTS_APOIO_PROCESSOFILHO_H
 #define KALVO_TESTS_APOIO_PROCESSOFILHO_H
 
-#include <memory>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -15,6 +15,9 @@ class RegistraFilha {
 public:
   RegistraFilha(const char *nome, FuncaoFilha funcao);
 };
+
+/// Runs the child function that the program's arguments name. False when they name none: the tests run then.
+bool ExecutaFilha(int argc, char **argv, int *codigo);
 
 /// The running test program once more, as a child that runs one registered function. The two talk in lines: the
 /// child's standard input and output are pipes to the parent; its error output is the parent's.
@@ -37,8 +40,11 @@ public:
   void Mata();
 
 private:
-  struct Sistema;
-  std::unique_ptr<Sistema> m_sistema;
+  void FechaEntrada();
+
+  std::intptr_t m_processo = 0;  ///< id or handle; 0 when it has ended
+  int m_entrada = -1;            ///< descriptor of the child's input, our end
+  int m_saida = -1;              ///< descriptor of the child's output, our end
 };
 
 }  // namespace apoio

@@ -2,6 +2,7 @@
 #define KALVO_TESTS_APOIO_ARQUIVOSDECORADO_H
 
 #include <atomic>
+#include <functional>
 #include <mutex>
 #include <optional>
 
@@ -9,36 +10,29 @@
 
 namespace apoio {
 
-/// Forwards every operation to another open file; a test double overrides what it changes.
-class ArquivoDecorado : public plataforma::IArquivoAberto {
-public:
-  explicit ArquivoDecorado(std::unique_ptr<plataforma::IArquivoAberto> base) : m_base(std::move(base)) {}
-
-  plataforma::FalhaArquivo Le(std::uint64_t posicao, void *destino, std::size_t qtd) override;
-  plataforma::FalhaArquivo Grava(std::uint64_t posicao, const void *origem, std::size_t qtd) override;
-  plataforma::FalhaArquivo Tamanho(std::uint64_t *tamanho) override;
-  plataforma::FalhaArquivo AjustaTamanho(std::uint64_t tamanho) override;
-  plataforma::FalhaArquivo UltimaEscrita(std::uint64_t *ticks) override;
-  plataforma::FalhaArquivo Descarrega() override;
-
-private:
-  std::unique_ptr<plataforma::IArquivoAberto> m_base;
-};
+using plataforma::FalhaArquivo;
 
 /// Forwards every operation to another file system, which must outlive it.
 class ArquivosDecorado : public plataforma::ISistemaArquivos {
 public:
   explicit ArquivosDecorado(plataforma::ISistemaArquivos &base) : m_base(base) {}
 
-  plataforma::FalhaArquivo Abre(const CString &caminho, const plataforma::ModoAbertura &modo,
-                                std::unique_ptr<plataforma::IArquivoAberto> *arquivo) override;
-  bool Existe(const CString &caminho) override;
-  bool SomenteLeitura(const CString &caminho) override;
-  plataforma::FalhaArquivo TamanhoDe(const CString &caminho, std::uint64_t *tamanho) override;
-  plataforma::FalhaArquivo Apaga(const CString &caminho) override;
-  plataforma::FalhaArquivo MoveSubstituindo(const CString &origem, const CString &destino) override;
-  plataforma::FalhaArquivo Lista(const CString &diretorio, const CString &mascara,
-                                 std::vector<CString> *nomes) override;
+  FalhaArquivo Abre(const CString &caminho, const plataforma::ModoAbertura &modo,
+                    std::unique_ptr<plataforma::IArquivoAberto> *arquivo) override {
+    return m_base.Abre(caminho, modo, arquivo);
+  }
+  bool Existe(const CString &caminho) override { return m_base.Existe(caminho); }
+  bool SomenteLeitura(const CString &caminho) override { return m_base.SomenteLeitura(caminho); }
+  FalhaArquivo TamanhoDe(const CString &caminho, std::uint64_t *tamanho) override {
+    return m_base.TamanhoDe(caminho, tamanho);
+  }
+  FalhaArquivo Apaga(const CString &caminho) override { return m_base.Apaga(caminho); }
+  FalhaArquivo MoveSubstituindo(const CString &origem, const CString &destino) override {
+    return m_base.MoveSubstituindo(origem, destino);
+  }
+  FalhaArquivo Lista(const CString &diretorio, const CString &mascara, std::vector<CString> *nomes) override {
+    return m_base.Lista(diretorio, mascara, nomes);
+  }
 
 private:
   plataforma::ISistemaArquivos &m_base;
@@ -60,13 +54,13 @@ enum Operacao : unsigned {
 
 /// Which operation fails, and how.
 struct PlanoFalha {
-  unsigned operacoes = kOpTodas;                                  ///< kinds that count
-  CString trecho{};                                               ///< only paths that contain this text count
-  std::size_t enesima = 1;                                        ///< the first counted operation is 1
-  bool bPersistente = false;                                      ///< that one and all after it, else it alone
-  plataforma::FalhaArquivo falha = plataforma::FalhaWin32(1117);  ///< hard I/O error unless told otherwise
-  std::optional<std::size_t> gravaAntes{};                        ///< a failing write writes so many bytes first
-  void (*aoFalhar)() = nullptr;                                   ///< runs first; it may throw or fault instead
+  unsigned operacoes = kOpTodas;                      ///< kinds that count
+  CString trecho{};                                   ///< only paths that contain this text count
+  std::size_t enesima = 1;                            ///< the first counted operation is 1
+  bool bPersistente = false;                          ///< that one and all after it, else it alone
+  FalhaArquivo falha = plataforma::FalhaWin32(1117);  ///< hard I/O error unless told otherwise
+  std::optional<std::size_t> gravaAntes{};            ///< a failing write writes so many bytes first
+  void (*aoFalhar)() = nullptr;                       ///< runs first; it may throw or fault instead
 };
 
 /// Makes the N-th operation fail without carrying it out. Unarmed it only forwards. It must outlive the files it opens.
@@ -90,23 +84,20 @@ public:
   /// How many of the files that it opened are open.
   int Abertos() const { return m_iAbertos; }
 
-  plataforma::FalhaArquivo Abre(const CString &caminho, const plataforma::ModoAbertura &modo,
-                                std::unique_ptr<plataforma::IArquivoAberto> *arquivo) override;
-  plataforma::FalhaArquivo TamanhoDe(const CString &caminho, std::uint64_t *tamanho) override;
-  plataforma::FalhaArquivo Apaga(const CString &caminho) override;
-  plataforma::FalhaArquivo MoveSubstituindo(const CString &origem, const CString &destino) override;
-  plataforma::FalhaArquivo Lista(const CString &diretorio, const CString &mascara,
-                                 std::vector<CString> *nomes) override;
+  FalhaArquivo Abre(const CString &caminho, const plataforma::ModoAbertura &modo,
+                    std::unique_ptr<plataforma::IArquivoAberto> *arquivo) override;
+  FalhaArquivo TamanhoDe(const CString &caminho, std::uint64_t *tamanho) override;
+  FalhaArquivo Apaga(const CString &caminho) override;
+  FalhaArquivo MoveSubstituindo(const CString &origem, const CString &destino) override;
+  FalhaArquivo Lista(const CString &diretorio, const CString &mascara, std::vector<CString> *nomes) override;
 
 private:
   class Arquivo;
 
-  /// Counts one operation; the failure it shall have, or none.
-  plataforma::FalhaArquivo Passa(Operacao operacao, const CString &caminho);
-  /// Hands over a failure, or what the plan has in its place. Called without the mutex: it may not come back.
-  plataforma::FalhaArquivo Injeta(const plataforma::FalhaArquivo &falha) const;
-  /// How much of a failing write of `qtd` bytes is written nevertheless.
-  std::size_t Prefixo(std::size_t qtd) const;
+  /// Counts one operation; the failure it shall have, or none. Before a failure `gravaAntes` is called with the number
+  /// of bytes that are written nevertheless, then what the plan has to run, which may not come back.
+  FalhaArquivo Passa(Operacao operacao, const CString &caminho,
+                     const std::function<void(std::size_t)> &gravaAntes = nullptr);
 
   mutable std::mutex m_mutex;
   std::optional<PlanoFalha> m_plano;

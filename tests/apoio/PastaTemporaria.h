@@ -32,6 +32,9 @@ private:
 void EscreveArquivo(const CString &caminho, const std::string &conteudo);
 std::string LeArquivo(const CString &caminho);
 
+/// A path with `\` as the C library of this platform takes it.
+std::string CaminhoDoSistema(const CString &caminho);
+
 /// True when a file or directory is there.
 bool ExisteNoDisco(const CString &caminho);
 void MarcaSomenteLeitura(const CString &caminho, bool bSomenteLeitura);

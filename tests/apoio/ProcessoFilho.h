@@ -1,7 +1,7 @@
 #ifndef KALVO_TESTS_APOIO_PROCESSOFILHO_H
 #define KALVO_TESTS_APOIO_PROCESSOFILHO_H
 
-#include <memory>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -23,7 +23,7 @@ bool ExecutaFilha(int argc, char **argv, int *codigo);
 /// child's standard input and output are pipes to the parent; its error output is the parent's.
 class ProcessoFilho {
 public:
-  /// Throws std::runtime_error when the process cannot be started.
+  /// The arguments may not hold quotes. Throws std::runtime_error when the process cannot be started.
   explicit ProcessoFilho(const std::string &nome, const std::vector<std::string> &argumentos = {});
   /// Ends the child if it still runs.
   ~ProcessoFilho();
@@ -40,8 +40,11 @@ public:
   void Mata();
 
 private:
-  struct Sistema;
-  std::unique_ptr<Sistema> m_sistema;
+  void FechaEntrada();
+
+  std::intptr_t m_processo = 0;  ///< id or handle; 0 when it has ended
+  int m_entrada = -1;            ///< descriptor of the child's input, our end
+  int m_saida = -1;              ///< descriptor of the child's output, our end
 };
 
 }  // namespace apoio

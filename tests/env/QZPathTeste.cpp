@@ -6,48 +6,33 @@
 
 namespace {
 
-/// A company of its own for each test: tests that run at once share one registry.
-class QZPathEmpresa : public ::testing::Test {
-protected:
-  CString ChaveEmpresa() const { return CString(kChaveSuite) + "Empresas\\" + m_sEmpresa; }
-
-  CString m_sEmpresa = CString("PATH-") + ::testing::UnitTest::GetInstance()->current_test_info()->name();
-};
-
-TEST_F(QZPathEmpresa, DiretorioDaEmpresa) {
-  struct Caso {
-    const char *valor;
-    const char *modulo1;
-    const char *modulo23;
-  };
-  const Caso casos[] = {{"D:\\Data\\0001", "D:\\Data\\0001\\", "D:\\Data\\0001\\NFe\\"},
-                        {"D:\\Data\\0001\\", "D:\\Data\\0001\\", "D:\\Data\\0001\\NFe\\"},
-                        {"", "", ""}};
-  for (const Caso &caso : casos) {
-    SCOPED_TRACE(caso.valor);
-    apoio::RegistroTeste registro;
-    registro.DefineTexto(ChaveEmpresa(), "DF", caso.valor);
-    EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_DF, m_sEmpresa), caso.modulo1);
-    EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_NFE, m_sEmpresa), caso.modulo23);
-    EXPECT_EQ(CQZPath::DiretorioEmpresa(0, m_sEmpresa), "");
-    EXPECT_EQ(CQZPath::DiretorioEmpresa(29, m_sEmpresa), "");
-    EXPECT_EQ(CQZPath::CaminhoArquivo(QZ_DF, m_sEmpresa, "DFVEIC.DAT"), CString(caso.modulo1) + "DFVEIC.DAT");
-  }
-}
-
-TEST_F(QZPathEmpresa, EntradaAusenteDaONomeSozinho) {
+TEST(QZPath, DiretorioEArquivoDaEmpresa) {
+  const CString sEmpresa = "TESTE-DO-PATH";
+  const CString sChave = CString(kChaveSuite) + "Empresas\\" + sEmpresa;
+  const struct {
+    const char *lpValor;
+    const char *lpModulo1;
+    const char *lpModulo23;
+  } casos[] = {{"D:\\Data\\0001", "D:\\Data\\0001\\", "D:\\Data\\0001\\NFe\\"},
+               {"D:\\Data\\0001\\", "D:\\Data\\0001\\", "D:\\Data\\0001\\NFe\\"},
+               {"", "", ""}};
+  apoio::RegistroTeste registro;
+  registro.CriaChave(sChave);
   EXPECT_EQ(CQZPath::CaminhoArquivo(QZ_DF, "PATH-SEM-CHAVE", "DFVEIC.DAT"), "DFVEIC.DAT");
-  apoio::RegistroTeste registro;
-  registro.CriaChave(ChaveEmpresa());
-  EXPECT_EQ(CQZPath::CaminhoArquivo(QZ_DF, m_sEmpresa, "DFVEIC.DAT"), "DFVEIC.DAT");
-  registro.DefineNumero(ChaveEmpresa(), "DF", 1);
-  EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_DF, m_sEmpresa), "");
-}
-
-TEST_F(QZPathEmpresa, ValorExpansivelFicaComoEsta) {
-  apoio::RegistroTeste registro;
-  registro.DefineTextoExpansivel(ChaveEmpresa(), "DF", "%PATH%\\x");
-  EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_DF, m_sEmpresa), "%PATH%\\x\\");
+  EXPECT_EQ(CQZPath::CaminhoArquivo(QZ_DF, sEmpresa, "DFVEIC.DAT"), "DFVEIC.DAT");
+  for (const auto &caso : casos) {
+    SCOPED_TRACE(caso.lpValor);
+    registro.DefineTexto(sChave, "DF", caso.lpValor);
+    EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_DF, sEmpresa), caso.lpModulo1);
+    EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_NFE, sEmpresa), caso.lpModulo23);
+    EXPECT_EQ(CQZPath::DiretorioEmpresa(0, sEmpresa), "");
+    EXPECT_EQ(CQZPath::DiretorioEmpresa(29, sEmpresa), "");
+    EXPECT_EQ(CQZPath::CaminhoArquivo(QZ_DF, sEmpresa, "DFVEIC.DAT"), CString(caso.lpModulo1) + "DFVEIC.DAT");
+  }
+  registro.DefineNumero(sChave, "DF", 1);
+  EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_DF, sEmpresa), "");
+  registro.DefineTextoExpansivel(sChave, "DF", "%PATH%\\x");
+  EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_DF, sEmpresa), "%PATH%\\x\\");
 }
 
 TEST(QZPath, Junta) {

@@ -7,6 +7,7 @@
 
 #include "core/env/CalendarioCivil.h"
 #include "core/env/QZException.h"
+#include "tests/apoio/RegistroFalso.h"
 #include "tests/apoio/RelogioFalso.h"
 #include "tests/apoio/ServicosTrocados.h"
 
@@ -14,30 +15,16 @@ namespace {
 
 using plataforma::CamposData;
 
-/// A registry that holds nothing but the shift: the real value lies outside the keys that tests may touch.
-class RegistroDaHora final : public plataforma::IRegistro {
-public:
-  std::optional<CString> m_valor;
-
-  bool ExisteChave(const CString &) override { return false; }
-  std::optional<CString> LeTexto(const CString &chave, const CString &nome, bool expande) override {
-    const bool bPedido = chave == "SYSTEM\\CurrentControlSet\\Control\\Session Manager\\Environment" &&
-                         nome == "QZ_DATETIME" && !expande;
-    return bPedido ? m_valor : std::nullopt;
-  }
-  std::optional<std::uint32_t> LeNumero(const CString &, const CString &) override { return std::nullopt; }
-};
-
 class Relogio : public ::testing::Test {
 protected:
-  CString Agora() {
+  static CString Agora() {
     const CamposData c = QZRelogio::GetCurrentTime_LocalTime();
     char texto[64];
     std::snprintf(texto, sizeof(texto), "%d-%02d-%02d(%d) %02d:%02d:%02d.%03d", c.ano, c.mes, c.dia, c.diaSemana,
                   c.hora, c.minuto, c.segundo, c.milissegundo);
     return texto;
   }
-  CString Excecao(const std::function<void()> &acao) {
+  static CString Excecao(const std::function<void()> &acao) {
     try {
       acao();
     } catch (CQZException *pEx) {
@@ -49,12 +36,14 @@ protected:
     return "none";
   }
 
-  RegistroDaHora m_registro;
+  apoio::RegistroFalso m_registro;
+  CString &m_valor =
+      m_registro.m_textos[{"SYSTEM\\CurrentControlSet\\Control\\Session Manager\\Environment", "QZ_DATETIME"}];
   apoio::RelogioFalso m_relogio;
   apoio::ServicosTrocados m_servicos{nullptr, &m_registro, &m_relogio};
 };
 
-TEST_F(Relogio, Deslocamento) {
+TEST_F(Relogio, DeslocamentoQueAndaComAHoraReal) {
   const char *const kReal = "2025-11-21(5) 09:05:07.042";
   const std::map<std::string, std::string> casos = {
       {"", kReal},
@@ -69,17 +58,14 @@ TEST_F(Relogio, Deslocamento) {
       {"1;29/2/2024;23:59:59:999;21/11/2025;9:5:7:41", "2024-03-01(5) 00:00:00.000"},
   };
   for (const auto &[valor, esperado] : casos) {
-    m_registro.m_valor = valor;
+    m_valor = valor;
     EXPECT_EQ(Agora(), esperado) << valor;
   }
-  m_registro.m_valor.reset();
-  EXPECT_EQ(Agora(), kReal);
-}
-
-TEST_F(Relogio, AndaComAHoraReal) {
-  m_registro.m_valor = "1;31/12/1999;23:59:59:000;21/11/2025;09:05:07:042";
+  m_valor = "1;31/12/1999;23:59:59:000;21/11/2025;09:05:07:042";
   m_relogio.m_horaLocal.segundo = 9;
   EXPECT_EQ(Agora(), "2000-01-01(6) 00:00:01.000");
+  m_registro.m_textos.clear();
+  EXPECT_EQ(Agora(), "2025-11-21(5) 09:05:09.042") << "no value";
 }
 
 TEST_F(Relogio, Utc) {
@@ -97,7 +83,7 @@ TEST_F(Relogio, FalhasLancam) {
               QZRelogio::Helper_SystemTimeToFileTime({2023, 2, 0, 29, 0, 0, 0, 0});
             }),
             "Helper_SystemTimeToFileTime: SystemTimeToFileTime|1|87");
-  m_registro.m_valor = "1;01/01/1601;00:00:00:000;21/11/2030;00:00:00:000";
+  m_valor = "1;01/01/1601;00:00:00:000;21/11/2030;00:00:00:000";
   EXPECT_EQ(Excecao([] { QZRelogio::GetCurrentTime_LocalTime(); }),
             "GetCurrentTime_LocalTime: FileTimeToSystemTime|1|87")
       << "before 1601";

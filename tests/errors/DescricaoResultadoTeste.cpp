@@ -11,36 +11,34 @@ constexpr char kFacilidadeDesconhecida[] =
     "Desconhecido ou novo c\xF3"
     "digo de FACILITY";
 
-struct Caso {
-  std::uint32_t uValor;
-  const char *lpSeveridade;
-  const char *lpFacilidade;
-  const char *lpWin32;
-  const char *lpHRESULT;
-};
-
 TEST(DescricaoResultado, CodigosConhecidos) {
-  const Caso casos[] = {
-      {0, "SEVERITY_SUCCESS", "FACILITY_NULL", "ERROR_SUCCESS", "S_OK"},
-      {1, "SEVERITY_SUCCESS", "FACILITY_NULL", "ERROR_INVALID_FUNCTION", "S_FALSE"},
-      {0x7FFFFFFF, "SEVERITY_SUCCESS", kFacilidadeDesconhecida, "", ""},
-      {0x80000000, "SEVERITY_ERROR", "FACILITY_NULL", "ERROR_SUCCESS", ""},
-      {0xFFFFFFFF, "SEVERITY_ERROR", kFacilidadeDesconhecida, "", ""},
-      {0x80004005, "SEVERITY_ERROR", "FACILITY_NULL", "", "E_FAIL"},
-      {0x8000FFFF, "SEVERITY_ERROR", "FACILITY_NULL", "", "E_UNEXPECTED"},
-      {0x80010001, "SEVERITY_ERROR", "FACILITY_RPC", "ERROR_INVALID_FUNCTION", "RPC_E_CALL_REJECTED"},
-      {0x8001FFFF, "SEVERITY_ERROR", "FACILITY_RPC", "", "RPC_E_UNEXPECTED"},
-      {0x80040064, "SEVERITY_ERROR", "FACILITY_ITF", "ERROR_TOO_MANY_SEMAPHORES", "DV_E_FORMATETC"},
-      {0x80070002, "SEVERITY_ERROR", "FACILITY_WIN32", "ERROR_FILE_NOT_FOUND", ""},
-      {0x80070005, "SEVERITY_ERROR", "FACILITY_WIN32", "ERROR_ACCESS_DENIED", "E_ACCESSDENIED"},
-      {0x800706D7, "SEVERITY_ERROR", "FACILITY_WIN32", "EPT_S_INVALID_ENTRY", ""},
-      {0x80070776, "SEVERITY_ERROR", "FACILITY_WIN32", "OR_INVALID_OXID", ""},
-      {0x8007274C, "SEVERITY_ERROR", "FACILITY_WIN32", "WSAETIMEDOUT", ""},
-      {0x8007232B, "SEVERITY_ERROR", "FACILITY_WIN32", "DNS_ERROR_RCODE_NAME_ERROR", ""},
-      {0x800A0005, "SEVERITY_ERROR", "FACILITY_CONTROL", "ERROR_ACCESS_DENIED", "CTL_E_ILLEGALFUNCTIONCALL"},
-      {0x800B0100, "SEVERITY_ERROR", "FACILITY_CERT", "", "TRUST_E_NOSIGNATURE"},
-      {0x810809D9, "SEVERITY_ERROR", "QZ_FACILITY_CR_CORE", "", ""}};
-  for (const Caso &caso : casos) {
+  const struct {
+    std::uint32_t uValor;
+    const char *lpSeveridade;
+    const char *lpFacilidade;
+    const char *lpWin32;
+    const char *lpHRESULT;
+  } casos[] = {{0, "SEVERITY_SUCCESS", "FACILITY_NULL", "ERROR_SUCCESS", "S_OK"},
+               {1, "SEVERITY_SUCCESS", "FACILITY_NULL", "ERROR_INVALID_FUNCTION", "S_FALSE"},
+               {0x7FFFFFFF, "SEVERITY_SUCCESS", kFacilidadeDesconhecida, "", ""},
+               {0x80000000, "SEVERITY_ERROR", "FACILITY_NULL", "ERROR_SUCCESS", ""},
+               {0xFFFFFFFF, "SEVERITY_ERROR", kFacilidadeDesconhecida, "", ""},
+               {0x80004005, "SEVERITY_ERROR", "FACILITY_NULL", "", "E_FAIL"},
+               {0x8000FFFF, "SEVERITY_ERROR", "FACILITY_NULL", "", "E_UNEXPECTED"},
+               {0x80010001, "SEVERITY_ERROR", "FACILITY_RPC", "ERROR_INVALID_FUNCTION", "RPC_E_CALL_REJECTED"},
+               {0x8001FFFF, "SEVERITY_ERROR", "FACILITY_RPC", "", "RPC_E_UNEXPECTED"},
+               {0x80040064, "SEVERITY_ERROR", "FACILITY_ITF", "ERROR_TOO_MANY_SEMAPHORES", "DV_E_FORMATETC"},
+               {0x80070002, "SEVERITY_ERROR", "FACILITY_WIN32", "ERROR_FILE_NOT_FOUND", ""},
+               {0x80070005, "SEVERITY_ERROR", "FACILITY_WIN32", "ERROR_ACCESS_DENIED", "E_ACCESSDENIED"},
+               {0x800706D7, "SEVERITY_ERROR", "FACILITY_WIN32", "EPT_S_INVALID_ENTRY", ""},
+               {0x80070776, "SEVERITY_ERROR", "FACILITY_WIN32", "OR_INVALID_OXID", ""},
+               {0x8007274C, "SEVERITY_ERROR", "FACILITY_WIN32", "WSAETIMEDOUT", ""},
+               {0x8007232B, "SEVERITY_ERROR", "FACILITY_WIN32", "DNS_ERROR_RCODE_NAME_ERROR", ""},
+               {0x800A0005, "SEVERITY_ERROR", "FACILITY_CONTROL", "ERROR_ACCESS_DENIED", "CTL_E_ILLEGALFUNCTIONCALL"},
+               {0x800A02E8, "SEVERITY_ERROR", "FACILITY_CONTROL", "ERROR_RXACT_COMMITTED", "CTL_E_SEARCHTEXTNOTFOUND"},
+               {0x800B0100, "SEVERITY_ERROR", "FACILITY_CERT", "", "TRUST_E_NOSIGNATURE"},
+               {0x810809D9, "SEVERITY_ERROR", "QZ_FACILITY_CR_CORE", "", ""}};
+  for (const auto &caso : casos) {
     SCOPED_TRACE(testing::Message() << std::hex << caso.uValor);
     const HRESULT hr = CodigoResultado(caso.uValor);
     EXPECT_EQ(NomeSeveridade(hr), caso.lpSeveridade);
@@ -48,10 +46,6 @@ TEST(DescricaoResultado, CodigosConhecidos) {
     EXPECT_EQ(NomeWin32(hr), caso.lpWin32);
     EXPECT_EQ(NomeHRESULT(hr), caso.lpHRESULT);
   }
-}
-
-TEST(DescricaoResultado, CodigoDeControle) {
-  EXPECT_EQ(NomeHRESULT(CodigoResultado(0x800A02E8)), "CTL_E_SEARCHTEXTNOTFOUND");
 }
 
 // The system's own codes share FACILITY_ITF with others, and none of theirs may stand for one of these.
@@ -86,24 +80,11 @@ TEST(DescricaoResultado, TodasAsFacilidades) {
       EXPECT_EQ(nome, kFacilidadeDesconhecida);
     }
   }
-}
-
-// The bits above the facility are no part of it.
-TEST(DescricaoResultado, BitsReservados) {
-  EXPECT_EQ(FacilidadeResultado(CodigoResultado(0xE0070005)), 7);
+  EXPECT_EQ(FacilidadeResultado(CodigoResultado(0xE0070005)), 7) << "the bits above are no part of it";
   EXPECT_EQ(NomeFacilidade(CodigoResultado(0xD0000022)), kFacilidadeDesconhecida);
 }
 
 TEST(DescricaoResultado, LinhaDescrita) {
-  apoio::InstalacaoFalsa instalacao;
-  instalacao.InstalaBiblioteca("primeira");
-  EXPECT_EQ(LinhaDescrita("m_aFiles[idx]->Finaliza(\"%d\")", "hr", codigos::kPosicaoZero),
-            "hr = m_aFiles[idx]->Finaliza(\"%d\")\thr = 0X810809D9 100% de %s %n: 810809D9\t"
-            "SEVERITY = 1 SEVERITY_ERROR\tFACILITY = 264 QZ_FACILITY_CR_CORE\tCODE = 2521 \t"
-            "Descri\xE7\xE3o = ");
-}
-
-TEST(DescricaoResultado, LinhaDescritaSemBiblioteca) {
   const apoio::InstalacaoFalsa instalacao;
   EXPECT_EQ(LinhaDescrita("Abre()", "hrAbre", CodigoResultado(0x80070005)),
             "hrAbre = Abre()\thrAbre = 0X80070005 \tSEVERITY = 1 SEVERITY_ERROR\tFACILITY = 7 FACILITY_WIN32\t"
@@ -111,6 +92,11 @@ TEST(DescricaoResultado, LinhaDescritaSemBiblioteca) {
   EXPECT_EQ(LinhaDescrita("f()", "hr", 0),
             "hr = f()\thr = 0 \tSEVERITY = 0 SEVERITY_SUCCESS\tFACILITY = 0 FACILITY_NULL\tCODE = 0 ERROR_SUCCESS\t"
             "Descri\xE7\xE3o = S_OK");
+  instalacao.InstalaBiblioteca("primeira");
+  EXPECT_EQ(LinhaDescrita("m_aFiles[idx]->Finaliza(\"%d\")", "hr", codigos::kPosicaoZero),
+            "hr = m_aFiles[idx]->Finaliza(\"%d\")\thr = 0X810809D9 100% de %s %n: 810809D9\t"
+            "SEVERITY = 1 SEVERITY_ERROR\tFACILITY = 264 QZ_FACILITY_CR_CORE\tCODE = 2521 \t"
+            "Descri\xE7\xE3o = ");
 }
 
 }  // namespace

@@ -20,6 +20,9 @@ using Caixas = std::vector<CaixaFalsa::Caixa>;
 
 constexpr char kCatalogo[] = "QZMEMens.txt";
 constexpr char kTitulo[] = "Miran Empresarial";
+const CString kDesconhecido =
+    "Erro desconhecido encontrado. C\xF3"
+    "digo ";
 
 /// A messages folder of its own, boxes that nobody has to answer, and one error of the system that has a text: 2.
 class QZMensagem : public testing::Test {
@@ -109,9 +112,7 @@ TEST_F(QZMensagem, ExibeMensagem) {
       {1, 0, 0x10, "Falhou"},
       {1, 2, 0, "Falhou\nErro do SO: 2 - Arquivo ausente."},
       {1, 5, 0x41, "Falhou\nErro do SO: 5 - "},
-      {9, 2, 0,
-       "Erro desconhecido encontrado. C\xF3"
-       "digo (9)\nErro do SO: 2 - Arquivo ausente."},
+      {9, 2, 0, kDesconhecido + "(9)\nErro do SO: 2 - Arquivo ausente."},
   };
   for (const auto &caso : casos) {
     CQZMensagem::ExibeMensagem(caso.uiMensagem, 1, caso.uiErroSO, caso.uiTipo);
@@ -136,60 +137,57 @@ TEST_F(QZMensagem, ExcecaoBuscaOTextoNoCatalogo) {
 }
 
 TEST_F(QZMensagem, GetErrorMessageCabeNoBuffer) {
+  Escreve("");
+  CQZException comTexto("abcdef", 1, 0);
+  CQZException semTexto(1, 1, 0);
+  CInvalidArgException outra;
   const struct {
+    CException &excecao;
     std::uint32_t uiTamanho;
     std::string sBuffer;
-  } casos[] = {{0, "########"},
-               {1, std::string("\0#######", 8)},
-               {4, std::string("abc\0####", 8)},
-               {7, std::string("abcdef\0#", 8)},
-               {8, std::string("abcdef\0\0", 8)}};
-  CQZException excecao("abcdef", 1, 0);
+    bool bTexto;
+  } casos[] = {
+      {comTexto, 0, "########", true},
+      {comTexto, 1, std::string("\0#######", 8), true},
+      {comTexto, 4, std::string("abc\0####", 8), true},
+      {comTexto, 7, std::string("abcdef\0#", 8), true},
+      {comTexto, 8, std::string("abcdef\0\0", 8), true},
+      {semTexto, 1, std::string("\0#######", 8), false},
+      {outra, 1, std::string("\0#######", 8), false},
+  };
   for (const auto &caso : casos) {
     std::string sBuffer(8, '#');
     std::uint32_t uiAjuda = 5;
-    EXPECT_TRUE(excecao.GetErrorMessage(sBuffer.data(), caso.uiTamanho, &uiAjuda));
+    EXPECT_EQ(caso.excecao.GetErrorMessage(sBuffer.data(), caso.uiTamanho, &uiAjuda), caso.bTexto);
     EXPECT_EQ(sBuffer, caso.sBuffer) << caso.uiTamanho;
     EXPECT_EQ(uiAjuda, 0U);
   }
-  EXPECT_TRUE(excecao.GetErrorMessage(nullptr, 8, nullptr));
-  Escreve("");
-  char letra = '#';
-  EXPECT_FALSE(CQZException(1, 1, 0).GetErrorMessage(&letra, 1, nullptr));
-  EXPECT_EQ(letra, '\0');
-  CInvalidArgException semTexto;
-  letra = '#';
-  EXPECT_FALSE(semTexto.GetErrorMessage(&letra, 1, nullptr));
-  EXPECT_EQ(letra, '\0');
-  EXPECT_EQ(semTexto.ReportError(0, 0), 0);
+  EXPECT_TRUE(comTexto.GetErrorMessage(nullptr, 8, nullptr));
+  EXPECT_EQ(outra.ReportError(0, 0), 0);
 }
 
 TEST_F(QZMensagem, ReportErrorMostraACaixa) {
   Escreve("       1Falhou\n");
   const struct {
-    std::uint32_t uiMensagem, uiSistema, uiErroSO, uiTipo;
-    CString sTexto, sTitulo;
+    std::uint32_t uiMensagem, uiErroSO, uiTipo;
+    CString sTexto;
     std::uint32_t uiTipoMostrado;
   } casos[] = {
-      {1, 1, 0, 0, "Falhou", kTitulo, 0x30},
-      {1, 1, 0, 0x01, "Falhou", kTitulo, 0x31},
-      {1, 1, 0, 0x10, "Falhou", kTitulo, 0x10},
-      {1, 1, 0, 0x20, "Falhou", kTitulo, 0x20},
-      {1, 1, 0, 0x44, "Falhou", kTitulo, 0x44},
-      {1, 1, 2, 0x10, "Falhou\nErro do SO: 2 - Arquivo ausente.\r\n", kTitulo, 0x10},
-      {8, 1, 0x80070005, 0x10,
-       "Erro desconhecido encontrado. C\xF3"
-       "digo (8)\nErro do SO: -2147024891 - ",
-       kTitulo, 0x10},
+      {1, 0, 0, "Falhou", 0x30},
+      {1, 0, 0x01, "Falhou", 0x31},
+      {1, 0, 0x10, "Falhou", 0x10},
+      {1, 0, 0x20, "Falhou", 0x20},
+      {1, 0, 0x44, "Falhou", 0x44},
+      {1, 2, 0x10, "Falhou\nErro do SO: 2 - Arquivo ausente.\r\n", 0x10},
+      {8, 0x80070005, 0x10, kDesconhecido + "(8)\nErro do SO: -2147024891 - ", 0x10},
   };
   for (const auto &caso : casos) {
-    CQZException excecao(caso.uiMensagem, caso.uiSistema, caso.uiErroSO);
+    CQZException excecao(caso.uiMensagem, 1, caso.uiErroSO);
     EXPECT_EQ(excecao.ReportError(caso.uiTipo, 0), CaixaFalsa::kResposta);
-    EXPECT_EQ(m_caixa.Toma(), (Caixas{{caso.sTexto, caso.sTitulo, caso.uiTipoMostrado, DonoCaixa::JanelaDaThread}}));
+    EXPECT_EQ(m_caixa.Toma(), (Caixas{{caso.sTexto, kTitulo, caso.uiTipoMostrado, DonoCaixa::JanelaDaThread}}));
   }
-  CQZException deOutroProduto("texto", 2, 0);
-  deOutroProduto.ReportError(0, 0);
-  EXPECT_EQ(m_caixa.Toma(), (Caixas{{"texto", "", 0x30, DonoCaixa::JanelaDaThread}}));
+  CQZException("texto", 2, 0).ReportError(0, 0);
+  EXPECT_EQ(m_caixa.Toma(), (Caixas{{"texto", "", 0x30, DonoCaixa::JanelaDaThread}})) << "another product";
 }
 
 }  // namespace

@@ -35,32 +35,18 @@ TEST_F(ConfiguracaoLog, Chaves) {
 }
 
 TEST_F(ConfiguracaoLog, Processos) {
-  const struct {
-    std::string ini;
-    bool bRastreado;  ///< kalvo.exe
-  } casos[] = {
-      {"", true},
-      {"Processos=todos", true},
-      {"Processos=xtodosx", true},
-      {"Processos=Todos", false},
-      {"Processos=", false},
-      {"Processos=;, ;", false},
-      {"Processos=kalvo.exe", true},
-      {"Processos=outro.exe", false},
-      {"Processos=KALVO", false},
-      {"Processos=outro;lvo", true},
-      {"Processos=outro,alvo", true},
-      {"Processos=outro kal", true},
-      {"Processos=outro, ;;.exe ", true},
-      {"Processos=kalvo.exe.bak", false},
-      {"Processos=" + std::string(254, 'x') + ";kalvo", true},  // 260 characters: cut to ";kalv"
-      {"Processos=" + std::string(254, 'x') + "todos", true},   // 259
-      {"Processos=" + std::string(255, 'x') + "todos", false},  // 260: the last letter is lost
+  const auto confere = [this](bool bRastreado, auto... processos) {
+    for (const std::string &sProcessos : {std::string(processos)...}) {
+      Configura("Processos=" + sProcessos);
+      EXPECT_EQ(ProcessoRastreado("kalvo.exe"), bRastreado) << sProcessos;
+    }
   };
-  for (const auto &caso : casos) {
-    Configura(caso.ini);
-    EXPECT_EQ(ProcessoRastreado("kalvo.exe"), caso.bRastreado) << caso.ini;
-  }
+  EXPECT_TRUE(ProcessoRastreado("kalvo.exe")) << "no list";
+  confere(true, "todos", "xtodosx", "kalvo.exe", "outro;lvo", "outro,alvo", "outro kal", "outro, ;;.exe ");
+  confere(false, "", "Todos", ";, ;", "outro.exe", "KALVO", "kalvo.exe.bak");
+  // Only the first 259 characters count.
+  confere(true, std::string(254, 'x') + "todos", std::string(254, 'x') + ";kalvo");
+  confere(false, std::string(255, 'x') + "todos");
 }
 
 TEST_F(ConfiguracaoLog, RecargaPorIdade) {

@@ -1,6 +1,6 @@
 #include "core/log/EscopoProfiler.h"
 
-#include <memory>
+#include <optional>
 #include <stdexcept>
 
 #include "tests/log/LogTeste.h"
@@ -95,54 +95,44 @@ TEST_F(EscopoProfiler, ParametrosNaOrdemSoQuandoEscritos) {
   EXPECT_TRUE(Profiler().back().ends_with(esperado)) << Profiler().back();
 }
 
-TEST_F(EscopoProfiler, SaidaQuandoUmaExcecaoPassa) {
-  Configura("Saida=1\r\nPerformance=1");
+TEST_F(EscopoProfiler, ExcecoesNoEscopoENaFormatacao) {
+  Configura("Entrada=1\r\nSaida=1\r\nPerformance=1");
   const auto opera = [&] {
-    const CQZEscopoProfiler escopo(&m_profiler, {"C::F"});
+    const CQZEscopoProfiler escopo(&m_profiler, {"C::F"}, []() -> ParametrosEscopo { throw std::bad_alloc(); });
     throw std::runtime_error("x");
   };
-  EXPECT_THROW(opera(), std::runtime_error);
-  EXPECT_EQ(Profiler().size(), 2U);
-}
-
-TEST_F(EscopoProfiler, FormatacaoQueFalhaNaoSaiDoEscopo) {
-  Configura("Entrada=1\r\nSaida=1\r\nPerformance=1");
-  {
-    const CQZEscopoProfiler escopo(&m_profiler, {"C::F"}, []() -> ParametrosEscopo { throw std::bad_alloc(); });
-  }
+  EXPECT_THROW(opera(), std::runtime_error) << "not the one of the parameters";
   ASSERT_EQ(Profiler().size(), 2U);
   EXPECT_NE(Profiler()[1].find("SAIU"), std::string::npos);
 }
 
 TEST_F(EscopoProfiler, ChavesQueMudamDuranteAOperacao) {
-  auto escopo = std::make_unique<CQZEscopoProfiler>(&m_profiler, NomeFuncao{"C::F"});
+  std::optional<CQZEscopoProfiler> escopo;
+  escopo.emplace(&m_profiler, NomeFuncao{"C::F"});
   Configura("Saida=1\r\nPerformance=1");
   escopo.reset();
   EXPECT_TRUE(Profiler().empty()) << "opened while off";
-
-  escopo = std::make_unique<CQZEscopoProfiler>(&m_profiler, NomeFuncao{"C::F"});
+  escopo.emplace(&m_profiler, NomeFuncao{"C::F"});
   Configura("");
   escopo.reset();
   EXPECT_TRUE(Profiler().empty()) << "switched off meanwhile";
-
   Configura("Saida=1\r\nPerformance=1");
-  escopo = std::make_unique<CQZEscopoProfiler>(&m_profiler, NomeFuncao{"C::F"});
+  escopo.emplace(&m_profiler, NomeFuncao{"C::F"});
   EscreveIni("");
   m_relogio.m_ticks += 700000;
   escopo.reset();
   EXPECT_EQ(Profiler().size(), 2U) << "the end reads nothing anew";
-
   m_sistema.m_processo.clear();
   Configura("Saida=1\r\nPerformance=1");
-  escopo = std::make_unique<CQZEscopoProfiler>(&m_profiler, NomeFuncao{"C::F"});
+  escopo.emplace(&m_profiler, NomeFuncao{"C::F"});
   escopo.reset();
   EXPECT_EQ(Profiler().size(), 2U) << "no process name";
 }
 
 TEST_F(EscopoProfiler, IdentidadeDaEntradaESemProfiler) {
   Configura("Saida=1\r\nPerformance=1");
-  auto profiler = std::make_unique<CQZProfilerEmpresa>("0002", kUsuarioInterno, 0xFFFFFFFF);
-  auto escopo = std::make_unique<CQZEscopoProfiler>(profiler.get(), NomeFuncao{"C::F"});
+  std::optional<CQZProfilerEmpresa> profiler(std::in_place, "0002", kUsuarioInterno, 0xFFFFFFFF);
+  std::optional<CQZEscopoProfiler> escopo(std::in_place, &*profiler, NomeFuncao{"C::F"});
   profiler.reset();
   escopo.reset();
   EXPECT_NE(Profiler().back().find("|C::F|E0002|U65535|S-0000001|T00004660|SAIU|"), std::string::npos);

@@ -92,6 +92,7 @@ TEST_F(EscritorLog, DoisQueNaoAcharamOArquivo) {
 }
 
 TEST_F(EscritorLog, LinhasInteirasEmQualquerFalha) {
+  const FalhaArquivo kDiscoCheio = plataforma::FalhaWin32(112);
   for (const bool bNovo : {true, false}) {
     for (const std::size_t gravaAntes : {0U, 5U, 279U}) {  // 279: the header and a part of the line
       bool bDisparou = true;
@@ -103,12 +104,7 @@ TEST_F(EscritorLog, LinhasInteirasEmQualquerFalha) {
           Grava("antes");
           esperadas.emplace_back("c|antes");
         }
-        apoio::PlanoFalha plano;
-        plano.trecho = kArquivoErros;
-        plano.enesima = n;
-        plano.falha = plataforma::FalhaWin32(112);
-        plano.gravaAntes = gravaAntes;
-        m_falhas.Arma(plano);
+        m_falhas.Arma({.trecho = kArquivoErros, .enesima = n, .falha = kDiscoCheio, .gravaAntes = gravaAntes});
         Grava("durante");
         m_falhas.Desarma();
         bDisparou = m_falhas.Disparou();

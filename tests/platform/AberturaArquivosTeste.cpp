@@ -14,15 +14,11 @@ namespace {
 
 using namespace plataforma;
 
-const Acesso kAcessos[] = {Acesso::Leitura, Acesso::Escrita, Acesso::LeituraEscrita};
-const Compartilhamento kCompartilhamentos[] = {Compartilhamento::Exclusivo, Compartilhamento::NegaEscrita,
-                                               Compartilhamento::NegaNada};
-
 std::vector<ModoAbertura> TodosOsModos() {
   std::vector<ModoAbertura> modos;
-  for (const Acesso acesso : kAcessos) {
-    for (const Compartilhamento compartilhamento : kCompartilhamentos) {
-      modos.push_back({acesso, compartilhamento, Criacao::SoExistente});
+  for (const Acesso acesso : {Acesso::Leitura, Acesso::Escrita, Acesso::LeituraEscrita}) {
+    for (const auto outros : {Compartilhamento::Exclusivo, Compartilhamento::NegaEscrita, Compartilhamento::NegaNada}) {
+      modos.push_back({acesso, outros, Criacao::SoExistente});
     }
   }
   return modos;
@@ -70,17 +66,7 @@ int AbreQuandoMandado(const std::vector<std::string> &argumentos) {
 }
 const apoio::RegistraFilha kFilha("abre-quando-mandado", AbreQuandoMandado);
 
-TEST(Compartilhamento, EntreDoisDoMesmoProcesso) {
-  const apoio::PastaTemporaria pasta;
-  apoio::EscreveArquivo(pasta / "A.DAT", "x");
-  for (const ModoAbertura &primeiro : TodosOsModos()) {
-    std::unique_ptr<IArquivoAberto> arquivo;
-    ASSERT_FALSE(Arquivos().Abre(pasta / "A.DAT", primeiro, &arquivo)) << Descreve(primeiro);
-    ConfereSegundos(pasta / "A.DAT", primeiro);
-  }
-}
-
-TEST(Compartilhamento, EntreDoisProcessos) {
+TEST(Compartilhamento, EntreDoisNoMesmoProcessoEEntreDoisProcessos) {
   const apoio::PastaTemporaria pasta;
   apoio::EscreveArquivo(pasta / "A.DAT", "x");
   apoio::ProcessoFilho filho("abre-quando-mandado", {pasta / "A.DAT"});
@@ -91,6 +77,11 @@ TEST(Compartilhamento, EntreDoisProcessos) {
   }
   filho.Mata();
   EXPECT_EQ(ErroAoAbrir(pasta / "A.DAT", {}), 0u) << "a dead process holds nothing";
+  for (const ModoAbertura &primeiro : TodosOsModos()) {
+    std::unique_ptr<IArquivoAberto> arquivo;
+    ASSERT_FALSE(Arquivos().Abre(pasta / "A.DAT", primeiro, &arquivo)) << Descreve(primeiro);
+    ConfereSegundos(pasta / "A.DAT", primeiro);
+  }
 }
 
 TEST(Compartilhamento, ExclusivoSobDisputa) {
@@ -125,7 +116,7 @@ TEST(Compartilhamento, ExclusivoSobDisputa) {
   EXPECT_GT(vezes, 0);
 }
 
-TEST(Compartilhamento, ArquivoTomadoAindaRespondePorCaminho) {
+TEST(Compartilhamento, ArquivoTomadoRespondePorCaminhoENaoEEsvaziado) {
   const apoio::PastaTemporaria pasta;
   apoio::EscreveArquivo(pasta / "A.DAT", "12345");
   std::unique_ptr<IArquivoAberto> arquivo;
@@ -134,17 +125,11 @@ TEST(Compartilhamento, ArquivoTomadoAindaRespondePorCaminho) {
   EXPECT_TRUE(Arquivos().Existe(pasta / "A.DAT"));
   EXPECT_FALSE(Arquivos().TamanhoDe(pasta / "A.DAT", &tamanho));
   EXPECT_EQ(tamanho, 5u);
-}
-
-TEST(Compartilhamento, AberturaRecusadaNaoEsvazia) {
-  const apoio::PastaTemporaria pasta;
-  apoio::EscreveArquivo(pasta / "A.DAT", "conteudo");
-  std::unique_ptr<IArquivoAberto> arquivo;
   ASSERT_FALSE(Arquivos().Abre(pasta / "A.DAT", {Acesso::Leitura, Compartilhamento::NegaEscrita}, &arquivo));
-  const ModoAbertura cria{Acesso::LeituraEscrita, Compartilhamento::NegaNada, Criacao::CriaVazio};
-  EXPECT_EQ(ErroAoAbrir(pasta / "A.DAT", cria), 32u);
+  EXPECT_EQ(ErroAoAbrir(pasta / "A.DAT", {Acesso::LeituraEscrita, Compartilhamento::NegaNada, Criacao::CriaVazio}),
+            32u);
   arquivo.reset();
-  EXPECT_EQ(apoio::LeArquivo(pasta / "A.DAT"), "conteudo");
+  EXPECT_EQ(apoio::LeArquivo(pasta / "A.DAT"), "12345");
 }
 
 TEST(Abertura, ModosDeCriacao) {

@@ -54,26 +54,23 @@ TEST_F(ConteudoArquivos, GravaNaPosicaoPedida) {
   EXPECT_FALSE(m_arquivo->Descarrega());
 }
 
-TEST_F(ConteudoArquivos, PosicaoAcimaDeQuatroGigabytes) {
-  Abre(Acesso::LeituraEscrita);
-  const std::uint64_t posicao = (std::uint64_t{1} << 32) + 5;
-  std::uint64_t tamanho = 0;
-  ASSERT_FALSE(m_arquivo->Grava(posicao, "longe", 5));
-  EXPECT_FALSE(m_arquivo->Tamanho(&tamanho));
-  EXPECT_EQ(tamanho, posicao + 5);
-  EXPECT_FALSE(Arquivos().TamanhoDe(m_caminho, &tamanho));
-  EXPECT_EQ(tamanho, posicao + 5);
-  EXPECT_EQ(Le(posicao, 5), "longe");
-  EXPECT_EQ(Le(5, 5), std::string(5, '\0')) << "the position must not lose its upper half";
-}
-
-TEST_F(ConteudoArquivos, AjustaTamanho) {
+TEST_F(ConteudoArquivos, TamanhoEPosicaoAcimaDeQuatroGigabytes) {
   apoio::EscreveArquivo(m_caminho, "0123456789");
   Abre(Acesso::LeituraEscrita);
   EXPECT_FALSE(m_arquivo->AjustaTamanho(4));
   EXPECT_EQ(apoio::LeArquivo(m_caminho), "0123");
   EXPECT_FALSE(m_arquivo->AjustaTamanho(6));
   EXPECT_EQ(apoio::LeArquivo(m_caminho), std::string("0123\0\0", 6));
+  const std::uint64_t posicao = (std::uint64_t{1} << 32) + 1;
+  std::uint64_t tamanho = 0;
+  std::uint64_t peloNome = 0;
+  ASSERT_FALSE(m_arquivo->Grava(posicao, "longe", 5));
+  EXPECT_FALSE(m_arquivo->Tamanho(&tamanho));
+  EXPECT_FALSE(Arquivos().TamanhoDe(m_caminho, &peloNome));
+  EXPECT_EQ(tamanho, posicao + 5);
+  EXPECT_EQ(peloNome, posicao + 5);
+  EXPECT_EQ(Le(posicao, 5), "longe");
+  EXPECT_EQ(Le(1, 5), std::string("123\0\0", 5)) << "the position must not lose its upper half";
 }
 
 TEST_F(ConteudoArquivos, SoFazOQueOModoPermite) {

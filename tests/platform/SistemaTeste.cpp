@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <memory>
 #include <regex>
 #include <set>
 #include <thread>
 
+#include "core/platform/Relogio.h"
 #include "core/platform/ServicosSistema.h"
 #include "tests/apoio/PastaTemporaria.h"
 
@@ -25,23 +27,23 @@ TEST(Sistema, ProcessoEMaquina) {
   EXPECT_NE(Sistema().IdThread(), outra);
   EXPECT_EQ(Sistema().IdThread(), Sistema().IdThread());
   EXPECT_GE(Sistema().VersaoSO().maior, 2U);
+}
+
+TEST(Sistema, MemoriaDaMaquinaEDoProcesso) {
   std::uint64_t disponivel = 0;
   std::uint64_t total = 0;
   ASSERT_TRUE(Sistema().MemoriaMaquina(&disponivel, &total));
   EXPECT_GT(disponivel, 0U);
   EXPECT_LT(disponivel, total);
-}
-
-TEST(Sistema, MemoriaDoProcessoAcompanhaOUso) {
+  constexpr std::size_t kBloco = std::size_t{64} << 20;
   std::uint64_t antes = 0;
+  std::uint64_t depois = 0;
   ASSERT_TRUE(Sistema().MemoriaProcesso(&antes));
   EXPECT_GT(antes, 0U);
-  constexpr std::size_t kBloco = std::size_t{64} << 20;
   const std::unique_ptr<volatile char[]> bloco(new volatile char[kBloco]);
   for (std::size_t i = 0; i < kBloco; i += 1024) {
     bloco[i] = 1;
   }
-  std::uint64_t depois = 0;
   ASSERT_TRUE(Sistema().MemoriaProcesso(&depois));
   EXPECT_GE(depois, antes + kBloco / 2);
 }
@@ -72,6 +74,13 @@ TEST(Sistema, CaminhoAbsoluto) {
   EXPECT_EQ(arquivo.find('/'), CString::npos) << arquivo;
   EXPECT_EQ(Sistema().CaminhoAbsoluto("x\\..\\log.ini"), arquivo);
   EXPECT_EQ(Sistema().CaminhoAbsoluto(arquivo), arquivo);
+}
+
+TEST(Sistema, EsperaAoMenosOPedido) {
+  const auto antes = std::chrono::steady_clock::now();
+  plataforma::RelogioDoSistema().Espera(40);
+  // The system may round the end of a wait to its tick of up to 16 ms.
+  EXPECT_GE(std::chrono::steady_clock::now() - antes, std::chrono::milliseconds(24));
 }
 
 TEST(Sistema, RegrasDosArquivosIni) {

@@ -29,54 +29,30 @@ TEST(Maiusculas, PaginaDeCodigo1252) {
             "CULOS_\xC7\xC3O.DAT");
 }
 
-TEST(CasaCuringa, Tabela) {
-  const struct {
-    const char *texto;
-    const char *padrao;
-    bool bCasa;
-  } casos[] = {
-      {"ABC", "abc", true},
-      {"ABC", "AB", false},
-      {"AB", "ABC", false},
-      {"ABC", "a?c", true},
-      {"AC", "a?c", false},
-      {"ABC", "*", true},
-      {"", "*", true},
-      {"", "", false},
-      {"ABC", "", false},
-      {"", "?", false},
-      {"abcabd", "*abd", true},
-      {"aXbXc", "a*b*c", true},
-      {"ac", "a**c", true},
-      {"ab", "a*c", false},
-      {"a\xE7\xE3o", "A\xC7\xC3O", true},
-      {"\x9A\xFF", "\x8A\x9F", true},
-      {"\xD7", "\xF7", false},
-      {"ABC", "XYZ;abc", true},
-      {"ABC", "XYZ;  abc", true},
-      {"ABC", "  abc", true},
-      {"ABC", "abc ", false},
-      {"ABC ", "abc ", true},
-      {" ABC", " abc", false},
-      {" ABC", "*abc", true},
-      {"ABC", "XYZ;", false},
-      {"ABC", "abc;", true},
-      {"A;B", "A;B", false},
-      {"A", "A;B", true},
-      {"SEMPONTO", "*.*", true},
-      {"", "*.*", true},
-      {"SEMPONTO", "*.*;X", false},
-      {"COM.PONTO", "*.*;X", true},
-      {"SEMPONTO", "*.", false},
-      {"PONTO.", "*.", true},
-      {"[A]", "[a]", true},
-      {"A", "[A]", false},
-      {"pasta\\arq.txt", "*.txt", true},
-      {"pasta\\arq.txt", "arq.txt", false},
-  };
-  for (const auto &caso : casos) {
-    EXPECT_EQ(CasaCuringa(caso.texto, caso.padrao), caso.bCasa) << '"' << caso.texto << "\" \"" << caso.padrao << '"';
+/// Each of `pares` is "text|pattern".
+template <class... Par>
+void ConfereCuringa(bool bCasa, Par... pares) {
+  for (const CString &par : {CString(pares)...}) {
+    const std::size_t barra = par.find('|');
+    EXPECT_EQ(CasaCuringa(par.substr(0, barra).c_str(), par.substr(barra + 1).c_str()), bCasa) << par;
   }
+}
+
+TEST(CasaCuringa, LetrasECuringas) {
+  ConfereCuringa(true, "ABC|abc", "ABC|a?c", "ABC|*", "|*", "abcabd|*abd", "aXbXc|a*b*c", "ac|a**c", "[A]|[a]",
+                 "a\xE7\xE3o|A\xC7\xC3O", "\x9A\xFF|\x8A\x9F", "pasta\\arq.txt|*.txt");
+  ConfereCuringa(false, "ABC|AB", "AB|ABC", "AC|a?c", "|", "ABC|", "|?", "ab|a*c", "A|[A]", "\xD7|\xF7",
+                 "pasta\\arq.txt|arq.txt");
+}
+
+TEST(CasaCuringa, VariosPadroesEBrancos) {
+  ConfereCuringa(true, "ABC|XYZ;abc", "ABC|XYZ;  abc", "ABC|  abc", "ABC |abc ", " ABC|*abc", "ABC|abc;", "A|A;B");
+  ConfereCuringa(false, "ABC|abc ", " ABC| abc", "ABC|XYZ;", "A;B|A;B");
+}
+
+TEST(CasaCuringa, Ponto) {
+  ConfereCuringa(true, "SEMPONTO|*.*", "|*.*", "COM.PONTO|*.*;X", "PONTO.|*.");
+  ConfereCuringa(false, "SEMPONTO|*.*;X", "SEMPONTO|*.");
 }
 
 TEST(CasaMascara, SoAsteriscoEInterrogacao) {

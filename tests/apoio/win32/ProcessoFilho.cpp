@@ -1,5 +1,6 @@
 #include "tests/apoio/ProcessoFilho.h"
 
+#include <io.h>
 #include <windows.h>
 
 #include <stdexcept>
@@ -8,107 +9,61 @@
 namespace apoio {
 namespace {
 
-/// An argument as the C runtime of the child will read it back.
+/// An argument without quotes in it, as the C runtime of the child will read it back.
 std::string Citado(const std::string &argumento) {
-  std::string citado = "\"";
-  std::size_t barras = 0;
-  for (const char letra : argumento) {
-    if (letra == '"') {
-      citado.append(barras + 1, '\\');
-    }
-    barras = letra == '\\' ? barras + 1 : 0;
-    citado += letra;
-  }
-  return citado.append(barras, '\\') + "\"";
+  return "\"" + argumento + (argumento.ends_with('\\') ? "\\\"" : "\"");
 }
 
-void Fecha(HANDLE *h) {
-  if (*h != nullptr) {
-    ::CloseHandle(std::exchange(*h, nullptr));
-  }
-}
-
-/// A pipe of which only the child's end is inherited.
-void CriaTubo(HANDLE *leitura, HANDLE *escrita, HANDLE *nossa) {
+/// A pipe of which only the child's end is inherited; returns a descriptor of ours.
+int CriaTubo(HANDLE *leitura, HANDLE *escrita, const HANDLE *nossa) {
   SECURITY_ATTRIBUTES herdavel{sizeof(herdavel), nullptr, TRUE};
   if (!::CreatePipe(leitura, escrita, &herdavel, 0) || !::SetHandleInformation(*nossa, HANDLE_FLAG_INHERIT, 0)) {
     throw std::runtime_error("no pipe");
   }
+  return ::_open_osfhandle(reinterpret_cast<std::intptr_t>(*nossa), 0);
 }
 
 }  // namespace
 
-struct ProcessoFilho::Sistema {
-  HANDLE hProcesso = nullptr;
-  HANDLE hEntrada = nullptr;  ///< the child's input, our end
-  HANDLE hSaida = nullptr;    ///< the child's output, our end
-};
-
-ProcessoFilho::ProcessoFilho(const std::string &nome, const std::vector<std::string> &argumentos)
-    : m_sistema(std::make_unique<Sistema>()) {
+ProcessoFilho::ProcessoFilho(const std::string &nome, const std::vector<std::string> &argumentos) {
   char programa[MAX_PATH + 1] = "";
   ::GetModuleFileNameA(nullptr, programa, MAX_PATH);
-  std::string comando = Citado(programa);
-  comando.append(" --filho ").append(Citado(nome));
+  std::string comando = Citado(programa) + " --filho " + nome;
   for (const std::string &argumento : argumentos) {
-    comando.append(" ").append(Citado(argumento));
+    comando += " " + Citado(argumento);
   }
   STARTUPINFOA inicio{};
   inicio.cb = sizeof(inicio);
   inicio.dwFlags = STARTF_USESTDHANDLES;
   inicio.hStdError = ::GetStdHandle(STD_ERROR_HANDLE);
-  CriaTubo(&inicio.hStdInput, &m_sistema->hEntrada, &m_sistema->hEntrada);
-  CriaTubo(&m_sistema->hSaida, &inicio.hStdOutput, &m_sistema->hSaida);
+  HANDLE hNossa = nullptr;
+  m_entrada = CriaTubo(&inicio.hStdInput, &hNossa, &hNossa);
+  m_saida = CriaTubo(&hNossa, &inicio.hStdOutput, &hNossa);
   PROCESS_INFORMATION processo{};
   const BOOL bIniciou =
       ::CreateProcessA(programa, comando.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &inicio, &processo);
-  Fecha(&inicio.hStdInput);
-  Fecha(&inicio.hStdOutput);
+  ::CloseHandle(inicio.hStdInput);
+  ::CloseHandle(inicio.hStdOutput);
   if (!bIniciou) {
     throw std::runtime_error("no child process");
   }
   ::CloseHandle(processo.hThread);
-  m_sistema->hProcesso = processo.hProcess;
-}
-
-ProcessoFilho::~ProcessoFilho() {
-  Mata();
-  Fecha(&m_sistema->hEntrada);
-  Fecha(&m_sistema->hSaida);
-}
-
-std::string ProcessoFilho::LeLinha() {
-  std::string linha;
-  char letra = 0;
-  DWORD lidos = 0;
-  while (::ReadFile(m_sistema->hSaida, &letra, 1, &lidos, nullptr) && lidos == 1 && letra != '\n') {
-    if (letra != '\r') {
-      linha += letra;
-    }
-  }
-  return linha;
-}
-
-void ProcessoFilho::EnviaLinha(const std::string &linha) {
-  const std::string completa = linha + "\n";
-  DWORD gravados = 0;
-  if (!::WriteFile(m_sistema->hEntrada, completa.data(), static_cast<DWORD>(completa.size()), &gravados, nullptr)) {
-    throw std::runtime_error("child does not listen");
-  }
+  m_processo = reinterpret_cast<std::intptr_t>(processo.hProcess);
 }
 
 int ProcessoFilho::Espera() {
-  Fecha(&m_sistema->hEntrada);
+  FechaEntrada();
+  const HANDLE hProcesso = reinterpret_cast<HANDLE>(std::exchange(m_processo, 0));
   DWORD codigo = 0;
-  ::WaitForSingleObject(m_sistema->hProcesso, INFINITE);
-  ::GetExitCodeProcess(m_sistema->hProcesso, &codigo);
-  Fecha(&m_sistema->hProcesso);
+  ::WaitForSingleObject(hProcesso, INFINITE);
+  ::GetExitCodeProcess(hProcesso, &codigo);
+  ::CloseHandle(hProcesso);
   return static_cast<int>(codigo);
 }
 
 void ProcessoFilho::Mata() {
-  if (m_sistema->hProcesso != nullptr) {
-    ::TerminateProcess(m_sistema->hProcesso, 1);
+  if (m_processo != 0) {
+    ::TerminateProcess(reinterpret_cast<HANDLE>(m_processo), 1);
     Espera();
   }
 }

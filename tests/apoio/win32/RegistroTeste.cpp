@@ -13,25 +13,32 @@ void Confere(LSTATUS estado, const CString &oque) {
   }
 }
 
-/// Stores exactly these bytes.
-void Grava(const CString &chave, const CString &nome, DWORD tipo, const CString &bytes) {
-  HKEY hChave = nullptr;
-  Confere(::RegCreateKeyExA(HKEY_LOCAL_MACHINE, chave.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &hChave, nullptr),
-          chave);
-  // The system adds a missing final zero when one follows the bytes it is given: something else follows here.
-  const CString seguidos = bytes + "#";
-  const LSTATUS estado = ::RegSetValueExA(
-      hChave, nome.c_str(), 0, tipo, reinterpret_cast<const BYTE *>(seguidos.data()), static_cast<DWORD>(bytes.size()));
-  ::RegCloseKey(hChave);
-  Confere(estado, nome);
+CString SemBarra(const CString &chave) {
+  return chave.substr(0, chave.find_last_not_of('\\') + 1);
 }
 
 CString Terminado(const CString &texto) {
   return texto + CString(1, '\0');
 }
 
-CString SemBarra(const CString &chave) {
-  return chave.substr(0, chave.find_last_not_of('\\') + 1);
+/// Opens a key, which is created when needed.
+HKEY AbreChave(const CString &chave) {
+  HKEY hChave = nullptr;
+  Confere(::RegCreateKeyExA(HKEY_LOCAL_MACHINE, SemBarra(chave).c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &hChave,
+                            nullptr),
+          chave);
+  return hChave;
+}
+
+/// Stores exactly these bytes.
+void Grava(const CString &chave, const CString &nome, DWORD tipo, const CString &bytes) {
+  // The system adds a missing final zero when one follows the bytes it is given: something else follows here.
+  const CString seguidos = bytes + "#";
+  const HKEY hChave = AbreChave(chave);
+  const LSTATUS estado = ::RegSetValueExA(
+      hChave, nome.c_str(), 0, tipo, reinterpret_cast<const BYTE *>(seguidos.data()), static_cast<DWORD>(bytes.size()));
+  ::RegCloseKey(hChave);
+  Confere(estado, nome);
 }
 
 }  // namespace
@@ -47,31 +54,27 @@ void RegistroTeste::CriaChave(const CString &chave) {
     throw std::runtime_error("not a test key: " + chave);
   }
   m_chaves.push_back(SemBarra(chave));
-  HKEY hChave = nullptr;
-  Confere(::RegCreateKeyExA(HKEY_LOCAL_MACHINE, m_chaves.back().c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &hChave,
-                            nullptr),
-          chave);
-  ::RegCloseKey(hChave);
+  ::RegCloseKey(AbreChave(chave));
 }
 
 void RegistroTeste::DefineTexto(const CString &chave, const CString &nome, const CString &texto, bool bTerminador) {
   CriaChave(chave);
-  Grava(SemBarra(chave), nome, REG_SZ, bTerminador ? Terminado(texto) : texto);
+  Grava(chave, nome, REG_SZ, bTerminador ? Terminado(texto) : texto);
 }
 
 void RegistroTeste::DefineTextoExpansivel(const CString &chave, const CString &nome, const CString &texto) {
   CriaChave(chave);
-  Grava(SemBarra(chave), nome, REG_EXPAND_SZ, Terminado(texto));
+  Grava(chave, nome, REG_EXPAND_SZ, Terminado(texto));
 }
 
 void RegistroTeste::DefineNumero(const CString &chave, const CString &nome, std::uint32_t numero) {
   CriaChave(chave);
-  Grava(SemBarra(chave), nome, REG_DWORD, CString(reinterpret_cast<const char *>(&numero), sizeof(numero)));
+  Grava(chave, nome, REG_DWORD, CString(reinterpret_cast<const char *>(&numero), sizeof(numero)));
 }
 
 void RegistroTeste::DefineBinario(const CString &chave, const CString &nome, const CString &bytes) {
   CriaChave(chave);
-  Grava(SemBarra(chave), nome, REG_BINARY, bytes);
+  Grava(chave, nome, REG_BINARY, bytes);
 }
 
 void RegistroTeste::RemoveValor(const CString &chave, const CString &nome) {

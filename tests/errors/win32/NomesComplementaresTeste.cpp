@@ -31,14 +31,11 @@ const Nome kHRESULT[] = {
 #undef KALVO_NOME_COMPLEMENTAR
 #undef KALVO_NOME
 
-TEST(NomesComplementares, Win32) {
+TEST(NomesComplementares, ComoNoCabecalho) {
   for (const Nome &nome : kWin32) {
     ASSERT_EQ(nome.uTabela, static_cast<std::uint32_t>(nome.iCabecalho)) << nome.lpNome;
     ASSERT_STREQ(nomes::DeWin32(nome.uTabela), nome.lpNome);
   }
-}
-
-TEST(NomesComplementares, HRESULT) {
   for (const Nome &nome : kHRESULT) {
     ASSERT_EQ(nome.uTabela, static_cast<std::uint32_t>(nome.iCabecalho)) << nome.lpNome;
     ASSERT_STREQ(nomes::DeHRESULT(nome.uTabela), nome.lpNome);

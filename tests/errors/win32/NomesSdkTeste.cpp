@@ -68,58 +68,26 @@ const Nome kHRESULT[] = {
 #undef KALVO_NOME
 
 // The facilities that this SDK names, one name a number.
-#define KALVO_FACILIDADE(nome) \
-  { nome, nome, #nome }
+const Nome kFacilidades[] = {
+#define X(nome) {FACILITY_##nome, FACILITY_##nome, "FACILITY_" #nome},
+    // clang-format off
+    X(NULL) X(RPC) X(DISPATCH) X(STORAGE) X(ITF) X(WIN32) X(WINDOWS) X(SSPI) X(CONTROL) X(CERT) X(INTERNET)
+    X(MEDIASERVER) X(MSMQ) X(SETUPAPI) X(SCARD) X(COMPLUS) X(AAF) X(URT) X(ACS) X(DPLAY) X(UMI) X(SXS)
+    X(WINDOWS_CE) X(HTTP) X(BACKGROUNDCOPY) X(CONFIGURATION) X(STATE_MANAGEMENT) X(METADIRECTORY) X(WINDOWSUPDATE)
+    X(DIRECTORYSERVICE) X(USERMODE_FILTER_MANAGER)
+// clang-format on
+#undef X
+};
 
-const Nome kFacilidades[] = {KALVO_FACILIDADE(FACILITY_NULL),
-                             KALVO_FACILIDADE(FACILITY_RPC),
-                             KALVO_FACILIDADE(FACILITY_DISPATCH),
-                             KALVO_FACILIDADE(FACILITY_STORAGE),
-                             KALVO_FACILIDADE(FACILITY_ITF),
-                             KALVO_FACILIDADE(FACILITY_WIN32),
-                             KALVO_FACILIDADE(FACILITY_WINDOWS),
-                             KALVO_FACILIDADE(FACILITY_SSPI),
-                             KALVO_FACILIDADE(FACILITY_CONTROL),
-                             KALVO_FACILIDADE(FACILITY_CERT),
-                             KALVO_FACILIDADE(FACILITY_INTERNET),
-                             KALVO_FACILIDADE(FACILITY_MEDIASERVER),
-                             KALVO_FACILIDADE(FACILITY_MSMQ),
-                             KALVO_FACILIDADE(FACILITY_SETUPAPI),
-                             KALVO_FACILIDADE(FACILITY_SCARD),
-                             KALVO_FACILIDADE(FACILITY_COMPLUS),
-                             KALVO_FACILIDADE(FACILITY_AAF),
-                             KALVO_FACILIDADE(FACILITY_URT),
-                             KALVO_FACILIDADE(FACILITY_ACS),
-                             KALVO_FACILIDADE(FACILITY_DPLAY),
-                             KALVO_FACILIDADE(FACILITY_UMI),
-                             KALVO_FACILIDADE(FACILITY_SXS),
-                             KALVO_FACILIDADE(FACILITY_WINDOWS_CE),
-                             KALVO_FACILIDADE(FACILITY_HTTP),
-                             KALVO_FACILIDADE(FACILITY_BACKGROUNDCOPY),
-                             KALVO_FACILIDADE(FACILITY_CONFIGURATION),
-                             KALVO_FACILIDADE(FACILITY_STATE_MANAGEMENT),
-                             KALVO_FACILIDADE(FACILITY_METADIRECTORY),
-                             KALVO_FACILIDADE(FACILITY_WINDOWSUPDATE),
-                             KALVO_FACILIDADE(FACILITY_DIRECTORYSERVICE),
-                             KALVO_FACILIDADE(FACILITY_USERMODE_FILTER_MANAGER)};
-
-#undef KALVO_FACILIDADE
-
-TEST(NomesSdk, Win32) {
+TEST(NomesSdk, ComoNoSdk) {
   for (const Nome &nome : kWin32) {
     ASSERT_EQ(nome.uTabela, static_cast<std::uint32_t>(nome.iSdk)) << nome.lpNome;
     ASSERT_EQ(NomeWin32(CodigoResultado(0x80070000U | nome.uTabela)), nome.lpNome);
   }
-}
-
-TEST(NomesSdk, HRESULT) {
   for (const Nome &nome : kHRESULT) {
     ASSERT_EQ(nome.uTabela, static_cast<std::uint32_t>(nome.iSdk)) << nome.lpNome;
     ASSERT_EQ(NomeHRESULT(CodigoResultado(nome.uTabela)), nome.lpNome);
   }
-}
-
-TEST(NomesSdk, Facilidades) {
   for (const Nome &nome : kFacilidades) {
     EXPECT_EQ(NomeFacilidade(CodigoResultado(nome.uTabela << 16U)), nome.lpNome);
   }

@@ -4,13 +4,10 @@
 
 namespace {
 
-TEST(Caminhos, Absolutos) {
+TEST(Caminhos, AbsolutosEDependentesDoDiretorioOuDaUnidade) {
   for (const char *lpCaminho : {"C:\\", "d:\\Suite\\", "C:/Suite/", "\\\\servidor\\suite\\", "//servidor/suite/"}) {
     EXPECT_TRUE(plataforma::CaminhoAbsoluto(lpCaminho)) << lpCaminho;
   }
-}
-
-TEST(Caminhos, DependentesDoDiretorioOuDaUnidade) {
   for (const char *lpCaminho : {"", "C", "C:", "C:Suite\\", "\\Suite\\", "/Suite/", "Suite\\", "..\\Suite\\",
                                 "1:\\Suite\\", "\\\\", "\\\\\\Suite\\"}) {
     EXPECT_FALSE(plataforma::CaminhoAbsoluto(lpCaminho)) << lpCaminho;

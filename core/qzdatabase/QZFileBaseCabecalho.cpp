@@ -107,7 +107,7 @@ HRESULT CQZFileBase::CriaCabecalho() {
   QZ_VERIFICA(rastro, "AbreArquivo()", TentaAbrir(CaminhoCompleto(), eModoLeituraGravacao));
   AnotaEstado();
   m_bCabecalhoNoDisco = true;
-  m_uiCrcDados = m_regCabecalho.uiCrcDados;
+  m_uiCrcDados = std::uint64_t{m_regCabecalho.uiCrcDados};  // a copy: packed fields cannot be referred to
   return codigos::kOk;
 }
 

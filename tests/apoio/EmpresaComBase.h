@@ -30,7 +30,7 @@ public:
     EXPECT_TRUE(NomeConfere(cabecalho, nome)) << nome;
     conteudo.erase(0, kTamanhoCabecalho);
     const std::uint64_t uiCrc = CalculaCrc64(conteudo.data(), conteudo.size());
-    EXPECT_EQ(cabecalho.uiCrcDados, uiCrc) << nome;
+    EXPECT_EQ(std::uint64_t{cabecalho.uiCrcDados}, uiCrc) << nome;
     return conteudo;
   }
 

@@ -1,0 +1,91 @@
+// The wildcard matchers.
+//
+// Property: the mask matcher, the system's match and the search's own fast matcher give the answers of a definition by
+// recursion, each for the patterns that it takes.
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+#include "core/platform/Mascara.h"
+#include "core/platform/Textos.h"
+#include "fuzz/Entrada.h"
+#include "fuzz/Exige.h"
+#include "vehicles/PadraoSimples.h"
+
+namespace {
+
+using fuzz::Exige;
+
+/// Longer texts would take the recursion for ever.
+constexpr std::size_t kMaiorTexto = 10;
+constexpr std::size_t kMaiorPadrao = 10;
+
+bool Casa(std::string_view sTexto, std::string_view sPadrao) {
+  if (sPadrao.empty()) {
+    return sTexto.empty();
+  }
+  if (sPadrao[0] == '*') {
+    return Casa(sTexto, sPadrao.substr(1)) || (!sTexto.empty() && Casa(sTexto.substr(1), sPadrao));
+  }
+  return !sTexto.empty() && (sPadrao[0] == '?' || sPadrao[0] == sTexto[0]) && Casa(sTexto.substr(1), sPadrao.substr(1));
+}
+
+/// The system's match of folded texts: alternatives, of which nothing but blanks behind the last ';' is none.
+bool CasaAlternativas(std::string_view sTexto, std::string_view sLista) {
+  const std::size_t uiInicio = sLista.find_first_not_of(' ');
+  const std::size_t uiFim = sLista.find(';');
+  if (uiFim == std::string_view::npos) {
+    return uiInicio != std::string_view::npos && Casa(sTexto, sLista.substr(uiInicio));
+  }
+  return Casa(sTexto, sLista.substr(uiInicio, uiFim - uiInicio)) || CasaAlternativas(sTexto, sLista.substr(uiFim + 1));
+}
+
+bool CasaCuringa(std::string_view sTexto, const std::string &sPadrao) {
+  const bool bSoBrancos = !sPadrao.empty() && sPadrao.find_first_not_of(' ') == std::string::npos;
+  return sPadrao == "*.*" || (bSoBrancos ? sTexto.empty() : CasaAlternativas(sTexto, sPadrao));
+}
+
+/// Bytes as they are, or drawn from a few letters, which match more often.
+std::string Texto(fuzz::CEntrada *pEntrada, std::size_t uiMaximo, bool bLetras) {
+  constexpr std::string_view kLetras = "aAbB *?*?;.1\xE3\xC3";
+  const std::size_t uiTamanho = pEntrada->Ate(uiMaximo);
+  std::string sTexto = pEntrada->Bytes(uiTamanho);
+  for (char &c : sTexto) {
+    c = bLetras ? kLetras[static_cast<unsigned char>(c) % kLetras.size()] : c;
+  }
+  return sTexto;
+}
+
+void ConfereSimples(const std::string &sTexto, const std::string &sPadrao, bool bEsperado) {
+  using Resposta = CPadraoSimples::Resposta;
+  CPadraoSimples simples;
+  if (!simples.Define(sPadrao)) {
+    return;
+  }
+  bool bAlheio = false;
+  for (const char c : sTexto) {
+    bAlheio = bAlheio || static_cast<unsigned char>(c) >= 0x80;
+  }
+  Exige(simples.Casa(sTexto) == (bAlheio     ? Resposta::TextoAlheio
+                                 : bEsperado ? Resposta::Casa
+                                             : Resposta::NaoCasa),
+        "the fast match");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qtd) {
+  fuzz::CEntrada entrada(pBytes, qtd);
+  const bool bLetras = entrada.Ate(3) != 0;
+  std::string sTexto = Texto(&entrada, kMaiorTexto, bLetras);
+  std::string sPadrao = Texto(&entrada, kMaiorPadrao, bLetras);
+  Exige(plataforma::CasaMascara(sTexto, sPadrao) == Casa(sTexto, sPadrao), "the mask match");
+
+  sTexto.resize(std::min(sTexto.find('\0'), sTexto.size()));
+  sPadrao.resize(std::min(sPadrao.find('\0'), sPadrao.size()));
+  const bool bEsperado = CasaCuringa(plataforma::Maiusculas(sTexto), plataforma::Maiusculas(sPadrao));
+  Exige(plataforma::CasaCuringa(sTexto.c_str(), sPadrao.c_str()) == bEsperado, "the system's match");
+  ConfereSimples(sTexto, sPadrao, bEsperado);
+  return 0;
+}

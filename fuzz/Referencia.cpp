@@ -1,0 +1,91 @@
+#include "fuzz/Referencia.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "core/qzdatabase/CabecalhoArquivo.h"
+#include "core/qzdatabase/QZCrc64.h"
+
+namespace fuzz {
+namespace {
+
+/// A number of `sizeof(T)` bytes, lowest first.
+template <typename T>
+T Numero(std::string_view sBytes, std::size_t uiOnde) {
+  T numero{};
+  std::memcpy(&numero, sBytes.data() + uiOnde, sizeof(numero));
+  return numero;
+}
+
+template <typename T>
+std::string Bytes(const T &valor) {
+  return {reinterpret_cast<const char *>(&valor), sizeof(valor)};
+}
+
+std::uint64_t Crc(std::string_view sBytes) {
+  return CalculaCrc64(sBytes.data(), sBytes.size());
+}
+
+bool TemVersao(std::string_view sBytes) {
+  return sBytes.size() >= kPosicaoRegCabecalho && Numero<std::uint16_t>(sBytes, 0) != 0 &&
+         Numero<std::uint64_t>(sBytes, 8) == Crc(sBytes.substr(0, 2)) &&
+         Numero<std::uint64_t>(sBytes, 16) == Crc(sBytes.substr(8, 8));
+}
+
+HRESULT CodigoDoCabecalho(const std::string &sNome, std::string_view sBytes) {
+  if (Numero<std::uint16_t>(sBytes, 0) != 1) {
+    return codigos::kCabecalhoVersaoDesconhecida;
+  }
+  if (sBytes.size() < kTamanhoCabecalho || Numero<std::uint64_t>(sBytes, 84) != Crc(sBytes.substr(24, 60))) {
+    return codigos::kCabecalhoDanificado;
+  }
+  const std::string_view sCampo = sBytes.substr(30, 40);
+  if (sCampo.substr(0, sCampo.find('\0')) != sNome.substr(0, 40)) {
+    return codigos::kCabecalhoDeOutroArquivo;
+  }
+  return Numero<std::uint64_t>(sBytes, 76) == Crc(sBytes.substr(kTamanhoCabecalho)) ? codigos::kOk
+                                                                                    : codigos::kDadosNaoConferem;
+}
+
+}  // namespace
+
+std::string Cabecalho(const std::string &sNome, std::string_view sDados, std::uint16_t iVersao) {
+  std::string sVersao = Bytes(iVersao) + std::string(6, '\0');
+  sVersao += Bytes(Crc(Bytes(iVersao)));
+  sVersao += Bytes(Crc(sVersao.substr(8)));
+  std::string sCabecalho = std::string(6, '\0') + sNome.substr(0, 40);
+  sCabecalho.resize(52);
+  sCabecalho += Bytes(Crc(sDados));
+  return sVersao + sCabecalho + Bytes(Crc(sCabecalho));
+}
+
+ArquivoExaminado Examina(const std::string &sNome, const std::string &sBytes, bool bCabecalhos) {
+  ArquivoExaminado exame;
+  exame.bTemCabecalho = TemVersao(sBytes);
+  exame.sDados = sBytes;
+  if (bCabecalhos && exame.bTemCabecalho) {
+    exame.hr = CodigoDoCabecalho(sNome, sBytes);
+    exame.sDados.erase(0, kTamanhoCabecalho);
+  }
+  return exame;
+}
+
+std::vector<std::string> LinhasDoTexto(std::string_view sDados) {
+  std::vector<std::string> textos;
+  while (sDados.size() >= sizeof(std::uint32_t)) {
+    const std::string_view sTexto = sDados.substr(sizeof(std::uint32_t), Numero<std::uint32_t>(sDados, 0));
+    textos.emplace_back(sTexto.substr(0, sTexto.find('\0')));
+    sDados.remove_prefix(sizeof(std::uint32_t) + sTexto.size());
+  }
+  return textos;
+}
+
+std::string BytesDasLinhas(const std::vector<std::string> &textos) {
+  std::string sBytes;
+  for (const std::string &sTexto : textos) {
+    sBytes += Bytes(static_cast<std::uint32_t>(sTexto.size())) + sTexto;
+  }
+  return sBytes;
+}
+
+}  // namespace fuzz

@@ -1,0 +1,189 @@
+// A text file of any bytes, and writes to it.
+//
+// Property: any bytes load, and as the lines that the format gives; memory follows a simple model of the writes; what a
+// reader of the bytes finds on disk afterwards, and what the next initialisation loads, are the lines of memory.
+//
+// Two habits of the format show in the model: a line ends at its first zero byte when it is loaded, not before, and
+// with headers on the place recorded for an appended line counts the header twice, so that the file is loaded anew
+// before it is written over.
+
+#include "core/qzdatabase/QZTextFile.h"
+
+#include <algorithm>
+
+#include "core/platform/Plataforma.h"
+#include "core/qzdatabase/QZDataBase.h"
+#include "fuzz/Entrada.h"
+#include "fuzz/Exige.h"
+#include "fuzz/Referencia.h"
+#include "tests/apoio/ChaveCabecalho.h"
+#include "tests/apoio/EmpresaTeste.h"
+#include "tests/apoio/RelogioFalso.h"
+
+namespace {
+
+using fuzz::Exige;
+using fuzz::ExigeCodigo;
+using Textos = std::vector<std::string>;
+
+constexpr char kNome[] = "TEXTO.DAT";
+constexpr int kMaximoOperacoes = 16;
+
+class BancoTexto : public CQZDataBase {
+public:
+  BancoTexto() : CQZDataBase(QZ_DF, plataforma::NivelTrava::ArquivoDados) {}
+  ~BancoTexto() override { FinalizaNoDestrutor(); }
+
+  CQZTextFile m_Texto{kNome, this};
+};
+
+/// The lines that memory should hold.
+struct Modelo {
+  Textos memoria;
+
+  /// Takes a write and returns the position that it should hand back.
+  std::uint64_t Grava(std::uint64_t uiPosicao, const Textos &textos) {
+    const std::size_t linhas = memoria.size();
+    const std::size_t inicio = uiPosicao != 0 ? uiPosicao - 1 : linhas;
+    const std::size_t fim = inicio + textos.size();
+    bool bMaior = false;
+    for (std::size_t idx = inicio; idx < std::min(fim, linhas); ++idx) {
+      bMaior = bMaior || textos[idx - inicio].size() > memoria[idx].size();
+    }
+    const bool bNoFinal = uiPosicao == 0 || (bMaior && fim <= linhas);
+    const std::size_t onde = bNoFinal ? linhas : inicio;
+    memoria.resize(std::max(linhas, onde + textos.size()));
+    std::copy(textos.begin(), textos.end(), memoria.begin() + static_cast<std::ptrdiff_t>(onde));
+    return bNoFinal ? memoria.size() : uiPosicao;
+  }
+};
+
+class Execucao {
+public:
+  explicit Execucao(bool bCabecalhos) : m_bCabecalhos(bCabecalhos), m_cabecalho(bCabecalhos) {}
+
+  void Roda(const std::string &sArquivo, fuzz::CEntrada *pEntrada) {
+    m_empresa.Escreve(kNome, sArquivo);
+    const fuzz::ArquivoExaminado exame = fuzz::Examina(kNome, sArquivo, m_bCabecalhos);
+    ExigeCodigo(Inicia(), exame.hr, "the code of the first initialisation");
+    if (Falhou(exame.hr)) {
+      Exige(m_empresa.Le(kNome) == sArquivo, "a refused file stays as it is");
+      return;
+    }
+    Modelo modelo{fuzz::LinhasDoTexto(exame.sDados)};
+    ConfereMemoria(modelo);
+    for (int i = 0; i < kMaximoOperacoes && !pEntrada->Acabou(); ++i) {
+      const bool bNoFinal = Grava(pEntrada, &modelo);
+      ConfereMemoria(modelo);
+      if ((bNoFinal && m_bCabecalhos) || pEntrada->Ate(7) == 0) {
+        Recarrega(&modelo);
+      }
+    }
+    Recarrega(&modelo);
+  }
+
+private:
+  HRESULT Inicia() { return m_banco.Inicializa(m_empresa.Dono()); }
+
+  static Textos TextosDaEntrada(fuzz::CEntrada *pEntrada, const Modelo &modelo, std::uint64_t uiPosicao) {
+    Textos textos(pEntrada->Ate(3));
+    for (std::size_t t = 0; t < textos.size(); ++t) {
+      const std::size_t idx = uiPosicao + t - 1;
+      // Lengths that are kept are the interesting ones, and rarely come by themselves.
+      const std::size_t uiEscolha = pEntrada->Ate(7);
+      const std::size_t uiTamanho =
+          uiEscolha < 4 && idx < modelo.memoria.size() ? modelo.memoria[idx].size() : uiEscolha;
+      textos[t] = pEntrada->Bytes(uiTamanho);
+    }
+    return textos;
+  }
+
+  /// One write; true when its lines went to the end.
+  bool Grava(fuzz::CEntrada *pEntrada, Modelo *pModelo) {
+    const std::size_t linhas = pModelo->memoria.size();
+    const auto uiPosicao = static_cast<std::uint64_t>(pEntrada->Byte()) % (linhas + 2);
+    const Textos textos = TextosDaEntrada(pEntrada, *pModelo, uiPosicao);
+    std::uint64_t uiDepois = uiPosicao;
+    if (textos.size() == 1 && textos[0].empty() && pEntrada->Ate(1) == 0) {
+      ExigeCodigo(m_banco.m_Texto.Grava(uiDepois, textos[0]), codigos::kOk, "one empty line writes nothing");
+      Exige(uiDepois == 0, "its position");
+      return false;
+    }
+    CStringArray aRegistros;
+    for (const std::string &sTexto : textos) {
+      aRegistros.Add(sTexto);
+    }
+    const HRESULT hr = m_banco.m_Texto.GravaColecao(uiDepois, aRegistros);
+    if (textos.empty() || uiPosicao > linhas) {
+      ExigeCodigo(hr, textos.empty() ? codigos::kOk : codigos::kGravacaoAlemDoFim, "a write of nothing or to nowhere");
+      Exige(uiDepois == uiPosicao, "its position");
+      return false;
+    }
+    ExigeCodigo(hr, codigos::kOk, "a write");
+    Exige(uiDepois == pModelo->Grava(uiPosicao, textos), "the position of a write");
+    return uiDepois == pModelo->memoria.size();
+  }
+
+  void ConfereMemoria(const Modelo &modelo) {
+    const CArray<CQZDataBaseTextPair> &aLinhas = *m_banco.m_Texto.GetPtrArrayRegistros();
+    Exige(aLinhas.GetSize() == modelo.memoria.size(), "number of lines in memory");
+    for (std::size_t idx = 0; idx < aLinhas.GetSize(); ++idx) {
+      Exige(aLinhas[idx].sTexto == modelo.memoria[idx], "lines in memory");
+    }
+    CString sTexto;
+    const HRESULT hr = m_banco.m_Texto.Le(modelo.memoria.size(), sTexto);
+    ExigeCodigo(hr, modelo.memoria.empty() ? codigos::kPosicaoZero : codigos::kOk, "reading the last line");
+    Exige(modelo.memoria.empty() || sTexto == modelo.memoria.back(), "the last line");
+    ExigeCodigo(m_banco.m_Texto.Le(modelo.memoria.size() + 1, sTexto), codigos::kPosicaoAlemDoFim,
+                "reading behind the last line");
+  }
+
+  /// Finishes, reads the disk, loads again; the model goes on from what is loaded.
+  void Recarrega(Modelo *pModelo) {
+    ExigeCodigo(m_banco.Finaliza(), codigos::kOk, "finishing");
+    const fuzz::ArquivoExaminado exame = fuzz::Examina(kNome, m_empresa.Le(kNome), m_bCabecalhos);
+    ExigeCodigo(exame.hr, codigos::kOk, "the header on disk");
+    Exige(!m_bCabecalhos || exame.bTemCabecalho, "a header on disk");
+    const Modelo doDisco{fuzz::LinhasDoTexto(exame.sDados)};
+    for (std::string &sTexto : pModelo->memoria) {
+      sTexto.resize(std::min(sTexto.find('\0'), sTexto.size()));
+    }
+    Exige(doDisco.memoria == pModelo->memoria, "the lines on disk are those of memory");
+    *pModelo = doDisco;
+    ExigeCodigo(Inicia(), codigos::kOk, "loading again");
+    ConfereMemoria(*pModelo);
+  }
+
+  bool m_bCabecalhos;
+  apoio::EmpresaTeste m_empresa;
+  apoio::ChaveCabecalho m_cabecalho;
+  apoio::RelogioFalso m_relogio;
+  apoio::ServicosTrocados m_servicos{nullptr, nullptr, &m_relogio};
+  BancoTexto m_banco;
+};
+
+/// A file of any bytes, of lines of any text, or one of the two with a header in front that fits.
+std::string Arquivo(fuzz::CEntrada *pEntrada) {
+  const unsigned uiForma = pEntrada->Byte();
+  std::string sDados;
+  if ((uiForma & 1) == 0) {
+    sDados = pEntrada->Bytes(pEntrada->Byte());
+  } else {
+    Textos textos(pEntrada->Ate(5));
+    for (std::string &sTexto : textos) {
+      sTexto = pEntrada->Bytes(pEntrada->Ate(9));
+    }
+    sDados = fuzz::BytesDasLinhas(textos) + pEntrada->Bytes(pEntrada->Ate(7));
+  }
+  return (uiForma & 2) == 0 ? sDados : fuzz::Cabecalho(kNome, sDados) + sDados;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qtd) {
+  fuzz::CEntrada entrada(pBytes, qtd);
+  const bool bCabecalhos = entrada.Ate(1) != 0;
+  const std::string sArquivo = Arquivo(&entrada);
+  Execucao(bCabecalhos).Roda(sArquivo, &entrada);
+  return 0;
+}

@@ -54,20 +54,41 @@ CString CaminhoDaBase(const CString &sEmpresa, const char *lpNome) {
   return CQZPath::CaminhoArquivo(QZ_DF, sEmpresa, lpNome);
 }
 
-/// True when an earlier run got as far as the journal. A torn journal counts as none: the rename comes after it.
-bool DiarioCompleto(const CString &sEmpresa, const char *lpDiario = kArquivoDiario) {
+/// Whether an earlier run got as far as the journal. A torn journal counts as none: the rename comes after it. One that
+/// cannot be read is a failure, for taking it for none would drop a vehicle.
+plataforma::FalhaArquivo LeDiario(const CString &sEmpresa, bool *pbCompleto, const char *lpDiario = kArquivoDiario) {
   using namespace plataforma;
+  *pbCompleto = false;
   std::unique_ptr<IArquivoAberto> arquivo;
+  const ModoAbertura modo{Acesso::Leitura, Compartilhamento::NegaNada, Criacao::SoExistente};
+  FalhaArquivo falha;
+  for (int i = 0; i < kTentativasInsistencia; ++i) {
+    falha = Arquivos().Abre(CaminhoDaBase(sEmpresa, lpDiario), modo, &arquivo);
+    if (falha.causa != CausaArquivo::ViolacaoCompartilhamento) {
+      break;
+    }
+    Relogio().Espera(kPausaInsistenciaMs);
+  }
+  if (falha) {
+    const bool bAusente = falha.causa == CausaArquivo::NaoEncontrado || falha.causa == CausaArquivo::CaminhoInvalido;
+    return bAusente ? kSemFalha : falha;
+  }
+  const CQZArquivoNoLivro diario(std::move(arquivo));
   REG_DF_VEICULO_VERSAO reg{};
   const REG_DF_VEICULO_VERSAO completo{kVersaoBaseVeiculos, {}};
   std::uint64_t uiTamanho = 0;
-  const ModoAbertura modo{Acesso::Leitura, Compartilhamento::NegaNada, Criacao::SoExistente};
-  if (Arquivos().Abre(CaminhoDaBase(sEmpresa, lpDiario), modo, &arquivo)) {
-    return false;
+  falha = diario->Tamanho(&uiTamanho);
+  if (!falha && uiTamanho == sizeof(reg)) {
+    falha = diario->Le(0, &reg, sizeof(reg));
+    *pbCompleto = !falha && std::memcmp(&reg, &completo, sizeof(reg)) == 0;
   }
-  const CQZArquivoNoLivro diario(std::move(arquivo));
-  return !diario->Tamanho(&uiTamanho) && uiTamanho == sizeof(reg) && !diario->Le(0, &reg, sizeof(reg)) &&
-         std::memcmp(&reg, &completo, sizeof(reg)) == 0;
+  return falha;
+}
+
+/// The same with the result code of a failure.
+HRESULT ExaminaDiario(const CString &sEmpresa, bool *pbCompleto) {
+  const plataforma::FalhaArquivo falha = LeDiario(sEmpresa, pbCompleto);
+  return falha ? CQZFileBase::CatchInicializacao(falha) : codigos::kOk;
 }
 
 plataforma::FalhaArquivo EscreveDiario(const CString &sEmpresa) {
@@ -97,11 +118,12 @@ bool ConteudoRecusado(HRESULT hr) {
 }
 
 HRESULT AdotaDiarioAntigo(const CString &sEmpresa) {
-  if (!DiarioCompleto(sEmpresa, kArquivoDiarioAntigo)) {
-    return codigos::kOk;
+  bool bCompleto = false;
+  plataforma::FalhaArquivo falha = LeDiario(sEmpresa, &bCompleto, kArquivoDiarioAntigo);
+  if (!falha && bCompleto) {
+    falha = plataforma::Arquivos().MoveSubstituindo(CaminhoDaBase(sEmpresa, kArquivoDiarioAntigo),
+                                                    CaminhoDaBase(sEmpresa, kArquivoDiario));
   }
-  const plataforma::FalhaArquivo falha = plataforma::Arquivos().MoveSubstituindo(
-      CaminhoDaBase(sEmpresa, kArquivoDiarioAntigo), CaminhoDaBase(sEmpresa, kArquivoDiario));
   return falha ? CQZFileBase::CatchGravacao(falha) : codigos::kOk;
 }
 
@@ -133,7 +155,9 @@ HRESULT CBaseVeiculos::ConverteSobTrava() {
   QZ_VERIFICA(rastro, "AdotaDiarioAntigo(GetEmpresa())", AdotaDiarioAntigo(GetEmpresa()));
   if (QZ_FALHOU(rastro, hr, "CQZDataBaseUtil::LeSingleReg(this, QZ_DF, &regVersao, \"DFVEIVS.DAT\")",
                 CQZDataBaseUtil::LeSingleReg(this, QZ_DF, &regVersao, kArquivoVersao))) {
-    if (!ConteudoRecusado(hr) || !DiarioCompleto(GetEmpresa())) {
+    bool bDiario = false;
+    QZ_VERIFICA(rastro, "ExaminaDiario(GetEmpresa(), &bDiario)", ExaminaDiario(GetEmpresa(), &bDiario));
+    if (!ConteudoRecusado(hr) || !bDiario) {
       return hr;
     }
     // The journal says that only the version was missing: the file is what an interrupted write of it has left.
@@ -159,7 +183,9 @@ HRESULT CBaseVeiculos::ConverteSobTrava() {
 HRESULT CBaseVeiculos::ConverteBaseV01() {
   const CQZRastro rastro(this, {"CBaseVeiculos::ConverteBaseV01"}, kFonte);
   const CString sEmpresa = GetEmpresa();
-  if (DiarioCompleto(sEmpresa)) {
+  bool bDiario = false;
+  QZ_VERIFICA(rastro, "ExaminaDiario(GetEmpresa(), &bDiario)", ExaminaDiario(sEmpresa, &bDiario));
+  if (bDiario) {
     if (plataforma::Arquivos().Existe(CaminhoDaBase(sEmpresa, kArquivoVeiculosTRA))) {
       QZ_VERIFICA(rastro, "CQZDataBaseUtil::RenomeiaArquivoTRA(GetEmpresa(), QZ_DF, \"DFVEIC.DAT\")",
                   CQZDataBaseUtil::MoveTRA(sEmpresa, QZ_DF, kArquivoVeiculos));
@@ -168,7 +194,8 @@ HRESULT CBaseVeiculos::ConverteBaseV01() {
   }
   const auto gravaDiario = [&]() -> HRESULT {
     const plataforma::FalhaArquivo falha = EscreveDiario(sEmpresa);
-    if (!falha) {
+    bDiario = !falha;
+    if (bDiario) {
       return codigos::kOk;
     }
     static_cast<void>(ApagaDiario(sEmpresa));
@@ -177,7 +204,7 @@ HRESULT CBaseVeiculos::ConverteBaseV01() {
   QZ_VERIFICA(rastro, "CQZDataBaseUtil::RemoveRegistroZero<RegVeiculo_V01>(this, QZ_DF, \"DFVEIC.DAT\")",
               CQZDataBaseUtil::RemoveRegistroZero<RegVeiculo_V01>(this, QZ_DF, kArquivoVeiculos, gravaDiario,
                                                                   [&] { return ApagaDiario(sEmpresa); }));
-  if (!DiarioCompleto(sEmpresa)) {
+  if (!bDiario) {
     // Without it only an interruption of the version's write would be noticed: not worth refusing the company.
     static_cast<void>(gravaDiario());
   }

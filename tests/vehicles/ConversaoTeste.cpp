@@ -146,6 +146,20 @@ TEST_F(Conversao, DiarioAntigoEContinuado) {
   EXPECT_FALSE(m_empresa.Existe("DFVEIVSD.TRA"));
 }
 
+/// A journal that cannot be read just now is not taken for none.
+TEST_F(Conversao, DiarioPresoFazEsperar) {
+  m_empresa.Escreve("DFVEIC.DAT", Base("ab"));
+  m_empresa.Escreve("DFVEIVSD.TRA", kVersao1);
+  m_falhas.Arma({apoio::kOpAbre, "DFVEIVSD.TRA", 1, true, plataforma::FalhaWin32(32), {}});
+  EXPECT_EQ(Abre(), codigos::kArqCompartilhamento);
+  EXPECT_EQ(m_falhas.Vistas(), 50U);
+  m_falhas.Arma({apoio::kOpLe, "DFVEIVSD.TRA", 1, true, plataforma::FalhaWin32(1117), {}});
+  EXPECT_EQ(Abre(), codigos::kArqErroFisico);
+  m_falhas.Arma({apoio::kOpAbre, "DFVEIVSD.TRA", 1, false, plataforma::FalhaWin32(32), {}});
+  EXPECT_EQ(Abre(), codigos::kOk) << "one busy moment is ridden out";
+  EXPECT_EQ(m_empresa.Le("DFVEIC.DAT"), Base("ab"));
+}
+
 TEST_F(Conversao, UmaOperacaoQueFalhaNaoPerdeVeiculo) {
   for (std::size_t n = 1;; ++n) {
     SCOPED_TRACE(testing::Message() << "fault " << n);

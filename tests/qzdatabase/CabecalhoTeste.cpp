@@ -94,11 +94,9 @@ TEST_F(Cabecalho, DanoERecusadoEPassa) {
   };
   std::vector<std::pair<std::string, HRESULT>> casos;
   for (std::size_t i = kPosicaoRegCabecalho; i < sBom.size(); ++i) {
-    casos.emplace_back(inverte(i), i < kTamanhoCabecalho ? codigos::kCabecalhoDanificado : codigos::kDadosNaoConferem);
-  }
-  for (std::size_t i = kPosicaoRegCabecalho; i < sBom.size(); ++i) {
-    casos.emplace_back(sBom.substr(0, i),
-                       i < kTamanhoCabecalho ? codigos::kCabecalhoDanificado : codigos::kDadosNaoConferem);
+    const HRESULT hr = i < kTamanhoCabecalho ? codigos::kCabecalhoDanificado : codigos::kDadosNaoConferem;
+    casos.emplace_back(inverte(i), hr);
+    casos.emplace_back(sBom.substr(0, i), hr);
   }
   RegVersaoArquivo versao2 = MontaRegVersao();
   versao2.iVersao = 2;

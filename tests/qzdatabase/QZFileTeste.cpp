@@ -115,16 +115,6 @@ TEST_F(ArquivoTipado, RetentaSeNaoForFatal) {
   EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 3));
 }
 
-TEST_F(ArquivoTipado, FragmentoDeUmaTentativaNaoDeslocaAProxima) {
-  m_empresa.Escreve("TESTE.DAT", Bytes(1, 2));
-  ASSERT_EQ(Abre(), codigos::kOk);
-  std::uint64_t uiPosicao = 0;
-  m_falhas.Arma({apoio::kOpGrava, "", 1, false, plataforma::FalhaWin32(112), 7});
-  EXPECT_EQ(Arquivo().Grava(uiPosicao, Registro(3)), codigos::kOk);
-  EXPECT_EQ(uiPosicao, 3U);
-  EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 3));
-}
-
 /// Every write of a case with its N-th file operation failing, for every N, once and for good: the caller's answer, the
 /// memory and the disk agree, and the next write works.
 TEST_F(ArquivoTipado, FalhaEmCadaOperacao) {
@@ -145,10 +135,9 @@ TEST_F(ArquivoTipado, FalhaEmCadaOperacao) {
       ASSERT_EQ(Abre(), codigos::kOk);
       std::uint64_t uiPosicao = caso.uiPosicao;
       const HRESULT hr = serie.Roda([&] { return Arquivo().GravaColecao(uiPosicao, caso.aRegistros); });
-      if (!Arquivo().ExisteArquivo()) {
-        // Neither mode could be opened; the next write opens the file again.
-        ASSERT_TRUE(Falhou(hr));
-      }
+      ASSERT_TRUE(serie.Persistente() || hr == codigos::kOk) << "a passing failure is ridden out";
+      // When neither mode could be opened the next write opens the file again.
+      ASSERT_TRUE(Falhou(hr) || Arquivo().ExisteArquivo());
       std::uint64_t uiOutra = 1;
       ASSERT_EQ(Arquivo().Grava(uiOutra, Registro(1, "again")), codigos::kOk);
       uiOutra = 1;

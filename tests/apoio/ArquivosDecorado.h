@@ -65,9 +65,7 @@ struct PlanoFalha {
 
 /// Makes the N-th operation fail without carrying it out. Unarmed it only forwards. It must outlive the files it opens.
 /// Any thread may call, several at once.
-///
-/// The usual loop: for N = 1, 2, ... arm with N, run the operation under test, check what it left; stop at the first N
-/// at which Disparou() stays false.
+/// SerieFalhas runs a call with each of its operations failing.
 class ArquivosComFalha final : public ArquivosDecorado {
 public:
   using ArquivosDecorado::ArquivosDecorado;

@@ -22,12 +22,6 @@ Empresa::Empresa(const CString &sSubdiretorioAusente) : m_sCodigo(CodigoUnico())
                          m_pasta.Caminho() + sSubdiretorioAusente);
 }
 
-void Empresa::ApagaArquivos() const {
-  for (const char *lpNome : {"DFVEIC.DAT", "DFVEIVS.DAT", "QZDATABASE_FILE_CTRL.DAT"}) {
-    DeleteFileA(Arquivo(lpNome).c_str());
-  }
-}
-
 std::string Registros(const Empresa &empresa) {
   constexpr std::size_t kCabecalho = 92;
   const std::string sConteudo = apoio::LeArquivo(empresa.Arquivo("DFVEIC.DAT"));

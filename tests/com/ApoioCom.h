@@ -18,6 +18,11 @@ namespace apoiocom {
 
 inline constexpr DWORD kPrazo = 60000;  ///< upper bound of every wait on another process, in milliseconds
 
+/// A result code as its 32 bits.
+inline std::uint32_t Bits(HRESULT hr) {
+  return static_cast<std::uint32_t>(hr);
+}
+
 struct FechaHandle {
   void operator()(HANDLE h) const { CloseHandle(h); }
 };
@@ -60,9 +65,6 @@ public:
 
   const CString &Codigo() const { return m_sCodigo; }
   CString Arquivo(const CString &sNome) const { return m_pasta / sNome; }
-
-  /// Back to a company without data files; nobody may have them open.
-  void ApagaArquivos() const;
 
 private:
   apoio::PastaTemporaria m_pasta;

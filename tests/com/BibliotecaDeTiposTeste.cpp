@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstddef>
 #include <map>
 #include <string>
 #include <vector>
@@ -53,6 +52,11 @@ std::string Tipo(ITypeInfo &dono, const TYPEDESC &tipo) {
   }
 }
 
+const char *Sentido(USHORT usOpcoes) {
+  const bool bEntra = (usOpcoes & PARAMFLAG_FIN) != 0;
+  return (usOpcoes & PARAMFLAG_FOUT) == 0 ? "[in] " : bEntra ? "[in,out] " : "[out] ";
+}
+
 /// "HRESULT Grava([in,out] long* pPos, ...)"; empty past the last function.
 std::string Assinatura(ITypeInfo &interface_, UINT uiIndice) {
   FUNCDESC *pFuncao = nullptr;
@@ -65,13 +69,7 @@ std::string Assinatura(ITypeInfo &interface_, UINT uiIndice) {
   std::string sTexto = Tipo(interface_, pFuncao->elemdescFunc.tdesc) + " " + Curto(nomes[0]) + "(";
   for (SHORT i = 0; i < pFuncao->cParams; ++i) {
     const ELEMDESC &parametro = pFuncao->lprgelemdescParam[i];
-    const USHORT usOpcoes = parametro.paramdesc.wParamFlags;
-    const bool bEntra = (usOpcoes & PARAMFLAG_FIN) != 0;
-    const bool bSai = (usOpcoes & PARAMFLAG_FOUT) != 0;
-    sTexto += std::string(i == 0 ? "" : ", ") +
-              (bEntra && bSai ? "[in,out] "
-               : bSai         ? "[out] "
-                              : "[in] ") +
+    sTexto += std::string(i == 0 ? "" : ", ") + Sentido(parametro.paramdesc.wParamFlags) +
               Tipo(interface_, parametro.tdesc) + " " + Curto(nomes[i + 1]);
   }
   EXPECT_EQ(pFuncao->memid, static_cast<MEMBERID>(0x60010000 + uiIndice));
@@ -84,68 +82,40 @@ std::string Assinatura(ITypeInfo &interface_, UINT uiIndice) {
   return sTexto + ")";
 }
 
-struct Campo {
-  std::string sNome;
-  std::string sTipo;
-  std::size_t uiDeslocamento;
-  bool operator==(const Campo &) const = default;
-};
-
-std::ostream &operator<<(std::ostream &saida, const Campo &campo) {
-  return saida << campo.uiDeslocamento << " " << campo.sTipo << " " << campo.sNome;
-}
-
-std::vector<Campo> CamposDe(ITypeInfo &registro) {
-  std::vector<Campo> campos;
+/// The fields of a record, "offset type name; " each.
+std::string CamposDe(ITypeInfo &registro) {
+  std::string sCampos;
   VARDESC *pCampo = nullptr;
   for (UINT i = 0; SUCCEEDED(registro.GetVarDesc(i, &pCampo)); ++i) {
     BSTR sNome = nullptr;
     UINT uiNomes = 0;
     registro.GetNames(pCampo->memid, &sNome, 1, &uiNomes);
-    campos.push_back({Curto(sNome), Tipo(registro, pCampo->elemdescVar.tdesc), pCampo->oInst});
+    sCampos +=
+        std::to_string(pCampo->oInst) + " " + Tipo(registro, pCampo->elemdescVar.tdesc) + " " + Curto(sNome) + "; ";
     SysFreeString(sNome);
     registro.ReleaseVarDesc(pCampo);
   }
-  return campos;
+  return sCampos;
 }
-
-#define CAMPO(Registro, nome, tipo) \
-  { #nome, tipo, offsetof(Registro, nome) }
-#define TEXTOS(Registro)                                                                                               \
-  CAMPO(Registro, szDescricao, "char[51]"), CAMPO(Registro, szCodigoANTT, "char[21]"),                                 \
-      CAMPO(Registro, szCodigo, "char[13]"), CAMPO(Registro, szRENAVAM, "char[12]"),                                   \
-      CAMPO(Registro, szPlaca, "char[9]"), CAMPO(Registro, szUF, "char[3]"), CAMPO(Registro, iTipoCarroceria, "byte"), \
-      CAMPO(Registro, iTipoRodado, "byte"), CAMPO(Registro, iTipoVeiculo, "byte"),                                     \
-      CAMPO(Registro, iTipoTransporte, "byte")
 
 const struct {
   const wchar_t *lpNome;
   ULONG ulTamanho;
-  std::vector<Campo> campos;
+  const char *lpCampos;
 } kRegistros[] = {
-    {L"tagREG_VEICULOPS",
-     sizeof(tagREG_VEICULOPS),
-     {CAMPO(tagREG_VEICULOPS, vTara, "CURRENCY"), CAMPO(tagREG_VEICULOPS, vCapacidadeKg, "CURRENCY"),
-      CAMPO(tagREG_VEICULOPS, vCapacidadeM3, "CURRENCY"), CAMPO(tagREG_VEICULOPS, iAno, "uint"),
-      CAMPO(tagREG_VEICULOPS, iPonteiroCliente, "ushort"), TEXTOS(tagREG_VEICULOPS),
-      CAMPO(tagREG_VEICULOPS, iFiller, "byte"), CAMPO(tagREG_VEICULOPS, lPosicao, "long"),
-      CAMPO(tagREG_VEICULOPS, cFiller, "byte[20]")}},
-    {L"tagREG_FILTRO_VEICULOSPS",
-     sizeof(tagREG_FILTRO_VEICULOSPS),
-     {CAMPO(tagREG_FILTRO_VEICULOSPS, vTaraInicial, "CURRENCY"),
-      CAMPO(tagREG_FILTRO_VEICULOSPS, vTaraFinal, "CURRENCY"),
-      CAMPO(tagREG_FILTRO_VEICULOSPS, vCapacidadeKgInicial, "CURRENCY"),
-      CAMPO(tagREG_FILTRO_VEICULOSPS, vCapacidadeKgFinal, "CURRENCY"),
-      CAMPO(tagREG_FILTRO_VEICULOSPS, vCapacidadeM3Inicial, "CURRENCY"),
-      CAMPO(tagREG_FILTRO_VEICULOSPS, vCapacidadeM3Final, "CURRENCY"),
-      CAMPO(tagREG_FILTRO_VEICULOSPS, iAnoInicial, "uint"), CAMPO(tagREG_FILTRO_VEICULOSPS, iAnoFinal, "uint"),
-      CAMPO(tagREG_FILTRO_VEICULOSPS, iPonteiroCliente, "ushort"), TEXTOS(tagREG_FILTRO_VEICULOSPS),
-      CAMPO(tagREG_FILTRO_VEICULOSPS, iFiller, "byte[5]"), CAMPO(tagREG_FILTRO_VEICULOSPS, lPosicao, "long"),
-      CAMPO(tagREG_FILTRO_VEICULOSPS, cFiller, "byte[20]")}},
-    {L"tagRESULTADO_BUSCA_VEICULOS",
-     sizeof(tagRESULTADO_BUSCA_VEICULOS),
-     {CAMPO(tagRESULTADO_BUSCA_VEICULOS, iQtd, "uint"), CAMPO(tagRESULTADO_BUSCA_VEICULOS, cFiller, "byte[4]"),
-      CAMPO(tagRESULTADO_BUSCA_VEICULOS, Ponteiros, "long*"), CAMPO(tagRESULTADO_BUSCA_VEICULOS, pFiller, "byte*")}},
+    {L"tagREG_VEICULOPS", 168,
+     "0 CURRENCY vTara; 8 CURRENCY vCapacidadeKg; 16 CURRENCY vCapacidadeM3; 24 uint iAno; 28 ushort iPonteiroCliente; "
+     "30 char[51] szDescricao; 81 char[21] szCodigoANTT; 102 char[13] szCodigo; 115 char[12] szRENAVAM; "
+     "127 char[9] szPlaca; 136 char[3] szUF; 139 byte iTipoCarroceria; 140 byte iTipoRodado; 141 byte iTipoVeiculo; "
+     "142 byte iTipoTransporte; 143 byte iFiller; 144 long lPosicao; 148 byte[20] cFiller; "},
+    {L"tagREG_FILTRO_VEICULOSPS", 200,
+     "0 CURRENCY vTaraInicial; 8 CURRENCY vTaraFinal; 16 CURRENCY vCapacidadeKgInicial; "
+     "24 CURRENCY vCapacidadeKgFinal; 32 CURRENCY vCapacidadeM3Inicial; 40 CURRENCY vCapacidadeM3Final; "
+     "48 uint iAnoInicial; 52 uint iAnoFinal; 56 ushort iPonteiroCliente; "
+     "58 char[51] szDescricao; 109 char[21] szCodigoANTT; 130 char[13] szCodigo; 143 char[12] szRENAVAM; "
+     "155 char[9] szPlaca; 164 char[3] szUF; 167 byte iTipoCarroceria; 168 byte iTipoRodado; 169 byte iTipoVeiculo; "
+     "170 byte iTipoTransporte; 171 byte[5] iFiller; 176 long lPosicao; 180 byte[20] cFiller; "},
+    {L"tagRESULTADO_BUSCA_VEICULOS", 24, "0 uint iQtd; 4 byte[4] cFiller; 8 long* Ponteiros; 16 byte* pFiller; "},
 };
 
 /// The type library as a file of its own and as a resource of the executable.
@@ -200,6 +170,6 @@ TEST_P(BibliotecaDeTipos, DescreveOsRegistros) {
     EXPECT_EQ(pAtributos->typekind, TKIND_RECORD);
     EXPECT_EQ(pAtributos->cbSizeInstance, registro.ulTamanho);
     spTipo->ReleaseTypeAttr(pAtributos);
-    EXPECT_EQ(CamposDe(*spTipo), registro.campos);
+    EXPECT_EQ(CamposDe(*spTipo), registro.lpCampos);
   }
 }

@@ -17,24 +17,12 @@ void DizAoPai(const std::string &sLinha) {
   std::cout << sLinha << std::endl;
 }
 
-/// Holds an initialised object until it is ended by force.
+/// Holds an object until it is ended by force: one that has written for the company given, or one never called.
 int SeguraObjeto(const std::vector<std::string> &argumentos) {
   const Apartamento apartamento;
-  const Veiculos spVeiculos = Abre(argumentos[0]);
+  const Veiculos spVeiculos = argumentos.empty() ? Cria() : Abre(argumentos[0]);
   LONG lPos = 0;
-  if (!spVeiculos || FAILED(spVeiculos->Grava(&lPos, Veiculo("PRESO")))) {
-    return 1;
-  }
-  DizAoPai("pronto");
-  Sleep(INFINITE);
-  return 0;
-}
-
-/// Holds an object that it has never called.
-int SoCria(const std::vector<std::string> & /*argumentos*/) {
-  const Apartamento apartamento;
-  const Veiculos spVeiculos = Cria();
-  if (!spVeiculos) {
+  if (!spVeiculos || (!argumentos.empty() && FAILED(spVeiculos->Grava(&lPos, Veiculo("PRESO"))))) {
     return 1;
   }
   DizAoPai("pronto");
@@ -58,7 +46,6 @@ int GravaSemFim(const std::vector<std::string> &argumentos) {
 }
 
 const apoio::RegistraFilha g_segura("segura_objeto", SeguraObjeto);
-const apoio::RegistraFilha g_soCria("so_cria", SoCria);
 const apoio::RegistraFilha g_grava("grava_sem_fim", GravaSemFim);
 
 constexpr long kMinimoSemUso = 4500;  ///< what 5000 ms may come to by the system's ticks
@@ -103,13 +90,13 @@ TEST(CicloDeVidaCom, AtivacaoDuranteOEncerramentoEServida) {
 
 // The objects of a dead client go within ten seconds, however far it had come with them.
 TEST(CicloDeVidaCom, ClienteMortoComObjetoNaMaoNaoSeguraOServidor) {
-  for (const char *const lpFilha : {"so_cria", "segura_objeto"}) {
-    SCOPED_TRACE(lpFilha);
+  for (const bool bUsado : {false, true}) {
+    SCOPED_TRACE(bUsado);
     const Empresa empresa;
     ASSERT_GE(EsperaServidorTerminar(), 0);
     ULONGLONG ullMorte = 0;
     {
-      apoio::ProcessoFilho filho(lpFilha, {empresa.Codigo()});
+      apoio::ProcessoFilho filho("segura_objeto", std::vector<std::string>(bUsado ? 1 : 0, empresa.Codigo()));
       ASSERT_EQ(filho.LeLinha(), "pronto");
       EXPECT_EQ(Servidores().size(), 1U);
       filho.Mata();
@@ -118,9 +105,7 @@ TEST(CicloDeVidaCom, ClienteMortoComObjetoNaMaoNaoSeguraOServidor) {
     // From the release of the objects the server takes at least kMinimoSemUso to end, so its end shows when that was.
     ASSERT_GE(EsperaServidorTerminar(), 0);
     EXPECT_LE(static_cast<long>(GetTickCount64() - ullMorte), kPrazoMorto + kMinimoSemUso);
-    if (std::string(lpFilha) == "segura_objeto") {
-      EXPECT_EQ(apoio::LeArquivo(empresa.Arquivo("DFVEIC.DAT")).size(), 256U);
-    }
+    EXPECT_EQ(TodosOsCodigos(empresa.Codigo()), std::vector<std::string>(bUsado ? 1 : 0, "PRESO"));
   }
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <string>
 #include <thread>
@@ -13,7 +14,7 @@ using namespace apoiocom;
 
 namespace {
 
-constexpr int kProcessos = 8;
+constexpr std::size_t kProcessos = 8;
 constexpr int kThreads = 3;
 constexpr int kPorThread = 25;
 
@@ -28,7 +29,7 @@ int GravaEConfere(const std::vector<std::string> &argumentos) {
   if (!spVeiculos) {
     return 255;
   }
-  std::vector<int> erradas(kThreads, 0);
+  std::atomic<int> iErradas{0};
   std::vector<std::thread> threads;
   for (int t = 0; t < kThreads; ++t) {
     threads.emplace_back([&, t] {
@@ -42,80 +43,41 @@ int GravaEConfere(const std::vector<std::string> &argumentos) {
                             SUCCEEDED(spVeiculos->Le(lPos, &lido)) && CodigoDe(lido) == sCodigo &&
                             SUCCEEDED(spVeiculos->Existe(Texto(sCodigo).Ponteiro(), &lAchado, &lido)) &&
                             lAchado == lPos;
-        erradas[static_cast<std::size_t>(t)] += bCerto ? 0 : 1;
+        iErradas += bCerto ? 0 : 1;
       }
     });
   }
-  int iErradas = 0;
-  for (std::size_t t = 0; t < threads.size(); ++t) {
-    threads[t].join();
-    iErradas += erradas[t];
+  for (std::thread &thread : threads) {
+    thread.join();
   }
   return iErradas;
 }
 
 const apoio::RegistraFilha g_grava("grava_e_confere", GravaEConfere);
 
-std::string Prefixo(int iProcesso) {
-  return "P" + std::to_string(iProcesso) + "T";
-}
-
-std::vector<std::string> CodigosDe(int iProcesso) {
-  std::vector<std::string> codigos;
-  for (int t = 0; t < kThreads; ++t) {
-    for (int i = 0; i < kPorThread; ++i) {
-      codigos.push_back(CodigoGravado(Prefixo(iProcesso), t, i));
-    }
-  }
-  return codigos;
-}
-
-/// Starts all clients, each on the company it is given, and waits for them.
-void ExecutaClientes(const std::vector<std::string> &empresas) {
-  std::vector<std::unique_ptr<apoio::ProcessoFilho>> clientes;
-  for (int p = 0; p < kProcessos; ++p) {
-    clientes.push_back(std::make_unique<apoio::ProcessoFilho>(
-        "grava_e_confere", std::vector<std::string>{empresas[static_cast<std::size_t>(p)], Prefixo(p)}));
-  }
-  for (auto &spCliente : clientes) {
-    EXPECT_EQ(spCliente->Espera(), 0);
-  }
-}
-
 }  // namespace
 
-TEST(ConcorrenciaCom, OitoProcessosNaMesmaEmpresa) {
-  const Empresa empresa;
+TEST(ConcorrenciaCom, OitoProcessosNaMesmaEmpresaECadaUmNaSua) {
   const Veiculos spAquece = Cria();  // several clients that start a server at once get several under Wine
   ASSERT_TRUE(spAquece);
-  ExecutaClientes(std::vector<std::string>(kProcessos, empresa.Codigo()));
-  std::vector<std::string> esperados;
-  for (int p = 0; p < kProcessos; ++p) {
-    const std::vector<std::string> codigos = CodigosDe(p);
-    esperados.insert(esperados.end(), codigos.begin(), codigos.end());
-  }
-  std::sort(esperados.begin(), esperados.end());
-  EXPECT_EQ(TodosOsCodigos(empresa.Codigo()), esperados);
-}
-
-TEST(ConcorrenciaCom, OitoProcessosCadaUmNaSuaEmpresa) {
-  const std::vector<std::unique_ptr<Empresa>> empresas = [] {
-    std::vector<std::unique_ptr<Empresa>> criadas;
-    for (int p = 0; p < kProcessos; ++p) {
-      criadas.push_back(std::make_unique<Empresa>());
+  for (const std::size_t uiEmpresas : {std::size_t{1}, kProcessos}) {
+    const std::vector<Empresa> empresas(uiEmpresas);
+    std::vector<std::vector<std::string>> esperados(uiEmpresas);
+    std::vector<std::unique_ptr<apoio::ProcessoFilho>> clientes;
+    for (std::size_t p = 0; p < kProcessos; ++p) {
+      const std::string sPrefixo = "P" + std::to_string(p) + "T";
+      const std::vector<std::string> argumentos{empresas[p % uiEmpresas].Codigo(), sPrefixo};
+      clientes.push_back(std::make_unique<apoio::ProcessoFilho>("grava_e_confere", argumentos));
+      for (int i = 0; i < kThreads * kPorThread; ++i) {
+        esperados[p % uiEmpresas].push_back(CodigoGravado(sPrefixo, i / kPorThread, i % kPorThread));
+      }
     }
-    return criadas;
-  }();
-  const Veiculos spAquece = Cria();
-  ASSERT_TRUE(spAquece);
-  std::vector<std::string> codigos;
-  for (const auto &spEmpresa : empresas) {
-    codigos.push_back(spEmpresa->Codigo());
-  }
-  ExecutaClientes(codigos);
-  for (int p = 0; p < kProcessos; ++p) {
-    std::vector<std::string> esperados = CodigosDe(p);
-    std::sort(esperados.begin(), esperados.end());
-    EXPECT_EQ(TodosOsCodigos(codigos[static_cast<std::size_t>(p)]), esperados) << p;
+    for (auto &spCliente : clientes) {
+      EXPECT_EQ(spCliente->Espera(), 0);
+    }
+    for (std::size_t e = 0; e < uiEmpresas; ++e) {
+      std::sort(esperados[e].begin(), esperados[e].end());
+      EXPECT_EQ(TodosOsCodigos(empresas[e].Codigo()), esperados[e]) << e;
+    }
   }
 }

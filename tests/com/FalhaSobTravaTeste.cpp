@@ -4,13 +4,9 @@
 #include <comdef.h>
 #include <tlhelp32.h>
 
-#include <atomic>
-#include <chrono>
-#include <future>
 #include <new>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "core/env/QZException.h"
@@ -18,11 +14,10 @@
 #include "core/platform/CFileException.h"
 #include "core/platform/LivroTravas.h"
 #include "core/platform/ServicosSistema.h"
-#include "server/QZDF_Veiculos.h"
 #include "tests/apoio/ArquivosDecorado.h"
 #include "tests/apoio/ColetorRastro.h"
 #include "tests/apoio/ServicosTrocados.h"
-#include "tests/com/ApoioCom.h"
+#include "tests/com/ApoioServico.h"
 
 // Machine faults and exceptions below the service object, raised by a file system that faults on demand: while the lock
 // of the vehicle file is held, in the middle of its write.
@@ -31,21 +26,7 @@ namespace {
 
 using namespace apoiocom;
 
-constexpr auto kUmSegundo = std::chrono::seconds(1);
 constexpr int kRepeticoes = 100;
-
-std::uint32_t Bits(HRESULT hr) {
-  return static_cast<std::uint32_t>(hr);
-}
-
-int *volatile g_nulo = nullptr;
-volatile int g_zero = 0;
-
-struct Falha {
-  void (*executa)();
-  std::uint32_t hr;
-};
-constexpr Falha kFalhas[] = {{[] { g_zero = 10 / g_zero; }, 0x8004EAD3}, {[] { *g_nulo = 1; }, 0x8004EAC5}};
 
 template <class Excecao, class... Argumentos>
 [[noreturn]] void Lanca(Argumentos... argumentos) {
@@ -76,27 +57,6 @@ apoio::PlanoFalha NaGravacao(const Falha &falha) {
           .aoFalhar = falha.executa};
 }
 
-Veiculos NovoPara(const Empresa &empresa) {
-  void *pObjeto = nullptr;
-  CQZDF_Veiculos::Cria(nullptr, IID_IQZDF_Veiculos, &pObjeto);
-  Veiculos spVeiculos(static_cast<IQZDF_Veiculos *>(pObjeto));
-  return spVeiculos && SUCCEEDED(Inicializa(*spVeiculos, empresa.Codigo())) ? std::move(spVeiculos) : nullptr;
-}
-
-/// Runs `chama` on a thread of its own; what does not come back within a second is left behind and fails.
-template <class Chamada>
-HRESULT EmUmSegundo(Chamada chama) {
-  std::packaged_task<HRESULT()> tarefa(chama);
-  std::future<HRESULT> hr = tarefa.get_future();
-  std::thread thread(std::move(tarefa));
-  if (hr.wait_for(kUmSegundo) != std::future_status::ready) {
-    thread.detach();
-    return E_PENDING;
-  }
-  thread.join();
-  return hr.get();
-}
-
 struct Consumo {
   DWORD dwHandles = 0;  ///< 0 under Wine, which does not count them
   unsigned uiThreads = 0;
@@ -123,13 +83,13 @@ TEST(FalhaSobTrava, UmaChamadaFalhaEOsOutrosContinuam) {
   std::size_t uiGravados = 0;
   {
     const apoio::ServicosTrocados servicos(&arquivos);
-    const Veiculos spOutro = NovoPara(empresa);
+    const Veiculos spOutro = ServicoPara(empresa);
     ASSERT_TRUE(spOutro);
     Consumo inicial;
     for (int i = 0; i < kRepeticoes; ++i) {
       SCOPED_TRACE(i);
-      const Falha &falha = kFalhas[i % 2];
-      Veiculos spVeiculos = NovoPara(empresa);
+      const Falha &falha = kFalhasDeMaquina[i % 2];
+      Veiculos spVeiculos = ServicoPara(empresa);
       ASSERT_TRUE(spVeiculos);
       rastro.Toma();
       arquivos.Arma(NaGravacao(falha));
@@ -140,21 +100,15 @@ TEST(FalhaSobTrava, UmaChamadaFalhaEOsOutrosContinuam) {
       ASSERT_EQ(plataforma::LivroTravas::Marca(), 0U);
 
       // The other object first, while the file still bears the half-written record.
-      ASSERT_EQ(EmUmSegundo([&] {
-                  LONG lNova = 0;
-                  const HRESULT hr = spOutro->Grava(&lNova, Veiculo("BOM"));
-                  return SUCCEEDED(hr) && lNova != static_cast<LONG>(uiGravados) + 1 ? E_UNEXPECTED : hr;
-                }),
-                S_OK);
-      ++uiGravados;
-      ASSERT_EQ(EmUmSegundo([&] {
-                  tagREG_VEICULOPS veiculo;
-                  const HRESULT hr = spOutro->Le(static_cast<LONG>(uiGravados), &veiculo);
-                  return SUCCEEDED(hr) && CodigoDe(veiculo) != "BOM" ? E_UNEXPECTED : hr;
-                }),
-                S_OK);
-
       tagREG_VEICULOPS veiculo;
+      ASSERT_EQ(EmUmSegundo([&] {
+                  const HRESULT hr = spOutro->Grava(&lPos, Veiculo("BOM"));
+                  return SUCCEEDED(hr) ? spOutro->Le(lPos, &veiculo) : hr;
+                }),
+                S_OK);
+      ASSERT_EQ(static_cast<std::size_t>(lPos), ++uiGravados);
+      ASSERT_EQ(CodigoDe(veiculo), "BOM");
+
       unsigned uiQtd = 0;
       EXPECT_EQ(Bits(spVeiculos->Le(1, &veiculo)), 0x8004EAC5U);
       EXPECT_EQ(Bits(spVeiculos->GetQuantidadeRegistros(&uiQtd)), 0x8004EAC5U);
@@ -183,7 +137,7 @@ TEST(FalhaSobTrava, ExcecaoDeixaOObjetoUtilizavel) {
   LONG lGravados = 0;
   {
     const apoio::ServicosTrocados servicos(&arquivos);
-    const Veiculos spVeiculos = NovoPara(empresa);
+    const Veiculos spVeiculos = ServicoPara(empresa);
     ASSERT_TRUE(spVeiculos);
     for (const Falha &falha : kExcecoes) {
       SCOPED_TRACE(falha.hr);
@@ -200,95 +154,4 @@ TEST(FalhaSobTrava, ExcecaoDeixaOObjetoUtilizavel) {
     }
   }
   EXPECT_EQ(Registros(empresa).size(), static_cast<std::size_t>(lGravados) * sizeof(RegVeiculo));
-}
-
-// A company is opened from nothing, from a base to be converted and from a converted one, and closed again, with a
-// fault at each file operation in turn: no file stays open, the next object opens the company within a second, and no
-// record is lost or dropped twice.
-TEST(FalhaSobTrava, AoAbrirEFecharACompanhia) {
-  const struct {
-    const char *lpNome;
-    int iRegistros;  ///< in the stored base; -1 for none
-    bool bVersao1;
-    int iVeiculos;  ///< in the base after it was opened
-  } casos[] = {{"no files", -1, false, 0},
-               {"version 0", 3, false, 2},
-               {"version 0, slot only", 1, false, 0},
-               {"version 1", 2, true, 2}};
-  for (const auto &caso : casos) {
-    SCOPED_TRACE(caso.lpNome);
-    bool bFalhou = true;
-    for (std::size_t n = 1; bFalhou; ++n) {
-      SCOPED_TRACE(n);
-      ASSERT_LT(n, 200U);
-      const Empresa empresa;
-      if (caso.iRegistros >= 0) {
-        apoio::EscreveArquivo(empresa.Arquivo("DFVEIC.DAT"),
-                              std::string(static_cast<std::size_t>(caso.iRegistros) * sizeof(RegVeiculo), 'v'));
-      }
-      if (caso.bVersao1) {
-        apoio::EscreveArquivo(empresa.Arquivo("DFVEIVS.DAT"), std::string(1, '\1') + std::string(15, '\0'));
-      }
-      apoio::ColetorRastro rastro;
-      apoio::ArquivosComFalha arquivos(plataforma::ArquivosDoSistema());
-      {
-        const apoio::ServicosTrocados servicos(&arquivos);
-        arquivos.Arma({.enesima = n, .aoFalhar = kFalhas[n % 2].executa});
-        static_cast<void>(NovoPara(empresa));
-        bFalhou = arquivos.Disparou();
-        arquivos.Desarma();
-        ASSERT_EQ(arquivos.Abertos(), 0);
-        ASSERT_EQ(plataforma::LivroTravas::Marca(), 0U);
-        ASSERT_EQ(EmUmSegundo([&] {
-                    const Veiculos spVeiculos = NovoPara(empresa);
-                    unsigned uiQtd = 99;
-                    const HRESULT hr = spVeiculos ? spVeiculos->GetQuantidadeRegistros(&uiQtd) : E_UNEXPECTED;
-                    return SUCCEEDED(hr) && static_cast<int>(uiQtd) != caso.iVeiculos ? E_UNEXPECTED : hr;
-                  }),
-                  S_OK);
-      }
-      EXPECT_EQ(arquivos.Abertos(), 0);
-    }
-  }
-}
-
-// The first write creates the file and its entry in the list of created files, the second finds both: with a fault at
-// each file operation of either in turn another object writes all the same, and nothing half written stays.
-TEST(FalhaSobTrava, EmCadaOperacaoDeUmaGravacao) {
-  for (const bool bExiste : {false, true}) {
-    bool bFalhou = true;
-    for (std::size_t n = 1; bFalhou; ++n) {
-      SCOPED_TRACE(testing::Message() << (bExiste ? "second write, " : "first write, ") << n);
-      ASSERT_LT(n, 200U);
-      const Empresa empresa;
-      apoio::ColetorRastro rastro;
-      apoio::ArquivosComFalha arquivos(plataforma::ArquivosDoSistema());
-      const apoio::ServicosTrocados servicos(&arquivos);
-      bool bGravou = false;
-      {
-        const Veiculos spVeiculos = NovoPara(empresa);
-        const Veiculos spOutro = NovoPara(empresa);
-        ASSERT_TRUE(spVeiculos && spOutro);
-        LONG lPos = 0;
-        if (bExiste) {
-          ASSERT_EQ(spOutro->Grava(&lPos, Veiculo("BOM")), S_OK);
-          lPos = 0;
-        }
-        arquivos.Arma({.enesima = n, .gravaAntes = 33, .aoFalhar = kFalhas[n % 2].executa});
-        bGravou = SUCCEEDED(spVeiculos->Grava(&lPos, Veiculo("BOM")));
-        bFalhou = arquivos.Disparou();
-        arquivos.Desarma();
-        ASSERT_EQ(plataforma::LivroTravas::Marca(), 0U);
-        ASSERT_EQ(EmUmSegundo([&] {
-                    LONG lNova = 0;
-                    return spOutro->Grava(&lNova, Veiculo("BOM"));
-                  }),
-                  S_OK);
-      }
-      ASSERT_EQ(arquivos.Abertos(), 0);
-      rastro.Toma();
-      ASSERT_TRUE(NovoPara(empresa)) << testing::PrintToString(rastro.Toma());
-      ASSERT_EQ(Registros(empresa).size() / sizeof(RegVeiculo), 1U + (bExiste ? 1 : 0) + (bGravou ? 1 : 0));
-    }
-  }
 }

@@ -16,6 +16,7 @@
 #include "tests/apoio/ColetorRastro.h"
 #include "tests/apoio/EmpresaComBase.h"
 #include "tests/apoio/RelogioFalso.h"
+#include "tests/apoio/SerieFalhas.h"
 #include "tests/apoio/ServicosTrocados.h"
 
 /// A record of 16 bytes, so that lengths around a multiple are easy to make.

@@ -73,22 +73,15 @@ TEST_F(Copia, ParaOutroModuloApagaODoModuloDaOrigem) {
 
 TEST_F(Copia, FalhaEmCadaOperacaoPoupaAOrigem) {
   m_empresa.Escreve("TESTE.DAT", Bytes(1, 5));
-  for (std::size_t n = 1;; ++n) {
-    SCOPED_TRACE(n);
+  for (apoio::SerieFalhas serie(m_falhas, {.gravaAntes = 9}); serie.Proxima();) {
     ASSERT_EQ(Abre(), codigos::kOk);
     m_outra.Escreve("TESTE.DAT", "old");
-    m_falhas.Arma({apoio::kOpTodas, "", n, false, plataforma::FalhaWin32(1117), 9});
-    const HRESULT hr = CopiaPara(m_outra);
-    const bool bDisparou = m_falhas.Disparou();
-    m_falhas.Desarma();
+    const HRESULT hr = serie.Roda([&] { return CopiaPara(m_outra); });
     if (Falhou(hr)) {
       ASSERT_EQ(CopiaPara(m_outra), codigos::kOk) << "a second try works";
     }
     ASSERT_EQ(Disco("TESTE.DAT"), Bytes(1, 5));
     ASSERT_EQ(m_outra.Le("TESTE.DAT"), Bytes(1, 5));
-    if (!bDisparou) {
-      break;
-    }
   }
 }
 
@@ -134,21 +127,16 @@ TEST_F(Copia, RenomeiaGroup) {
 TEST_F(Copia, FalhaEmCadaOperacaoDoGrupo) {
   const std::vector<std::string> nomes{"DF1", "DF2", "DF3"};
   ASSERT_EQ(Abre(), codigos::kOk);
-  for (std::size_t n = 1;; ++n) {
+  const apoio::PlanoFalha plano{.trecho = "DF", .falha = plataforma::FalhaWin32(5)};
+  for (apoio::SerieFalhas serie(m_falhas, plano, apoio::Duracao::Persistente); serie.Proxima();) {
     for (const std::string &nome : nomes) {
       m_empresa.Escreve(nome + ".TRA", "new");
       m_empresa.Escreve(nome + ".DAT", "old");
     }
-    m_falhas.Arma({apoio::kOpTodas, "DF", n, true, plataforma::FalhaWin32(5), {}});
-    const HRESULT hr = m_banco.RenomeiaGroup("DF?.DAT");
-    const bool bDisparou = m_falhas.Disparou();
-    m_falhas.Desarma();
-    EXPECT_EQ(Falhou(hr), bDisparou);
+    const HRESULT hr = serie.Roda([&] { return m_banco.RenomeiaGroup("DF?.DAT"); });
+    EXPECT_EQ(Falhou(hr), serie.Disparou());
     for (const std::string &nome : nomes) {
       EXPECT_EQ(m_empresa.LeInteiro(nome + ".DAT"), m_empresa.Existe(nome + ".TRA") ? "old" : "new");
-    }
-    if (!bDisparou) {
-      break;
     }
     EXPECT_EQ(m_banco.RenomeiaGroup("DF?.DAT"), codigos::kOk) << "a second try works";
   }

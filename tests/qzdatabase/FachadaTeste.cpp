@@ -59,23 +59,23 @@ TEST_F(Fachada, EmpresaVazia) {
                                       "QZDataBaseInicializa|QZDataBaseFacade.h|((HRESULT)0x810809CFL)"}));
 }
 
-TEST_F(Fachada, FalhaNaoDeixaBanco) {
-  m_empresa.Escreve("TESTE.DAT", "no whole record");
+TEST_F(Fachada, FalhaNaoDeixaBancoNemArquivoAberto) {
+  const struct {
+    const char *nome;
+    std::string conteudo;
+    HRESULT hr;
+  } ruins[] = {{"TESTE.DAT", "no whole record", codigos::kTamanhoNaoMultiplo},
+               {"UNICO.DAT", "bad", codigos::kTamanhoDiferente}};
   Rotina a;
-  EXPECT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kTamanhoNaoMultiplo);
-  EXPECT_FALSE(a.QZDataBaseEstaInicializado());
-  EXPECT_EQ(a.Banco(), nullptr);
-  EXPECT_TRUE(ArquivoLivre());
-  m_empresa.Escreve("TESTE.DAT", Bytes(1, 1));
+  for (const auto &ruim : ruins) {
+    m_empresa.Escreve(ruim.nome, ruim.conteudo);
+    EXPECT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), ruim.hr);
+    EXPECT_FALSE(a.QZDataBaseEstaInicializado());
+    EXPECT_EQ(a.Banco(), nullptr);
+    EXPECT_TRUE(ArquivoLivre());
+    m_empresa.Escreve(ruim.nome, Bytes(1, 1));
+  }
   EXPECT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kOk);
-}
-
-TEST_F(Fachada, SegundoArquivoRuimFechaOPrimeiro) {
-  m_empresa.Escreve("TESTE.DAT", Bytes(1, 1));
-  m_empresa.Escreve("UNICO.DAT", "bad");
-  Rotina a;
-  EXPECT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kTamanhoDiferente);
-  EXPECT_TRUE(ArquivoLivre());
 }
 
 TEST_F(Fachada, InicializarDeNovoDevolveOPrimeiroBanco) {

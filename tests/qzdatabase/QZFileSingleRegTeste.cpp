@@ -36,29 +36,23 @@ TEST_F(RegistroUnico, TamanhoErrado) {
 
 TEST_F(RegistroUnico, FalhaEmCadaOperacao) {
   for (const bool bExistia : {false, true}) {
-    for (const bool bPersistente : {false, true}) {
-      for (std::size_t n = 1;; ++n) {
-        SCOPED_TRACE(testing::Message() << (bExistia ? "existing" : "new") << ", fault " << n
-                                        << (bPersistente ? " and all after" : ""));
-        apoio::EmpresaComBase empresa;
-        if (bExistia) {
-          empresa.Escreve("UNICO.DAT", Bytes(1, 1));
-        }
-        ASSERT_EQ(m_banco.Inicializa(empresa.Dono()), codigos::kOk);
-        m_falhas.Arma(
-            {apoio::kOpTodas & ~apoio::kOpApaga, "UNICO.DAT", n, bPersistente, plataforma::FalhaWin32(112), 5});
-        const HRESULT hr = Unico().Grava(Registro(2));
-        const bool bDisparou = m_falhas.Disparou();
-        m_falhas.Desarma();
-        if (Falhou(hr)) {
-          ASSERT_EQ(Unico().Grava(Registro(2)), codigos::kOk) << "the same record is tried again";
-        }
-        ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
-        ASSERT_EQ(empresa.Le("UNICO.DAT"), Bytes(2, 2));
-        if (!bDisparou) {
-          break;
-        }
+    SCOPED_TRACE(bExistia ? "existing" : "new");
+    const apoio::PlanoFalha plano{.operacoes = apoio::kOpTodas & ~apoio::kOpApaga,
+                                  .trecho = "UNICO.DAT",
+                                  .falha = plataforma::FalhaWin32(112),
+                                  .gravaAntes = 5};
+    for (apoio::SerieFalhas serie(m_falhas, plano, apoio::Duracao::Ambas); serie.Proxima();) {
+      apoio::EmpresaComBase empresa;
+      if (bExistia) {
+        empresa.Escreve("UNICO.DAT", Bytes(1, 1));
       }
+      ASSERT_EQ(m_banco.Inicializa(empresa.Dono()), codigos::kOk);
+      const HRESULT hr = serie.Roda([&] { return Unico().Grava(Registro(2)); });
+      if (Falhou(hr)) {
+        ASSERT_EQ(Unico().Grava(Registro(2)), codigos::kOk) << "the same record is tried again";
+      }
+      ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
+      ASSERT_EQ(empresa.Le("UNICO.DAT"), Bytes(2, 2));
     }
   }
 }

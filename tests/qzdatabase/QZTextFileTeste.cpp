@@ -345,32 +345,24 @@ TEST_P(ArquivoTexto, FalhaEmCadaOperacao) {
       {"behind a damaged end", Linhas(antes) + "x", 0, {"x"}, Junta(antes, {"x"})},
   };
   for (const Caso &caso : casos) {
-    for (const unsigned modo : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 7U}) {
-      const bool bPersistente = (modo & 1) != 0;
-      const std::uint32_t erro = (modo & 2) != 0 ? 1117 : 112;
-      const std::size_t gravaAntes = (modo & 4) != 0 ? 7 : 0;
-      for (std::size_t n = 1;; ++n) {
-        SCOPED_TRACE(testing::Message() << caso.nome << ", error " << erro << " at operation " << n
-                                        << (bPersistente ? " and all after" : "") << ", " << gravaAntes << " written");
+    for (const auto &[erro, gravaAntes] : {std::pair(112U, 0U), {1117U, 0U}, {112U, 7U}, {1117U, 7U}}) {
+      SCOPED_TRACE(testing::Message() << caso.nome << ", error " << erro << ", " << gravaAntes << " written");
+      const apoio::PlanoFalha plano{
+          .trecho = "TEXTO.DAT", .falha = plataforma::FalhaWin32(erro), .gravaAntes = gravaAntes};
+      for (apoio::SerieFalhas serie(m_falhas, plano, apoio::Duracao::Ambas); serie.Proxima();) {
         Prepara(caso.disco);
-        m_falhas.Arma({apoio::kOpTodas, "TEXTO.DAT", n, bPersistente, plataforma::FalhaWin32(erro), gravaAntes});
         std::uint64_t uiPosicao = caso.uiPosicao;
-        const HRESULT hr = Grava(&uiPosicao, caso.textos);
-        const bool bDisparou = m_falhas.Disparou();
-        m_falhas.Desarma();
+        const HRESULT hr = serie.Roda([&] { return Grava(&uiPosicao, caso.textos); });
         const bool bNoFinal = caso.depois == Junta(antes, caso.textos);
         ASSERT_EQ(uiPosicao, !bNoFinal ? caso.uiPosicao : Falhou(hr) ? 0 : caso.depois.size());
         ASSERT_EQ(Lidas(), Falhou(hr) ? antes : caso.depois);
         // A lasting failure is repaired when the file is finished; anything else is right by now, repair or not.
-        if (!bPersistente) {
+        if (!serie.Persistente()) {
           m_falhas.Arma(
               {apoio::kOpGrava | apoio::kOpAjustaTamanho, "TEXTO.DAT", 1, true, plataforma::FalhaWin32(1117), {}});
         }
         ASSERT_EQ(Disco(), Falhou(hr) ? caso.disco : Linhas(caso.depois));
         m_falhas.Desarma();
-        if (!bDisparou) {
-          break;
-        }
       }
     }
   }
@@ -396,24 +388,15 @@ TEST_P(ArquivoTexto, DanoDeUmaGravacaoESanadoPelaProxima) {
 
 TEST_P(ArquivoTexto, FalhaEmCadaOperacaoDaCarga) {
   const Textos textos = {"um", std::string(100000, 'x'), "tres"};
-  for (const bool bPersistente : {false, true}) {
-    for (std::size_t n = 1;; ++n) {
-      SCOPED_TRACE(testing::Message() << "fault " << n << (bPersistente ? " and all after" : ""));
-      m_empresa.Escreve("TEXTO.DAT", Linhas(textos));
-      m_falhas.Arma({apoio::kOpTodas, "TEXTO.DAT", n, bPersistente, plataforma::FalhaWin32(1117), {}});
-      const HRESULT hr = Inicia();
-      const bool bDisparou = m_falhas.Disparou();
-      m_falhas.Desarma();
-      if (Falhou(hr)) {
-        ASSERT_TRUE(Offsets().empty());
-        ASSERT_EQ(Inicia(), codigos::kOk);
-      }
-      ASSERT_EQ(Lidas(), textos);
-      ASSERT_EQ(Disco(), Linhas(textos));
-      if (!bDisparou) {
-        break;
-      }
+  for (apoio::SerieFalhas serie(m_falhas, {.trecho = "TEXTO.DAT"}, apoio::Duracao::Ambas); serie.Proxima();) {
+    m_empresa.Escreve("TEXTO.DAT", Linhas(textos));
+    const HRESULT hr = serie.Roda([&] { return Inicia(); });
+    if (Falhou(hr)) {
+      ASSERT_TRUE(Offsets().empty());
+      ASSERT_EQ(Inicia(), codigos::kOk);
     }
+    ASSERT_EQ(Lidas(), textos);
+    ASSERT_EQ(Disco(), Linhas(textos));
   }
 }
 

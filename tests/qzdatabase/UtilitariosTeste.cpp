@@ -52,25 +52,17 @@ TEST_F(Utilitarios, CompanheiroSemArquivoEAUnicaCopia) {
 }
 
 TEST_F(Utilitarios, FalhaEmCadaOperacaoDeixaOVelhoOuONovo) {
-  for (const bool bPersistente : {false, true}) {
-    for (std::size_t n = 1;; ++n) {
-      SCOPED_TRACE(testing::Message() << "fault " << n << (bPersistente ? " and all after" : ""));
-      m_empresa.Escreve("DADOS.DAT", Bytes(1, 4));
-      m_falhas.Arma({apoio::kOpTodas, "DADOS", n, bPersistente, plataforma::FalhaWin32(112), 9});
-      const HRESULT hr = Remove("DADOS.DAT");
-      const bool bDisparou = m_falhas.Disparou();
-      m_falhas.Desarma();
-      ASSERT_EQ(m_empresa.Le("DADOS.DAT"), Falhou(hr) ? Bytes(1, 4) : Bytes(2, 4));
-      if (!bPersistente) {
-        ASSERT_FALSE(m_empresa.Existe("DADOS.TRA"));
-      }
-      if (Falhou(hr)) {
-        ASSERT_EQ(Remove("DADOS.DAT"), codigos::kOk) << "a second try works";
-        ASSERT_EQ(m_empresa.Le("DADOS.DAT"), Bytes(2, 4));
-      }
-      if (!bDisparou) {
-        break;
-      }
+  const apoio::PlanoFalha plano{.trecho = "DADOS", .falha = plataforma::FalhaWin32(112), .gravaAntes = 9};
+  for (apoio::SerieFalhas serie(m_falhas, plano, apoio::Duracao::Ambas); serie.Proxima();) {
+    m_empresa.Escreve("DADOS.DAT", Bytes(1, 4));
+    const HRESULT hr = serie.Roda([&] { return Remove("DADOS.DAT"); });
+    ASSERT_EQ(m_empresa.Le("DADOS.DAT"), Falhou(hr) ? Bytes(1, 4) : Bytes(2, 4));
+    if (!serie.Persistente()) {
+      ASSERT_FALSE(m_empresa.Existe("DADOS.TRA"));
+    }
+    if (Falhou(hr)) {
+      ASSERT_EQ(Remove("DADOS.DAT"), codigos::kOk) << "a second try works";
+      ASSERT_EQ(m_empresa.Le("DADOS.DAT"), Bytes(2, 4));
     }
   }
 }

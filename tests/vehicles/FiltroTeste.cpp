@@ -39,35 +39,23 @@ void Confere(const RegVeiculo &reg, const std::vector<Caso> &casos) {
 
 TEST(Filtro, FaixasECliente) {
   const std::int64_t kTara = 75000000;
-  Confere(RegistroCom(), {
-                             {"zeros", [](Filtro &) {}, true},
-                             {"tare from equal", [=](Filtro &f) { f.vTaraInicial = kTara; }, true},
-                             {"tare from above", [=](Filtro &f) { f.vTaraInicial = kTara + 1; }, false},
-                             {"tare to equal", [=](Filtro &f) { f.vTaraFinal = kTara; }, true},
-                             {"tare to below", [=](Filtro &f) { f.vTaraFinal = kTara - 1; }, false},
-                             {"negative bounds are none",
-                              [](Filtro &f) {
-                                f.vTaraInicial = -5;
-                                f.vTaraFinal = -1;
-                              },
-                              true},
-                             {"kg", [](Filtro &f) { f.vCapacidadeKgFinal = 119999999; }, false},
-                             {"m3", [](Filtro &f) { f.vCapacidadeM3Inicial = 455001; }, false},
-                             {"year in",
-                              [](Filtro &f) {
-                                f.iAnoInicial = 2020;
-                                f.iAnoFinal = 2020;
-                              },
-                              true},
-                             {"year below", [](Filtro &f) { f.iAnoInicial = 2021; }, false},
-                             {"year above", [](Filtro &f) { f.iAnoFinal = 2019; }, false},
-                             {"customer", [](Filtro &f) { f.iPonteiroCliente = 17; }, true},
-                             {"other customer", [](Filtro &f) { f.iPonteiroCliente = 18; }, false},
-                         });
-  Confere(RegistroCom([](auto &v) {
-            v.iAno = 0x80000000;
-            v.vTara = -1;
-          }),
+  Confere(RegistroCom(),
+          {
+              {"zeros", [](Filtro &) {}, true},
+              {"tare from equal", [=](Filtro &f) { f.vTaraInicial = kTara; }, true},
+              {"tare from above", [=](Filtro &f) { f.vTaraInicial = kTara + 1; }, false},
+              {"tare to equal", [=](Filtro &f) { f.vTaraFinal = kTara; }, true},
+              {"tare to below", [=](Filtro &f) { f.vTaraFinal = kTara - 1; }, false},
+              {"negative bounds are none", [](Filtro &f) { f.vTaraInicial = -5, f.vTaraFinal = -1; }, true},
+              {"kg", [](Filtro &f) { f.vCapacidadeKgFinal = 119999999; }, false},
+              {"m3", [](Filtro &f) { f.vCapacidadeM3Inicial = 455001; }, false},
+              {"year in", [](Filtro &f) { f.iAnoInicial = 2020, f.iAnoFinal = 2020; }, true},
+              {"year below", [](Filtro &f) { f.iAnoInicial = 2021; }, false},
+              {"year above", [](Filtro &f) { f.iAnoFinal = 2019; }, false},
+              {"customer", [](Filtro &f) { f.iPonteiroCliente = 17; }, true},
+              {"other customer", [](Filtro &f) { f.iPonteiroCliente = 18; }, false},
+          });
+  Confere(RegistroCom([](auto &v) { v.iAno = 0x80000000, v.vTara = -1; }),
           {
               {"years compare unsigned", [](Filtro &f) { f.iAnoFinal = 2020; }, false},
               {"negative tare below a bound", [](Filtro &f) { f.vTaraInicial = 1; }, false},
@@ -98,44 +86,23 @@ TEST(Filtro, Textos) {
 }
 
 TEST(Filtro, CuringaDaOVeredicto) {
-  Confere(RegistroCom(), {
-                             {"star passes over UF and masks",
-                              [](Filtro &f) {
-                                Preenche(f.szDescricao, "*");
-                                Preenche(f.szUF, "RJ");
-                                f.iTipoRodado = 0x20;
-                              },
-                              true},
-                             {"code pattern, plate not compared",
-                              [](Filtro &f) {
-                                Preenche(f.szCodigo, "V0*");
-                                Preenche(f.szPlaca, "XXX0000");
-                              },
-                              true},
-                             {"earlier text still counts",
-                              [](Filtro &f) {
-                                Preenche(f.szDescricao, "OTHER");
-                                Preenche(f.szCodigo, "V0*");
-                              },
-                              false},
-                             {"ranges still count",
-                              [](Filtro &f) {
-                                Preenche(f.szDescricao, "*");
-                                f.iAnoInicial = 2021;
-                              },
-                              false},
-                             {"letter case does not matter", [](Filtro &f) { Preenche(f.szDescricao, "*toco"); }, true},
-                             {"one character", [](Filtro &f) { Preenche(f.szCodigo, "V?01"); }, true},
-                             {"one too few", [](Filtro &f) { Preenche(f.szCodigo, "V?1"); }, false},
-                             {"first pattern decides",
-                              [](Filtro &f) {
-                                Preenche(f.szDescricao, "X*");
-                                Preenche(f.szCodigo, "*");
-                              },
-                              false},
-                             {"alternatives", [](Filtro &f) { Preenche(f.szCodigo, "X*;V*"); }, true},
-                             {"everything", [](Filtro &f) { Preenche(f.szCodigo, "*.*"); }, true},
-                         });
+  Confere(
+      RegistroCom(),
+      {
+          {"star passes over UF and masks",
+           [](Filtro &f) { Preenche(f.szDescricao, "*"), Preenche(f.szUF, "RJ"), f.iTipoRodado = 0x20; }, true},
+          {"code pattern, plate not compared",
+           [](Filtro &f) { Preenche(f.szCodigo, "V0*"), Preenche(f.szPlaca, "XXX0000"); }, true},
+          {"earlier text still counts",
+           [](Filtro &f) { Preenche(f.szDescricao, "OTHER"), Preenche(f.szCodigo, "V0*"); }, false},
+          {"ranges still count", [](Filtro &f) { Preenche(f.szDescricao, "*"), f.iAnoInicial = 2021; }, false},
+          {"letter case does not matter", [](Filtro &f) { Preenche(f.szDescricao, "*toco"); }, true},
+          {"one character", [](Filtro &f) { Preenche(f.szCodigo, "V?01"); }, true},
+          {"one too few", [](Filtro &f) { Preenche(f.szCodigo, "V?1"); }, false},
+          {"first pattern decides", [](Filtro &f) { Preenche(f.szDescricao, "X*"), Preenche(f.szCodigo, "*"); }, false},
+          {"alternatives", [](Filtro &f) { Preenche(f.szCodigo, "X*;V*"); }, true},
+          {"everything", [](Filtro &f) { Preenche(f.szCodigo, "*.*"); }, true},
+      });
   // Accented letters fold like the system folds them: 0xC3 and 0xE3 are the same letter.
   Confere(RegistroCom([](auto &v) { Preenche(v.szDescricao, "CAMINH\xC3O"); }),
           {{"accents", [](Filtro &f) { Preenche(f.szDescricao, "caminh\xE3*"); }, true},

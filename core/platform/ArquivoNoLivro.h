@@ -9,17 +9,13 @@
 
 namespace plataforma {
 
-/// Closes an open file that a machine fault has left without its owner: the release of its ledger entry.
-inline void FechaAbandonado(void *arquivo) {
-  delete static_cast<IArquivoAberto *>(arquivo);
-}
-
 /// Owns an open file for a scope and has it in the thread's ledger meanwhile, so that a machine fault that abandons the
 /// stack does not leave the file open, and everybody else shut out, for the life of the process.
 class CQZArquivoNoLivro {
 public:
   explicit CQZArquivoNoLivro(std::unique_ptr<IArquivoAberto> arquivo)
-      : m_arquivo(std::move(arquivo)), m_noLivro(m_arquivo.get(), FechaAbandonado) {}
+      : m_arquivo(std::move(arquivo)),
+        m_noLivro(m_arquivo.get(), [](void *objeto) { delete static_cast<IArquivoAberto *>(objeto); }) {}
 
   IArquivoAberto *operator->() const { return m_arquivo.get(); }
 

@@ -12,7 +12,6 @@ public:
 
   /// The open file, to be written raw; only after a successful AbreArquivo.
   using CQZFileBase::Arquivo;
-  using CQZFileBase::CaminhoCompleto;
 
 protected:
   [[nodiscard]] HRESULT OnInicializa() override;

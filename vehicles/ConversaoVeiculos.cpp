@@ -4,6 +4,7 @@
 #include "core/platform/ArquivoNoLivro.h"
 #include "core/platform/Plataforma.h"
 #include "core/platform/TravaEntreProcessos.h"
+#include "core/qzdatabase/Insistencia.h"
 #include "core/qzdatabase/QZDataBaseUtil.h"
 #include "vehicles/BaseVeiculos.h"
 #include "vehicles/VersaoBaseVeiculos.h"
@@ -186,7 +187,7 @@ HRESULT CBaseVeiculos::ConverteBaseV01() {
   bool bDiario = false;
   QZ_VERIFICA(rastro, "ExaminaDiario(GetEmpresa(), &bDiario)", ExaminaDiario(sEmpresa, &bDiario));
   if (bDiario) {
-    if (plataforma::Arquivos().Existe(CaminhoDaBase(sEmpresa, kArquivoVeiculosTRA))) {
+    if (ExisteNoCaminho(CaminhoDaBase(sEmpresa, kArquivoVeiculosTRA))) {
       QZ_VERIFICA(rastro, "CQZDataBaseUtil::RenomeiaArquivoTRA(GetEmpresa(), QZ_DF, \"DFVEIC.DAT\")",
                   CQZDataBaseUtil::MoveTRA(sEmpresa, QZ_DF, kArquivoVeiculos));
     }

@@ -79,14 +79,15 @@ void Grava(const CString &comuns, CString resto, TipoRegistro eTipo, const IQZDF
   const char *const cabecalho = eTipo == TipoRegistro::Erro ? kCabecalhoErros : kCabecalhoProfiler;
   const CString caminho = CaminhoDoLog(eTipo, pProfiler);
   plataforma::ISistemaArquivos &arquivos = plataforma::Arquivos();
-  const bool bExistia = arquivos.Existe(caminho);
+  bool bExistia = false;
+  const bool bSabido = !arquivos.Existe(caminho, &bExistia);
   std::unique_ptr<IArquivoAberto> aberto = Abre(caminho);
   if (!aberto || Acrescenta(std::move(aberto), bExistia ? nullptr : cabecalho, comuns + resto + "\r\n")) {
     return;
   }
   // Only who creates the file writes its header: left behind empty it would never get one.
   std::uint64_t tamanho = 0;
-  if (!bExistia && !arquivos.TamanhoDe(caminho, &tamanho) && tamanho == 0) {
+  if (bSabido && !bExistia && !arquivos.TamanhoDe(caminho, &tamanho) && tamanho == 0) {
     static_cast<void>(arquivos.Apaga(caminho));
   }
 }

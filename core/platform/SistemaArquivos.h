@@ -37,6 +37,10 @@ struct [[nodiscard]] FalhaArquivo {
 
   /// True when the operation failed.
   explicit operator bool() const { return causa != CausaArquivo::Nenhuma; }
+
+  /// True for the two errors that say that nothing is at the path: file not found (2) and path not found (3). Any other
+  /// failure leaves open whether something is there.
+  bool NaoEsta() const { return erroSO == 2 || erroSO == 3; }
 };
 
 /// Success, for the end of an operation.
@@ -61,6 +65,7 @@ enum class Compartilhamento {
 
 enum class Criacao {
   SoExistente,  ///< a missing file is NaoEncontrado
+  CriaNovo,     ///< a missing file is created empty, an existing one is a failure with erroSO 80
   AbreOuCria,   ///< a missing file is created empty, an existing one keeps its content
   CriaVazio,    ///< a missing file is created, an existing one loses its content
 };
@@ -117,8 +122,10 @@ public:
   virtual FalhaArquivo Abre(const CString &caminho, const ModoAbertura &modo,
                             std::unique_ptr<IArquivoAberto> *arquivo) = 0;
 
-  /// True when a file (not a directory) exists at the path. Works on files that others hold exclusively.
-  virtual bool Existe(const CString &caminho) = 0;
+  /// Whether a file is at the path. The question has three answers: there, not there (`*existe` is false and nothing
+  /// failed), and could not be found out, which is a failure and leaves `*existe` false. A directory is AcessoNegado.
+  /// Works on files that others hold exclusively.
+  virtual FalhaArquivo Existe(const CString &caminho, bool *existe) = 0;
 
   /// True when the file exists and carries the read-only attribute.
   virtual bool SomenteLeitura(const CString &caminho) = 0;

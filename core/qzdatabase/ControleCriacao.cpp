@@ -1,6 +1,7 @@
 #include "core/qzdatabase/ControleCriacao.h"
 
 #include "core/platform/Plataforma.h"
+#include "core/qzdatabase/Insistencia.h"
 #include "core/qzdatabase/QZBancoTemporario.h"
 #include "core/qzdatabase/QZTextFile.h"
 
@@ -46,7 +47,7 @@ HRESULT CQZControleCriacao::Cria() const {
 
 HRESULT CQZControleCriacao::Remove() const {
   const CQZRastro rastro(&m_dono, {"CQZFileBase::RemoveControleCriacaoArquivos"}, kFonte);
-  if (!plataforma::Arquivos().Existe(CQZPath::CaminhoArquivo(m_eModulo, m_dono.GetEmpresa(), kArquivoControle))) {
+  if (!ExisteNoCaminho(CQZPath::CaminhoArquivo(m_eModulo, m_dono.GetEmpresa(), kArquivoControle))) {
     return codigos::kOk;
   }
   CQZBancoTemporario<CQZTextFile> lista(m_eModulo, kArquivoControle);

@@ -21,16 +21,23 @@ bool RepeteAte(A &&acao, F &&feito) {
   return feito();
 }
 
+/// True when a file is known to be at the path.
+inline bool ExisteNoCaminho(const CString &sCaminho) {
+  bool bExiste = false;
+  static_cast<void>(plataforma::Arquivos().Existe(sCaminho, &bExiste));
+  return bExiste;
+}
+
 /// True when no file is at the path, now or already.
 inline bool ApagaInsistindo(const CString &sCaminho) {
   return RepeteAte([&] { return static_cast<bool>(plataforma::Arquivos().Apaga(sCaminho)); },
-                   [&] { return !plataforma::Arquivos().Existe(sCaminho); });
+                   [&] { return !ExisteNoCaminho(sCaminho); });
 }
 
 /// True when no file is at the path of origin any more.
 inline bool MoveInsistindo(const CString &sOrigem, const CString &sDestino) {
   return RepeteAte([&] { return static_cast<bool>(plataforma::Arquivos().MoveSubstituindo(sOrigem, sDestino)); },
-                   [&] { return !plataforma::Arquivos().Existe(sOrigem); });
+                   [&] { return !ExisteNoCaminho(sOrigem); });
 }
 
 #endif

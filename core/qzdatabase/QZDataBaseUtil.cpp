@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core/platform/Plataforma.h"
+#include "core/qzdatabase/Insistencia.h"
 
 namespace {
 
@@ -34,7 +35,7 @@ HRESULT ApagaDeProposito(const CQZRastro &rastro, const IQZDF_Profiler &dono, Mo
 
 HRESULT CQZDataBaseUtil::RenomeiaArquivoTRA(const CString &sEmpresa, ModuloQZ eModulo, const CString &sNomeArquivo) {
   const CString sNomeTRA = CQZPath::ChangeExtension(sNomeArquivo, "TRA");
-  if (plataforma::Arquivos().Existe(CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeTRA))) {
+  if (ExisteNoCaminho(CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeTRA))) {
     return MoveTRA(sEmpresa, eModulo, sNomeArquivo);
   }
   const CQZProfilerEmpresa profiler(sEmpresa, kUsuarioInterno, 0);
@@ -47,7 +48,7 @@ HRESULT CQZDataBaseUtil::MoveTRA(const CString &sEmpresa, ModuloQZ eModulo, cons
   const CQZRastro rastro(&profiler, {"CQZDataBaseUtil::RenomeiaArquivoTRA"}, kFonte);
   const CString sCaminho = CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeArquivo);
   const CString sCaminhoTRA = CQZPath::ChangeExtension(sCaminho, "TRA");
-  if (!plataforma::Arquivos().Existe(sCaminhoTRA) || !MoveInsistindo(sCaminhoTRA, sCaminho)) {
+  if (!ExisteNoCaminho(sCaminhoTRA) || !MoveInsistindo(sCaminhoTRA, sCaminho)) {
     QZ_RETORNA_CODIGO(rastro, codigos::kTraNaoRenomeado);
   }
   return codigos::kOk;
@@ -66,10 +67,10 @@ HRESULT CQZDataBaseUtil::ResolveTRAEsquecido(const IQZDF_Profiler *pOwner, Modul
   const CString sNomeTRA = CQZPath::ChangeExtension(sNomeArquivo, "TRA");
   const CString sCaminhoTRA = CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeTRA);
   *pbAdotado = false;
-  if (!plataforma::Arquivos().Existe(sCaminhoTRA)) {
+  if (!ExisteNoCaminho(sCaminhoTRA)) {
     return codigos::kOk;
   }
-  if (plataforma::Arquivos().Existe(CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeArquivo))) {
+  if (ExisteNoCaminho(CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeArquivo))) {
     QZ_VERIFICA(rastro, "DeletaArquivo(pOwner->GetEmpresa(), eModulo, sNomeTRA)",
                 DeletaArquivo(sEmpresa, eModulo, sNomeTRA));
     return codigos::kOk;

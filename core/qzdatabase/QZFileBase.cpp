@@ -67,7 +67,7 @@ public:
 private:
   static void Desfaz(CQZFileBase &file) noexcept {
     try {
-      if (file.m_bEntradaNova && !plataforma::Arquivos().Existe(file.CaminhoCompleto())) {
+      if (file.m_bEntradaNova && !ExisteNoCaminho(file.CaminhoCompleto())) {
         static_cast<void>(file.Controle().Remove());
       }
       file.m_bEntradaNova = false;
@@ -309,7 +309,7 @@ HRESULT CQZFileBase::GerenciaControleCriacaoArquivos(EModoAbertura eModoAbertura
   }
   bool bPossui = false;
   QZ_VERIFICA(rastro, "PossuiControleCriacaoArquivos(&bPossui)", Controle().Possui(&bPossui));
-  if (bPossui && !plataforma::Arquivos().Existe(CaminhoCompleto())) {
+  if (bPossui && !ExisteNoCaminho(CaminhoCompleto())) {
     QZ_RETORNA_CODIGO(rastro, codigos::kArquivoDesapareceu);
   }
   if (!bPossui && eModoAbertura == eModoCriacao) {

@@ -108,6 +108,12 @@ FalhaArquivo ArquivosComFalha::Abre(const CString &caminho, const ModoAbertura &
   return falha;
 }
 
+FalhaArquivo ArquivosComFalha::Existe(const CString &caminho, bool *existe) {
+  *existe = false;
+  const FalhaArquivo falha = Passa(kOpExiste, caminho);
+  return falha ? falha : ArquivosDecorado::Existe(caminho, existe);
+}
+
 FalhaArquivo ArquivosComFalha::TamanhoDe(const CString &caminho, std::uint64_t *tamanho) {
   const FalhaArquivo falha = Passa(kOpTamanho, caminho);
   return falha ? falha : ArquivosDecorado::TamanhoDe(caminho, tamanho);

@@ -21,7 +21,7 @@ public:
                     std::unique_ptr<plataforma::IArquivoAberto> *arquivo) override {
     return m_base.Abre(caminho, modo, arquivo);
   }
-  bool Existe(const CString &caminho) override { return m_base.Existe(caminho); }
+  FalhaArquivo Existe(const CString &caminho, bool *existe) override { return m_base.Existe(caminho, existe); }
   bool SomenteLeitura(const CString &caminho) override { return m_base.SomenteLeitura(caminho); }
   FalhaArquivo TamanhoDe(const CString &caminho, std::uint64_t *tamanho) override {
     return m_base.TamanhoDe(caminho, tamanho);
@@ -49,6 +49,7 @@ enum Operacao : unsigned {
   kOpApaga = 64,
   kOpMove = 128,
   kOpLista = 256,
+  kOpExiste = 512,
   kOpTodas = 511,
 };
 
@@ -84,6 +85,7 @@ public:
 
   FalhaArquivo Abre(const CString &caminho, const plataforma::ModoAbertura &modo,
                     std::unique_ptr<plataforma::IArquivoAberto> *arquivo) override;
+  FalhaArquivo Existe(const CString &caminho, bool *existe) override;
   FalhaArquivo TamanhoDe(const CString &caminho, std::uint64_t *tamanho) override;
   FalhaArquivo Apaga(const CString &caminho) override;
   FalhaArquivo MoveSubstituindo(const CString &origem, const CString &destino) override;

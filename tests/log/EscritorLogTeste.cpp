@@ -80,10 +80,10 @@ TEST_F(EscritorLog, DoisQueNaoAcharamOArquivo) {
   class Intrometido final : public apoio::ArquivosDecorado {
   public:
     using ArquivosDecorado::ArquivosDecorado;
-    bool Existe(const CString &caminho) override {
-      const bool bExiste = ArquivosDecorado::Existe(caminho);
+    FalhaArquivo Existe(const CString &caminho, bool *existe) override {
+      const FalhaArquivo falha = ArquivosDecorado::Existe(caminho, existe);
       apoio::EscreveArquivo(caminho, "outro\r\n");
-      return bExiste;
+      return falha;
     }
   } intrometido(plataforma::ArquivosDoSistema());
   const apoio::ServicosTrocados servicos(&intrometido);

@@ -122,7 +122,9 @@ TEST(Compartilhamento, ArquivoTomadoRespondePorCaminhoENaoEEsvaziado) {
   std::unique_ptr<IArquivoAberto> arquivo;
   ASSERT_FALSE(Arquivos().Abre(pasta / "A.DAT", {Acesso::LeituraEscrita}, &arquivo));
   std::uint64_t tamanho = 0;
-  EXPECT_TRUE(Arquivos().Existe(pasta / "A.DAT"));
+  bool bExiste = false;
+  EXPECT_FALSE(Arquivos().Existe(pasta / "A.DAT", &bExiste));
+  EXPECT_TRUE(bExiste);
   EXPECT_FALSE(Arquivos().TamanhoDe(pasta / "A.DAT", &tamanho));
   EXPECT_EQ(tamanho, 5u);
   ASSERT_FALSE(Arquivos().Abre(pasta / "A.DAT", {Acesso::Leitura, Compartilhamento::NegaEscrita}, &arquivo));
@@ -137,15 +139,21 @@ TEST(Abertura, ModosDeCriacao) {
   const struct {
     Criacao criacao;
     std::uint32_t erroSemArquivo;
+    std::uint32_t erroComArquivo;
     const char *depois;  ///< of an existing file's content
-  } casos[] = {{Criacao::SoExistente, 2, "velho"}, {Criacao::AbreOuCria, 0, "velho"}, {Criacao::CriaVazio, 0, ""}};
+  } casos[] = {{Criacao::SoExistente, 2, 0, "velho"},
+               {Criacao::CriaNovo, 0, 80, "velho"},
+               {Criacao::AbreOuCria, 0, 0, "velho"},
+               {Criacao::CriaVazio, 0, 0, ""}};
   for (const auto &caso : casos) {
     const CString sufixo = std::to_string(static_cast<int>(caso.criacao));
     const ModoAbertura modo{Acesso::LeituraEscrita, Compartilhamento::Exclusivo, caso.criacao};
     EXPECT_EQ(ErroAoAbrir(pasta / ("NOVO" + sufixo), modo), caso.erroSemArquivo);
-    EXPECT_EQ(Arquivos().Existe(pasta / ("NOVO" + sufixo)), caso.erroSemArquivo == 0);
+    bool bExiste = false;
+    EXPECT_FALSE(Arquivos().Existe(pasta / ("NOVO" + sufixo), &bExiste));
+    EXPECT_EQ(bExiste, caso.erroSemArquivo == 0);
     apoio::EscreveArquivo(pasta / ("VELHO" + sufixo), "velho");
-    EXPECT_EQ(ErroAoAbrir(pasta / ("VELHO" + sufixo), modo), 0u);
+    EXPECT_EQ(ErroAoAbrir(pasta / ("VELHO" + sufixo), modo), caso.erroComArquivo);
     EXPECT_EQ(apoio::LeArquivo(pasta / ("VELHO" + sufixo)), caso.depois);
     EXPECT_EQ(ErroAoAbrir(pasta / "NADA\\A.DAT", modo), 3u) << "missing directory";
     EXPECT_EQ(ErroAoAbrir(pasta / ("VELHO" + sufixo) + "\\A.DAT", modo), 3u) << "a file for a directory";
@@ -157,7 +165,11 @@ TEST(Abertura, DiretorioNaoEArquivo) {
   pasta.CriaSubpasta("SUB");
   std::uint64_t tamanho = 77;
   EXPECT_EQ(ErroAoAbrir(pasta / "SUB", {}), 5u);
-  EXPECT_FALSE(Arquivos().Existe(pasta / "SUB"));
+  bool bExiste = true;
+  EXPECT_EQ(Arquivos().Existe(pasta / "SUB", &bExiste).erroSO, 5u);
+  EXPECT_FALSE(bExiste);
+  EXPECT_FALSE(Arquivos().Existe(pasta / "NADA\\A.DAT", &bExiste)) << "without its directory nothing is there";
+  EXPECT_FALSE(bExiste);
   EXPECT_FALSE(Arquivos().SomenteLeitura(pasta / "SUB"));
   EXPECT_TRUE(Arquivos().TamanhoDe(pasta / "SUB", &tamanho));
   EXPECT_EQ(Arquivos().TamanhoDe(pasta / "NADA", &tamanho).erroSO, 2u);

@@ -28,6 +28,8 @@ std::uint32_t ErroWin32DeErrno(int erro) {
     case ENOMEM:
     case EAGAIN:
       return 8;  // ERROR_NOT_ENOUGH_MEMORY
+    case EEXIST:
+      return 80;  // ERROR_FILE_EXISTS
     case EXDEV:
       return 17;  // ERROR_NOT_SAME_DEVICE
     case EROFS:

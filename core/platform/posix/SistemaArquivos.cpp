@@ -40,12 +40,22 @@ bool PodeAlterar(const ModoAbertura &modo) {
   return modo.acesso != Acesso::Leitura || modo.criacao == Criacao::CriaVazio;
 }
 
+int FlagsDeCriacao(Criacao criacao) {
+  switch (criacao) {
+    case Criacao::SoExistente:
+      return 0;
+    case Criacao::CriaNovo:
+      return O_CREAT | O_EXCL;
+    default:
+      return O_CREAT;
+  }
+}
+
 /// One attempt at opening. Empty when the path came to name another file meanwhile.
 std::optional<FalhaArquivo> TentaAbrir(const std::string &caminho, const ModoAbertura &modo, Descritor *aberto) {
-  const int cria = modo.criacao == Criacao::SoExistente ? 0 : O_CREAT;
   // Readable even when the mode only writes: the share rules need it.
   const int acesso = PodeAlterar(modo) ? O_RDWR : O_RDONLY;
-  Descritor descritor(::open(caminho.c_str(), acesso | cria | O_CLOEXEC, 0666));
+  Descritor descritor(::open(caminho.c_str(), acesso | FlagsDeCriacao(modo.criacao) | O_CLOEXEC, 0666));
   struct stat info {};
   if (!descritor.Valido() || ::fstat(descritor.Numero(), &info) != 0) {
     return UltimaFalha(caminho);
@@ -181,9 +191,11 @@ public:
     return kSemFalha;
   }
 
-  bool Existe(const CString &caminho) override {
+  FalhaArquivo Existe(const CString &caminho, bool *existe) override {
     struct stat info {};
-    return !DadosDe(CaminhoNativo(caminho), &info);
+    const FalhaArquivo falha = DadosDe(CaminhoNativo(caminho), &info);
+    *existe = !falha;
+    return falha.NaoEsta() ? kSemFalha : falha;
   }
 
   bool SomenteLeitura(const CString &caminho) override {
@@ -225,7 +237,8 @@ public:
     errno = 0;
     while (const dirent *entrada = ::readdir(dir)) {
       const CString nome(entrada->d_name);
-      if (CasaMascara(Maiusculas(nome), dobrada) && Existe(diretorio + nome)) {
+      struct stat info {};
+      if (CasaMascara(Maiusculas(nome), dobrada) && !DadosDe(CaminhoNativo(diretorio + nome), &info)) {
         nomes->push_back(nome);
       }
       errno = 0;

@@ -53,6 +53,8 @@ DWORD CriacaoWin32(Criacao criacao) {
   switch (criacao) {
     case Criacao::SoExistente:
       return OPEN_EXISTING;
+    case Criacao::CriaNovo:
+      return CREATE_NEW;
     case Criacao::AbreOuCria:
       return OPEN_ALWAYS;
     default:
@@ -169,9 +171,11 @@ public:
     return kSemFalha;
   }
 
-  bool Existe(const CString &caminho) override {
+  FalhaArquivo Existe(const CString &caminho, bool *existe) override {
     WIN32_FILE_ATTRIBUTE_DATA dados{};
-    return DadosDoArquivo(caminho, &dados);
+    *existe = DadosDoArquivo(caminho, &dados);
+    const FalhaArquivo falha = *existe ? kSemFalha : UltimaFalha();
+    return falha.NaoEsta() ? kSemFalha : falha;
   }
 
   bool SomenteLeitura(const CString &caminho) override {

@@ -8,9 +8,9 @@
 
 #include "bench/Amostra.h"
 #include "bench/EmpresaBench.h"
-#include "core/qzdatabase/QZCrc64.h"
-#include "core/qzdatabase/QZDataBaseUtil.h"
-#include "core/qzdatabase/QZTextFile.h"
+#include "core/qzdatabase/arquivo/QZTextFile.h"
+#include "core/qzdatabase/banco/QZDataBaseUtil.h"
+#include "core/qzdatabase/disco/QZCrc64.h"
 #include "vehicles/QZDataBaseVeiculos.h"
 
 namespace {

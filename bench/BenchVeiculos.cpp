@@ -11,7 +11,7 @@
 #include "bench/EmpresaBench.h"
 #include "core/platform/MemoriaTarefa.h"
 #include "core/platform/Plataforma.h"
-#include "core/qzdatabase/QZDataBaseUtil.h"
+#include "core/qzdatabase/banco/QZDataBaseUtil.h"
 #include "vehicles/BaseVeiculos.h"
 #include "vehicles/VersaoBaseVeiculos.h"
 

@@ -11,7 +11,7 @@
 #include <array>
 #include <map>
 
-#include "core/qzdatabase/CabecalhoArquivo.h"
+#include "core/qzdatabase/disco/CabecalhoArquivo.h"
 #include "fuzz/Entrada.h"
 #include "fuzz/Exige.h"
 #include "fuzz/Referencia.h"

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "core/qzdatabase/CabecalhoArquivo.h"
-#include "core/qzdatabase/QZCrc64.h"
+#include "core/qzdatabase/disco/CabecalhoArquivo.h"
+#include "core/qzdatabase/disco/QZCrc64.h"
 
 namespace fuzz {
 namespace {

@@ -7,12 +7,12 @@
 // with headers on the place recorded for an appended line counts the header twice, so that the file is loaded anew
 // before it is written over.
 
-#include "core/qzdatabase/QZTextFile.h"
+#include "core/qzdatabase/arquivo/QZTextFile.h"
 
 #include <algorithm>
 
 #include "core/platform/Plataforma.h"
-#include "core/qzdatabase/QZDataBase.h"
+#include "core/qzdatabase/banco/QZDataBase.h"
 #include "fuzz/Entrada.h"
 #include "fuzz/Exige.h"
 #include "fuzz/Referencia.h"

@@ -5,7 +5,7 @@
 
 #include "core/conx/QZBaseParaRotinas.h"
 #include "core/platform/CArray.h"
-#include "core/qzdatabase/QZDataBaseFacade.h"
+#include "core/qzdatabase/banco/QZDataBaseFacade.h"
 #include "vehicles/QZDataBaseVeiculos.h"
 #include "vehicles/RegVeiculo.h"
 #include "vehicles/RegVeiculoPS.h"

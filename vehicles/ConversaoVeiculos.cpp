@@ -4,8 +4,8 @@
 #include "core/platform/ArquivoNoLivro.h"
 #include "core/platform/Plataforma.h"
 #include "core/platform/TravaEntreProcessos.h"
-#include "core/qzdatabase/Insistencia.h"
-#include "core/qzdatabase/QZDataBaseUtil.h"
+#include "core/qzdatabase/banco/QZDataBaseUtil.h"
+#include "core/qzdatabase/disco/Insistencia.h"
 #include "vehicles/BaseVeiculos.h"
 #include "vehicles/VersaoBaseVeiculos.h"
 

@@ -1,9 +1,9 @@
 #ifndef KALVO_VEHICLES_QZDATABASEVEICULOS_H
 #define KALVO_VEHICLES_QZDATABASEVEICULOS_H
 
-#include "core/qzdatabase/QZDataBase.h"
-#include "core/qzdatabase/QZDataBaseContainer.h"
-#include "core/qzdatabase/QZFile.h"
+#include "core/qzdatabase/arquivo/QZFile.h"
+#include "core/qzdatabase/banco/QZDataBase.h"
+#include "core/qzdatabase/banco/QZDataBaseFacade.h"
 #include "vehicles/RegVeiculo.h"
 
 inline constexpr char kArquivoVeiculos[] = "DFVEIC.DAT";

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "core/qzdatabase/QZFileBase.h"
+#include "core/qzdatabase/arquivo/QZFileBase.h"
 #include "vehicles/RegVeiculoPS.h"
 
 /// One vehicle as stored in "DFVEIC.DAT". Texts are zero-terminated when shorter than their field and not terminated

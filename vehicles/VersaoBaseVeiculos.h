@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "core/qzdatabase/QZFileBase.h"
+#include "core/qzdatabase/arquivo/QZFileBase.h"
 
 /// The single record of "DFVEIVS.DAT": the version of a company's vehicle base. A missing file is version 0.
 struct REG_DF_VEICULO_VERSAO {

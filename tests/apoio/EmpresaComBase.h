@@ -5,8 +5,8 @@
 
 #include <cstring>
 
-#include "core/qzdatabase/CabecalhoArquivo.h"
-#include "core/qzdatabase/QZCrc64.h"
+#include "core/qzdatabase/disco/CabecalhoArquivo.h"
+#include "core/qzdatabase/disco/QZCrc64.h"
 #include "tests/apoio/EmpresaTeste.h"
 
 namespace apoio {

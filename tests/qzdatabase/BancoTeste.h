@@ -8,10 +8,10 @@
 #include <string>
 
 #include "core/platform/Plataforma.h"
-#include "core/qzdatabase/QZDataBase.h"
-#include "core/qzdatabase/QZDataBaseContainer.h"
-#include "core/qzdatabase/QZFile.h"
-#include "core/qzdatabase/QZFileSingleReg.h"
+#include "core/qzdatabase/arquivo/QZFile.h"
+#include "core/qzdatabase/arquivo/QZFileSingleReg.h"
+#include "core/qzdatabase/banco/QZDataBase.h"
+#include "core/qzdatabase/banco/QZDataBaseFacade.h"
 #include "tests/apoio/ArquivosDecorado.h"
 #include "tests/apoio/ColetorRastro.h"
 #include "tests/apoio/EmpresaComBase.h"

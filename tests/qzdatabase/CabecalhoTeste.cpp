@@ -1,8 +1,8 @@
 // File headers: creation, damage, the switch, and the bytes themselves.
 
 #include "core/conx/DadosInstalacao.h"
-#include "core/qzdatabase/QZDataBaseUtil.h"
-#include "core/qzdatabase/QZTextFile.h"
+#include "core/qzdatabase/arquivo/QZTextFile.h"
+#include "core/qzdatabase/banco/QZDataBaseUtil.h"
 #include "tests/apoio/ChaveCabecalho.h"
 #include "tests/qzdatabase/BancoTeste.h"
 

@@ -1,8 +1,8 @@
 // The list of created files: who is listed, what a listed file's absence means, and deletions on purpose.
 
-#include "core/qzdatabase/ControleCriacao.h"
+#include "core/qzdatabase/banco/ControleCriacao.h"
 
-#include "core/qzdatabase/QZDataBaseUtil.h"
+#include "core/qzdatabase/banco/QZDataBaseUtil.h"
 #include "tests/qzdatabase/BancoTeste.h"
 
 namespace {

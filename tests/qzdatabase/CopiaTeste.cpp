@@ -1,7 +1,7 @@
 // Whole-file copies and companions.
 
-#include "core/qzdatabase/ControleCriacao.h"
-#include "core/qzdatabase/QZDataBaseUtil.h"
+#include "core/qzdatabase/banco/ControleCriacao.h"
+#include "core/qzdatabase/banco/QZDataBaseUtil.h"
 #include "tests/qzdatabase/BancoTeste.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <thread>
 
 #include "core/conx/QZBaseParaRotinas.h"
-#include "core/qzdatabase/QZDataBaseFacade.h"
+#include "core/qzdatabase/banco/QZDataBaseFacade.h"
 #include "tests/qzdatabase/BancoTeste.h"
 
 namespace {

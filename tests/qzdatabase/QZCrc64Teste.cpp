@@ -1,6 +1,6 @@
 // The CRC in both ways of calculating it, against the plain definition.
 
-#include "core/qzdatabase/QZCrc64.h"
+#include "core/qzdatabase/disco/QZCrc64.h"
 
 #include <gtest/gtest.h>
 

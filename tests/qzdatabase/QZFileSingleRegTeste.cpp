@@ -1,6 +1,6 @@
-#include "core/qzdatabase/QZFileSingleReg.h"
+#include "core/qzdatabase/arquivo/QZFileSingleReg.h"
 
-#include "core/qzdatabase/QZDataBaseUtil.h"
+#include "core/qzdatabase/banco/QZDataBaseUtil.h"
 #include "tests/qzdatabase/BancoTeste.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "core/qzdatabase/QZFile.h"
+#include "core/qzdatabase/arquivo/QZFile.h"
 
 #include <thread>
 

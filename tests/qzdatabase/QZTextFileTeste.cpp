@@ -1,4 +1,4 @@
-#include "core/qzdatabase/QZTextFile.h"
+#include "core/qzdatabase/arquivo/QZTextFile.h"
 
 #include <cstdlib>
 #include <random>

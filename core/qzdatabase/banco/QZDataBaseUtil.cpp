@@ -1,10 +1,10 @@
-#include "core/qzdatabase/QZDataBaseUtil.h"
+#include "core/qzdatabase/banco/QZDataBaseUtil.h"
 
 #include <algorithm>
 #include <vector>
 
 #include "core/platform/Plataforma.h"
-#include "core/qzdatabase/Insistencia.h"
+#include "core/qzdatabase/disco/Insistencia.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
-#include "core/qzdatabase/QZDataBase.h"
+#include "core/qzdatabase/banco/QZDataBase.h"
 
-#include "core/qzdatabase/QZFileBase.h"
+#include "core/qzdatabase/arquivo/QZFileBase.h"
 
 namespace {
 

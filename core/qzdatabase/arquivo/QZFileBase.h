@@ -1,5 +1,5 @@
-#ifndef KALVO_CORE_QZDATABASE_QZFILEBASE_H
-#define KALVO_CORE_QZDATABASE_QZFILEBASE_H
+#ifndef KALVO_CORE_QZDATABASE_ARQUIVO_QZFILEBASE_H
+#define KALVO_CORE_QZDATABASE_ARQUIVO_QZFILEBASE_H
 
 #include <memory>
 #include <optional>
@@ -11,9 +11,9 @@
 #include "core/log/QZOperacao.h"
 #include "core/platform/LivroTravas.h"
 #include "core/platform/SistemaArquivos.h"
-#include "core/qzdatabase/CabecalhoArquivo.h"
-#include "core/qzdatabase/ControleCriacao.h"
-#include "core/qzdatabase/Insistencia.h"
+#include "core/qzdatabase/banco/ControleCriacao.h"
+#include "core/qzdatabase/disco/CabecalhoArquivo.h"
+#include "core/qzdatabase/disco/Insistencia.h"
 
 class CQZDataBase;
 

@@ -1,9 +1,9 @@
-#include "core/qzdatabase/QZFileCopia.h"
+#include "core/qzdatabase/arquivo/QZFileCopia.h"
 
 #include "core/platform/Textos.h"
-#include "core/qzdatabase/PercorreArquivo.h"
-#include "core/qzdatabase/QZBancoTemporario.h"
-#include "core/qzdatabase/QZDataBaseUtil.h"
+#include "core/qzdatabase/banco/QZBancoTemporario.h"
+#include "core/qzdatabase/banco/QZDataBaseUtil.h"
+#include "core/qzdatabase/disco/PercorreArquivo.h"
 
 using plataforma::CQZTrava;
 using plataforma::FalhaArquivo;

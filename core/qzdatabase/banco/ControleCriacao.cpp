@@ -1,9 +1,9 @@
-#include "core/qzdatabase/ControleCriacao.h"
+#include "core/qzdatabase/banco/ControleCriacao.h"
 
 #include "core/platform/Plataforma.h"
-#include "core/qzdatabase/Insistencia.h"
-#include "core/qzdatabase/QZBancoTemporario.h"
-#include "core/qzdatabase/QZTextFile.h"
+#include "core/qzdatabase/arquivo/QZTextFile.h"
+#include "core/qzdatabase/banco/QZBancoTemporario.h"
+#include "core/qzdatabase/disco/Insistencia.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
-#include "core/qzdatabase/CabecalhoArquivo.h"
+#include "core/qzdatabase/disco/CabecalhoArquivo.h"
 
 #include <cstring>
 
-#include "core/qzdatabase/QZCrc64.h"
+#include "core/qzdatabase/disco/QZCrc64.h"
 
 namespace {
 

@@ -1,12 +1,12 @@
-#ifndef KALVO_CORE_QZDATABASE_QZDATABASEUTIL_H
-#define KALVO_CORE_QZDATABASE_QZDATABASEUTIL_H
+#ifndef KALVO_CORE_QZDATABASE_BANCO_QZDATABASEUTIL_H
+#define KALVO_CORE_QZDATABASE_BANCO_QZDATABASEUTIL_H
 
 #include <functional>
 
 #include "core/platform/CArray.h"
-#include "core/qzdatabase/QZBancoTemporario.h"
-#include "core/qzdatabase/QZFile.h"
-#include "core/qzdatabase/QZFileSingleReg.h"
+#include "core/qzdatabase/arquivo/QZFile.h"
+#include "core/qzdatabase/arquivo/QZFileSingleReg.h"
+#include "core/qzdatabase/banco/QZBancoTemporario.h"
 
 /// One-shot work on the files of a company, without a database that stays open. `pOwner` is the calling routine: its
 /// company, user and session are used. Any thread may call; files that a shared database holds open are not for these

@@ -1,10 +1,10 @@
-#include "core/qzdatabase/QZTextFile.h"
+#include "core/qzdatabase/arquivo/QZTextFile.h"
 
 #include <algorithm>
 
-#include "core/qzdatabase/QZBancoTemporario.h"
-#include "core/qzdatabase/QZCrc64.h"
-#include "core/qzdatabase/QZLeitorSequencial.h"
+#include "core/qzdatabase/banco/QZBancoTemporario.h"
+#include "core/qzdatabase/disco/QZCrc64.h"
+#include "core/qzdatabase/disco/QZLeitorSequencial.h"
 
 using plataforma::CQZTrava;
 using plataforma::FalhaArquivo;

@@ -1,7 +1,7 @@
-#ifndef KALVO_CORE_QZDATABASE_QZFILECOPIA_H
-#define KALVO_CORE_QZDATABASE_QZFILECOPIA_H
+#ifndef KALVO_CORE_QZDATABASE_ARQUIVO_QZFILECOPIA_H
+#define KALVO_CORE_QZDATABASE_ARQUIVO_QZFILECOPIA_H
 
-#include "core/qzdatabase/QZFileBase.h"
+#include "core/qzdatabase/arquivo/QZFileBase.h"
 
 /// The destination of a whole-file copy. Initialising it deletes what is at its path and opens nothing; it carries the
 /// source's bytes, header included, and manages none of its own. To be used by one thread.

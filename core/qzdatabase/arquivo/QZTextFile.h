@@ -1,11 +1,11 @@
-#ifndef KALVO_CORE_QZDATABASE_QZTEXTFILE_H
-#define KALVO_CORE_QZDATABASE_QZTEXTFILE_H
+#ifndef KALVO_CORE_QZDATABASE_ARQUIVO_QZTEXTFILE_H
+#define KALVO_CORE_QZDATABASE_ARQUIVO_QZTEXTFILE_H
 
 #include <optional>
 
 #include "core/platform/CArray.h"
-#include "core/qzdatabase/QZDataBaseTextPair.h"
-#include "core/qzdatabase/QZFileBase.h"
+#include "core/qzdatabase/arquivo/QZDataBaseTextPair.h"
+#include "core/qzdatabase/arquivo/QZFileBase.h"
 
 /// A file of text lines of any length up to 4294967295 bytes, such as the list of the files that a directory should
 /// hold. On disk each line is its length (32 bits, little-endian) and its text in the ANSI code page, one line after

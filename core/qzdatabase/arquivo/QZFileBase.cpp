@@ -1,8 +1,8 @@
-#include "core/qzdatabase/QZFileBase.h"
+#include "core/qzdatabase/arquivo/QZFileBase.h"
 
 #include "core/platform/Plataforma.h"
-#include "core/qzdatabase/Insistencia.h"
-#include "core/qzdatabase/QZDataBase.h"
+#include "core/qzdatabase/banco/QZDataBase.h"
+#include "core/qzdatabase/disco/Insistencia.h"
 
 using plataforma::CausaArquivo;
 using plataforma::CQZTrava;

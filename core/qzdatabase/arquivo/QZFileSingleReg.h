@@ -1,12 +1,12 @@
-#ifndef KALVO_CORE_QZDATABASE_QZFILESINGLEREG_H
-#define KALVO_CORE_QZDATABASE_QZFILESINGLEREG_H
+#ifndef KALVO_CORE_QZDATABASE_ARQUIVO_QZFILESINGLEREG_H
+#define KALVO_CORE_QZDATABASE_ARQUIVO_QZFILESINGLEREG_H
 
 #include <cstring>
 #include <type_traits>
 
 #include "core/platform/Plataforma.h"
-#include "core/qzdatabase/QZCrc64.h"
-#include "core/qzdatabase/QZFileBase.h"
+#include "core/qzdatabase/arquivo/QZFileBase.h"
+#include "core/qzdatabase/disco/QZCrc64.h"
 
 /// A file that holds exactly one record of the plain structure T, such as a base's version. The record is read once, at
 /// initialisation, and served from memory; a write reaches the disk only when it changes a byte, and memory only after

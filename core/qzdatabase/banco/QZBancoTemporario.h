@@ -1,10 +1,10 @@
-#ifndef KALVO_CORE_QZDATABASE_QZBANCOTEMPORARIO_H
-#define KALVO_CORE_QZDATABASE_QZBANCOTEMPORARIO_H
+#ifndef KALVO_CORE_QZDATABASE_BANCO_QZBANCOTEMPORARIO_H
+#define KALVO_CORE_QZDATABASE_BANCO_QZBANCOTEMPORARIO_H
 
 #include <memory>
 
 #include "core/platform/LivroTravas.h"
-#include "core/qzdatabase/QZDataBase.h"
+#include "core/qzdatabase/banco/QZDataBase.h"
 
 /// A database with one file, for one piece of work of one thread. At the end of the scope it is finished and destroyed;
 /// a machine fault inside the scope does the same through the thread's ledger, so that the file does not stay open and

@@ -1,11 +1,11 @@
 // The header of a data file: created, checked, brought up to date.
 
-#include "core/qzdatabase/PercorreArquivo.h"
-#include "core/qzdatabase/QZBancoTemporario.h"
-#include "core/qzdatabase/QZCrc64.h"
-#include "core/qzdatabase/QZDataBaseUtil.h"
-#include "core/qzdatabase/QZFileBase.h"
-#include "core/qzdatabase/QZFileCopia.h"
+#include "core/qzdatabase/arquivo/QZFileBase.h"
+#include "core/qzdatabase/arquivo/QZFileCopia.h"
+#include "core/qzdatabase/banco/QZBancoTemporario.h"
+#include "core/qzdatabase/banco/QZDataBaseUtil.h"
+#include "core/qzdatabase/disco/PercorreArquivo.h"
+#include "core/qzdatabase/disco/QZCrc64.h"
 
 using plataforma::FalhaArquivo;
 

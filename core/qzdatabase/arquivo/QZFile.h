@@ -1,13 +1,13 @@
-#ifndef KALVO_CORE_QZDATABASE_QZFILE_H
-#define KALVO_CORE_QZDATABASE_QZFILE_H
+#ifndef KALVO_CORE_QZDATABASE_ARQUIVO_QZFILE_H
+#define KALVO_CORE_QZDATABASE_ARQUIVO_QZFILE_H
 
 #include <algorithm>
 #include <atomic>
 
 #include "core/platform/CArray.h"
-#include "core/qzdatabase/QZBlocosRegistros.h"
-#include "core/qzdatabase/QZCrc64.h"
-#include "core/qzdatabase/QZFileBase.h"
+#include "core/qzdatabase/arquivo/QZBlocosRegistros.h"
+#include "core/qzdatabase/arquivo/QZFileBase.h"
+#include "core/qzdatabase/disco/QZCrc64.h"
 
 /// A file of fixed-length records of the plain structure T, stored byte for byte without separators and held in memory
 /// as a whole. Reads are served from memory; a write goes to disk first and to memory after, so memory never holds a

@@ -1,4 +1,4 @@
-#include "core/qzdatabase/QZCrc64.h"
+#include "core/qzdatabase/disco/QZCrc64.h"
 
 #include <immintrin.h>
 

@@ -4,7 +4,7 @@
 
 #include "core/platform/Plataforma.h"
 #include "core/platform/Textos.h"
-#include "core/qzdatabase/QZDataBaseUtil.h"
+#include "core/qzdatabase/banco/QZDataBaseUtil.h"
 
 namespace {
 

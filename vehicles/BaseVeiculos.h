@@ -60,8 +60,8 @@ private:
   /// InternalGetRegs that stops after `uiMaximo` matches.
   [[nodiscard]] HRESULT Procura(const tagREG_FILTRO_VEICULOSPS &Filtro, std::size_t uiMaximo, CArray<LONG> *aPonteiros,
                                 CArray<RegVeiculo> *aRegistros);
-  /// The record count, read under the database's lock.
-  std::uint64_t QuantidadeSobTrava() const;
+  /// The record count, read under the database's lock; `rastro` is the caller's.
+  [[nodiscard]] HRESULT QuantidadeSobTrava(const CQZRastro &rastro, std::uint64_t *puiQtd) const;
 
   /// Brings the stored base to the version that this program writes, on the files themselves, unless the company's
   /// database is already open in this process.

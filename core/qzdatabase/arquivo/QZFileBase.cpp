@@ -101,7 +101,7 @@ HRESULT CQZFileBase::AbreNoModo(EModoAbertura eModoAbertura, bool bCriando) {
   pLista.reset();
   m_bEntradaNova = m_bEntradaNova && Falhou(hr);
   if (ExisteArquivo()) {
-    m_bCriadoAgora = m_bCriadoAgora || bCria;
+    m_bACriar = m_bACriar || bCria || eMemoriaAnterior == EMemoria::NuncaExistiu;
     return AposAbrir(m_abertura.Modo());
   }
   // A file whose content is in memory, and which is gone, is told and never taken for one that has yet to be created.
@@ -206,7 +206,7 @@ HRESULT CQZFileBase::OnInicializa() {
   const CQZOperacao rastro(this, {"CQZFileBase::OnInicializa"}, kFonte);
   m_abertura.Fecha();  // a failed initialisation leaves its handle open
   m_transacao.Confirma();
-  m_bCriadoAgora = false;
+  m_bACriar = false;
   m_eMemoria = EMemoria::NadaCarregado;
   const bool bLigado = plataforma::Registro().LeNumero(kChaveSuite, kValorCabecalho).value_or(0) != 0;
   const bool bTemCabecalho = bLigado && !CQZPath::TemExtensao(m_sNomeArquivo, "TRA");
@@ -247,7 +247,7 @@ HRESULT CQZFileBase::OnFinaliza() {
   }
   m_abertura.Fecha();
   m_transacao.Confirma();
-  m_bCriadoAgora = false;
+  m_bACriar = false;
   m_eMemoria = EMemoria::NadaCarregado;
   return hr;
 }
@@ -296,11 +296,11 @@ Veredito CQZFileBase::AposTentativaFalha(HRESULT hr) {
 
 void CQZFileBase::ConfirmaGravacao() {
   m_transacao.Confirma();
-  m_bCriadoAgora = false;
+  m_bACriar = false;
 }
 
 void CQZFileBase::DesfazCriacao() {
-  if (!m_bCriadoAgora) {
+  if (!m_bACriar) {
     return;
   }
   LargaArquivo();
@@ -315,7 +315,7 @@ void CQZFileBase::DesfazCriacao() {
     falha = plataforma::Arquivos().Apaga(sCaminho);
   }
   if (!falha || falha.NaoEsta()) {
-    m_bCriadoAgora = false;
+    m_bACriar = false;
     m_transacao.Confirma();
     EsvaziaMemoria();
     m_eMemoria = EMemoria::NuncaExistiu;

@@ -152,12 +152,16 @@ protected:
   /// The write under way: Inicia, NotaAntigo, Grava by the derived file, Confirma once memory has the records.
   CQZTransacaoGravacao &Transacao() { return m_transacao; }
 
-  /// This object created the file, and no write to it has succeeded yet.
-  bool CriadoAgora() const { return m_bCriadoAgora; }
+  /// The file was missing when this object looked for it, and no write of this object has succeeded yet: a file of that
+  /// name without content is to be filled, not refused.
+  bool ACriar() const { return m_bACriar; }
   void ConfirmaGravacao();
 
-  /// Deletes a file that CriadoAgora and that nothing was written to. Where that fails it stays CriadoAgora.
+  /// Deletes a file that was ACriar when a write failed and that has no content. Where that fails it stays so.
   void DesfazCriacao();
+
+  /// Closes the file; for a derived file's OnInicializa, which opens it again.
+  void FechaArquivo() { m_abertura.Fecha(); }
 
   /// Full path of the file for the present company.
   CString CaminhoCompleto() const { return CQZPath::CaminhoArquivo(m_eModulo, GetEmpresa(), m_sNomeArquivo); }
@@ -201,7 +205,7 @@ private:
   const bool m_bFlushAdiado;
   bool m_bSemControle = false;
   bool m_bEntradaNova = false;  ///< added to the list of created files by the creation that is under way
-  bool m_bCriadoAgora = false;
+  bool m_bACriar = false;
 
   std::atomic<EMemoria> m_eMemoria{EMemoria::NadaCarregado};
   std::uint64_t m_uiCargas = 0;  ///< how often memory was loaded: a place in the file holds for one of them

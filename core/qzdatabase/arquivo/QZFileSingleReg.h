@@ -38,8 +38,10 @@ private:
 
   bool PrecisaGravar(const T &reg) const;
   [[nodiscard]] HRESULT GravaRegistro(const T &reg);
+  bool SemConteudo();
 
   T m_reg{};
+  bool m_bTemRegistro = false;  ///< the file holds m_reg; false for a missing file and one that is being created
 };
 
 template <typename T>
@@ -54,8 +56,16 @@ template <typename T>
 HRESULT CQZFileSingleReg<T>::OnInicializa() {
   const CQZOperacao rastro(this, Nome(">::OnInicializa"), kFonte);
   QZ_VERIFICA(rastro, "__super::OnInicializa()", CQZFileBase::OnInicializa());
-  QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AbreArquivo(eModoLeitura));
-  return CarregaAoInicializar();
+  HRESULT hr = codigos::kOk;
+  // A file without its record may be one that another program is creating at this moment, in several steps.
+  Insiste(kTentativasAbertura, [&](bool bUltima) {
+    if (QZ_FALHOU(rastro, hr, "AbreArquivo(eModoLeitura)", AbreArquivo(eModoLeitura)) || bUltima || !SemConteudo()) {
+      return Veredito::Acabou;
+    }
+    FechaArquivo();
+    return Veredito::OutraVez;
+  });
+  return Falhou(hr) ? hr : CarregaAoInicializar();
 }
 
 template <typename T>
@@ -63,8 +73,8 @@ HRESULT CQZFileSingleReg<T>::CarregaMemoria() {
   const CQZRastro rastro(this, Nome(">::OnInicializa"), kFonte);
   std::uint64_t uiTamanho = 0;
   plataforma::FalhaArquivo falha = TamanhoDados(&uiTamanho);
-  if (!falha && uiTamanho == 0 && CriadoAgora()) {
-    m_reg = T{};
+  if (!falha && uiTamanho == 0 && ACriar()) {
+    EsvaziaMemoria();
     return codigos::kOk;
   }
   if (falha.causa == plataforma::CausaArquivo::FimDeArquivo || (!falha && uiTamanho != sizeof(T))) {
@@ -76,19 +86,21 @@ HRESULT CQZFileSingleReg<T>::CarregaMemoria() {
   }
   QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(falha));
   m_reg = reg;
+  m_bTemRegistro = true;
   return codigos::kOk;
 }
 
 template <typename T>
 void CQZFileSingleReg<T>::EsvaziaMemoria() {
   m_reg = T{};
+  m_bTemRegistro = false;
 }
 
 template <typename T>
 HRESULT CQZFileSingleReg<T>::OnFinaliza() {
   const CQZEscopoProfiler escopo(this, Nome(">::OnFinaliza"));
   const plataforma::CQZTrava trava(Secao());
-  if (CriadoAgora()) {
+  if (ACriar()) {
     // An exception, such as memory running out, ended the write before it could undo its own creation.
     static_cast<void>(RestauraPendencia());
     DesfazCriacao();
@@ -141,16 +153,24 @@ bool CQZFileSingleReg<T>::PrecisaGravar(const T &reg) const {
   return std::memcmp(&m_reg, &reg, sizeof(T)) != 0;
 }
 
+/// True for an open file that ends with its header, or is empty.
+template <typename T>
+bool CQZFileSingleReg<T>::SemConteudo() {
+  std::uint64_t uiTamanho = 0;
+  return ExisteArquivo() && !TamanhoDados(&uiTamanho) && uiTamanho == 0;
+}
+
 /// One attempt. A file that this write creates has no old record.
 template <typename T>
 HRESULT CQZFileSingleReg<T>::GravaRegistro(const T &reg) {
   const CQZOperacao rastro(this, Nome(">::GravaRegistro"), kFonte);
-  const std::size_t cbAntes = CriadoAgora() ? 0 : sizeof(T);
+  const std::size_t cbAntes = m_bTemRegistro ? sizeof(T) : 0;
   Transacao().Inicia(TamanhoCabecalho(), TamanhoCabecalho() + cbAntes);
   Transacao().NotaAntigo(&m_reg, cbAntes);
   QZ_VERIFICA(rastro, "CatchGravacao(pEx)", CatchGravacao(Transacao().Grava(Arquivo(), &reg, sizeof(T), false)));
   QZ_VERIFICA(rastro, "Flush()", Flush());
   m_reg = reg;
+  m_bTemRegistro = true;
   ConfirmaGravacao();
   return codigos::kOk;
 }

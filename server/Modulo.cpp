@@ -13,6 +13,7 @@
 #include "server/MonitorEncerramento.h"
 #include "server/RegistroServidor.h"
 #include "server/SaidaErro.h"
+#include "server/TratamentoExcecoes.h"
 
 namespace {
 
@@ -75,6 +76,7 @@ int CKalvoModule::Executa(const char *lpLinhaComando) {
     return -1;
   }
   const CApartamento apartamento;
+  DesligaTratamentoDeExcecoes();
   HRESULT hr = DefineSeguranca();
   if (FAILED(hr)) {
     RelataFalha(

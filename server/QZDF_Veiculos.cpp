@@ -48,6 +48,12 @@ public:
     }
   }
 
+  /// Lets go before the end of the scope.
+  void Solta() noexcept {
+    m_exclusiva = {};
+    m_compartilhada = {};
+  }
+
 private:
   std::unique_lock<std::shared_mutex> m_exclusiva;
   std::shared_lock<std::shared_mutex> m_compartilhada;
@@ -164,6 +170,11 @@ IUnknown *CQZDF_Veiculos::SeguraSeVivo() {
   return nullptr;
 }
 
+void CQZDF_Veiculos::PerdeRegistro() {
+  std::shared_ptr<CBaseVeiculos> spPerdida = m_spBase.exchange(nullptr);
+  SoltaBase(spPerdida);
+}
+
 template <class Formata, class Zera, class Corpo>
 HRESULT CQZDF_Veiculos::Opera(const IQZDF_Profiler &profiler, const NomeOperacao &nome, Acesso eAcesso,
                               const Formata &formata, Zera &&zera, Corpo &&corpo) {
@@ -175,17 +186,21 @@ HRESULT CQZDF_Veiculos::Opera(const IQZDF_Profiler &profiler, const NomeOperacao
     if (m_pExterno == &m_interno) {
       m_vigia.Observa();
     }
-    const CTravaCicloDeVida trava(spBase.get(), eAcesso == Acesso::Exclusivo);
-    hr = chamada.Guarda([&]() -> HRESULT {
+    CTravaCicloDeVida trava(spBase.get(), eAcesso == Acesso::Exclusivo);
+    auto guardado = [&]() -> HRESULT {
       zera();
       return spBase != nullptr ? corpo(*spBase) : kSemRegistro;
+    };
+    hr = chamada.Guarda(guardado, [&] {
+      trava.Solta();
+      PerdeRegistro();
+      SoltaBase(spBase);
     });
   } catch (...) {
     hr = QZTranslateThrownExceptionToHresult();
   }
   if (EhErroSEH(hr)) {
-    std::shared_ptr<CBaseVeiculos> spPerdida = m_spBase.exchange(nullptr);
-    SoltaBase(spPerdida);
+    PerdeRegistro();
   }
   SoltaBase(spBase);
   return hr;

@@ -80,6 +80,12 @@ Veiculos Cria(HRESULT *phr = nullptr);
 
 HRESULT Inicializa(IQZDF_Veiculos &veiculos, std::string_view sEmpresa);
 
+/// The object as a text with which one other process on this machine reaches it (Recebe); empty when that fails.
+std::string Entrega(IQZDF_Veiculos &veiculos);
+
+/// The object behind a text of Entrega; null when that fails.
+Veiculos Recebe(const std::string &sEntregue);
+
 /// A new service object that works for a company; null when either step fails.
 Veiculos Abre(std::string_view sEmpresa);
 

@@ -90,7 +90,7 @@ HRESULT CQZDF_Veiculos::Cria(IUnknown *pExterno, REFIID riid, void **ppv) {
   HRESULT hr = pObjeto->m_hrConstruct;
   if (!Falhou(hr)) {
     if (pExterno == nullptr) {
-      pObjeto->m_vigia.ObservaCriacao();
+      pObjeto->m_vigia.Observa();
     }
     hr = pObjeto->m_interno.QueryInterface(riid, ppv);
   }

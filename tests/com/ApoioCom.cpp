@@ -153,6 +153,18 @@ DWORD ExecutaKalvo(const std::string &sArgumentos, std::string *psErro) {
   return Executa(PastaDoPrograma() + "Kalvo.exe", sArgumentos, psErro);
 }
 
+Handle IniciaKalvo() {
+  STARTUPINFOA inicio{};
+  inicio.cb = sizeof(inicio);
+  PROCESS_INFORMATION processo{};
+  std::string sLinha = "\"" + PastaDoPrograma() + "Kalvo.exe\"";
+  if (!CreateProcessA(nullptr, sLinha.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &inicio, &processo)) {
+    return nullptr;
+  }
+  CloseHandle(processo.hThread);
+  return Handle(processo.hProcess);
+}
+
 DWORD Executa(const std::string &sPrograma, const std::string &sArgumentos, std::string *psSaida) {
   const apoio::PastaTemporaria pasta;
   const CString sSaida = pasta / "saida.txt";

@@ -114,6 +114,9 @@ std::string PastaDoPrograma();
 /// `*psErro`.
 DWORD ExecutaKalvo(const std::string &sArgumentos, std::string *psErro = nullptr);
 
+/// Starts Kalvo.exe of this folder by hand, without arguments; its process, null when that fails.
+Handle IniciaKalvo();
+
 /// Runs any program, given by its full path, to its end and returns its exit code; what it writes to standard output
 /// and standard error goes to `*psSaida`.
 DWORD Executa(const std::string &sPrograma, const std::string &sArgumentos, std::string *psSaida);

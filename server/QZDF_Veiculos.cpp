@@ -90,6 +90,7 @@ HRESULT CQZDF_Veiculos::Cria(IUnknown *pExterno, REFIID riid, void **ppv) {
   HRESULT hr = pObjeto->m_hrConstruct;
   if (!Falhou(hr)) {
     if (pExterno == nullptr) {
+      pObjeto->m_vigia.Comeca();
       pObjeto->m_vigia.Observa();
     }
     hr = pObjeto->m_interno.QueryInterface(riid, ppv);
@@ -183,9 +184,7 @@ HRESULT CQZDF_Veiculos::Opera(const IQZDF_Profiler &profiler, const NomeOperacao
   std::shared_ptr<CBaseVeiculos> spBase = m_spBase.load();
   HRESULT hr = 0;
   try {
-    if (m_pExterno == &m_interno) {
-      m_vigia.Observa();
-    }
+    m_vigia.Observa();
     CTravaCicloDeVida trava(spBase.get(), eAcesso == Acesso::Exclusivo);
     auto guardado = [&]() -> HRESULT {
       zera();

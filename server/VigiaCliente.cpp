@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <new>
 #include <vector>
 
 #include "server/EsperaProcesso.h"
@@ -12,9 +13,6 @@ namespace {
 
 /// Time for the first call of a process that took the object over from the last one known, in milliseconds.
 constexpr DWORD kPrimeiraChamada = 3000;
-
-/// Not the number of any process.
-constexpr DWORD kNenhum = 0xFFFFFFFF;
 
 void *Exportada(const char *lpBiblioteca, const char *lpFuncao) {
   return reinterpret_cast<void *>(GetProcAddress(GetModuleHandleA(lpBiblioteca), lpFuncao));
@@ -63,15 +61,25 @@ struct CVigiaCliente::Estado {
   }
 };
 
-CVigiaCliente::CVigiaCliente(IObjetoVigiado &objeto)
-    : m_spEstado(std::make_shared<Estado>()), m_bVigia(!PlataformaRecolhe()), m_idUltimo(kNenhum) {
-  m_spEstado->pObjeto = &objeto;
+CVigiaCliente::~CVigiaCliente() {
+  if (m_spEstado != nullptr) {
+    const std::lock_guard<std::mutex> trava(m_spEstado->mutex);
+    m_spEstado->pObjeto = nullptr;
+    m_spEstado->chamadores.clear();
+  }
 }
 
-CVigiaCliente::~CVigiaCliente() {
-  const std::lock_guard<std::mutex> trava(m_spEstado->mutex);
-  m_spEstado->pObjeto = nullptr;
-  m_spEstado->chamadores.clear();
+void CVigiaCliente::Comeca() noexcept {
+  if (PlataformaRecolhe()) {
+    return;
+  }
+  try {
+    m_spEstado = std::make_shared<Estado>();
+    m_spEstado->pObjeto = &m_objeto;
+    m_bVigia = true;
+  } catch (const std::bad_alloc &) {
+    // Nobody is watched.
+  }
 }
 
 /// The routine is looked up by name: it is exported by the runtime without a promise that it stays. The documented one,

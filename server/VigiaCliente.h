@@ -28,11 +28,14 @@ protected:
 /// cannot be told or watched, the object is not watched any more.
 class CVigiaCliente {
 public:
-  explicit CVigiaCliente(IObjetoVigiado &objeto);
+  explicit CVigiaCliente(IObjetoVigiado &objeto) : m_objeto(objeto) {}
   /// After destruction the object is not touched again. May run on the thread that releases the references.
   ~CVigiaCliente();
   CVigiaCliente(const CVigiaCliente &) = delete;
   CVigiaCliente &operator=(const CVigiaCliente &) = delete;
+
+  /// Begins the watch; before anybody else can reach the object. Until then, and for want of memory, nobody is watched.
+  void Comeca() noexcept;
 
   /// Called on the thread of each call from a client, the creation included, before the call does anything.
   void Observa() noexcept {
@@ -41,7 +44,7 @@ public:
     }
   }
 
-  /// The same for a call from this process; 0 when that is not known.
+  /// The same for a call from this process; 0 when that is not known. The watch must have begun.
   void Observa(DWORD idProcesso) noexcept {
     if (idProcesso != m_idUltimo.load(std::memory_order_relaxed)) {
       Conhece(idProcesso);
@@ -54,9 +57,13 @@ private:
   static DWORD ProcessoQueChama() noexcept;
   void Conhece(DWORD idProcesso) noexcept;
 
-  const std::shared_ptr<Estado> m_spEstado;
-  std::atomic<bool> m_bVigia;
-  std::atomic<DWORD> m_idUltimo;
+  /// Not the number of any process.
+  static constexpr DWORD kNenhum = 0xFFFFFFFF;
+
+  IObjetoVigiado &m_objeto;
+  std::shared_ptr<Estado> m_spEstado;  ///< null when the watch has never begun
+  std::atomic<bool> m_bVigia{false};
+  std::atomic<DWORD> m_idUltimo{kNenhum};
 };
 
 #endif

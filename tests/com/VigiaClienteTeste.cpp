@@ -48,12 +48,14 @@ TEST(VigiaCliente, QuemNaoPodeSerVigiadoEncerraAVigia) {
   std::vector<std::unique_ptr<CVigiaCliente>> vigias;
   for (std::size_t i = 0; i < comEstranhos.size(); ++i) {
     vigias.push_back(std::make_unique<CVigiaCliente>(estranhos[i]));
+    vigias.back()->Comeca();
     for (const DWORD idProcesso : comEstranhos[i]) {
       vigias.back()->Observa(idProcesso);
     }
   }
   Objeto comum;
   CVigiaCliente vigia(comum);
+  vigia.Comeca();
   vigia.Observa(idFilho);
   filho.Mata();
   EXPECT_EQ(WaitForSingleObject(comum.Pedido(), apoiocom::kPrazo), WAIT_OBJECT_0);

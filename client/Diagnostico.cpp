@@ -11,6 +11,7 @@
 #include <type_traits>
 
 #include "client/Codificacao.h"
+#include "client/ProcessosServidor.h"
 #include "client/QZVeiculosCliente.h"
 #include "client/RegistroClasses.h"
 #include "client/Saida.h"
@@ -173,9 +174,22 @@ void ConfereDiretorios(CRelatorio &relatorio, const std::string &sEmpresa) {
                    "DF de " + sSuite + "Empresas\\" + sEmpresa);
 }
 
+void ConfereProcessos(CRelatorio &relatorio) {
+  const CProcessosServidor processos = ContaProcessosServidor();
+  if (processos.uiMeus > 1) {
+    relatorio.Aviso("processos ", std::to_string(processos.uiMeus) +
+                                      " servidores desta conta e sessão: os que uma ativação simultânea deixou sem "
+                                      "cliente terminam em 30 segundos, os iniciados à mão ficam"_pt);
+  }
+  if (processos.Todos() > 1 && processos.uiOutros > 0) {
+    relatorio.Aviso("processos ", std::to_string(processos.uiOutros) +
+                                      " de outra conta, sessão ou elevação: cada uma tem o seu servidor, e só um abre "
+                                      "uma empresa"_pt);
+  }
+}
+
 void ConfereAtivacao(CRelatorio &relatorio) {
-  constexpr wchar_t kServidor[] = L"Kalvo.exe";
-  const bool bJaExecutava = QuantosProcessos(kServidor) != 0;
+  const bool bJaExecutava = ContaProcessosServidor().Todos() != 0;
   const CQZApartamento apartamento;
   CQZVeiculosHR veiculos;
   const auto tInicio = std::chrono::steady_clock::now();
@@ -187,12 +201,7 @@ void ConfereAtivacao(CRelatorio &relatorio) {
   }
   relatorio.Bom("ativação ", std::to_string(tempo.count()) + (bJaExecutava ? " ms (o servidor já estava em execução)"_pt
                                                                            : " ms (o servidor foi iniciado agora)"));
-  const unsigned uiProcessos = QuantosProcessos(kServidor);
-  if (uiProcessos > 1) {
-    relatorio.Aviso("processos ",
-                    std::to_string(uiProcessos) +
-                        " servidores em execução: cada conta e sessão tem o seu, e só um abre uma empresa"_pt);
-  }
+  ConfereProcessos(relatorio);
 }
 
 }  // namespace

@@ -48,6 +48,12 @@ public:
     }
   }
 
+  /// Lets go before the end of the scope.
+  void Solta() noexcept {
+    m_exclusiva = {};
+    m_compartilhada = {};
+  }
+
 private:
   std::unique_lock<std::shared_mutex> m_exclusiva;
   std::shared_lock<std::shared_mutex> m_compartilhada;
@@ -84,7 +90,8 @@ HRESULT CQZDF_Veiculos::Cria(IUnknown *pExterno, REFIID riid, void **ppv) {
   HRESULT hr = pObjeto->m_hrConstruct;
   if (!Falhou(hr)) {
     if (pExterno == nullptr) {
-      pObjeto->m_vigia.ObservaCriacao();
+      pObjeto->m_vigia.Comeca();
+      pObjeto->m_vigia.Observa();
     }
     hr = pObjeto->m_interno.QueryInterface(riid, ppv);
   }
@@ -164,6 +171,11 @@ IUnknown *CQZDF_Veiculos::SeguraSeVivo() {
   return nullptr;
 }
 
+void CQZDF_Veiculos::PerdeRegistro() {
+  std::shared_ptr<CBaseVeiculos> spPerdida = m_spBase.exchange(nullptr);
+  SoltaBase(spPerdida);
+}
+
 template <class Formata, class Zera, class Corpo>
 HRESULT CQZDF_Veiculos::Opera(const IQZDF_Profiler &profiler, const NomeOperacao &nome, Acesso eAcesso,
                               const Formata &formata, Zera &&zera, Corpo &&corpo) {
@@ -172,20 +184,22 @@ HRESULT CQZDF_Veiculos::Opera(const IQZDF_Profiler &profiler, const NomeOperacao
   std::shared_ptr<CBaseVeiculos> spBase = m_spBase.load();
   HRESULT hr = 0;
   try {
-    if (m_pExterno == &m_interno) {
-      m_vigia.Observa();
-    }
-    const CTravaCicloDeVida trava(spBase.get(), eAcesso == Acesso::Exclusivo);
-    hr = chamada.Guarda([&]() -> HRESULT {
+    m_vigia.Observa();
+    CTravaCicloDeVida trava(spBase.get(), eAcesso == Acesso::Exclusivo);
+    auto guardado = [&]() -> HRESULT {
       zera();
       return spBase != nullptr ? corpo(*spBase) : kSemRegistro;
+    };
+    hr = chamada.Guarda(guardado, [&] {
+      trava.Solta();
+      PerdeRegistro();
+      SoltaBase(spBase);
     });
   } catch (...) {
     hr = QZTranslateThrownExceptionToHresult();
   }
   if (EhErroSEH(hr)) {
-    std::shared_ptr<CBaseVeiculos> spPerdida = m_spBase.exchange(nullptr);
-    SoltaBase(spPerdida);
+    PerdeRegistro();
   }
   SoltaBase(spBase);
   return hr;

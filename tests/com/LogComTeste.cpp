@@ -108,6 +108,32 @@ TEST_F(LogCom, CadeiaDeUmaLeituraQueFalha) {
   }
 }
 
+// Whatever the suite's library does, the caller gets the failure's own code, the record is there, without a text, and
+// nothing stays locked for other threads.
+TEST_F(LogCom, BibliotecaDeMensagensHostilNaoMudaNada) {
+  const CString biblioteca = m_instalacao.CriaSubpasta("x64") + "QZLMensagem.dll";
+  const CString erros = m_empresa.Arquivo("QZProfilerErros.dat");
+  const Veiculos spVeiculos = Abre(m_empresa.Codigo());
+  ASSERT_NE(spVeiculos, nullptr);
+  LONG lPos = 0;
+  ASSERT_EQ(spVeiculos->Grava(&lPos, Veiculo("V1")), S_OK);
+  for (const char *lpVariante : {"falha", "ponteiro_ruim", "throw_alheio", "codigo_alheio", "pilha", "inicio"}) {
+    SCOPED_TRACE(lpVariante);
+    apoio::EscreveArquivo(biblioteca,
+                          apoio::LeArquivo(KALVO_PASTA_MENSAGENS "mensagens_" + CString(lpVariante) + ".dll"));
+    tagREG_VEICULOPS veiculo;
+    EXPECT_EQ(Bits(spVeiculos->Le(0, &veiculo)), 0x810809D9U);
+    const std::vector<Colunas> linhas = Linhas(erros, 275);
+    ASSERT_EQ(linhas.size(), 3U);
+    for (const Colunas &c : linhas) {
+      EXPECT_EQ(c.at(19), "hr = 0X810809D9 ");
+    }
+    EXPECT_EQ(spVeiculos->Le(1, &veiculo), S_OK);
+    EXPECT_EQ(spVeiculos->Grava(&lPos, Veiculo("V1")), S_OK);
+    ASSERT_TRUE(DeleteFileA(erros.c_str()));
+  }
+}
+
 TEST_F(LogCom, EntradaESaidaDeUmaChamada) {
   apoio::EscreveArquivo(m_instalacao / "log.ini", "[Log]\r\nEntrada=1\r\nSaida=1\r\nPerformance=1\r\nMemory=1\r\n");
   const Veiculos spVeiculos = Abre(m_empresa.Codigo());

@@ -12,7 +12,6 @@ struct Nome {
 };
 
 #define KALVO_NOME(valor, nome) {valor, #nome},
-#define KALVO_NOME_COMPLEMENTAR KALVO_NOME
 
 constexpr Nome kWin32[] = {
 #include "core/errors/nomes_win32.inc"
@@ -22,7 +21,6 @@ constexpr Nome kHRESULT[] = {
 #include "core/errors/nomes_hresult.inc"
 };
 
-#undef KALVO_NOME_COMPLEMENTAR
 #undef KALVO_NOME
 
 // Where the SDK has several names for a number, the one its header lists first; 84 is FACILITY_MBN.

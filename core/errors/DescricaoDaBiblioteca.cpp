@@ -1,12 +1,10 @@
 #include "core/errors/DescricaoDaBiblioteca.h"
 
-#include "core/env/QZPath.h"
-#include "core/platform/Caminhos.h"
-#include "core/platform/Plataforma.h"
+#include "core/env/BibliotecaSuite.h"
 
 namespace {
 
-constexpr char kBiblioteca[] = "x64\\QZLMensagem.dll";
+constexpr char kBiblioteca[] = "QZLMensagem.dll";
 constexpr char kFuncao[] = "QZGetDescricaoHRESULT";
 
 /// The export. The text that it returns belongs to the library.
@@ -24,11 +22,7 @@ CString ChamaFuncao(FuncaoDescricao funcao, HRESULT hr) {
 }
 
 CString Descricao(HRESULT hr) {
-  const CString diretorio = CQZPath::DiretorioInstalacao(QZ_DF);
-  if (!plataforma::CaminhoAbsoluto(diretorio)) {
-    return {};
-  }
-  const auto pBiblioteca = plataforma::Bibliotecas().Carrega(CQZPath::Junta(diretorio, kBiblioteca));
+  const auto pBiblioteca = CarregaBibliotecaSuite(QZ_DF, kBiblioteca);
   void *pFuncao = pBiblioteca != nullptr ? pBiblioteca->Funcao(kFuncao) : nullptr;
   return pFuncao != nullptr ? ChamaFuncao(reinterpret_cast<FuncaoDescricao>(pFuncao), hr) : CString();
 }

@@ -117,15 +117,16 @@ bool CRetratoChaves::PoeValores(const std::wstring &chave, const Ramo &antes, co
 }
 
 bool CRetratoChaves::PoeFilhos(const std::wstring &chave, const Ramo &antes, const Ramo &agora) const {
+  const std::wstring sPrefixo = chave + L"\\";
   bool bTudo = true;
   for (const auto &[nome, ramo] : agora.filhos) {
     if (antes.filhos.count(nome) == 0) {
-      bTudo = Apaga(m_hRaiz, chave + L"\\" + nome) && bTudo;
+      bTudo = Apaga(m_hRaiz, sPrefixo + nome) && bTudo;
     }
   }
   for (const auto &[nome, ramo] : antes.filhos) {
     const auto presente = agora.filhos.find(nome);
-    bTudo = Poe(chave + L"\\" + nome, ramo, presente != agora.filhos.end() ? presente->second : Ramo()) && bTudo;
+    bTudo = Poe(sPrefixo + nome, ramo, presente != agora.filhos.end() ? presente->second : Ramo()) && bTudo;
   }
   return bTudo;
 }

@@ -31,7 +31,8 @@ CString Expandido(const CString &texto) {
 
 class ChaveSistema final : public IChaveRegistro {
 public:
-  explicit ChaveSistema(Chave chave) : m_chave(std::move(chave)) {}
+  ChaveSistema(Chave chave, AcessoChave eAcesso)
+      : m_chave(std::move(chave)), m_bEscrita(eAcesso == AcessoChave::LeituraEscrita) {}
 
   std::optional<CString> LeTexto(const CString &nome, bool expande) override {
     DWORD tipo = REG_NONE;
@@ -61,6 +62,10 @@ public:
   }
 
   bool CriaSubchave(const CString &nome) override {
+    // The system asks what the account may do, not what the key was opened for.
+    if (!m_bEscrita) {
+      return false;
+    }
     HKEY hChave = nullptr;
     const LSTATUS estado =
         ::RegCreateKeyExA(m_chave.get(), nome.c_str(), 0, nullptr, 0, KEY_READ, nullptr, &hChave, nullptr);
@@ -89,6 +94,7 @@ private:
   }
 
   Chave m_chave;
+  bool m_bEscrita;
 };
 
 }  // namespace
@@ -109,7 +115,7 @@ std::unique_ptr<IChaveRegistro> AbreChaveRegistro(const CString &chave, AcessoCh
       ERROR_SUCCESS) {
     return nullptr;
   }
-  return std::make_unique<ChaveSistema>(Chave(hChave));
+  return std::make_unique<ChaveSistema>(Chave(hChave), eAcesso);
 }
 
 }  // namespace plataforma

@@ -124,6 +124,22 @@ void ConfereBiblioteca(CRelatorio &relatorio) {
   relatorio.Bom("biblioteca de tipos ", Texto(biblioteca->sTexto) + ComRaiz(*biblioteca));
 }
 
+// The proxy that 32-bit programs load, from their own view of the classes; this one cannot load it.
+void ConfereProxy32(CRelatorio &relatorio) {
+  constexpr std::string_view kRotulo = "proxy de 32 bits ";
+  const std::wstring sVisao = L"Wow6432Node\\";
+  const std::wstring sInterface = sVisao + L"Interface\\" + TextoGuid(IID_IQZDF_Veiculos) + L"\\ProxyStubClsid32";
+  const std::optional<CValorClasse> interface_ = ProcuraClasse(sInterface);
+  if (!interface_) {
+    relatorio.Falha(kRotulo, Falta(sInterface));
+    return;
+  }
+  if (const auto proxy =
+          ConfereArquivo(relatorio, kRotulo, sVisao + L"CLSID\\" + interface_->sTexto + L"\\InProcServer32")) {
+    relatorio.Bom(kRotulo, Texto(proxy->sTexto) + ", versão "_pt + VersaoDoArquivo(proxy->sTexto) + ComRaiz(*proxy));
+  }
+}
+
 void ConfereProxy(CRelatorio &relatorio) {
   const std::wstring sInterface = L"Interface\\" + TextoGuid(IID_IQZDF_Veiculos) + L"\\ProxyStubClsid32";
   const std::optional<CValorClasse> interface_ = ProcuraClasse(sInterface);
@@ -213,6 +229,7 @@ bool Diagnostica(const std::string &sEmpresa) {
   ConfereServidor(relatorio);
   ConfereBiblioteca(relatorio);
   ConfereProxy(relatorio);
+  ConfereProxy32(relatorio);
   CRelatorio::Titulo("Diretórios"_pt);
   ConfereDiretorios(relatorio, sEmpresa);
   CRelatorio::Titulo("Ativação"_pt);

@@ -37,7 +37,7 @@ HRESULT CopiaTexto(LPCWSTR lpTexto, CString &sCopia) {
   }
 }
 
-/// Holds the register's lifecycle lock for one call; nothing to hold without a register.
+/// Holds the register's lifecycle lock until Solta; nothing to hold without a register.
 class CTravaCicloDeVida {
 public:
   CTravaCicloDeVida(CBaseVeiculos *pBase, bool bExclusivo) {
@@ -179,30 +179,31 @@ void CQZDF_Veiculos::PerdeRegistro() {
 template <class Formata, class Zera, class Corpo>
 HRESULT CQZDF_Veiculos::Opera(const IQZDF_Profiler &profiler, const NomeOperacao &nome, Acesso eAcesso,
                               const Formata &formata, Zera &&zera, Corpo &&corpo) {
-  const CChamadaServico chamada(profiler, nome, "hr", formata);
   // A reference of this call's own: another call that meets a fault may drop the object's at any moment.
   std::shared_ptr<CBaseVeiculos> spBase = m_spBase.load();
-  HRESULT hr = 0;
   try {
     m_vigia.Observa();
     CTravaCicloDeVida trava(spBase.get(), eAcesso == Acesso::Exclusivo);
+    // Under the lock: the records of the call name the company that it works on, which Inicializa changes.
+    const CChamadaServico chamada(profiler, nome, "hr", formata);
     auto guardado = [&]() -> HRESULT {
       zera();
       return spBase != nullptr ? corpo(*spBase) : kSemRegistro;
     };
-    hr = chamada.Guarda(guardado, [&] {
+    const HRESULT hr = chamada.Guarda(guardado, [&] {
       trava.Solta();
       PerdeRegistro();
       SoltaBase(spBase);
     });
+    trava.Solta();
+    if (EhErroSEH(hr)) {
+      PerdeRegistro();
+    }
+    SoltaBase(spBase);
+    return hr;
   } catch (...) {
-    hr = QZTranslateThrownExceptionToHresult();
+    return QZTranslateThrownExceptionToHresult();
   }
-  if (EhErroSEH(hr)) {
-    PerdeRegistro();
-  }
-  SoltaBase(spBase);
-  return hr;
 }
 
 template <class Zera, class Corpo>

@@ -23,8 +23,8 @@ public:
   ~CBaseVeiculos() override;
 
   /// Keeps lifecycle calls apart from the operations of this object: whoever calls Inicializa or Finaliza holds it
-  /// exclusively, whoever calls an operation holds it shared. Taken by the caller, outside any frame that a machine
-  /// fault may abandon.
+  /// exclusively, whoever calls an operation or asks for company, user and session holds it shared. Taken by the
+  /// caller, outside any frame that a machine fault may abandon.
   std::shared_mutex &TravaCicloDeVida() { return m_travaCicloDeVida; }
 
   /// Writes one vehicle: at `*pPos` from 1 to the number of records it overwrites, at 0 it appends and `*pPos` receives

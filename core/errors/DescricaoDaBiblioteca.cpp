@@ -2,14 +2,12 @@
 
 #include <memory>
 
-#include "core/env/QZPath.h"
-#include "core/platform/Caminhos.h"
+#include "core/env/BibliotecaSuite.h"
 #include "core/platform/CodigoEstrangeiro.h"
-#include "core/platform/Plataforma.h"
 
 namespace {
 
-constexpr char kBiblioteca[] = "x64\\QZLMensagem.dll";
+constexpr char kBiblioteca[] = "QZLMensagem.dll";
 constexpr char kFuncao[] = "QZGetDescricaoHRESULT";
 
 /// The export. The text that it returns belongs to the library.
@@ -18,13 +16,8 @@ using FuncaoDescricao = const char *(*)(HRESULT);
 /// Foreign code from the loading, which runs the library's start, to the freeing, which runs its end. Each step has a
 /// frame of its own, so that the library is freed whatever its function does.
 CString Descricao(HRESULT hr) {
-  const CString diretorio = CQZPath::DiretorioInstalacao(QZ_DF);
-  if (!plataforma::CaminhoAbsoluto(diretorio)) {
-    return {};
-  }
-  const CString caminho = CQZPath::Junta(diretorio, kBiblioteca);
   std::unique_ptr<plataforma::IBiblioteca> spBiblioteca;
-  plataforma::ChamaCodigoEstrangeiro([&] { spBiblioteca = plataforma::Bibliotecas().Carrega(caminho); });
+  plataforma::ChamaCodigoEstrangeiro([&] { spBiblioteca = CarregaBibliotecaSuite(QZ_DF, kBiblioteca); });
   if (spBiblioteca == nullptr) {
     return {};
   }

@@ -246,6 +246,16 @@ TEST_F(Conversao, OQueNaoChegaAoDispositivoNaoConta) {
   EXPECT_EQ(m_empresa.Le("DFVEIC.DAT"), Base("ab"));
 }
 
+/// Without vehicles the journal serves the version alone, which is torn here.
+TEST_F(Conversao, VersaoRasgadaDeBaseSemVeiculos) {
+  m_empresa.Escreve("DFVEIC.DAT", Base("0"));
+  m_falhas.Arma({apoio::kOpGrava | apoio::kOpAjustaTamanho, "DFVEIVS.DAT", 1, true, plataforma::FalhaWin32(1117), 5});
+  EXPECT_EQ(Abre(), codigos::kArqErroFisico);
+  m_falhas.Desarma();
+  EXPECT_EQ(Abre(), codigos::kOk);
+  EXPECT_EQ(m_empresa.Le("DFVEIVS.DAT"), kVersao1);
+}
+
 /// A swap that fails leaves the old base and no journal, which would refuse what others add to it; one that only seems
 /// to have failed leaves the journal.
 TEST_F(Conversao, TrocaQueFalha) {

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <thread>
-
 #include "core/platform/Plataforma.h"
 #include "tests/apoio/ColetorRastro.h"
 #include "tests/apoio/EmpresaComBase.h"
@@ -12,17 +10,6 @@
 #include "vehicles/BaseVeiculos.h"
 
 namespace {
-
-const std::string kVersao1 = std::string("\x01", 1) + std::string(15, '\0');
-
-/// The bytes of a vehicle file whose records are filled with the given letters.
-std::string Base(const std::string &letras) {
-  std::string bytes;
-  for (const char letra : letras) {
-    bytes += std::string(256, letra);
-  }
-  return bytes;
-}
 
 class Conversao : public ::testing::Test {
 protected:
@@ -161,20 +148,6 @@ TEST_F(Conversao, UmaOperacaoQueFalhaNaoPerdeVeiculo) {
     }
     ASSERT_EQ(empresa.Le("DFVEIC.DAT"), Base("abc"));
   }
-}
-
-TEST_F(Conversao, VariosAoMesmoTempoConvertemUmaVez) {
-  m_empresa.Escreve("DFVEIC.DAT", Base("0abc"));
-  std::vector<std::thread> threads;
-  std::atomic<int> falhas{0};
-  for (int t = 0; t < 6; ++t) {
-    threads.emplace_back([&] { falhas += Falhou(Abre()); });
-  }
-  for (std::thread &thread : threads) {
-    thread.join();
-  }
-  EXPECT_EQ(falhas, 0);
-  EXPECT_EQ(m_empresa.Le("DFVEIC.DAT"), Base("abc"));
 }
 
 }  // namespace

@@ -86,27 +86,6 @@ TEST_F(Conversao, OutraEmpresaNoMesmoObjetoTambemConverte) {
   EXPECT_EQ(outra.Le("DFVEIC.DAT"), Base("cd"));
 }
 
-/// The process stops at the N-th file operation (it and all after fail), for every N; then a new one starts. No vehicle
-/// may be dropped twice, lost or doubled.
-TEST_F(Conversao, InterrompidaEmQualquerPonto) {
-  for (apoio::SerieFalhas serie(m_falhas, {.gravaAntes = 100}, apoio::Duracao::Persistente); serie.Proxima();) {
-    apoio::EmpresaComBase empresa;
-    empresa.Escreve("DFVEIC.DAT", Base("0abc"));
-    const HRESULT hr = serie.Roda([&] { return Abre(empresa); });
-    ASSERT_TRUE(serie.Disparou() || hr == codigos::kOk);
-    if (const HRESULT hrDepois = Abre(empresa); hrDepois != codigos::kOk) {
-      // Stopped between a line of the list of created files and the header that vouches for it.
-      ASSERT_EQ(hrDepois, codigos::kDadosNaoConferem);
-      ASSERT_FALSE(plataforma::Arquivos().Apaga(empresa.Caminho("QZDATABASE_FILE_CTRL.DAT")));
-      ASSERT_EQ(Abre(empresa), codigos::kOk);
-    }
-    ASSERT_EQ(empresa.Le("DFVEIC.DAT"), Base("abc"));
-    ASSERT_EQ(empresa.Le("DFVEIVS.DAT"), kVersao1);
-    ASSERT_FALSE(empresa.Existe("DFVEIC.TRA"));
-    ASSERT_FALSE(empresa.Existe("DFVEIVS.TRA"));
-  }
-}
-
 /// What the conversion created is in the list, what it deleted is not; either one's later absence says so.
 TEST_F(Conversao, ArquivosQueSomemDepois) {
   for (const char *lpRegistros : {"0ab", "0"}) {

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <thread>
-
 #include "core/platform/Plataforma.h"
 #include "core/qzdatabase/disco/CabecalhoArquivo.h"
 #include "core/qzdatabase/disco/QZCrc64.h"
@@ -15,17 +13,6 @@
 #include "vehicles/BaseVeiculos.h"
 
 namespace {
-
-const std::string kVersao1 = std::string("\x01", 1) + std::string(15, '\0');
-
-/// The bytes of a vehicle file whose records are filled with the given letters.
-std::string Base(const std::string &letras) {
-  std::string bytes;
-  for (const char letra : letras) {
-    bytes += std::string(256, letra);
-  }
-  return bytes;
-}
 
 class Conversao : public ::testing::Test {
 protected:
@@ -95,27 +82,6 @@ TEST_F(Conversao, OutraEmpresaNoMesmoObjetoTambemConverte) {
   EXPECT_EQ(base.Inicializa(outra.Codigo(), 7, 42), codigos::kOk);
   EXPECT_EQ(base.Finaliza(), codigos::kOk);
   EXPECT_EQ(outra.Le("DFVEIC.DAT"), Base("cd"));
-}
-
-/// The process stops at the N-th file operation (it and all after fail), for every N; then a new one starts. No vehicle
-/// may be dropped twice, lost or doubled.
-TEST_F(Conversao, InterrompidaEmQualquerPonto) {
-  for (apoio::SerieFalhas serie(m_falhas, {.gravaAntes = 100}, apoio::Duracao::Persistente); serie.Proxima();) {
-    apoio::EmpresaComBase empresa;
-    empresa.Escreve("DFVEIC.DAT", Base("0abc"));
-    const HRESULT hr = serie.Roda([&] { return Abre(empresa); });
-    ASSERT_TRUE(serie.Disparou() || hr == codigos::kOk);
-    if (const HRESULT hrDepois = Abre(empresa); hrDepois != codigos::kOk) {
-      // Stopped between a line of the list of created files and the header that vouches for it.
-      ASSERT_EQ(hrDepois, codigos::kDadosNaoConferem);
-      ASSERT_FALSE(plataforma::Arquivos().Apaga(empresa.Caminho("QZDATABASE_FILE_CTRL.DAT")));
-      ASSERT_EQ(Abre(empresa), codigos::kOk);
-    }
-    ASSERT_EQ(empresa.Le("DFVEIC.DAT"), Base("abc"));
-    ASSERT_EQ(empresa.Le("DFVEIVS.DAT"), kVersao1);
-    ASSERT_FALSE(empresa.Existe("DFVEIC.TRA"));
-    ASSERT_FALSE(empresa.Existe("DFVEIVSD.TRA"));
-  }
 }
 
 /// What the conversion created is in the list, what it deleted is not; either one's later absence says so.
@@ -282,32 +248,6 @@ TEST_F(Conversao, TrocaQueFalha) {
   }
   EXPECT_EQ(Abre(), codigos::kOk);
   EXPECT_EQ(m_empresa.Le("DFVEIC.DAT"), Base("ab"));
-}
-
-TEST_F(Conversao, UmaOperacaoQueFalhaNaoPerdeVeiculo) {
-  for (apoio::SerieFalhas serie(m_falhas, {.gravaAntes = 100}); serie.Proxima();) {
-    apoio::EmpresaComBase empresa;
-    empresa.Escreve("DFVEIC.DAT", Base("0abc"));
-    const HRESULT hr = serie.Roda([&] { return Abre(empresa); });
-    if (Falhou(hr)) {
-      ASSERT_EQ(Abre(empresa), codigos::kOk);
-    }
-    ASSERT_EQ(empresa.Le("DFVEIC.DAT"), Base("abc"));
-  }
-}
-
-TEST_F(Conversao, VariosAoMesmoTempoConvertemUmaVez) {
-  m_empresa.Escreve("DFVEIC.DAT", Base("0abc"));
-  std::vector<std::thread> threads;
-  std::atomic<int> falhas{0};
-  for (int t = 0; t < 6; ++t) {
-    threads.emplace_back([&] { falhas += Falhou(Abre()); });
-  }
-  for (std::thread &thread : threads) {
-    thread.join();
-  }
-  EXPECT_EQ(falhas, 0);
-  EXPECT_EQ(m_empresa.Le("DFVEIC.DAT"), Base("abc"));
 }
 
 }  // namespace

@@ -12,7 +12,7 @@
 #include <thread>
 
 #include "core/platform/Plataforma.h"
-#include "core/qzdatabase/CabecalhoArquivo.h"
+#include "core/qzdatabase/disco/CabecalhoArquivo.h"
 #include "tests/apoio/ArquivosDecorado.h"
 #include "tests/apoio/ChaveCabecalho.h"
 

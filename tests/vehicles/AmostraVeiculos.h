@@ -41,6 +41,18 @@ inline tagREG_VEICULOPS Veiculo(const std::string &codigo, const std::string &pl
   return v;
 }
 
+/// The version file of a base of version 1.
+inline const std::string kVersao1 = std::string("\x01", 1) + std::string(15, '\0');
+
+/// The bytes of a vehicle file whose records are filled with the given letters.
+inline std::string Base(const std::string &letras) {
+  std::string bytes;
+  for (const char letra : letras) {
+    bytes += std::string(256, letra);
+  }
+  return bytes;
+}
+
 template <typename T>
 std::string Bytes(const T &valor) {
   return std::string(reinterpret_cast<const char *>(&valor), sizeof(T));

@@ -1,8 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <thread>
-
 #include "core/platform/Plataforma.h"
+#include "core/qzdatabase/disco/CabecalhoArquivo.h"
+#include "core/qzdatabase/disco/QZCrc64.h"
+#include "tests/apoio/ArquivosDecorado.h"
 #include "tests/apoio/ColetorRastro.h"
 #include "tests/apoio/EmpresaComBase.h"
 #include "tests/apoio/RelogioFalso.h"
@@ -12,17 +13,6 @@
 #include "vehicles/BaseVeiculos.h"
 
 namespace {
-
-const std::string kVersao1 = std::string("\x01", 1) + std::string(15, '\0');
-
-/// The bytes of a vehicle file whose records are filled with the given letters.
-std::string Base(const std::string &letras) {
-  std::string bytes;
-  for (const char letra : letras) {
-    bytes += std::string(256, letra);
-  }
-  return bytes;
-}
 
 class Conversao : public ::testing::Test {
 protected:
@@ -94,27 +84,6 @@ TEST_F(Conversao, OutraEmpresaNoMesmoObjetoTambemConverte) {
   EXPECT_EQ(outra.Le("DFVEIC.DAT"), Base("cd"));
 }
 
-/// The process stops at the N-th file operation (it and all after fail), for every N; then a new one starts. No vehicle
-/// may be dropped twice, lost or doubled.
-TEST_F(Conversao, InterrompidaEmQualquerPonto) {
-  for (apoio::SerieFalhas serie(m_falhas, {.gravaAntes = 100}, apoio::Duracao::Persistente); serie.Proxima();) {
-    apoio::EmpresaComBase empresa;
-    empresa.Escreve("DFVEIC.DAT", Base("0abc"));
-    const HRESULT hr = serie.Roda([&] { return Abre(empresa); });
-    ASSERT_TRUE(serie.Disparou() || hr == codigos::kOk);
-    if (const HRESULT hrDepois = Abre(empresa); hrDepois != codigos::kOk) {
-      // Stopped between a line of the list of created files and the header that vouches for it.
-      ASSERT_EQ(hrDepois, codigos::kDadosNaoConferem);
-      ASSERT_FALSE(plataforma::Arquivos().Apaga(empresa.Caminho("QZDATABASE_FILE_CTRL.DAT")));
-      ASSERT_EQ(Abre(empresa), codigos::kOk);
-    }
-    ASSERT_EQ(empresa.Le("DFVEIC.DAT"), Base("abc"));
-    ASSERT_EQ(empresa.Le("DFVEIVS.DAT"), kVersao1);
-    ASSERT_FALSE(empresa.Existe("DFVEIC.TRA"));
-    ASSERT_FALSE(empresa.Existe("DFVEIVSD.TRA"));
-  }
-}
-
 /// What the conversion created is in the list, what it deleted is not; either one's later absence says so.
 TEST_F(Conversao, ArquivosQueSomemDepois) {
   for (const char *lpRegistros : {"0ab", "0"}) {
@@ -148,30 +117,137 @@ TEST_F(Conversao, DiarioPresoFazEsperar) {
   EXPECT_EQ(m_empresa.Le("DFVEIC.DAT"), Base("ab"));
 }
 
-TEST_F(Conversao, UmaOperacaoQueFalhaNaoPerdeVeiculo) {
-  for (apoio::SerieFalhas serie(m_falhas, {.gravaAntes = 100}); serie.Proxima();) {
+/// The journal of a conversion that ends with these vehicles.
+std::string Diario(const std::string &letras, char versao = 1) {
+  const std::string dados = Base(letras);
+  std::string bytes = std::string(1, versao) + std::string(7, '\0') + Bytes(std::uint64_t{dados.size()}) +
+                      Bytes(CalculaCrc64(dados.data(), dados.size()));
+  return bytes + Bytes(CalculaCrc64(bytes.data(), bytes.size()));
+}
+
+/// What interrupted runs, and those who restore old files, may leave. An empty text is no file.
+TEST_F(Conversao, DiarioContraOQueEsta) {
+  const std::string sRasgada = Bytes(MontaRegVersao()) + "torn";
+  const std::string sDois = Base("0ab");
+  const std::string sComCabecalho =
+      Bytes(MontaRegVersao()) + Bytes(MontaRegCabecalho(0, "DFVEIC.DAT", CalculaCrc64(sDois.data(), sDois.size())));
+  const std::string sListada("\x0B\0\0\0DFVEIVS.DAT", 15);
+  const std::string sZeros(1, '\0');
+  const struct {
+    const char *nome;
+    std::string base, companheiro, diario, versao, lista;
+    HRESULT hr;
+    std::string depois;
+  } casos[] = {
+      {"not swapped", Base("0ab"), Base("ab"), Diario("ab"), "", "", codigos::kOk, "ab"},
+      {"not swapped, first record zero", Base(sZeros + "ab"), Base("ab"), Diario("ab"), "", "", codigos::kOk, "ab"},
+      {"not swapped, with header", sComCabecalho + sDois, Base("ab"), Diario("ab"), "", "", codigos::kOk, "ab"},
+      {"record file gone", "", Base("ab"), Diario("ab"), "", "", codigos::kOk, "ab"},
+      {"companion gone", Base("0ab"), "", Diario("ab"), "", "", codigos::kOk, "ab"},
+      {"companion of something else", Base("0ab"), Base("xy"), Diario("ab"), "", "", codigos::kOk, "ab"},
+      {"swapped", Base("ab"), "", Diario("ab"), "", "", codigos::kOk, "ab"},
+      {"swapped, version torn", Base("ab"), "", Diario("ab"), sRasgada, "", codigos::kOk, "ab"},
+      {"swapped, version listed", Base("ab"), "", Diario("ab"), "", sListada, codigos::kOk, "ab"},
+      {"no vehicles, version torn", "", "", Diario(""), "x", "", codigos::kOk, ""},
+      {"version torn, not swapped", Base("0ab"), Base("ab"), Diario("ab"), "x", "", codigos::kTamanhoDiferente, "0ab"},
+      {"version torn, no journal", Base("ab"), "", "", "x", "", codigos::kTamanhoDiferente, "ab"},
+      {"other base", Base("0xyz"), Base("ab"), Diario("ab"), "", "", codigos::kTraNaoRenomeado, "0xyz"},
+      {"other base, as long as before", Base("0xy"), "", Diario("ab"), "", "", codigos::kTraNaoRenomeado, "0xy"},
+      {"other base, as long as after", Base("xy"), "", Diario("ab"), "", "", codigos::kTraNaoRenomeado, "xy"},
+      {"torn journal", Base("0ab"), Base("ab"), Diario("xy").replace(8, 1, "x"), "", "", codigos::kOk, "ab"},
+      {"short journal", Base("0ab"), Base("ab"), Diario("ab").substr(0, 31), "", "", codigos::kOk, "ab"},
+      {"other version's journal", Base("0ab"), "", Diario("xy", 2), "", "", codigos::kOk, "ab"},
+  };
+  for (const auto &caso : casos) {
+    SCOPED_TRACE(caso.nome);
     apoio::EmpresaComBase empresa;
-    empresa.Escreve("DFVEIC.DAT", Base("0abc"));
-    const HRESULT hr = serie.Roda([&] { return Abre(empresa); });
-    if (Falhou(hr)) {
-      ASSERT_EQ(Abre(empresa), codigos::kOk);
+    const std::pair<const char *, std::string> arquivos[] = {{"DFVEIC.DAT", caso.base},
+                                                             {"DFVEIC.TRA", caso.companheiro},
+                                                             {"DFVEIVSD.TRA", caso.diario},
+                                                             {"DFVEIVS.DAT", caso.versao},
+                                                             {"QZDATABASE_FILE_CTRL.DAT", caso.lista}};
+    for (const auto &[lpNome, bytes] : arquivos) {
+      if (!bytes.empty()) {
+        empresa.Escreve(lpNome, bytes);
+      }
     }
-    ASSERT_EQ(empresa.Le("DFVEIC.DAT"), Base("abc"));
+    EXPECT_EQ(Abre(empresa), caso.hr);
+    EXPECT_EQ(empresa.Existe("DFVEIC.DAT") ? empresa.Le("DFVEIC.DAT") : "", Base(caso.depois));
+    if (!Falhou(caso.hr)) {
+      EXPECT_EQ(empresa.Le("DFVEIVS.DAT"), kVersao1);
+      EXPECT_FALSE(empresa.Existe("DFVEIC.TRA"));
+      EXPECT_FALSE(empresa.Existe("DFVEIVSD.TRA"));
+    } else if (caso.versao.empty()) {
+      EXPECT_FALSE(empresa.Existe("DFVEIVS.DAT"));
+    }
   }
 }
 
-TEST_F(Conversao, VariosAoMesmoTempoConvertemUmaVez) {
-  m_empresa.Escreve("DFVEIC.DAT", Base("0abc"));
-  std::vector<std::thread> threads;
-  std::atomic<int> falhas{0};
-  for (int t = 0; t < 6; ++t) {
-    threads.emplace_back([&] { falhas += Falhou(Abre()); });
+/// What the next step depends on is on the storage device, or the step is not taken.
+TEST_F(Conversao, OQueNaoChegaAoDispositivoNaoConta) {
+  m_empresa.Escreve("DFVEIC.DAT", Base("0ab"));
+  const struct {
+    const char *nome;
+    unsigned operacoes;
+    bool bFica;
+  } casos[] = {{"DFVEIC.TRA", apoio::kOpDescarrega, false},
+               {"DFVEIVSD.TRA", apoio::kOpDescarrega, false},
+               {"DFVEIVSD.TRA", apoio::kOpDescarrega | apoio::kOpApaga, true}};
+  for (const auto &caso : casos) {
+    SCOPED_TRACE(testing::Message() << caso.nome << " " << caso.operacoes);
+    m_falhas.Arma({caso.operacoes, caso.nome, 1, true, plataforma::FalhaWin32(1117), {}});
+    EXPECT_EQ(Abre(), codigos::kArqErroFisico);
+    EXPECT_EQ(m_empresa.Le("DFVEIC.DAT"), Base("0ab"));
+    EXPECT_EQ(m_empresa.Existe(caso.nome), caso.bFica);
   }
-  for (std::thread &thread : threads) {
-    thread.join();
+  m_falhas.Arma({apoio::kOpDescarrega, "DFVEIVS.DAT", 1, true, plataforma::FalhaWin32(1117), {}});
+  EXPECT_EQ(Abre(), codigos::kArqErroFisico);
+  EXPECT_EQ(Abre(), codigos::kOk) << "the version can be read";
+  EXPECT_TRUE(m_empresa.Existe("DFVEIVSD.TRA")) << "but a power cut may still take it";
+  m_falhas.Arma({apoio::kOpLe, "DFVEIVS.DAT", 1, true, plataforma::FalhaWin32(1117), {}});
+  EXPECT_EQ(Abre(), codigos::kArqErroFisico) << "not taken for a torn one";
+  m_falhas.Desarma();
+  EXPECT_EQ(Abre(), codigos::kOk);
+  EXPECT_FALSE(m_empresa.Existe("DFVEIVSD.TRA"));
+  EXPECT_EQ(m_empresa.Le("DFVEIC.DAT"), Base("ab"));
+}
+
+/// Without vehicles the journal serves the version alone, which is torn here.
+TEST_F(Conversao, VersaoRasgadaDeBaseSemVeiculos) {
+  m_empresa.Escreve("DFVEIC.DAT", Base("0"));
+  m_falhas.Arma({apoio::kOpGrava | apoio::kOpAjustaTamanho, "DFVEIVS.DAT", 1, true, plataforma::FalhaWin32(1117), 5});
+  EXPECT_EQ(Abre(), codigos::kArqErroFisico);
+  m_falhas.Desarma();
+  EXPECT_EQ(Abre(), codigos::kOk);
+  EXPECT_EQ(m_empresa.Le("DFVEIVS.DAT"), kVersao1);
+}
+
+/// A swap that fails leaves the old base and no journal, which would refuse what others add to it; one that only seems
+/// to have failed leaves the journal.
+TEST_F(Conversao, TrocaQueFalha) {
+  m_empresa.Escreve("DFVEIC.DAT", Base("0ab"));
+  m_falhas.Arma({apoio::kOpMove, "DFVEIC.DAT", 1, true, plataforma::FalhaWin32(5), {}});
+  EXPECT_EQ(Abre(), codigos::kTraNaoRenomeado);
+  m_falhas.Desarma();
+  EXPECT_EQ(m_empresa.Le("DFVEIC.DAT"), Base("0ab"));
+  EXPECT_FALSE(m_empresa.Existe("DFVEIC.TRA"));
+  EXPECT_FALSE(m_empresa.Existe("DFVEIVSD.TRA"));
+
+  class RespostaPerdida final : public apoio::ArquivosDecorado {
+  public:
+    using ArquivosDecorado::ArquivosDecorado;
+    plataforma::FalhaArquivo MoveSubstituindo(const CString &origem, const CString &destino) override {
+      const plataforma::FalhaArquivo falha = ArquivosDecorado::MoveSubstituindo(origem, destino);
+      const bool bBase = destino.find("DFVEIC.DAT") != CString::npos;
+      return falha || !bBase ? falha : plataforma::FalhaWin32(64);
+    }
+  } perdida(m_falhas);
+  {
+    const apoio::ServicosTrocados servicos(&perdida);
+    EXPECT_EQ(Abre(), codigos::kTraNaoRenomeado);
   }
-  EXPECT_EQ(falhas, 0);
-  EXPECT_EQ(m_empresa.Le("DFVEIC.DAT"), Base("abc"));
+  EXPECT_EQ(Abre(), codigos::kOk);
+  EXPECT_EQ(m_empresa.Le("DFVEIC.DAT"), Base("ab"));
 }
 
 }  // namespace

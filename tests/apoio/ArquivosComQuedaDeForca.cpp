@@ -1,0 +1,134 @@
+#include "tests/apoio/ArquivosComQuedaDeForca.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+#include "tests/apoio/PastaTemporaria.h"
+
+namespace apoio {
+
+using plataforma::Criacao;
+
+/// Notes what is written, and what of it was flushed.
+class ArquivosComQuedaDeForca::Arquivo final : public plataforma::IArquivoAberto {
+public:
+  Arquivo(ArquivosComQuedaDeForca &dono, std::shared_ptr<Conteudo> conteudo, std::unique_ptr<IArquivoAberto> base)
+      : m_dono(dono), m_conteudo(std::move(conteudo)), m_base(std::move(base)) {}
+
+  FalhaArquivo Le(std::uint64_t posicao, void *destino, std::size_t qtd) override {
+    return m_base->Le(posicao, destino, qtd);
+  }
+  FalhaArquivo Grava(std::uint64_t posicao, const void *origem, std::size_t qtd) override {
+    const bool bPelaMetade = m_dono.m_eQueda == Queda::DoProcesso && !m_dono.Caiu();
+    const FalhaArquivo queda = m_dono.Muda();
+    const std::size_t feitos = !queda ? qtd : bPelaMetade ? qtd / 2 : 0;
+    const FalhaArquivo falha = m_base->Grava(posicao, origem, feitos);
+    if (!falha && feitos != 0) {
+      const auto onde = static_cast<std::size_t>(posicao);
+      std::string &atual = m_conteudo->atual;
+      atual.resize(std::max(atual.size(), onde + feitos));
+      atual.replace(onde, feitos, static_cast<const char *>(origem), feitos);
+    }
+    return queda ? queda : falha;
+  }
+  FalhaArquivo Tamanho(std::uint64_t *tamanho) override { return m_base->Tamanho(tamanho); }
+  FalhaArquivo AjustaTamanho(std::uint64_t tamanho) override {
+    const FalhaArquivo queda = m_dono.Muda();
+    const FalhaArquivo falha = queda ? queda : m_base->AjustaTamanho(tamanho);
+    if (!falha) {
+      m_conteudo->atual.resize(static_cast<std::size_t>(tamanho));
+    }
+    return falha;
+  }
+  FalhaArquivo UltimaEscrita(std::uint64_t *ticks) override { return m_base->UltimaEscrita(ticks); }
+  /// The device is this object: to flush the real one would only take time.
+  FalhaArquivo Descarrega() override {
+    const FalhaArquivo queda = m_dono.Muda();
+    if (!queda) {
+      m_conteudo->descarregado = m_conteudo->atual;
+    }
+    return queda;
+  }
+
+private:
+  ArquivosComQuedaDeForca &m_dono;
+  std::shared_ptr<Conteudo> m_conteudo;
+  std::unique_ptr<IArquivoAberto> m_base;
+};
+
+void ArquivosComQuedaDeForca::Prepara(Queda eQueda, std::size_t n) {
+  m_eQueda = eQueda;
+  m_uiMudancas = 0;
+  m_uiLimite = n;
+}
+
+FalhaArquivo ArquivosComQuedaDeForca::Muda() {
+  ++m_uiMudancas;
+  return Caiu() ? plataforma::FalhaWin32(1117) : plataforma::kSemFalha;
+}
+
+FalhaArquivo ArquivosComQuedaDeForca::Abre(const CString &caminho, const plataforma::ModoAbertura &modo,
+                                           std::unique_ptr<plataforma::IArquivoAberto> *arquivo) {
+  arquivo->reset();
+  if (modo.criacao != Criacao::SoExistente) {
+    if (const FalhaArquivo queda = Muda()) {
+      return queda;
+    }
+  }
+  std::shared_ptr<Conteudo> conteudo;
+  if (const auto conhecido = m_conteudos.find(caminho); conhecido != m_conteudos.end()) {
+    conteudo = conhecido->second;
+  } else {
+    // Read before the open, which may empty the file.
+    const std::string bytes = ExisteNoDisco(caminho) ? LeArquivo(caminho) : "";
+    conteudo = std::make_shared<Conteudo>(Conteudo{bytes, bytes});
+  }
+  std::unique_ptr<plataforma::IArquivoAberto> base;
+  const FalhaArquivo falha = ArquivosDecorado::Abre(caminho, modo, &base);
+  if (!falha) {
+    if (modo.criacao == Criacao::CriaVazio) {
+      conteudo->atual.clear();
+    }
+    m_conteudos[caminho] = conteudo;
+    *arquivo = std::make_unique<Arquivo>(*this, std::move(conteudo), std::move(base));
+  }
+  return falha;
+}
+
+FalhaArquivo ArquivosComQuedaDeForca::Apaga(const CString &caminho) {
+  const FalhaArquivo queda = Muda();
+  const FalhaArquivo falha = queda ? queda : ArquivosDecorado::Apaga(caminho);
+  if (!falha) {
+    m_conteudos.erase(caminho);
+  }
+  return falha;
+}
+
+FalhaArquivo ArquivosComQuedaDeForca::MoveSubstituindo(const CString &origem, const CString &destino) {
+  const FalhaArquivo queda = Muda();
+  const FalhaArquivo falha = queda ? queda : ArquivosDecorado::MoveSubstituindo(origem, destino);
+  if (!falha) {
+    auto movido = m_conteudos.extract(origem);
+    m_conteudos.erase(destino);
+    if (movido) {
+      movido.key() = destino;
+      m_conteudos.insert(std::move(movido));
+    }
+  }
+  return falha;
+}
+
+void ArquivosComQuedaDeForca::CortaForca() {
+  if (std::any_of(m_conteudos.begin(), m_conteudos.end(), [](const auto &par) { return par.second.use_count() > 1; })) {
+    throw std::logic_error("a file is still open");
+  }
+  for (const auto &[caminho, conteudo] : m_conteudos) {
+    std::string &bytes = m_eQueda == Queda::DoProcesso ? conteudo->atual : conteudo->descarregado;
+    bytes.resize(m_eQueda == Queda::TamanhoPerdido ? bytes.size() : conteudo->atual.size());
+    EscreveArquivo(caminho, bytes);
+  }
+  m_conteudos.clear();
+}
+
+}  // namespace apoio

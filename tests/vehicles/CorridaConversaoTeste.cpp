@@ -1,0 +1,51 @@
+// Several processes that find a base of version 0 at once: it is converted once.
+
+#include <gtest/gtest.h>
+
+#include "tests/apoio/Corrida.h"
+#include "tests/vehicles/AmostraVeiculos.h"
+#include "vehicles/BaseVeiculos.h"
+
+namespace {
+
+HRESULT Abre(const CString &sEmpresa) {
+  CBaseVeiculos base;
+  const HRESULT hr = base.Inicializa(sEmpresa, 7, 42);
+  return Falhou(hr) ? hr : base.Finaliza();
+}
+
+int Participa(const std::vector<std::string> &argumentos) {
+  return apoio::Corrida::Corre(argumentos, [&](unsigned, unsigned *puiFeitos) {
+    const HRESULT hr = Abre(argumentos[0]);
+    *puiFeitos = Falhou(hr) ? 0 : 1;
+    return hr;
+  });
+}
+const apoio::RegistraFilha kFilha("corrida-de-conversoes", Participa);
+
+TEST(CorridaDeConversoes, SoOPrimeiroRegistroSaiEUmaVez) {
+  std::string letras;
+  std::multiset<std::string> veiculos;
+  for (char letra = '0'; letra < '0' + 50; ++letra) {
+    letras += letra;
+    veiculos.insert(Base({letra}));
+  }
+  veiculos.erase(Base("0"));
+  const apoio::EmpresaTeste empresa;
+  for (const unsigned uiProcessos : {2U, 4U}) {
+    apoio::Corrida corrida("corrida-de-conversoes", empresa, uiProcessos, "base of version 0");
+    while (corrida.Proxima()) {
+      empresa.Escreve("DFVEIC.DAT", Base(letras));
+      static_cast<void>(corrida.Roda());
+      corrida.ConfereRegistros("DFVEIC.DAT", 256, veiculos);
+      corrida.ConfereRegistros("DFVEIVS.DAT", 16, {kVersao1});
+      corrida.Conta("out of order", corrida.Dados("DFVEIC.DAT") != Base(letras.substr(1)));
+      corrida.ConferePasta({"DFVEIVS.DAT"});
+      if (const HRESULT hr = Abre(empresa.Codigo()); Falhou(hr)) {
+        corrida.Recusa(hr);
+      }
+    }
+  }
+}
+
+}  // namespace

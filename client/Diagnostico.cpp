@@ -11,6 +11,7 @@
 #include <type_traits>
 
 #include "client/Codificacao.h"
+#include "client/ProcessosServidor.h"
 #include "client/QZVeiculosCliente.h"
 #include "client/RegistroClasses.h"
 #include "client/Saida.h"
@@ -123,6 +124,22 @@ void ConfereBiblioteca(CRelatorio &relatorio) {
   relatorio.Bom("biblioteca de tipos ", Texto(biblioteca->sTexto) + ComRaiz(*biblioteca));
 }
 
+// The proxy that 32-bit programs load, from their own view of the classes; this one cannot load it.
+void ConfereProxy32(CRelatorio &relatorio) {
+  constexpr std::string_view kRotulo = "proxy de 32 bits ";
+  const std::wstring sVisao = L"Wow6432Node\\";
+  const std::wstring sInterface = sVisao + L"Interface\\" + TextoGuid(IID_IQZDF_Veiculos) + L"\\ProxyStubClsid32";
+  const std::optional<CValorClasse> interface_ = ProcuraClasse(sInterface);
+  if (!interface_) {
+    relatorio.Falha(kRotulo, Falta(sInterface));
+    return;
+  }
+  if (const auto proxy =
+          ConfereArquivo(relatorio, kRotulo, sVisao + L"CLSID\\" + interface_->sTexto + L"\\InProcServer32")) {
+    relatorio.Bom(kRotulo, Texto(proxy->sTexto) + ", versão "_pt + VersaoDoArquivo(proxy->sTexto) + ComRaiz(*proxy));
+  }
+}
+
 void ConfereProxy(CRelatorio &relatorio) {
   const std::wstring sInterface = L"Interface\\" + TextoGuid(IID_IQZDF_Veiculos) + L"\\ProxyStubClsid32";
   const std::optional<CValorClasse> interface_ = ProcuraClasse(sInterface);
@@ -173,9 +190,22 @@ void ConfereDiretorios(CRelatorio &relatorio, const std::string &sEmpresa) {
                    "DF de " + sSuite + "Empresas\\" + sEmpresa);
 }
 
+void ConfereProcessos(CRelatorio &relatorio) {
+  const CProcessosServidor processos = ContaProcessosServidor();
+  if (processos.uiMeus > 1) {
+    relatorio.Aviso("processos ", std::to_string(processos.uiMeus) +
+                                      " servidores desta conta e sessão: os que uma ativação simultânea deixou sem "
+                                      "cliente terminam em 30 segundos, os iniciados à mão ficam"_pt);
+  }
+  if (processos.Todos() > 1 && processos.uiOutros > 0) {
+    relatorio.Aviso("processos ", std::to_string(processos.uiOutros) +
+                                      " de outra conta, sessão ou elevação: cada uma tem o seu servidor, e só um abre "
+                                      "uma empresa"_pt);
+  }
+}
+
 void ConfereAtivacao(CRelatorio &relatorio) {
-  constexpr wchar_t kServidor[] = L"Kalvo.exe";
-  const bool bJaExecutava = QuantosProcessos(kServidor) != 0;
+  const bool bJaExecutava = ContaProcessosServidor().Todos() != 0;
   const CQZApartamento apartamento;
   CQZVeiculosHR veiculos;
   const auto tInicio = std::chrono::steady_clock::now();
@@ -187,12 +217,7 @@ void ConfereAtivacao(CRelatorio &relatorio) {
   }
   relatorio.Bom("ativação ", std::to_string(tempo.count()) + (bJaExecutava ? " ms (o servidor já estava em execução)"_pt
                                                                            : " ms (o servidor foi iniciado agora)"));
-  const unsigned uiProcessos = QuantosProcessos(kServidor);
-  if (uiProcessos > 1) {
-    relatorio.Aviso("processos ",
-                    std::to_string(uiProcessos) +
-                        " servidores em execução: cada conta e sessão tem o seu, e só um abre uma empresa"_pt);
-  }
+  ConfereProcessos(relatorio);
 }
 
 }  // namespace
@@ -204,6 +229,7 @@ bool Diagnostica(const std::string &sEmpresa) {
   ConfereServidor(relatorio);
   ConfereBiblioteca(relatorio);
   ConfereProxy(relatorio);
+  ConfereProxy32(relatorio);
   CRelatorio::Titulo("Diretórios"_pt);
   ConfereDiretorios(relatorio, sEmpresa);
   CRelatorio::Titulo("Ativação"_pt);

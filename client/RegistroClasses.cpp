@@ -1,7 +1,6 @@
 #include "client/RegistroClasses.h"
 
 #include <objbase.h>
-#include <tlhelp32.h>
 
 #include <array>
 #include <vector>
@@ -55,19 +54,4 @@ std::string VersaoDoArquivo(const std::wstring &sCaminho) {
   const auto &fixa = *static_cast<const VS_FIXEDFILEINFO *>(pFixa);
   return std::to_string(HIWORD(fixa.dwFileVersionMS)) + "." + std::to_string(LOWORD(fixa.dwFileVersionMS)) + "." +
          std::to_string(HIWORD(fixa.dwFileVersionLS)) + "." + std::to_string(LOWORD(fixa.dwFileVersionLS));
-}
-
-unsigned QuantosProcessos(const std::wstring &sNome) {
-  const HANDLE hRetrato = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
-  if (hRetrato == INVALID_HANDLE_VALUE) {
-    return 0;
-  }
-  unsigned uiQuantos = 0;
-  PROCESSENTRY32W processo{};
-  processo.dwSize = sizeof(processo);
-  for (BOOL bHa = Process32FirstW(hRetrato, &processo); bHa; bHa = Process32NextW(hRetrato, &processo)) {
-    uiQuantos += lstrcmpiW(processo.szExeFile, sNome.c_str()) == 0 ? 1U : 0U;
-  }
-  CloseHandle(hRetrato);
-  return uiQuantos;
 }

@@ -31,7 +31,4 @@ bool ExisteArquivo(const std::wstring &sCaminho);
 // "1.0.0.0"; empty for a file without version information.
 std::string VersaoDoArquivo(const std::wstring &sCaminho);
 
-// How many running processes have this program file name, in any letter case.
-unsigned QuantosProcessos(const std::wstring &sNome);
-
 #endif

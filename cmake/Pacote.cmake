@@ -5,6 +5,7 @@ set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 configure_file(exemplos/Kalvo-exemplo.reg ${CMAKE_BINARY_DIR}/Kalvo-exemplo.reg @ONLY NEWLINE_STYLE CRLF)
 
 install(TARGETS Kalvo QZDF_VeiculosPS veiculos RUNTIME DESTINATION .)
+install(FILES ${KALVO_PROXY_X86} DESTINATION x86)
 install(FILES ${KALVO_TLB} ${CMAKE_BINARY_DIR}/Kalvo-exemplo.reg DESTINATION .)
 install(
   FILES client/QZVeiculosCliente.h

@@ -14,11 +14,11 @@ void CChamadaServico::CedeProcessador() {
   Sleep(0);
 }
 
-HRESULT CChamadaServico::Guarda(CorpoSEH corpo, void *pContexto) const {
+HRESULT CChamadaServico::Guarda(CorpoSEH corpo, void *pContexto, const plataforma::AbandonoSEH &abandono) const {
   HRESULT hr = 0;
   const char *lpExpressao = "pfInSEHFuncao()";
   try {
-    hr = ChamaSEH(corpo, pContexto);
+    hr = ChamaSEH(corpo, pContexto, abandono);
   } catch (...) {
     hr = QZTranslateThrownExceptionToHresult();
     lpExpressao = "QZTranslateThrownExceptionToHresult()";

@@ -41,15 +41,25 @@ public:
   /// Runs `corpo`, a callable that returns HRESULT, under the guard.
   template <class Corpo>
   HRESULT Guarda(Corpo &&corpo) const {
-    using Tipo = std::remove_reference_t<Corpo>;
-    return Guarda([](void *pContexto) -> HRESULT { return (*static_cast<Tipo *>(pContexto))(); }, &corpo);
+    return Guarda(corpo, [] {});
+  }
+
+  /// The same; `abandona` lets go of what stands outside the guard when somebody further out, such as the component
+  /// platform, takes an exception that the guard lets pass, and goes on without ever coming back here. It must not
+  /// throw.
+  template <class Corpo, class Abandona>
+  HRESULT Guarda(Corpo &&corpo, Abandona &&abandona) const {
+    using TipoCorpo = std::remove_reference_t<Corpo>;
+    using TipoAbandona = std::remove_reference_t<Abandona>;
+    return Guarda([](void *pContexto) -> HRESULT { return (*static_cast<TipoCorpo *>(pContexto))(); }, &corpo,
+                  {[](void *pContexto) { (*static_cast<TipoAbandona *>(pContexto))(); }, &abandona});
   }
 
 private:
   /// Every operation yields once on entry.
   static void CedeProcessador();
 
-  HRESULT Guarda(CorpoSEH corpo, void *pContexto) const;
+  HRESULT Guarda(CorpoSEH corpo, void *pContexto, const plataforma::AbandonoSEH &abandono) const;
   void Rastreia(HRESULT hr, const char *lpExpressao) const;
 
   const IQZDF_Profiler &m_profiler;

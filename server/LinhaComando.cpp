@@ -1,6 +1,7 @@
 #include "server/LinhaComando.h"
 
 #include <cstring>
+#include <optional>
 #include <string_view>
 
 namespace {
@@ -33,19 +34,35 @@ bool MesmaPalavra(std::string_view palavra, std::string_view minuscula) {
   return true;
 }
 
-}  // namespace
-
-Comando LeLinhaComando(const char *lpLinha) {
+/// The first word behind a '-' or '/' for which `casa` answers something; what it answers, or `senao`.
+template <class Resposta, class Casa>
+Resposta Procura(const char *lpLinha, Resposta senao, Casa casa) {
   const char *lp = lpLinha == nullptr ? "" : lpLinha;
   while ((lp = std::strpbrk(lp, "-/")) != nullptr) {
     ++lp;
     // A quote ends a word too: some launchers quote every argument.
-    const std::string_view palavra(lp, std::strcspn(lp, " \t\""));
+    if (const std::optional<Resposta> resposta = casa(std::string_view(lp, std::strcspn(lp, " \t\"")))) {
+      return *resposta;
+    }
+  }
+  return senao;
+}
+
+}  // namespace
+
+Comando LeLinhaComando(const char *lpLinha) {
+  return Procura(lpLinha, Comando::Serve, [](std::string_view palavra) -> std::optional<Comando> {
     for (const Chave &chave : kChaves) {
       if (MesmaPalavra(palavra, chave.palavra)) {
         return chave.comando;
       }
     }
-  }
-  return Comando::Serve;
+    return std::nullopt;
+  });
+}
+
+bool IniciadoParaCliente(const char *lpLinha) {
+  return Procura(lpLinha, false, [](std::string_view palavra) {
+    return MesmaPalavra(palavra, "embedding") ? std::optional(true) : std::nullopt;
+  });
 }

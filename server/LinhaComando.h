@@ -11,7 +11,10 @@ enum class Comando {
 };
 
 /// Compares each word that follows a '-' or '/' with the switches, whole and without regard to letter case; the first
-/// that matches decides. Other words ("-Embedding") mean nothing. Null is an empty line.
+/// that matches decides. Other words mean nothing. Null is an empty line.
 Comando LeLinhaComando(const char *lpLinha);
+
+/// True when the words of a line say that the component platform started the process for a client ("-Embedding").
+bool IniciadoParaCliente(const char *lpLinha);
 
 #endif

@@ -13,6 +13,7 @@
 #include "server/MonitorEncerramento.h"
 #include "server/RegistroServidor.h"
 #include "server/SaidaErro.h"
+#include "server/TratamentoExcecoes.h"
 
 namespace {
 
@@ -75,6 +76,7 @@ int CKalvoModule::Executa(const char *lpLinhaComando) {
     return -1;
   }
   const CApartamento apartamento;
+  DesligaTratamentoDeExcecoes();
   HRESULT hr = DefineSeguranca();
   if (FAILED(hr)) {
     RelataFalha(
@@ -87,6 +89,7 @@ int CKalvoModule::Executa(const char *lpLinhaComando) {
   if (eComando != Comando::Serve) {
     return ExecutaRegistro(eComando);
   }
+  m_msPrimeiroUso = IniciadoParaCliente(lpLinhaComando) ? kTempoPrimeiroUso : INFINITE;
   try {
     hr = Serve();
   } catch (...) {
@@ -120,7 +123,7 @@ HRESULT CKalvoModule::Atende() {
     MSG mensagem;
     PeekMessageA(&mensagem, nullptr, WM_USER, WM_USER, PM_NOREMOVE);  // makes the queue that the monitor posts to
     do {
-      const CMonitorEncerramento monitor(m_contagem, GetCurrentThreadId());
+      const CMonitorEncerramento monitor(m_contagem, GetCurrentThreadId(), m_msPrimeiroUso);
       const HRESULT hr = CoResumeClassObjects();
       if (FAILED(hr)) {
         return hr;

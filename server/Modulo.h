@@ -18,6 +18,7 @@ private:
 
   CContagemModulo &m_contagem = CContagemModulo::DoProcesso();
   CClasseVeiculos m_classe;
+  DWORD m_msPrimeiroUso = 0;  ///< how long the process waits for its first object
 };
 
 #endif

@@ -2,8 +2,11 @@
 
 #include <objbase.h>
 
-CMonitorEncerramento::CMonitorEncerramento(CContagemModulo &contagem, DWORD idPrincipal)
-    : m_contagem(contagem), m_idPrincipal(idPrincipal), m_hParar(CreateEventA(nullptr, TRUE, FALSE, nullptr)) {
+CMonitorEncerramento::CMonitorEncerramento(CContagemModulo &contagem, DWORD idPrincipal, DWORD msPrimeiroUso)
+    : m_contagem(contagem),
+      m_idPrincipal(idPrincipal),
+      m_msPrimeiroUso(msPrimeiroUso),
+      m_hParar(CreateEventA(nullptr, TRUE, FALSE, nullptr)) {
   if (m_hParar == nullptr) {
     throw HRESULT_FROM_WIN32(GetLastError());
   }
@@ -28,9 +31,10 @@ CMonitorEncerramento::Espera CMonitorEncerramento::EsperaZerar(DWORD ms) const {
   }
 }
 
-/// Waits until the count fell to zero and kTempoSemUso passed without its falling again; false when told to stop.
-bool CMonitorEncerramento::EsperaSemUso() const {
-  Espera resultado = EsperaZerar(INFINITE);
+/// Waits until the count fell to zero and kTempoSemUso passed without its falling again, or until it did not fall
+/// within `msZerar`; false when told to stop.
+bool CMonitorEncerramento::EsperaSemUso(DWORD msZerar) const {
+  Espera resultado = EsperaZerar(msZerar);
   while (resultado == Espera::Zerou) {
     m_contagem.LimpaAtividade();
     resultado = EsperaZerar(kTempoSemUso);
@@ -39,7 +43,7 @@ bool CMonitorEncerramento::EsperaSemUso() const {
 }
 
 void CMonitorEncerramento::Executa() const {
-  while (EsperaSemUso()) {
+  for (DWORD msZerar = m_msPrimeiroUso; EsperaSemUso(msZerar); msZerar = INFINITE) {
     if (m_contagem.EmUso()) {
       continue;
     }

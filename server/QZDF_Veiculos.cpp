@@ -37,7 +37,7 @@ HRESULT CopiaTexto(LPCWSTR lpTexto, CString &sCopia) {
   }
 }
 
-/// Holds the register's lifecycle lock for one call; nothing to hold without a register.
+/// Holds the register's lifecycle lock until Solta; nothing to hold without a register.
 class CTravaCicloDeVida {
 public:
   CTravaCicloDeVida(CBaseVeiculos *pBase, bool bExclusivo) {
@@ -46,6 +46,12 @@ public:
     } else if (pBase != nullptr) {
       m_compartilhada = std::shared_lock(pBase->TravaCicloDeVida());
     }
+  }
+
+  /// Lets go before the end of the scope.
+  void Solta() noexcept {
+    m_exclusiva = {};
+    m_compartilhada = {};
   }
 
 private:
@@ -84,7 +90,8 @@ HRESULT CQZDF_Veiculos::Cria(IUnknown *pExterno, REFIID riid, void **ppv) {
   HRESULT hr = pObjeto->m_hrConstruct;
   if (!Falhou(hr)) {
     if (pExterno == nullptr) {
-      pObjeto->m_vigia.ObservaCriacao();
+      pObjeto->m_vigia.Comeca();
+      pObjeto->m_vigia.Observa();
     }
     hr = pObjeto->m_interno.QueryInterface(riid, ppv);
   }
@@ -164,31 +171,39 @@ IUnknown *CQZDF_Veiculos::SeguraSeVivo() {
   return nullptr;
 }
 
+void CQZDF_Veiculos::PerdeRegistro() {
+  std::shared_ptr<CBaseVeiculos> spPerdida = m_spBase.exchange(nullptr);
+  SoltaBase(spPerdida);
+}
+
 template <class Formata, class Zera, class Corpo>
 HRESULT CQZDF_Veiculos::Opera(const IQZDF_Profiler &profiler, const NomeOperacao &nome, Acesso eAcesso,
                               const Formata &formata, Zera &&zera, Corpo &&corpo) {
-  const CChamadaServico chamada(profiler, nome, "hr", formata);
   // A reference of this call's own: another call that meets a fault may drop the object's at any moment.
   std::shared_ptr<CBaseVeiculos> spBase = m_spBase.load();
-  HRESULT hr = 0;
   try {
-    if (m_pExterno == &m_interno) {
-      m_vigia.Observa();
-    }
-    const CTravaCicloDeVida trava(spBase.get(), eAcesso == Acesso::Exclusivo);
-    hr = chamada.Guarda([&]() -> HRESULT {
+    m_vigia.Observa();
+    CTravaCicloDeVida trava(spBase.get(), eAcesso == Acesso::Exclusivo);
+    // Under the lock: the records of the call name the company that it works on, which Inicializa changes.
+    const CChamadaServico chamada(profiler, nome, "hr", formata);
+    auto guardado = [&]() -> HRESULT {
       zera();
       return spBase != nullptr ? corpo(*spBase) : kSemRegistro;
+    };
+    const HRESULT hr = chamada.Guarda(guardado, [&] {
+      trava.Solta();
+      PerdeRegistro();
+      SoltaBase(spBase);
     });
+    trava.Solta();
+    if (EhErroSEH(hr)) {
+      PerdeRegistro();
+    }
+    SoltaBase(spBase);
+    return hr;
   } catch (...) {
-    hr = QZTranslateThrownExceptionToHresult();
+    return QZTranslateThrownExceptionToHresult();
   }
-  if (EhErroSEH(hr)) {
-    std::shared_ptr<CBaseVeiculos> spPerdida = m_spBase.exchange(nullptr);
-    SoltaBase(spPerdida);
-  }
-  SoltaBase(spBase);
-  return hr;
 }
 
 template <class Zera, class Corpo>

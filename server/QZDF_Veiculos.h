@@ -66,6 +66,9 @@ private:
 
   IUnknown *SeguraSeVivo() override;
 
+  /// Takes the object's register away, whose state can no longer be trusted.
+  void PerdeRegistro();
+
   template <class Formata, class Zera, class Corpo>
   HRESULT Opera(const IQZDF_Profiler &profiler, const NomeOperacao &nome, Acesso eAcesso, const Formata &formata,
                 Zera &&zera, Corpo &&corpo);

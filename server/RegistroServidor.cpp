@@ -25,6 +25,7 @@ namespace {
 
 constexpr wchar_t kClasses[] = L"Software\\Classes\\";
 constexpr wchar_t kProxy[] = L"QZDF_VeiculosPS.dll";
+constexpr wchar_t kProxy32[] = L"x86\\QZDF_VeiculosPS.dll";
 
 std::wstring CaminhoDoExecutavel() {
   std::vector<wchar_t> caminho(MAX_PATH);
@@ -53,7 +54,9 @@ public:
       : m_bPorUsuario(bPorUsuario),
         m_hRaiz(bPorUsuario ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE),
         m_sExecutavel(CaminhoDoExecutavel()),
-        m_sProxy(m_sExecutavel.substr(0, m_sExecutavel.find_last_of(L'\\') + 1) + kProxy) {}
+        m_sPasta(m_sExecutavel.substr(0, m_sExecutavel.find_last_of(L'\\') + 1)),
+        m_sProxy(m_sPasta + kProxy),
+        m_sProxy32(m_sPasta + kProxy32) {}
 
   HRESULT Registra() {
     HRESULT hr = Carrega();
@@ -90,6 +93,10 @@ private:
     if (!m_hProxy) {
       return Relata("carregar", m_sProxy, HRESULT_FROM_WIN32(GetLastError()));
     }
+    // This process cannot load it.
+    if (GetFileAttributesW(m_sProxy32.c_str()) == INVALID_FILE_ATTRIBUTES) {
+      return Relata("encontrar", m_sProxy32, HRESULT_FROM_WIN32(GetLastError()));
+    }
     ITypeLib *pBiblioteca = nullptr;
     const HRESULT hr = LoadTypeLibEx(m_sExecutavel.c_str(), REGKIND_NONE, &pBiblioteca);
     m_spBiblioteca.reset(pBiblioteca);
@@ -103,7 +110,8 @@ private:
       hr = FAILED(hr) ? hr : RegistraProxy();
     }
     // Also after the DLL's own registration, which may leave out what it cannot write without saying so.
-    return FAILED(hr) ? hr : GravaValores(ValoresDoProxy(m_sProxy));
+    hr = FAILED(hr) ? hr : GravaValores(ValoresDoProxy(Visao::De64Bits, m_sProxy));
+    return FAILED(hr) ? hr : GravaValores(ValoresDoProxy(Visao::De32Bits, m_sProxy32));
   }
 
   HRESULT Relata(const CString &operacao, const std::wstring &alvo, HRESULT hr) const {
@@ -172,7 +180,9 @@ private:
   bool m_bPorUsuario;
   HKEY m_hRaiz;
   std::wstring m_sExecutavel;
+  std::wstring m_sPasta;
   std::wstring m_sProxy;
+  std::wstring m_sProxy32;
   Modulo m_hProxy;
   Biblioteca m_spBiblioteca;
 };

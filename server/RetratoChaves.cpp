@@ -30,7 +30,7 @@ CRetratoChaves::CRetratoChaves(HKEY hRaiz, const std::vector<std::wstring> &chav
 bool CRetratoChaves::Restaura() const {
   bool bTudo = true;
   for (const auto &[chave, ramo] : m_chaves) {
-    bTudo = Poe(m_hRaiz, chave, ramo) && bTudo;
+    bTudo = Poe(chave, ramo, Le(m_hRaiz, chave)) && bTudo;
   }
   return bTudo;
 }
@@ -84,50 +84,49 @@ void CRetratoChaves::LeFilhos(HKEY hChave, Ramo &ramo) {
   }
 }
 
-bool CRetratoChaves::Poe(HKEY hPai, const std::wstring &chave, const Ramo &antes) {
-  if (antes.eSituacao == Situacao::Ilegivel) {
+bool CRetratoChaves::Poe(const std::wstring &chave, const Ramo &antes, const Ramo &agora) const {
+  if (antes.eSituacao == Situacao::Ilegivel || agora == antes) {
     return true;
   }
   if (antes.eSituacao == Situacao::Ausente) {
-    return Apaga(hPai, chave);
+    return Apaga(m_hRaiz, chave);
   }
+  const bool bMudou = agora.eSituacao != Situacao::Presente || agora.valores != antes.valores;
+  const bool bValores = !bMudou || PoeValores(chave, antes, agora);
+  return PoeFilhos(chave, antes, agora) && bValores;
+}
+
+bool CRetratoChaves::PoeValores(const std::wstring &chave, const Ramo &antes, const Ramo &agora) const {
   HKEY h = nullptr;
-  if (RegCreateKeyExW(hPai, chave.c_str(), 0, nullptr, 0, KEY_READ | KEY_WRITE, nullptr, &h, nullptr) !=
-      ERROR_SUCCESS) {
+  if (RegCreateKeyExW(m_hRaiz, chave.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &h, nullptr) != ERROR_SUCCESS) {
     return false;
   }
   const Chave spChave(h);
-  Ramo agora;
-  LeValores(h, agora);
-  LeFilhos(h, agora);
-  const bool bValores = PoeValores(h, antes, agora);
-  return PoeFilhos(h, antes, agora) && bValores;
-}
-
-bool CRetratoChaves::PoeValores(HKEY hChave, const Ramo &antes, const Ramo &agora) {
   bool bTudo = true;
   for (const auto &[nome, valor] : agora.valores) {
     if (antes.valores.count(nome) == 0) {
-      bTudo = RegDeleteValueW(hChave, nome.c_str()) == ERROR_SUCCESS && bTudo;
+      bTudo = RegDeleteValueW(h, nome.c_str()) == ERROR_SUCCESS && bTudo;
     }
   }
   for (const auto &[nome, valor] : antes.valores) {
-    bTudo = RegSetValueExW(hChave, nome.c_str(), 0, valor.dwTipo, valor.dados.data(),
+    bTudo = RegSetValueExW(h, nome.c_str(), 0, valor.dwTipo, valor.dados.data(),
                            static_cast<DWORD>(valor.dados.size())) == ERROR_SUCCESS &&
             bTudo;
   }
   return bTudo;
 }
 
-bool CRetratoChaves::PoeFilhos(HKEY hChave, const Ramo &antes, const Ramo &agora) {
+bool CRetratoChaves::PoeFilhos(const std::wstring &chave, const Ramo &antes, const Ramo &agora) const {
+  const std::wstring sPrefixo = chave + L"\\";
   bool bTudo = true;
   for (const auto &[nome, ramo] : agora.filhos) {
     if (antes.filhos.count(nome) == 0) {
-      bTudo = Apaga(hChave, nome) && bTudo;
+      bTudo = Apaga(m_hRaiz, sPrefixo + nome) && bTudo;
     }
   }
   for (const auto &[nome, ramo] : antes.filhos) {
-    bTudo = Poe(hChave, nome, ramo) && bTudo;
+    const auto presente = agora.filhos.find(nome);
+    bTudo = Poe(sPrefixo + nome, ramo, presente != agora.filhos.end() ? presente->second : Ramo()) && bTudo;
   }
   return bTudo;
 }

@@ -15,28 +15,34 @@ public:
   /// that cannot be read is left alone by Restaura.
   CRetratoChaves(HKEY hRaiz, const std::vector<std::wstring> &chaves);
 
-  /// Makes the keys hold what they held: removes what has come, writes back what was changed or has gone. False when
-  /// something could not be put back; the rest is then put back all the same.
+  /// Makes the keys hold what they held: removes what has come, writes back what was changed or has gone, and touches
+  /// nothing else, so that it needs no right to write where nothing was written. False when something could not be put
+  /// back; the rest is then put back all the same.
   bool Restaura() const;
 
 private:
   struct Valor {
     DWORD dwTipo;
     std::vector<BYTE> dados;
+
+    bool operator==(const Valor &) const = default;
   };
   enum class Situacao { Ausente, Presente, Ilegivel };
   struct Ramo {
     Situacao eSituacao = Situacao::Ausente;
     std::map<std::wstring, Valor> valores;
     std::map<std::wstring, Ramo> filhos;
+
+    bool operator==(const Ramo &) const = default;
   };
 
   static Ramo Le(HKEY hPai, const std::wstring &chave);
   static void LeValores(HKEY hChave, Ramo &ramo);
   static void LeFilhos(HKEY hChave, Ramo &ramo);
-  static bool Poe(HKEY hPai, const std::wstring &chave, const Ramo &antes);
-  static bool PoeValores(HKEY hChave, const Ramo &antes, const Ramo &agora);
-  static bool PoeFilhos(HKEY hChave, const Ramo &antes, const Ramo &agora);
+  /// Makes the key at a path hold `antes`; it holds `agora`.
+  bool Poe(const std::wstring &chave, const Ramo &antes, const Ramo &agora) const;
+  bool PoeValores(const std::wstring &chave, const Ramo &antes, const Ramo &agora) const;
+  bool PoeFilhos(const std::wstring &chave, const Ramo &antes, const Ramo &agora) const;
 
   HKEY m_hRaiz;
   std::map<std::wstring, Ramo> m_chaves;

@@ -30,12 +30,17 @@ std::wstring ChaveClasse() {
   return L"CLSID\\" + TextoGuid(CLSID_CQZDF_Veiculos);
 }
 
-std::wstring ChaveProxy() {
-  return L"CLSID\\" + TextoGuid(kClsidProxy);
+/// Where a view of the classes stands below their root.
+std::wstring Prefixo(Visao eVisao) {
+  return eVisao == Visao::De32Bits ? L"Wow6432Node\\" : L"";
 }
 
-std::wstring ChaveInterface() {
-  return L"Interface\\" + TextoGuid(IID_IQZDF_Veiculos);
+std::wstring ChaveProxy(Visao eVisao) {
+  return Prefixo(eVisao) + L"CLSID\\" + TextoGuid(kClsidProxy);
+}
+
+std::wstring ChaveInterface(Visao eVisao) {
+  return Prefixo(eVisao) + L"Interface\\" + TextoGuid(IID_IQZDF_Veiculos);
 }
 
 std::wstring ChaveTodasAsBibliotecas() {
@@ -67,20 +72,28 @@ std::vector<ValorRegistro> ValoresDoServidor(const std::wstring &sExecutavel) {
   };
 }
 
-std::vector<ValorRegistro> ValoresDoProxy(const std::wstring &sProxy) {
-  const std::wstring servidor = ChaveProxy() + L"\\InProcServer32";
+std::vector<ValorRegistro> ValoresDoProxy(Visao eVisao, const std::wstring &sProxy) {
+  const std::wstring interface_ = ChaveInterface(eVisao);
+  const std::wstring servidor = ChaveProxy(eVisao) + L"\\InProcServer32";
   return {
-      {ChaveInterface(), L"", kNomeInterface},
-      {ChaveInterface() + L"\\ProxyStubClsid32", L"", TextoGuid(kClsidProxy)},
-      {ChaveInterface() + L"\\NumMethods", L"", kMetodos},
-      {ChaveProxy(), L"", L"PSFactoryBuffer"},
+      {interface_, L"", kNomeInterface},
+      {interface_ + L"\\ProxyStubClsid32", L"", TextoGuid(kClsidProxy)},
+      {interface_ + L"\\NumMethods", L"", kMetodos},
+      {ChaveProxy(eVisao), L"", L"PSFactoryBuffer"},
       {servidor, L"", sProxy},
       {servidor, L"ThreadingModel", L"Both"},
   };
 }
 
 std::vector<std::wstring> ChavesRemovidas() {
-  return {ChaveInterface(), ChaveProxy(), ChaveClasse(), kProgIdSemVersao, kProgId, L"AppID\\Kalvo.EXE"};
+  return {ChaveInterface(Visao::De32Bits),
+          ChaveProxy(Visao::De32Bits),
+          ChaveInterface(Visao::De64Bits),
+          ChaveProxy(Visao::De64Bits),
+          ChaveClasse(),
+          kProgIdSemVersao,
+          kProgId,
+          L"AppID\\Kalvo.EXE"};
 }
 
 std::vector<std::wstring> ChavesTocadas() {

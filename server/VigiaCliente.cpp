@@ -2,100 +2,116 @@
 
 #include <objbase.h>
 
+#include <algorithm>
 #include <mutex>
 #include <new>
+#include <vector>
+
+#include "server/EsperaProcesso.h"
 
 namespace {
 
-using ConsultaPid = LONG(WINAPI *)(void *hLigacao, unsigned long *pPid);
+/// Time for the first call of a process that took the object over from the last one known, in milliseconds.
+constexpr DWORD kPrimeiraChamada = 3000;
 
-/// Process that makes the call which this thread is serving; 0 when it serves none. Looked up by name: the routine is
-/// exported by the runtime without a promise that it stays.
-unsigned long PidDoCliente() {
-  static const auto consulta = reinterpret_cast<ConsultaPid>(
-      reinterpret_cast<void *>(GetProcAddress(GetModuleHandleA("rpcrt4.dll"), "I_RpcBindingInqLocalClientPID")));
-  unsigned long pid = 0;
-  return consulta != nullptr && consulta(nullptr, &pid) == RPC_S_OK ? pid : 0;
+void *Exportada(const char *lpBiblioteca, const char *lpFuncao) {
+  return reinterpret_cast<void *>(GetProcAddress(GetModuleHandleA(lpBiblioteca), lpFuncao));
+}
+
+/// True when the component platform releases by itself what dead clients held.
+bool PlataformaRecolhe() {
+  static const bool s_bRecolhe = Exportada("ntdll.dll", "wine_get_version") == nullptr;
+  return s_bRecolhe;
 }
 
 }  // namespace
 
-class CEsperaCliente {
-public:
-  /// Takes over the handle of the process, unless it throws.
-  CEsperaCliente(IObjetoVigiado &objeto, HANDLE hProcesso)
-      : m_hProcesso(hProcesso), m_spEstado(std::make_shared<Estado>()), m_pReferencia(new Referencia(m_spEstado)) {
-    m_spEstado->pObjeto = &objeto;
-    if (!RegisterWaitForSingleObject(&m_hEspera, m_hProcesso, AoTerminar, m_pReferencia, INFINITE,
-                                     WT_EXECUTEONLYONCE | WT_EXECUTELONGFUNCTION)) {
-      m_hEspera = nullptr;
-      delete m_pReferencia;
+/// Shared with the waits, which may outlive the watch for a moment.
+struct CVigiaCliente::Estado {
+  std::mutex mutex;
+  IObjetoVigiado *pObjeto;  // null once the watch is gone
+  std::vector<std::unique_ptr<CEsperaProcesso>> chamadores;
+
+  /// True when every caller has ended; false when none is known. Under the mutex.
+  bool TodosTerminaram() const {
+    return !chamadores.empty() && std::all_of(chamadores.begin(), chamadores.end(),
+                                              [](const auto &spChamador) { return spChamador->Terminou(); });
+  }
+
+  /// The object, to be disconnected, or null when somebody may still hold it.
+  IUnknown *Abandonado() {
+    const std::lock_guard<std::mutex> trava(mutex);
+    return pObjeto != nullptr && TodosTerminaram() ? pObjeto->SeguraSeVivo() : nullptr;
+  }
+
+  /// On a thread of the pool, when one of the callers has ended.
+  void AoTerminar() {
+    if (!AlguemVive()) {
+      Sleep(kPrimeiraChamada);
+      if (IUnknown *pVivo = Abandonado()) {
+        CoDisconnectObject(pVivo, 0);
+        pVivo->Release();
+      }
     }
   }
 
-  ~CEsperaCliente() {
-    {
-      const std::lock_guard<std::mutex> trava(m_spEstado->mutex);
-      m_spEstado->pObjeto = nullptr;
-    }
-    // Without waiting for the callback: it may be this very thread, or one that waits for a lock this thread holds.
-    // When the answer is that no callback is outstanding, it either ran to its end or never will.
-    if (m_hEspera != nullptr && UnregisterWaitEx(m_hEspera, nullptr) && !m_spEstado->bDisparou.load()) {
-      delete m_pReferencia;
-    }
-    CloseHandle(m_hProcesso);
+  bool AlguemVive() {
+    const std::lock_guard<std::mutex> trava(mutex);
+    return !TodosTerminaram();
   }
-  CEsperaCliente(const CEsperaCliente &) = delete;
-  CEsperaCliente &operator=(const CEsperaCliente &) = delete;
-
-private:
-  /// Shared with the waiting thread, which may run while the wait is being destroyed.
-  struct Estado {
-    std::mutex mutex;
-    IObjetoVigiado *pObjeto;  // null once the wait is gone
-    std::atomic<bool> bDisparou{false};
-  };
-  using Referencia = std::shared_ptr<Estado>;
-
-  static void CALLBACK AoTerminar(void *pReferencia, BOOLEAN /*bTempo*/) {
-    const std::unique_ptr<Referencia> spReferencia(static_cast<Referencia *>(pReferencia));
-    Estado &estado = **spReferencia;
-    estado.bDisparou.store(true);
-    IUnknown *pVivo = nullptr;
-    {
-      const std::lock_guard<std::mutex> trava(estado.mutex);
-      pVivo = estado.pObjeto != nullptr ? estado.pObjeto->SeguraSeVivo() : nullptr;
-    }
-    if (pVivo != nullptr) {
-      CoDisconnectObject(pVivo, 0);
-      pVivo->Release();
-    }
-  }
-
-  HANDLE m_hProcesso;
-  HANDLE m_hEspera = nullptr;
-  Referencia m_spEstado;
-  Referencia *m_pReferencia;  // belongs to the callback once that has begun
 };
 
-CVigiaCliente::CVigiaCliente(IObjetoVigiado &objeto) : m_objeto(objeto) {}
-
-CVigiaCliente::~CVigiaCliente() = default;
+CVigiaCliente::~CVigiaCliente() {
+  if (m_spEstado != nullptr) {
+    const std::lock_guard<std::mutex> trava(m_spEstado->mutex);
+    m_spEstado->pObjeto = nullptr;
+    m_spEstado->chamadores.clear();
+  }
+}
 
 void CVigiaCliente::Comeca() noexcept {
-  const unsigned long ulPid = PidDoCliente();
-  if (ulPid == 0 || ulPid == GetCurrentProcessId() || ulPid == m_ulPid) {
-    return;
-  }
-  m_spEspera.reset();
-  m_ulPid = ulPid;
-  const HANDLE hProcesso = OpenProcess(SYNCHRONIZE, FALSE, ulPid);
-  if (hProcesso == nullptr) {
+  if (PlataformaRecolhe()) {
     return;
   }
   try {
-    m_spEspera = std::make_unique<CEsperaCliente>(m_objeto, hProcesso);
+    m_spEstado = std::make_shared<Estado>();
+    m_spEstado->pObjeto = &m_objeto;
+    m_bVigia = true;
   } catch (const std::bad_alloc &) {
-    CloseHandle(hProcesso);
+    // Nobody is watched.
   }
+}
+
+/// The routine is looked up by name: it is exported by the runtime without a promise that it stays. The documented one,
+/// RpcServerInqCallAttributes, raises an exception on the only platform where this runs.
+DWORD CVigiaCliente::ProcessoQueChama() noexcept {
+  using Consulta = LONG(WINAPI *)(void *hLigacao, unsigned long *pPid);
+  static const auto consulta = reinterpret_cast<Consulta>(Exportada("rpcrt4.dll", "I_RpcBindingInqLocalClientPID"));
+  unsigned long ulPid = 0;
+  return consulta != nullptr && consulta(nullptr, &ulPid) == RPC_S_OK ? ulPid : 0;
+}
+
+void CVigiaCliente::Conhece(DWORD idProcesso) noexcept {
+  const std::lock_guard<std::mutex> trava(m_spEstado->mutex);
+  auto &chamadores = m_spEstado->chamadores;
+  const auto mesmo = [idProcesso](const auto &spChamador) { return spChamador->IdProcesso() == idProcesso; };
+  if (!m_bVigia || std::any_of(chamadores.begin(), chamadores.end(), mesmo)) {
+    m_idUltimo = idProcesso;
+    return;
+  }
+  try {
+    auto spNovo = idProcesso != 0 && idProcesso != GetCurrentProcessId()
+                      ? CEsperaProcesso::Comeca(idProcesso, [spEstado = m_spEstado] { spEstado->AoTerminar(); })
+                      : nullptr;
+    if (spNovo != nullptr) {
+      std::erase_if(chamadores, [](const auto &spChamador) { return spChamador->Terminou(); });
+      chamadores.push_back(std::move(spNovo));
+      m_idUltimo = idProcesso;
+      return;
+    }
+  } catch (...) {
+    // As when the system does not allow the wait.
+  }
+  m_bVigia = false;
+  chamadores.clear();
 }

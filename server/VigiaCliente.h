@@ -8,7 +8,7 @@
 #include <atomic>
 #include <memory>
 
-/// A component object whose client is watched.
+/// A component object whose clients are watched.
 class IObjetoVigiado {
 public:
   /// A new reference to the object, or null when its last reference has already gone. Any thread may call.
@@ -18,41 +18,52 @@ protected:
   ~IObjetoVigiado() = default;
 };
 
-/// The wait for the end of one process, after which all references that other processes hold on an object are released.
-class CEsperaCliente;
-
-/// Releases the references that a client process held on an object when that process ends without releasing them. The
-/// component platform finds such clients late or not at all, and the server would stay for ever.
+/// Releases the references on an object that client processes left behind by ending without a release, on a component
+/// platform that never does so itself (Wine's): the server would stay for ever. On Windows it does nothing, because the
+/// platform knows better: it sees every process that holds a reference, this class only those that call.
 ///
-/// The process that has the object created is taken for its client until the first call shows who the client is: the
-/// platform may create objects through a process of its own. Other processes to which the client hands the object lose
-/// their references with it. A watch that the system cannot provide is done without.
+/// References cannot be released for one process alone, so nothing happens before every process that ever called the
+/// object has ended. A process to which the object was handed and that has not called it yet is given a moment for its
+/// first call; one that holds it silently for longer than the last caller lives loses it. When a caller's process
+/// cannot be told or watched, the object is not watched any more.
 class CVigiaCliente {
 public:
-  explicit CVigiaCliente(IObjetoVigiado &objeto);
+  explicit CVigiaCliente(IObjetoVigiado &objeto) : m_objeto(objeto) {}
   /// After destruction the object is not touched again. May run on the thread that releases the references.
   ~CVigiaCliente();
   CVigiaCliente(const CVigiaCliente &) = delete;
   CVigiaCliente &operator=(const CVigiaCliente &) = delete;
 
-  /// Called while the object is being created, before anybody else can reach it.
-  void ObservaCriacao() noexcept { Comeca(); }
+  /// Begins the watch; before anybody else can reach the object. Until then, and for want of memory, nobody is watched.
+  void Comeca() noexcept;
 
-  /// Called at the start of each call from a client; the first call settles whom to watch. Calls from within the
-  /// server's own process are not watched.
+  /// Called on the thread of each call from a client, the creation included, before the call does anything.
   void Observa() noexcept {
-    if (!m_bObservado.load(std::memory_order_relaxed) && !m_bObservado.exchange(true)) {
-      Comeca();
+    if (m_bVigia.load(std::memory_order_relaxed)) {
+      Observa(ProcessoQueChama());
+    }
+  }
+
+  /// The same for a call from this process; 0 when that is not known. The watch must have begun.
+  void Observa(DWORD idProcesso) noexcept {
+    if (idProcesso != m_idUltimo.load(std::memory_order_relaxed)) {
+      Conhece(idProcesso);
     }
   }
 
 private:
-  void Comeca() noexcept;
+  struct Estado;
+
+  static DWORD ProcessoQueChama() noexcept;
+  void Conhece(DWORD idProcesso) noexcept;
+
+  /// Not the number of any process.
+  static constexpr DWORD kNenhum = 0xFFFFFFFF;
 
   IObjetoVigiado &m_objeto;
-  std::atomic<bool> m_bObservado{false};
-  unsigned long m_ulPid = 0;
-  std::unique_ptr<CEsperaCliente> m_spEspera;
+  std::shared_ptr<Estado> m_spEstado;  ///< null when the watch has never begun
+  std::atomic<bool> m_bVigia{false};
+  std::atomic<DWORD> m_idUltimo{kNenhum};
 };
 
 #endif

@@ -77,8 +77,12 @@ HRESULT CBaseVeiculos::Procura(const tagREG_FILTRO_VEICULOSPS &Filtro, std::size
     }
     return uiAchados < uiMaximo;
   };
-  QZ_VERIFICA(rastro, "m_pDataBase->m_Veiculos.Le(idx, &RegVei)",
-              m_pDataBase->m_Veiculos.Percorre(1, QuantidadeSobTrava(), visita));
+  std::uint64_t uiQtd = 0;
+  const HRESULT hr = QuantidadeSobTrava(rastro, &uiQtd);
+  if (Falhou(hr)) {
+    return hr;
+  }
+  QZ_VERIFICA(rastro, "m_pDataBase->m_Veiculos.Le(idx, &RegVei)", m_pDataBase->m_Veiculos.Percorre(1, uiQtd, visita));
   if (aPonteiros != nullptr) {
     *aPonteiros = std::move(aPosicoesAchadas);
   }
@@ -88,9 +92,10 @@ HRESULT CBaseVeiculos::Procura(const tagREG_FILTRO_VEICULOSPS &Filtro, std::size
   return codigos::kOk;
 }
 
-std::uint64_t CBaseVeiculos::QuantidadeSobTrava() const {
+HRESULT CBaseVeiculos::QuantidadeSobTrava(const CQZRastro &rastro, std::uint64_t *puiQtd) const {
   const plataforma::CQZTrava trava(m_pDataBase->Secao());
-  return m_pDataBase->m_Veiculos.GetQuantidade();
+  QZ_VERIFICA(rastro, "m_pDataBase->m_Veiculos.GetQuantidade(&uiQtd)", m_pDataBase->m_Veiculos.GetQuantidade(puiQtd));
+  return codigos::kOk;
 }
 
 bool CBaseVeiculos::AtendeFiltro(const RegVeiculo &reg, const tagREG_FILTRO_VEICULOSPS &Filtro) {
@@ -162,6 +167,8 @@ HRESULT CBaseVeiculos::GetQuantidadeRegistros(std::uint32_t *pQtd) {
   if (m_pDataBase == nullptr) {
     QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoAberto);
   }
-  *pQtd = static_cast<std::uint32_t>(QuantidadeSobTrava());
-  return codigos::kOk;
+  std::uint64_t uiQtd = 0;
+  const HRESULT hr = QuantidadeSobTrava(rastro, &uiQtd);
+  *pQtd = static_cast<std::uint32_t>(uiQtd);
+  return hr;
 }

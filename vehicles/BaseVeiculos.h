@@ -23,8 +23,8 @@ public:
   ~CBaseVeiculos() override;
 
   /// Keeps lifecycle calls apart from the operations of this object: whoever calls Inicializa or Finaliza holds it
-  /// exclusively, whoever calls an operation holds it shared. Taken by the caller, outside any frame that a machine
-  /// fault may abandon.
+  /// exclusively, whoever calls an operation or asks for company, user and session holds it shared. Taken by the
+  /// caller, outside any frame that a machine fault may abandon.
   std::shared_mutex &TravaCicloDeVida() { return m_travaCicloDeVida; }
 
   /// Writes one vehicle: at `*pPos` from 1 to the number of records it overwrites, at 0 it appends and `*pPos` receives
@@ -60,8 +60,8 @@ private:
   /// InternalGetRegs that stops after `uiMaximo` matches.
   [[nodiscard]] HRESULT Procura(const tagREG_FILTRO_VEICULOSPS &Filtro, std::size_t uiMaximo, CArray<LONG> *aPonteiros,
                                 CArray<RegVeiculo> *aRegistros);
-  /// The record count, read under the database's lock.
-  std::uint64_t QuantidadeSobTrava() const;
+  /// The record count, read under the database's lock; `rastro` is the caller's.
+  [[nodiscard]] HRESULT QuantidadeSobTrava(const CQZRastro &rastro, std::uint64_t *puiQtd) const;
 
   /// Brings the stored base to the version that this program writes, on the files themselves, unless the company's
   /// database is already open in this process.

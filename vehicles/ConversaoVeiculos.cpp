@@ -1,39 +1,62 @@
-#include <cstdio>
-#include <cstring>
+#include <algorithm>
+#include <cstddef>
+#include <optional>
 
 #include "core/platform/ArquivoNoLivro.h"
 #include "core/platform/Plataforma.h"
 #include "core/platform/TravaEntreProcessos.h"
 #include "core/qzdatabase/banco/QZDataBaseUtil.h"
-#include "core/qzdatabase/disco/Insistencia.h"
+#include "core/qzdatabase/disco/NomeTrava.h"
+#include "core/qzdatabase/disco/PercorreArquivo.h"
+#include "core/qzdatabase/disco/QZCrc64.h"
 #include "vehicles/BaseVeiculos.h"
 #include "vehicles/VersaoBaseVeiculos.h"
 
 // The step from version 0 to version 1 drops the record file's first record. Run twice it would drop a vehicle, so what
-// has been done is on disk before the next step depends on it:
+// has been done is on the storage device before the next step depends on it:
 //
-//   1. DFVEIC.TRA   all records but the first, complete on the storage device
-//   2. DFVEIVSD.TRA the journal: a version-1 record; from here on the rewrite is never done again
+//   1. DFVEIC.TRA   all records but the first
+//   2. DFVEIVSD.TRA the journal: length and CRC of the records as they are after the step
 //   3. DFVEIC.TRA   moved onto DFVEIC.DAT
 //   4. DFVEIVS.DAT  version 1
 //   5. DFVEIVSD.TRA deleted
 //
-// A run that finds the journal complete finishes from step 3. Where the first record was the only one there is nothing
-// to rewrite: DFVEIC.DAT is deleted, and the journal is written after that, for step 4 alone.
+// A run that finds a journal holds the record file against it: without its first record or with it, and goes on from
+// there. Where the first record was the only one there is nothing to rewrite: DFVEIC.DAT is deleted, and the journal is
+// written after that, for step 4 alone.
 
 namespace {
 
 constexpr char kFonte[] = "ConversaoVeiculos.cpp";
 constexpr char kArquivoVersao[] = "DFVEIVS.DAT";
 constexpr char kArquivoDiario[] = "DFVEIVSD.TRA";
-
-/// Where earlier programs kept the journal: the name of the version file's own companion, which is overwritten when
-/// that file gets a header.
-constexpr char kArquivoDiarioAntigo[] = "DFVEIVS.TRA";
 constexpr char kArquivoVeiculosTRA[] = "DFVEIC.TRA";
 
 /// How long one process waits for another that converts a base of the same directory.
 constexpr std::uint32_t kEsperaConversaoMs = 60000;
+
+/// What identifies the records of a file: its bytes behind the header, if it has one.
+struct Identidade {
+  std::uint64_t uiTamanho = 0;
+  std::uint64_t uiCrc = 0;
+  bool operator==(const Identidade &) const = default;
+};
+
+/// The journal's only record.
+struct RegDiario {
+  std::uint16_t iVersao;
+  std::uint8_t cReservado[6];
+  Identidade convertida;
+  std::uint64_t uiCrcDiario;  ///< of the bytes before: one that was not written whole counts as none
+};
+static_assert(sizeof(RegDiario) == 32 && offsetof(RegDiario, uiCrcDiario) == 24);
+
+/// How far an earlier run got.
+enum class EDiario {
+  Nenhum,       ///< nothing that counts was done
+  FaltaTrocar,  ///< the companion is complete
+  FaltaVersao,  ///< the record file has lost its first record
+};
 
 /// Serialises the conversions of this process; used by nothing else.
 plataforma::SecaoCritica &SecaoConversao() {
@@ -41,61 +64,109 @@ plataforma::SecaoCritica &SecaoConversao() {
   return secao;
 }
 
-/// The lock that server processes of this machine share for a data directory. Directories on the network that several
-/// machines use are not covered.
-CString NomeTravaDiretorio(const CString &sDiretorio) {
-  const CString sMaiusculo = plataforma::Maiusculas(sDiretorio);
-  char nome[48];
-  std::snprintf(nome, sizeof(nome), "Kalvo-Conversao-%016llX",
-                static_cast<unsigned long long>(CalculaCrc64(sMaiusculo.data(), sMaiusculo.size())));
-  return nome;
-}
-
 CString CaminhoDaBase(const CString &sEmpresa, const char *lpNome) {
   return CQZPath::CaminhoArquivo(QZ_DF, sEmpresa, lpNome);
 }
 
-/// Whether an earlier run got as far as the journal. A torn journal counts as none: the rename comes after it. One that
-/// cannot be read is a failure, for taking it for none would drop a vehicle.
-plataforma::FalhaArquivo LeDiario(const CString &sEmpresa, bool *pbCompleto, const char *lpDiario = kArquivoDiario) {
+/// Opens a file for a look, waiting for another process's short hold; a missing one is no failure and gives null.
+plataforma::FalhaArquivo AbreParaVer(const CString &sCaminho, std::unique_ptr<plataforma::IArquivoAberto> *parquivo) {
   using namespace plataforma;
-  *pbCompleto = false;
-  std::unique_ptr<IArquivoAberto> arquivo;
-  const ModoAbertura modo{Acesso::Leitura, Compartilhamento::NegaNada, Criacao::SoExistente};
   FalhaArquivo falha;
-  for (int i = 0; i < kTentativasInsistencia; ++i) {
-    falha = Arquivos().Abre(CaminhoDaBase(sEmpresa, lpDiario), modo, &arquivo);
-    if (falha.causa != CausaArquivo::ViolacaoCompartilhamento) {
-      break;
-    }
-    Relogio().Espera(kPausaInsistenciaMs);
+  Insiste(kTentativasInsistencia, [&](bool) {
+    falha = Arquivos().Abre(sCaminho, {Acesso::Leitura, Compartilhamento::NegaNada, Criacao::SoExistente}, parquivo);
+    return falha.causa == CausaArquivo::ViolacaoCompartilhamento ? Veredito::OutraVez : Veredito::Acabou;
+  });
+  return falha.NaoEsta() ? kSemFalha : falha;
+}
+
+/// Identity of a record file's records, and what it would be without the first one; nothing for a missing file.
+plataforma::FalhaArquivo Identifica(const CString &sCaminho, std::optional<Identidade> *pTodos,
+                                    std::optional<Identidade> *pSemPrimeiro) {
+  constexpr std::uint64_t kUmRegistro = sizeof(RegVeiculo_V01);
+  std::unique_ptr<plataforma::IArquivoAberto> aberto;
+  plataforma::FalhaArquivo falha = AbreParaVer(sCaminho, &aberto);
+  if (falha || aberto == nullptr) {
+    return falha;
   }
-  if (falha) {
-    const bool bAusente = falha.causa == CausaArquivo::NaoEncontrado || falha.causa == CausaArquivo::CaminhoInvalido;
-    return bAusente ? kSemFalha : falha;
-  }
-  const CQZArquivoNoLivro diario(std::move(arquivo));
-  REG_DF_VEICULO_VERSAO reg{};
-  const REG_DF_VEICULO_VERSAO completo{kVersaoBaseVeiculos, {}};
+  const plataforma::CQZArquivoNoLivro arquivo(std::move(aberto));
+  bool bCabecalho = false;
+  std::uint16_t iVersao = 0;
   std::uint64_t uiTamanho = 0;
-  falha = diario->Tamanho(&uiTamanho);
-  if (!falha && uiTamanho == sizeof(reg)) {
-    falha = diario->Le(0, &reg, sizeof(reg));
-    *pbCompleto = !falha && std::memcmp(&reg, &completo, sizeof(reg)) == 0;
+  falha = CQZCabecalhoVigente::LeVersao(*arquivo, &bCabecalho, &iVersao);
+  if (!falha) {
+    falha = arquivo->Tamanho(&uiTamanho);
+  }
+  const std::uint64_t uiInicio = bCabecalho ? std::min<std::uint64_t>(kTamanhoCabecalho, uiTamanho) : 0;
+  const auto identifica = [&](std::uint64_t uiDe, std::optional<Identidade> *pIdentidade) {
+    Identidade identidade{uiTamanho - uiDe, 0};
+    falha = PercorreArquivo(*arquivo, uiDe, [&](std::uint64_t, const char *pBytes, std::size_t qtd) {
+      identidade.uiCrc = CalculaCrc64(pBytes, qtd, identidade.uiCrc);
+      return plataforma::kSemFalha;
+    });
+    *pIdentidade = identidade;
+  };
+  if (!falha) {
+    identifica(uiInicio, pTodos);
+  }
+  if (!falha && uiTamanho - uiInicio >= kUmRegistro) {
+    identifica(uiInicio + kUmRegistro, pSemPrimeiro);
   }
   return falha;
 }
 
-/// The same with the result code of a failure.
-HRESULT ExaminaDiario(const CString &sEmpresa, bool *pbCompleto) {
-  const plataforma::FalhaArquivo falha = LeDiario(sEmpresa, pbCompleto);
-  return falha ? CQZFileBase::CatchInicializacao(falha) : codigos::kOk;
+/// The journal's record; nothing where there is none, or a torn one: the swap comes after it. One that cannot be read
+/// is a failure, for taking it for none would drop a vehicle.
+plataforma::FalhaArquivo LeDiario(const CString &sEmpresa, std::optional<Identidade> *pConvertida) {
+  std::unique_ptr<plataforma::IArquivoAberto> aberto;
+  plataforma::FalhaArquivo falha = AbreParaVer(CaminhoDaBase(sEmpresa, kArquivoDiario), &aberto);
+  if (falha || aberto == nullptr) {
+    return falha;
+  }
+  const plataforma::CQZArquivoNoLivro diario(std::move(aberto));
+  RegDiario reg{};
+  std::uint64_t uiTamanho = 0;
+  falha = diario->Tamanho(&uiTamanho);
+  if (!falha && uiTamanho == sizeof(reg)) {
+    falha = diario->Le(0, &reg, sizeof(reg));
+    if (!falha && reg.iVersao == kVersaoBaseVeiculos &&
+        CalculaCrc64(&reg, offsetof(RegDiario, uiCrcDiario)) == reg.uiCrcDiario) {
+      *pConvertida = reg.convertida;
+    }
+  }
+  return falha;
 }
 
-plataforma::FalhaArquivo EscreveDiario(const CString &sEmpresa) {
+/// Holds the files against the journal. A base that is neither what the journal says nor what it was before cannot be
+/// explained and is left alone.
+HRESULT ExaminaDiario(const CString &sEmpresa, EDiario *peDiario) {
+  *peDiario = EDiario::Nenhum;
+  std::optional<Identidade> convertida, base, baseSemPrimeiro, companheiro, semUso;
+  plataforma::FalhaArquivo falha = LeDiario(sEmpresa, &convertida);
+  if (falha || !convertida) {
+    return CQZFileBase::CatchInicializacao(falha);
+  }
+  falha = Identifica(CaminhoDaBase(sEmpresa, kArquivoVeiculos), &base, &baseSemPrimeiro);
+  if (!falha) {
+    falha = Identifica(CaminhoDaBase(sEmpresa, kArquivoVeiculosTRA), &companheiro, &semUso);
+  }
+  if (falha) {
+    return CQZFileBase::CatchInicializacao(falha);
+  }
+  if (base.value_or(Identidade{}) == *convertida) {
+    *peDiario = EDiario::FaltaVersao;
+  } else if (companheiro == convertida && (!base || baseSemPrimeiro == convertida)) {
+    *peDiario = EDiario::FaltaTrocar;
+  } else if (baseSemPrimeiro != convertida) {
+    return codigos::kTraNaoRenomeado;
+  }
+  return codigos::kOk;
+}
+
+plataforma::FalhaArquivo EscreveDiario(const CString &sEmpresa, const Identidade &convertida) {
   using namespace plataforma;
   std::unique_ptr<IArquivoAberto> arquivo;
-  const REG_DF_VEICULO_VERSAO reg{kVersaoBaseVeiculos, {}};
+  RegDiario reg{kVersaoBaseVeiculos, {}, convertida, 0};
+  reg.uiCrcDiario = CalculaCrc64(&reg, offsetof(RegDiario, uiCrcDiario));
   const ModoAbertura modo{Acesso::Escrita, Compartilhamento::Exclusivo, Criacao::CriaVazio};
   if (const FalhaArquivo falha = Arquivos().Abre(CaminhoDaBase(sEmpresa, kArquivoDiario), modo, &arquivo)) {
     return falha;
@@ -111,21 +182,29 @@ HRESULT ApagaDiario(const CString &sEmpresa) {
   return CQZDataBaseUtil::DeletaArquivo(sEmpresa, QZ_DF, kArquivoDiario);
 }
 
+/// The end of a conversion, this run's or one that was interrupted after its last write: with the version on the
+/// storage device the journal has served. Where that cannot be seen to now, it stays for the next time and does no
+/// harm.
+void EncerraDiario(const CString &sEmpresa) {
+  using namespace plataforma;
+  bool bExiste = false;
+  std::unique_ptr<IArquivoAberto> versao;
+  const ModoAbertura modo{Acesso::LeituraEscrita, Compartilhamento::Exclusivo, Criacao::SoExistente};
+  if (Arquivos().Existe(CaminhoDaBase(sEmpresa, kArquivoDiario), &bExiste) || !bExiste ||
+      Arquivos().Abre(CaminhoDaBase(sEmpresa, kArquivoVersao), modo, &versao)) {
+    return;
+  }
+  const CQZArquivoNoLivro aberto(std::move(versao));
+  if (!aberto->Descarrega()) {
+    static_cast<void>(ApagaDiario(sEmpresa));
+  }
+}
+
 /// True for the codes that refuse what a version file holds, or say that it has gone, as opposed to those for a file
 /// that cannot be had.
 bool ConteudoRecusado(HRESULT hr) {
   return hr == codigos::kTamanhoDiferente || hr == codigos::kCabecalhoDanificado || hr == codigos::kDadosNaoConferem ||
          hr == codigos::kArquivoDesapareceu;
-}
-
-HRESULT AdotaDiarioAntigo(const CString &sEmpresa) {
-  bool bCompleto = false;
-  plataforma::FalhaArquivo falha = LeDiario(sEmpresa, &bCompleto, kArquivoDiarioAntigo);
-  if (!falha && bCompleto) {
-    falha = plataforma::Arquivos().MoveSubstituindo(CaminhoDaBase(sEmpresa, kArquivoDiarioAntigo),
-                                                    CaminhoDaBase(sEmpresa, kArquivoDiario));
-  }
-  return falha ? CQZFileBase::CatchGravacao(falha) : codigos::kOk;
 }
 
 }  // namespace
@@ -140,8 +219,8 @@ HRESULT CBaseVeiculos::ExecutaConversao() {
   if (QZDataBaseEstaInicializado()) {
     return codigos::kOk;
   }
-  const auto pTravaDiretorio =
-      plataforma::CriaTravaEntreProcessos(NomeTravaDiretorio(CQZPath::DiretorioModulo(QZ_DF, GetEmpresa())));
+  const auto pTravaDiretorio = plataforma::CriaTravaEntreProcessos(
+      NomeTravaDoCaminho("Conversao", CQZPath::DiretorioModulo(QZ_DF, GetEmpresa())));
   const plataforma::CQZTravaDeProcesso travaDiretorio(*pTravaDiretorio, kEsperaConversaoMs);
   if (!travaDiretorio.Tomada()) {
     QZ_RETORNA_CODIGO(rastro, codigos::kArqCompartilhamento);
@@ -153,12 +232,11 @@ HRESULT CBaseVeiculos::ConverteSobTrava() {
   const CQZRastro rastro(this, {"CBaseVeiculos::ExecutaConversao"}, kFonte);
   HRESULT hr = codigos::kOk;
   REG_DF_VEICULO_VERSAO regVersao{};
-  QZ_VERIFICA(rastro, "AdotaDiarioAntigo(GetEmpresa())", AdotaDiarioAntigo(GetEmpresa()));
   if (QZ_FALHOU(rastro, hr, "CQZDataBaseUtil::LeSingleReg(this, QZ_DF, &regVersao, \"DFVEIVS.DAT\")",
                 CQZDataBaseUtil::LeSingleReg(this, QZ_DF, &regVersao, kArquivoVersao))) {
-    bool bDiario = false;
-    QZ_VERIFICA(rastro, "ExaminaDiario(GetEmpresa(), &bDiario)", ExaminaDiario(GetEmpresa(), &bDiario));
-    if (!ConteudoRecusado(hr) || !bDiario) {
+    EDiario eDiario = EDiario::Nenhum;
+    QZ_VERIFICA(rastro, "ExaminaDiario(GetEmpresa(), &eDiario)", ExaminaDiario(GetEmpresa(), &eDiario));
+    if (!ConteudoRecusado(hr) || eDiario != EDiario::FaltaVersao) {
       return hr;
     }
     // The journal says that only the version was missing: the file is what an interrupted write of it has left.
@@ -175,31 +253,33 @@ HRESULT CBaseVeiculos::ConverteSobTrava() {
     QZ_VERIFICA(rastro, "CQZDataBaseUtil::GravaSingleReg(this, QZ_DF, regVersao, \"DFVEIVS.DAT\")",
                 CQZDataBaseUtil::GravaSingleReg(this, QZ_DF, regVersao, kArquivoVersao));
   }
-  // The version is on disk, so a journal that stays is never looked at; it goes so that a version-0 base restored into
-  // this directory later is converted again.
-  static_cast<void>(ApagaDiario(GetEmpresa()));
+  EncerraDiario(GetEmpresa());
   return codigos::kOk;
 }
 
 HRESULT CBaseVeiculos::ConverteBaseV01() {
   const CQZRastro rastro(this, {"CBaseVeiculos::ConverteBaseV01"}, kFonte);
   const CString sEmpresa = GetEmpresa();
-  bool bDiario = false;
-  QZ_VERIFICA(rastro, "ExaminaDiario(GetEmpresa(), &bDiario)", ExaminaDiario(sEmpresa, &bDiario));
-  if (bDiario) {
-    if (ExisteNoCaminho(CaminhoDaBase(sEmpresa, kArquivoVeiculosTRA))) {
-      QZ_VERIFICA(rastro, "CQZDataBaseUtil::RenomeiaArquivoTRA(GetEmpresa(), QZ_DF, \"DFVEIC.DAT\")",
-                  CQZDataBaseUtil::MoveTRA(sEmpresa, QZ_DF, kArquivoVeiculos));
-    }
+  EDiario eDiario = EDiario::Nenhum;
+  QZ_VERIFICA(rastro, "ExaminaDiario(GetEmpresa(), &eDiario)", ExaminaDiario(sEmpresa, &eDiario));
+  if (eDiario == EDiario::FaltaTrocar) {
+    QZ_VERIFICA(rastro, "CQZDataBaseUtil::RenomeiaArquivoTRA(GetEmpresa(), QZ_DF, \"DFVEIC.DAT\")",
+                CQZDataBaseUtil::MoveTRA(sEmpresa, QZ_DF, kArquivoVeiculos));
+  }
+  if (eDiario != EDiario::Nenhum) {
     return codigos::kOk;
   }
+  bool bDiario = false;
   const auto gravaDiario = [&]() -> HRESULT {
-    const plataforma::FalhaArquivo falha = EscreveDiario(sEmpresa);
-    bDiario = !falha;
-    if (bDiario) {
-      return codigos::kOk;
+    std::optional<Identidade> companheiro, semUso;
+    plataforma::FalhaArquivo falha = Identifica(CaminhoDaBase(sEmpresa, kArquivoVeiculosTRA), &companheiro, &semUso);
+    if (!falha) {
+      falha = EscreveDiario(sEmpresa, companheiro.value_or(Identidade{}));
     }
-    static_cast<void>(ApagaDiario(sEmpresa));
+    bDiario = !falha;
+    if (falha) {
+      static_cast<void>(ApagaDiario(sEmpresa));
+    }
     return CQZFileBase::CatchGravacao(falha);
   };
   QZ_VERIFICA(rastro, "CQZDataBaseUtil::RemoveRegistroZero<RegVeiculo_V01>(this, QZ_DF, \"DFVEIC.DAT\")",

@@ -63,7 +63,8 @@ typedef struct tagREG_FILTRO_VEICULOSPS {
   uint8_t cFiller[20];
 } tagREG_FILTRO_VEICULOSPS;
 
-/* Search result. Ponteiros holds iQtd record positions, ascending; the client frees it with CoTaskMemFree. */
+/* Search result. Ponteiros holds iQtd record positions, ascending; the client frees it with CoTaskMemFree. The one
+   record whose size depends on that of a pointer: 24 bytes in 64-bit programs, 16 in 32-bit ones. */
 typedef struct tagRESULTADO_BUSCA_VEICULOS {
   uint32_t iQtd;
   uint8_t cFiller[4];
@@ -106,9 +107,9 @@ static_assert(offsetof(tagREG_FILTRO_VEICULOSPS, iFiller) == 171, "filter record
 static_assert(offsetof(tagREG_FILTRO_VEICULOSPS, lPosicao) == 176, "filter record");
 static_assert(offsetof(tagREG_FILTRO_VEICULOSPS, cFiller) == 180, "filter record");
 
-static_assert(sizeof(tagRESULTADO_BUSCA_VEICULOS) == 24, "search result");
+static_assert(sizeof(tagRESULTADO_BUSCA_VEICULOS) == 8 + 2 * sizeof(void *), "search result");
 static_assert(offsetof(tagRESULTADO_BUSCA_VEICULOS, Ponteiros) == 8, "search result");
-static_assert(offsetof(tagRESULTADO_BUSCA_VEICULOS, pFiller) == 16, "search result");
+static_assert(offsetof(tagRESULTADO_BUSCA_VEICULOS, pFiller) == 8 + sizeof(void *), "search result");
 #endif
 
 #endif

@@ -17,16 +17,24 @@ using TicksDuracao = std::chrono::duration<std::int64_t, std::ratio<1, 10000000>
 constexpr sys_days kInicio = sys_days(std::chrono::year(1601) / 1 / 1);
 constexpr std::uint16_t kPrimeiroAno = 1601;
 constexpr std::uint16_t kUltimoAno = 30827;
+constexpr std::uint16_t kMeses = 12;
+constexpr std::uint16_t kMaisDias = 31;
+
+/// False for what is no date. The calendar's own types keep eight bits of a day or month, so these are looked at first.
+bool EhData(const plataforma::CamposData &campos) {
+  return campos.ano >= kPrimeiroAno && campos.ano <= kUltimoAno && campos.mes <= kMeses && campos.dia <= kMaisDias &&
+         year_month_day(std::chrono::year(campos.ano), std::chrono::month(campos.mes), std::chrono::day(campos.dia))
+             .ok();
+}
 
 }  // namespace
 
 bool ParaTicks(const plataforma::CamposData &campos, std::uint64_t *ticks) {
-  const year_month_day data(std::chrono::year(campos.ano), std::chrono::month(campos.mes),
-                            std::chrono::day(campos.dia));
-  if (campos.ano < kPrimeiroAno || campos.ano > kUltimoAno || !data.ok() || campos.hora > 23 || campos.minuto > 59 ||
-      campos.segundo > 59 || campos.milissegundo > 999) {
+  if (!EhData(campos) || campos.hora > 23 || campos.minuto > 59 || campos.segundo > 59 || campos.milissegundo > 999) {
     return false;
   }
+  const year_month_day data(std::chrono::year(campos.ano), std::chrono::month(campos.mes),
+                            std::chrono::day(campos.dia));
   const TicksDuracao dia = days((sys_days(data) - kInicio).count());
   const TicksDuracao hora =
       hours(campos.hora) + minutes(campos.minuto) + seconds(campos.segundo) + milliseconds(campos.milissegundo);

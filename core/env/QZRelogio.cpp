@@ -53,8 +53,10 @@ std::uint64_t Deslocamento() {
   }
   unsigned ligado = 0;
   std::array<unsigned, 14> n{};
-  const int lidos = std::sscanf(sValor->c_str(), "%u;%u/%u/%u;%u:%u:%u:%u;%u/%u/%u;%u:%u:%u:%u", &ligado, &n[0], &n[1],
-                                &n[2], &n[3], &n[4], &n[5], &n[6], &n[7], &n[8], &n[9], &n[10], &n[11], &n[12], &n[13]);
+  // At most nine digits: a number that does not fit would otherwise count by its low bits.
+  const int lidos =
+      std::sscanf(sValor->c_str(), "%9u;%9u/%9u/%9u;%9u:%9u:%9u:%9u;%9u/%9u/%9u;%9u:%9u:%9u:%9u", &ligado, &n[0], &n[1],
+                  &n[2], &n[3], &n[4], &n[5], &n[6], &n[7], &n[8], &n[9], &n[10], &n[11], &n[12], &n[13]);
   const auto alvo = Momento(n.data());
   const auto referencia = Momento(n.data() + 7);
   return lidos == 15 && ligado != 0 && alvo && referencia ? *alvo - *referencia : 0;

@@ -1,36 +1,34 @@
 #include "core/errors/DescricaoDaBiblioteca.h"
 
-#include "core/env/QZPath.h"
-#include "core/platform/Caminhos.h"
-#include "core/platform/Plataforma.h"
+#include <memory>
+
+#include "core/env/BibliotecaSuite.h"
+#include "core/platform/CodigoEstrangeiro.h"
 
 namespace {
 
-constexpr char kBiblioteca[] = "x64\\QZLMensagem.dll";
+constexpr char kBiblioteca[] = "QZLMensagem.dll";
 constexpr char kFuncao[] = "QZGetDescricaoHRESULT";
 
 /// The export. The text that it returns belongs to the library.
 using FuncaoDescricao = const char *(*)(HRESULT);
 
-/// The library's text, copied while the library is still loaded. Foreign code: whatever it throws ends here, before the
-/// caller frees the library that the exception's type and destructor live in.
-CString ChamaFuncao(FuncaoDescricao funcao, HRESULT hr) {
-  try {
-    const char *lpTexto = funcao(hr);
-    return lpTexto != nullptr ? lpTexto : "";
-  } catch (...) {
-    return {};
-  }
-}
-
+/// Foreign code from the loading, which runs the library's start, to the freeing, which runs its end. Each step has a
+/// frame of its own, so that the library is freed whatever its function does.
 CString Descricao(HRESULT hr) {
-  const CString diretorio = CQZPath::DiretorioInstalacao(QZ_DF);
-  if (!plataforma::CaminhoAbsoluto(diretorio)) {
+  std::unique_ptr<plataforma::IBiblioteca> spBiblioteca;
+  plataforma::ChamaCodigoEstrangeiro([&] { spBiblioteca = CarregaBibliotecaSuite(QZ_DF, kBiblioteca); });
+  if (spBiblioteca == nullptr) {
     return {};
   }
-  const auto pBiblioteca = plataforma::Bibliotecas().Carrega(CQZPath::Junta(diretorio, kBiblioteca));
-  void *pFuncao = pBiblioteca != nullptr ? pBiblioteca->Funcao(kFuncao) : nullptr;
-  return pFuncao != nullptr ? ChamaFuncao(reinterpret_cast<FuncaoDescricao>(pFuncao), hr) : CString();
+  CString sTexto;
+  const bool bCompleto = plataforma::ChamaCodigoEstrangeiro([&] {
+    const auto funcao = reinterpret_cast<FuncaoDescricao>(spBiblioteca->Funcao(kFuncao));
+    const char *lpTexto = funcao != nullptr ? funcao(hr) : nullptr;
+    sTexto = lpTexto != nullptr ? lpTexto : "";
+  });
+  plataforma::ChamaCodigoEstrangeiro([&] { spBiblioteca.reset(); });
+  return bCompleto ? sTexto : CString();
 }
 
 }  // namespace

@@ -1,18 +1,25 @@
 #include "core/errors/NomesResultado.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
-#include <string_view>
 
 namespace {
 
+/// Readers of the names copy them into buffers of this size, terminator included.
+constexpr std::size_t kTamanhoBufferNome = 400;
+
 struct Nome {
+  template <std::size_t N>
+  constexpr Nome(std::uint32_t uValorDoNome, const char (&nome)[N]) : uValor(uValorDoNome), lpNome(nome) {
+    static_assert(N <= kTamanhoBufferNome);
+  }
+
   std::uint32_t uValor;
   const char *lpNome;
 };
 
 #define KALVO_NOME(valor, nome) {valor, #nome},
-#define KALVO_NOME_COMPLEMENTAR KALVO_NOME
 
 constexpr Nome kWin32[] = {
 #include "core/errors/nomes_win32.inc"
@@ -22,7 +29,6 @@ constexpr Nome kHRESULT[] = {
 #include "core/errors/nomes_hresult.inc"
 };
 
-#undef KALVO_NOME_COMPLEMENTAR
 #undef KALVO_NOME
 
 // Where the SDK has several names for a number, the one its header lists first; 84 is FACILITY_MBN.
@@ -83,15 +89,11 @@ constexpr Nome kFacilidades[] = {{0, "FACILITY_NULL"},
                                  {84, "FACILITY_MBN"},
                                  {264, "QZ_FACILITY_CR_CORE"}};
 
-/// Readers of the names copy them into buffers of this size, terminator included.
-constexpr std::size_t kTamanhoBufferNome = 400;
-
 template <std::size_t N>
-constexpr bool TabelaValida(const Nome (&tabela)[N]) {
+constexpr bool Ascendente(const Nome (&tabela)[N]) {
   const Nome *anterior = nullptr;
   for (const Nome &nome : tabela) {
-    if ((anterior != nullptr && anterior->uValor >= nome.uValor) ||
-        std::string_view(nome.lpNome).size() >= kTamanhoBufferNome) {
+    if (anterior != nullptr && anterior->uValor >= nome.uValor) {
       return false;
     }
     anterior = &nome;
@@ -99,8 +101,7 @@ constexpr bool TabelaValida(const Nome (&tabela)[N]) {
   return true;
 }
 
-static_assert(TabelaValida(kWin32) && TabelaValida(kHRESULT) && TabelaValida(kFacilidades),
-              "strictly ascending values, names that fit the buffer");
+static_assert(Ascendente(kWin32) && Ascendente(kHRESULT) && Ascendente(kFacilidades));
 
 template <std::size_t N>
 const char *Procura(const Nome (&tabela)[N], std::uint32_t uValor) {

@@ -18,6 +18,7 @@ public:
         m_noLivro(m_arquivo.get(), [](void *objeto) { delete static_cast<IArquivoAberto *>(objeto); }) {}
 
   IArquivoAberto *operator->() const { return m_arquivo.get(); }
+  IArquivoAberto &operator*() const { return *m_arquivo; }
 
 private:
   std::unique_ptr<IArquivoAberto> m_arquivo;

@@ -50,7 +50,7 @@ enum Operacao : unsigned {
   kOpMove = 128,
   kOpLista = 256,
   kOpExiste = 512,
-  kOpTodas = 511,
+  kOpTodas = 1023,
 };
 
 /// Which operation fails, and how.

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cstdio>
 
 namespace apoiocom {
 namespace {
@@ -39,6 +40,44 @@ Veiculos Cria(HRESULT *phr) {
 
 HRESULT Inicializa(IQZDF_Veiculos &veiculos, std::string_view sEmpresa) {
   return veiculos.Inicializa(Texto(sEmpresa).Ponteiro(), 7, 42);
+}
+
+std::string Entrega(IQZDF_Veiculos &veiculos) {
+  IStream *pFluxo = nullptr;
+  HGLOBAL hMemoria = nullptr;
+  if (FAILED(CreateStreamOnHGlobal(nullptr, TRUE, &pFluxo))) {
+    return "";
+  }
+  const Ponteiro<IStream> spFluxo(pFluxo);
+  if (FAILED(CoMarshalInterface(pFluxo, IID_IQZDF_Veiculos, &veiculos, MSHCTX_LOCAL, nullptr, MSHLFLAGS_NORMAL)) ||
+      FAILED(GetHGlobalFromStream(pFluxo, &hMemoria))) {
+    return "";
+  }
+  std::string sTexto;
+  const auto *pBytes = static_cast<const unsigned char *>(GlobalLock(hMemoria));
+  for (SIZE_T i = 0; i < GlobalSize(hMemoria); ++i) {
+    std::array<char, 3> par{};
+    std::snprintf(par.data(), par.size(), "%02x", pBytes[i]);
+    sTexto += par.data();
+  }
+  GlobalUnlock(hMemoria);
+  return sTexto;
+}
+
+Veiculos Recebe(const std::string &sEntregue) {
+  IStream *pFluxo = nullptr;
+  if (FAILED(CreateStreamOnHGlobal(nullptr, TRUE, &pFluxo))) {
+    return nullptr;
+  }
+  const Ponteiro<IStream> spFluxo(pFluxo);
+  for (std::size_t i = 0; i + 1 < sEntregue.size(); i += 2) {
+    const auto cByte = static_cast<unsigned char>(std::stoul(sEntregue.substr(i, 2), nullptr, 16));
+    pFluxo->Write(&cByte, 1, nullptr);
+  }
+  pFluxo->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr);
+  void *pObjeto = nullptr;
+  CoUnmarshalInterface(pFluxo, IID_IQZDF_Veiculos, &pObjeto);
+  return Veiculos(static_cast<IQZDF_Veiculos *>(pObjeto));
 }
 
 Veiculos Abre(std::string_view sEmpresa) {
@@ -112,6 +151,18 @@ std::string PastaDoPrograma() {
 
 DWORD ExecutaKalvo(const std::string &sArgumentos, std::string *psErro) {
   return Executa(PastaDoPrograma() + "Kalvo.exe", sArgumentos, psErro);
+}
+
+Handle IniciaKalvo() {
+  STARTUPINFOA inicio{};
+  inicio.cb = sizeof(inicio);
+  PROCESS_INFORMATION processo{};
+  std::string sLinha = "\"" + PastaDoPrograma() + "Kalvo.exe\"";
+  if (!CreateProcessA(nullptr, sLinha.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &inicio, &processo)) {
+    return nullptr;
+  }
+  CloseHandle(processo.hThread);
+  return Handle(processo.hProcess);
 }
 
 DWORD Executa(const std::string &sPrograma, const std::string &sArgumentos, std::string *psSaida) {

@@ -80,6 +80,12 @@ Veiculos Cria(HRESULT *phr = nullptr);
 
 HRESULT Inicializa(IQZDF_Veiculos &veiculos, std::string_view sEmpresa);
 
+/// The object as a text with which one other process on this machine reaches it (Recebe); empty when that fails.
+std::string Entrega(IQZDF_Veiculos &veiculos);
+
+/// The object behind a text of Entrega; null when that fails.
+Veiculos Recebe(const std::string &sEntregue);
+
 /// A new service object that works for a company; null when either step fails.
 Veiculos Abre(std::string_view sEmpresa);
 
@@ -107,6 +113,9 @@ std::string PastaDoPrograma();
 /// Runs Kalvo.exe of this folder to its end and returns its exit code; what it says on standard error goes to
 /// `*psErro`.
 DWORD ExecutaKalvo(const std::string &sArgumentos, std::string *psErro = nullptr);
+
+/// Starts Kalvo.exe of this folder by hand, without arguments; its process, null when that fails.
+Handle IniciaKalvo();
 
 /// Runs any program, given by its full path, to its end and returns its exit code; what it writes to standard output
 /// and standard error goes to `*psSaida`.

@@ -12,7 +12,7 @@ using namespace apoiocom;
 namespace {
 
 constexpr char kChaveSuite[] = "SOFTWARE\\Wow6432Node\\Tarvel\\";
-constexpr char kInterface[] = "Software\\Classes\\Interface\\{581EE5E9-6EE9-4428-87C0-6BE18D374724}";
+constexpr char kInterface[] = "Interface\\{581EE5E9-6EE9-4428-87C0-6BE18D374724}";
 
 /// veiculos.exe diagnostico against the real registry, with an installation directory and a company in order.
 class DiagnosticoCom : public testing::Test {
@@ -47,8 +47,8 @@ protected:
 
 using Rotulos = std::vector<std::string>;
 
-const Rotulos kTudo = {"classe", "ProgID",           "servidor", "biblioteca de tipos", "interface",
-                       "proxy",  "instala\xE7\xE3o", "empresa",  "ativa\xE7\xE3o"};
+const Rotulos kTudo = {"classe",           "ProgID",           "servidor", "biblioteca de tipos", "interface", "proxy",
+                       "proxy de 32 bits", "instala\xE7\xE3o", "empresa",  "ativa\xE7\xE3o"};
 
 }  // namespace
 
@@ -73,16 +73,21 @@ TEST_F(DiagnosticoCom, ApontaOQueFalta) {
   } casos[] = {
       {"company unknown", [] {}, "NAO_HA", {"empresa"}, "Empresas\\NAO_HA"},
       {"company without its directory", [] {}, semDiretorio.Codigo(), {"empresa"}, "ausente\\: o diret\xF3rio"},
-      {"proxy key missing",
-       [] { ASSERT_EQ(RegDeleteTreeA(HKEY_LOCAL_MACHINE, kInterface), ERROR_SUCCESS); },
+      {"proxy keys missing",
+       [] {
+         for (const char *const lpClasses : {"Software\\Classes\\", "Software\\Classes\\Wow6432Node\\"}) {
+           ASSERT_EQ(RegDeleteTreeA(HKEY_LOCAL_MACHINE, (std::string(lpClasses) + kInterface).c_str()), ERROR_SUCCESS);
+         }
+       },
        m_empresa.Codigo(),
-       {"interface", "ativa\xE7\xE3o"},
+       {"interface", "proxy de 32 bits", "ativa\xE7\xE3o"},
        "ProxyStubClsid32 em HKCU e em HKLM"},
       {"server file missing",
        [&outra] {
          // A server that still runs would hide that the file is missing.
          ASSERT_GE(EsperaServidorTerminar(), 0);
-         for (const char *const lpArquivo : {"Kalvo.exe", "QZDF_VeiculosPS.dll"}) {
+         outra.CriaSubpasta("x86");
+         for (const char *const lpArquivo : {"Kalvo.exe", "QZDF_VeiculosPS.dll", "x86\\QZDF_VeiculosPS.dll"}) {
            ASSERT_TRUE(CopyFileA((PastaDoPrograma() + lpArquivo).c_str(), (outra / lpArquivo).c_str(), TRUE));
          }
          std::string sErro;
@@ -95,7 +100,7 @@ TEST_F(DiagnosticoCom, ApontaOQueFalta) {
       {"unregistered",
        [] { ASSERT_EQ(ExecutaKalvo("/UnregServer"), 0U); },
        m_empresa.Codigo(),
-       {"classe", "ProgID", "servidor", "biblioteca de tipos", "interface", "ativa\xE7\xE3o"},
+       {"classe", "ProgID", "servidor", "biblioteca de tipos", "interface", "proxy de 32 bits", "ativa\xE7\xE3o"},
        "0x80040154"},
   };
   for (const auto &caso : casos) {

@@ -209,6 +209,37 @@ TEST(Guarda, FalhaSemChamadaEntreTravaEDestrava) {
       []() __attribute__((always_inline)) { return *g_nulo = 3; }, 0x8004EAC5);
 }
 
+// Somebody further out takes everything, as the component platform may.
+TEST(Guarda, QuemESaltadoPorOutroSoltaTudoEAbandona) {
+  static SecaoCritica s_secao(NivelTrava::ArquivoDados);
+  static std::vector<std::size_t> s_marcas;  // of the ledger, at each call of the abandonment
+  static DWORD s_codigo;
+  const auto tomaTudo = [](const EXCEPTION_RECORD &) -> LONG { return EXCEPTION_EXECUTE_HANDLER; };
+  const auto sobGuarda = [](void *) -> HRESULT {
+    const auto levantaComTrava = [](void *) -> HRESULT {
+      const CQZTrava trava(s_secao);
+      RaiseException(s_codigo, 0, 0, nullptr);
+      return 0;
+    };
+    return ChamaSEH(levantaComTrava, nullptr, {[](void *) { s_marcas.push_back(LivroTravas::Marca()); }, nullptr});
+  };
+  for (const DWORD codigo : {0xE06D7363UL, 0xE0000001UL, 0xC0000409UL}) {
+    SCOPED_TRACE(codigo);
+    s_codigo = codigo;
+    s_marcas.clear();
+    const plataforma::SaidaSEH saida = plataforma::ChamaEmQuadroSEH(sobGuarda, nullptr, tomaTudo);
+    EXPECT_TRUE(saida.bExcecao);
+    EXPECT_EQ(saida.codigo, codigo);
+    EXPECT_EQ(s_marcas, std::vector<std::size_t>{0});
+    ASSERT_TRUE(LivreParaOutraThread(s_secao));
+  }
+  // A fault of the table is the guard's own.
+  s_codigo = 0xC0000005;
+  s_marcas.clear();
+  EXPECT_EQ(BitsResultado(plataforma::ChamaEmQuadroSEH(sobGuarda, nullptr, tomaTudo).hr), 0x8004EAC5U);
+  EXPECT_TRUE(s_marcas.empty());
+}
+
 TEST(Guarda, QuadroInternoSoltaSoOSeu) {
   SecaoCritica externa(NivelTrava::Container);
   SecaoCritica interna(NivelTrava::ArquivoDados);
@@ -251,13 +282,17 @@ TEST(Guarda, ThrowAtravessaOQuadroComDestrutores) {
     bool &b;
     ~Marca() { b = true; }
   };
-  EXPECT_THROW(Guarda([&]() -> HRESULT {
-                 const Marca marca{bDestruiu};
-                 const CQZTrava trava(secao);
-                 throw std::runtime_error("x");
-               }),
+  auto corpo = [&]() -> HRESULT {
+    const Marca marca{bDestruiu};
+    const CQZTrava trava(secao);
+    throw std::runtime_error("x");
+  };
+  bool bAbandonou = false;
+  EXPECT_THROW(ChamaSEH([](void *p) -> HRESULT { return (*static_cast<decltype(corpo) *>(p))(); }, &corpo,
+                        {[](void *p) { *static_cast<bool *>(p) = true; }, &bAbandonou}),
                std::runtime_error);
   EXPECT_TRUE(bDestruiu);
+  EXPECT_FALSE(bAbandonou);
   EXPECT_EQ(LivroTravas::Marca(), 0U);
   ASSERT_TRUE(LivreParaOutraThread(secao));
 }

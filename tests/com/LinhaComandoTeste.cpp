@@ -31,3 +31,12 @@ TEST(LinhaComando, PrimeiraPalavraInteiraQueCasaDecide) {
     EXPECT_EQ(LeLinhaComando(linha.lpLinha), linha.eComando) << (linha.lpLinha != nullptr ? linha.lpLinha : "(null)");
   }
 }
+
+TEST(LinhaComando, SoAPalavraInteiraDizQueHaCliente) {
+  for (const char *lpLinha : {"-Embedding", "/embedding", "\"-Embedding\"", "-x -Embedding"}) {
+    EXPECT_TRUE(IniciadoParaCliente(lpLinha)) << lpLinha;
+  }
+  for (const char *lpLinha : {"", "Embedding", "-Embeddin", "-EmbeddingX", "/?"}) {
+    EXPECT_FALSE(IniciadoParaCliente(lpLinha)) << lpLinha;
+  }
+}

@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <regex>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "core/env/QZPath.h"
@@ -108,6 +110,32 @@ TEST_F(LogCom, CadeiaDeUmaLeituraQueFalha) {
   }
 }
 
+// Whatever the suite's library does, the caller gets the failure's own code, the record is there, without a text, and
+// nothing stays locked for other threads.
+TEST_F(LogCom, BibliotecaDeMensagensHostilNaoMudaNada) {
+  const CString biblioteca = m_instalacao.CriaSubpasta("x64") + "QZLMensagem.dll";
+  const CString erros = m_empresa.Arquivo("QZProfilerErros.dat");
+  const Veiculos spVeiculos = Abre(m_empresa.Codigo());
+  ASSERT_NE(spVeiculos, nullptr);
+  LONG lPos = 0;
+  ASSERT_EQ(spVeiculos->Grava(&lPos, Veiculo("V1")), S_OK);
+  for (const char *lpVariante : {"falha", "ponteiro_ruim", "throw_alheio", "codigo_alheio", "pilha", "inicio"}) {
+    SCOPED_TRACE(lpVariante);
+    apoio::EscreveArquivo(biblioteca,
+                          apoio::LeArquivo(KALVO_PASTA_MENSAGENS "mensagens_" + CString(lpVariante) + ".dll"));
+    tagREG_VEICULOPS veiculo;
+    EXPECT_EQ(Bits(spVeiculos->Le(0, &veiculo)), 0x810809D9U);
+    const std::vector<Colunas> linhas = Linhas(erros, 275);
+    ASSERT_EQ(linhas.size(), 3U);
+    for (const Colunas &c : linhas) {
+      EXPECT_EQ(c.at(19), "hr = 0X810809D9 ");
+    }
+    EXPECT_EQ(spVeiculos->Le(1, &veiculo), S_OK);
+    EXPECT_EQ(spVeiculos->Grava(&lPos, Veiculo("V1")), S_OK);
+    ASSERT_TRUE(DeleteFileA(erros.c_str()));
+  }
+}
+
 TEST_F(LogCom, EntradaESaidaDeUmaChamada) {
   apoio::EscreveArquivo(m_instalacao / "log.ini", "[Log]\r\nEntrada=1\r\nSaida=1\r\nPerformance=1\r\nMemory=1\r\n");
   const Veiculos spVeiculos = Abre(m_empresa.Codigo());
@@ -141,6 +169,52 @@ TEST_F(LogCom, EntradaESaidaDeUmaChamada) {
   EXPECT_EQ(existe[17], "*pPos = 0") << "the marshalling carries no value in through an output";
   EXPECT_FALSE(acha("CQZFile<struct RegVeiculo>::GravaColecao", "SAIU").empty());
   EXPECT_FALSE(acha("CQZDF_Veiculos::Inicializa", "ENTROU").empty()) << "carries the caller's identity already";
+}
+
+// One object goes from one company to another while other threads call it: every call works on one of them, under the
+// user that it was initialised for, and says so.
+TEST_F(LogCom, InicializaAoLadoDeOutrasChamadas) {
+  apoio::EscreveArquivo(m_instalacao / "log.ini", "[Log]\r\nEntrada=1\r\nPerformance=1\r\n");
+  const Empresa outra;
+  const std::string codigos[] = {m_empresa.Codigo(), outra.Codigo()};
+  const Veiculos spVeiculos = Cria();
+  ASSERT_NE(spVeiculos, nullptr);
+  const auto inicializa = [&](unsigned short i) {
+    return spVeiculos->Inicializa(Texto(codigos[i % 2]).Ponteiro(), i % 2 == 0 ? 100 : 200, i % 2 == 0 ? 1 : 2);
+  };
+  for (unsigned short i = 0; i < 2; ++i) {
+    LONG lPos = 0;
+    ASSERT_EQ(inicializa(i), S_OK);
+    ASSERT_EQ(spVeiculos->Grava(&lPos, Veiculo(codigos[i])), S_OK);
+  }
+  std::atomic<int> iErradas{0};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 3; ++t) {
+    threads.emplace_back([&] {
+      const Apartamento apartamento;
+      tagREG_VEICULOPS veiculo;
+      for (int i = 0; i < 40; ++i) {
+        const bool bCerta = spVeiculos->Le(1, &veiculo) == S_OK &&
+                            std::count(std::begin(codigos), std::end(codigos), CodigoDe(veiculo)) == 1;
+        iErradas += bCerta ? 0 : 1;
+      }
+    });
+  }
+  for (unsigned short i = 0; i < 20; ++i) {
+    EXPECT_EQ(inicializa(i), S_OK);
+  }
+  for (std::thread &thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(iErradas, 0);
+  const Colunas identidades[] = {{"E" + codigos[0], "U100", "S00000001"}, {"E" + codigos[1], "U200", "S00000002"}};
+  for (const Colunas &c : Linhas(m_instalacao / "QZProfiler.dat", 257)) {
+    if (c[4] == "CQZDF_Veiculos::Le") {
+      const Colunas identidade(c.begin() + 5, c.begin() + 8);
+      EXPECT_EQ(std::count(std::begin(identidades), std::end(identidades), identidade), 1)
+          << identidade[0] << identidade[1] << identidade[2];
+    }
+  }
 }
 
 }  // namespace

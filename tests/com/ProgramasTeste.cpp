@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tests/com/ApoioCom.h"
@@ -13,11 +15,16 @@ using namespace apoiocom;
 
 namespace {
 
+const std::vector<std::string> kDoProxy = {"DllCanUnloadNow", "DllGetClassObject", "DllRegisterServer",
+                                           "DllUnregisterServer"};
+
 struct Programa {
   const char *lpArquivo;
+  WORD wMaquina;
   const char *lpNome;  ///< of the project, among the program's strings
   WORD wSubsistema;
   bool bManifesto;
+  std::vector<std::string> exportadas;
 };
 
 std::ostream &operator<<(std::ostream &saida, const Programa &programa) {
@@ -32,40 +39,65 @@ protected:
 
   template <class T>
   const T *Em(DWORD dwEndereco) const {
-    return reinterpret_cast<const T *>(reinterpret_cast<const char *>(m_hImagem) + dwEndereco);
+    // The low bits of the handle say how the file was mapped.
+    return reinterpret_cast<const T *>((reinterpret_cast<std::uintptr_t>(m_hImagem) & ~std::uintptr_t{3}) + dwEndereco);
+  }
+
+  template <class Cabecalhos>
+  void ConfereCabecalhos() const {
+    const auto &cabecalhos = *Em<Cabecalhos>(static_cast<DWORD>(Em<IMAGE_DOS_HEADER>(0)->e_lfanew));
+    const auto &opcional = cabecalhos.OptionalHeader;
+    EXPECT_EQ(cabecalhos.FileHeader.Machine, GetParam().wMaquina);
+    EXPECT_EQ(opcional.Subsystem, GetParam().wSubsistema);
+    constexpr WORD kProtecoes =
+        IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE | IMAGE_DLLCHARACTERISTICS_NX_COMPAT |
+        (sizeof(Cabecalhos) == sizeof(IMAGE_NT_HEADERS64) ? IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA : 0);
+    EXPECT_EQ(opcional.DllCharacteristics & kProtecoes, kProtecoes);
+    EXPECT_NE(opcional.DataDirectory[IMAGE_DIRECTORY_ENTRY_BASERELOC].Size, 0U);
+    ConfereImportadas(opcional.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT]);
+    EXPECT_EQ(Exportadas(opcional.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT]), GetParam().exportadas);
+  }
+
+  void ConfereImportadas(const IMAGE_DATA_DIRECTORY &tabela) const {
+    const std::vector<std::string> doSistema = {"kernel32.dll", "advapi32.dll", "ole32.dll",  "oleaut32.dll",
+                                                "rpcrt4.dll",   "shlwapi.dll",  "user32.dll", "msvcrt.dll",
+                                                "shell32.dll",  "version.dll",  "psapi.dll"};
+    auto *pImportada = Em<IMAGE_IMPORT_DESCRIPTOR>(tabela.VirtualAddress);
+    EXPECT_NE(pImportada->Name, 0U);
+    for (; pImportada->Name != 0; ++pImportada) {
+      const char *const lpNome = Em<char>(pImportada->Name);
+      EXPECT_TRUE(std::any_of(doSistema.begin(), doSistema.end(), [&](const std::string &sDoSistema) {
+        return lstrcmpiA(lpNome, sDoSistema.c_str()) == 0;
+      })) << lpNome;
+    }
+  }
+
+  std::vector<std::string> Exportadas(const IMAGE_DATA_DIRECTORY &tabela) const {
+    std::vector<std::string> nomes;
+    const auto *const pExportadas = Em<IMAGE_EXPORT_DIRECTORY>(tabela.VirtualAddress);
+    for (DWORD i = 0; tabela.Size != 0 && i < pExportadas->NumberOfNames; ++i) {
+      nomes.emplace_back(Em<char>(Em<DWORD>(pExportadas->AddressOfNames)[i]));
+    }
+    return nomes;
   }
 
   const std::string m_sArquivo = PastaDoPrograma() + GetParam().lpArquivo;
-  const HMODULE m_hImagem = LoadLibraryExA(m_sArquivo.c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES);
+  const HMODULE m_hImagem = LoadLibraryExA(m_sArquivo.c_str(), nullptr, LOAD_LIBRARY_AS_IMAGE_RESOURCE);
 };
 
-INSTANTIATE_TEST_SUITE_P(Arquivos, Programas,
-                         testing::Values(Programa{"Kalvo.exe", "Kalvo", IMAGE_SUBSYSTEM_WINDOWS_GUI, true},
-                                         Programa{"veiculos.exe", "", IMAGE_SUBSYSTEM_WINDOWS_CUI, true},
-                                         Programa{"QZDF_VeiculosPS.dll", "", IMAGE_SUBSYSTEM_WINDOWS_CUI, false}));
+constexpr WORD k64 = IMAGE_FILE_MACHINE_AMD64;
+constexpr WORD k32 = IMAGE_FILE_MACHINE_I386;
+INSTANTIATE_TEST_SUITE_P(
+    Arquivos, Programas,
+    testing::Values(Programa{"Kalvo.exe", k64, "Kalvo", IMAGE_SUBSYSTEM_WINDOWS_GUI, true, {}},
+                    Programa{"veiculos.exe", k64, "", IMAGE_SUBSYSTEM_WINDOWS_CUI, true, {}},
+                    Programa{"QZDF_VeiculosPS.dll", k64, "", IMAGE_SUBSYSTEM_WINDOWS_CUI, false, kDoProxy},
+                    Programa{"x86\\QZDF_VeiculosPS.dll", k32, "", IMAGE_SUBSYSTEM_WINDOWS_CUI, false, kDoProxy}));
 
 }  // namespace
 
 TEST_P(Programas, SoPrecisamDoSistemaESaoProtegidos) {
-  const auto &cabecalho = *Em<IMAGE_NT_HEADERS64>(static_cast<DWORD>(Em<IMAGE_DOS_HEADER>(0)->e_lfanew));
-  const IMAGE_OPTIONAL_HEADER64 &opcional = cabecalho.OptionalHeader;
-  EXPECT_EQ(cabecalho.FileHeader.Machine, IMAGE_FILE_MACHINE_AMD64);
-  EXPECT_EQ(opcional.Subsystem, GetParam().wSubsistema);
-  constexpr WORD kProtecoes = IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA | IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE |
-                              IMAGE_DLLCHARACTERISTICS_NX_COMPAT;
-  EXPECT_EQ(opcional.DllCharacteristics & kProtecoes, kProtecoes);
-  EXPECT_NE(opcional.DataDirectory[IMAGE_DIRECTORY_ENTRY_BASERELOC].Size, 0U);
-  const std::vector<std::string> doSistema = {"kernel32.dll", "advapi32.dll", "ole32.dll",  "oleaut32.dll",
-                                              "rpcrt4.dll",   "shlwapi.dll",  "user32.dll", "msvcrt.dll",
-                                              "shell32.dll",  "version.dll",  "psapi.dll"};
-  auto *pImportada = Em<IMAGE_IMPORT_DESCRIPTOR>(opcional.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress);
-  EXPECT_NE(pImportada->Name, 0U);
-  for (; pImportada->Name != 0; ++pImportada) {
-    const char *const lpNome = Em<char>(pImportada->Name);
-    EXPECT_TRUE(std::any_of(doSistema.begin(), doSistema.end(), [&](const std::string &sDoSistema) {
-      return lstrcmpiA(lpNome, sDoSistema.c_str()) == 0;
-    })) << lpNome;
-  }
+  GetParam().wMaquina == k64 ? ConfereCabecalhos<IMAGE_NT_HEADERS64>() : ConfereCabecalhos<IMAGE_NT_HEADERS32>();
 }
 
 TEST_P(Programas, TrazemVersaoEManifesto) {
@@ -81,7 +113,7 @@ TEST_P(Programas, TrazemVersaoEManifesto) {
   ASSERT_TRUE(VerQueryValueA(versao.data(), "\\StringFileInfo\\041604E4\\FileVersion", &pValor, &uiTamanho));
   EXPECT_STREQ(static_cast<const char *>(pValor), "1.0.0.0");
   ASSERT_TRUE(VerQueryValueA(versao.data(), "\\StringFileInfo\\041604E4\\OriginalFilename", &pValor, &uiTamanho));
-  EXPECT_STREQ(static_cast<const char *>(pValor), GetParam().lpArquivo);
+  EXPECT_TRUE(std::string_view(GetParam().lpArquivo).ends_with(static_cast<const char *>(pValor)));
 
   std::array<char, 32> nome{};
   LoadStringA(m_hImagem, 100, nome.data(), static_cast<int>(nome.size()));

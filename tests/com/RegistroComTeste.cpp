@@ -1,4 +1,7 @@
 #include <gtest/gtest.h>
+#include <windows.h>
+//
+#include <sddl.h>
 
 #include <algorithm>
 #include <array>
@@ -49,7 +52,9 @@ void LeArvore(HKEY hPai, const std::string &sNome, const std::string &sCaminho, 
       break;
     }
     const std::string sFilho = sCaminho + Minusculas(nome.data()) + "\\";
-    if (sFilho == "wow6432node\\") {  // shows the keys once more that both views share
+    // Of the view of 32-bit programs its own keys alone; it shows the others once more.
+    if (sFilho.starts_with("wow6432node\\") && sFilho != "wow6432node\\" &&
+        !sFilho.starts_with("wow6432node\\clsid\\") && !sFilho.starts_with("wow6432node\\interface\\")) {
       continue;
     }
     arvore[sFilho] = "";
@@ -105,13 +110,17 @@ std::string Esperado(const std::string &sPasta, bool bBiblioteca) {
       {sClasse + "versionindependentprogid\\", "Kalvo.QZDF_Veiculos"},
       {sClasse + "localserver32\\", "\"" + sPasta + "Kalvo.exe\""},
       {sClasse + "typelib\\", "{719b6d68-7fdd-4942-94c3-953b64051322}"},
-      {sInterface, "IQZDF_Veiculos"},
-      {sInterface + "proxystubclsid32\\", "{84be9740-8888-4462-883d-b2725bba0296}"},
-      {sInterface + "nummethods\\", "10"},
-      {sProxy, "PSFactoryBuffer"},
-      {sProxy + "inprocserver32\\", sPasta + "QZDF_VeiculosPS.dll"},
-      {sProxy + "inprocserver32\\threadingmodel", "Both"},
   };
+  const std::pair<std::string, std::string> proxies[] = {{"", sPasta + "QZDF_VeiculosPS.dll"},
+                                                         {"wow6432node\\", sPasta + "x86\\QZDF_VeiculosPS.dll"}};
+  for (const auto &[sVisao, sArquivo] : proxies) {
+    arvore.insert({{sVisao + sInterface, "IQZDF_Veiculos"},
+                   {sVisao + sInterface + "proxystubclsid32\\", "{84be9740-8888-4462-883d-b2725bba0296}"},
+                   {sVisao + sInterface + "nummethods\\", "10"},
+                   {sVisao + sProxy, "PSFactoryBuffer"},
+                   {sVisao + sProxy + "inprocserver32\\", sArquivo},
+                   {sVisao + sProxy + "inprocserver32\\threadingmodel", "Both"}});
+  }
   if (bBiblioteca) {
     arvore.insert({{sBiblioteca, ""},
                    {sBiblioteca + "1.0\\", "Kalvo 1.0 Type Library"},
@@ -122,6 +131,9 @@ std::string Esperado(const std::string &sPasta, bool bBiblioteca) {
   }
   return Diferenca({}, arvore);
 }
+
+/// For 64-bit and for 32-bit programs.
+constexpr const char *kProxies[] = {"QZDF_VeiculosPS.dll", "x86\\QZDF_VeiculosPS.dll"};
 
 /// One of the two registrations: switches and hive.
 struct Alcance {
@@ -136,10 +148,36 @@ struct Alcance {
 const Alcance kAlcances[] = {{"/RegServerPerUser", "/UnregServerPerUser", HKEY_CURRENT_USER, false},
                              {"/RegServer", "/UnregServer", HKEY_LOCAL_MACHINE, true}};
 
+/// A key that may be read but not written to, for a scope.
+class SoParaLer {
+public:
+  SoParaLer(HKEY hRaiz, const char *lpChave) : m_hRaiz(hRaiz), m_lpChave(lpChave) { Permite("KRWD"); }
+  ~SoParaLer() { Permite("KA"); }
+  SoParaLer(const SoParaLer &) = delete;
+  SoParaLer &operator=(const SoParaLer &) = delete;
+
+private:
+  /// Gives everybody these rights, and nobody others.
+  void Permite(const std::string &sDireitos) const {
+    HKEY hChave = nullptr;
+    ASSERT_EQ(RegOpenKeyExA(m_hRaiz, m_lpChave, 0, WRITE_DAC, &hChave), ERROR_SUCCESS);
+    PSECURITY_DESCRIPTOR pDescritor = nullptr;
+    ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorA(("D:P(A;;" + sDireitos + ";;;WD)").c_str(),
+                                                                     SDDL_REVISION_1, &pDescritor, nullptr));
+    EXPECT_EQ(RegSetKeySecurity(hChave, DACL_SECURITY_INFORMATION, pDescritor), ERROR_SUCCESS);
+    LocalFree(pDescritor);
+    RegCloseKey(hChave);
+  }
+
+  const HKEY m_hRaiz;
+  const char *const m_lpChave;
+};
+
 /// An installation of the server in a folder of its own, in a path with blanks and accents.
 class RegistroCom : public testing::Test {
 protected:
   void SetUp() override {
+    ASSERT_TRUE(CreateDirectoryA((m_sPasta + "x86").c_str(), nullptr));
     Copia("Kalvo.exe");
     Limpa();
   }
@@ -158,6 +196,12 @@ protected:
     }
   }
 
+  void CopiaProxies() const {
+    for (const char *lpArquivo : kProxies) {
+      Copia(lpArquivo);
+    }
+  }
+
   void Copia(const std::string &sArquivo) const {
     ASSERT_TRUE(CopyFileA((PastaDoPrograma() + sArquivo).c_str(), (m_sPasta + sArquivo).c_str(), FALSE));
   }
@@ -173,7 +217,7 @@ protected:
 }  // namespace
 
 TEST_F(RegistroCom, RegistraERemoveChaveAChave) {
-  Copia("QZDF_VeiculosPS.dll");
+  CopiaProxies();
   for (const Alcance &alcance : kAlcances) {
     SCOPED_TRACE(alcance.lpRegistra);
     Limpa();
@@ -195,8 +239,28 @@ TEST_F(RegistroCom, RegistraERemoveChaveAChave) {
   }
 }
 
+// A program asks for the proxy by its own view of the classes.
+TEST_F(RegistroCom, CadaProgramaAchaOSeuProxy) {
+  const std::pair<REGSAM, const char *> casos[] = {{KEY_WOW64_64KEY, kProxies[0]}, {KEY_WOW64_32KEY, kProxies[1]}};
+  CopiaProxies();
+  ASSERT_EQ(Executa("/RegServer"), 0U) << m_sErro;
+  for (const auto &[uiVisao, lpProxy] : casos) {
+    HKEY hChave = nullptr;
+    char texto[MAX_PATH] = "";
+    DWORD dwTamanho = sizeof(texto);
+    ASSERT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE,
+                            "Software\\Classes\\CLSID\\{84BE9740-8888-4462-883D-B2725BBA0296}\\InProcServer32", 0,
+                            KEY_READ | uiVisao, &hChave),
+              ERROR_SUCCESS);
+    EXPECT_EQ(RegQueryValueExA(hChave, "", nullptr, nullptr, reinterpret_cast<BYTE *>(texto), &dwTamanho),
+              ERROR_SUCCESS);
+    RegCloseKey(hChave);
+    EXPECT_EQ(texto, m_sPasta + lpProxy);
+  }
+}
+
 TEST_F(RegistroCom, ServeDeUmCaminhoComBrancosEAcentos) {
-  Copia("QZDF_VeiculosPS.dll");
+  CopiaProxies();
   ASSERT_GE(EsperaServidorTerminar(), 0);
   ASSERT_EQ(Executa("-Embedding /REGSERVER"), 0U) << m_sErro;
   {
@@ -211,7 +275,7 @@ TEST_F(RegistroCom, ServeDeUmCaminhoComBrancosEAcentos) {
 }
 
 TEST_F(RegistroCom, FalhaDizOQueENaoDeixaNada) {
-  const std::string sProxy = std::string(kClasses) + "\\CLSID\\{84BE9740-8888-4462-883D-B2725BBA0296}";
+  const std::string sProxy = std::string(kClasses) + "\\Wow6432Node\\CLSID\\{84BE9740-8888-4462-883D-B2725BBA0296}";
   for (const Alcance &alcance : kAlcances) {
     SCOPED_TRACE(alcance.lpRegistra);
     Limpa();
@@ -220,15 +284,18 @@ TEST_F(RegistroCom, FalhaDizOQueENaoDeixaNada) {
       if (bHaviaOutro) {
         ASSERT_EQ(ExecutaKalvo(alcance.lpRegistra), 0U);
       }
-      // The executable alone in its folder: the proxy/stub that belongs beside it is missing.
+      // The executable alone in its folder, then with one of the two proxies that belong beside it.
       const Arvore antes = Classes(alcance.hRaiz);
       EXPECT_EQ(Executa(alcance.lpRegistra), 0x8007007EU);
       EXPECT_NE(m_sErro.find(m_sPasta + "QZDF_VeiculosPS.dll: erro 0x8007007E"), std::string::npos) << m_sErro;
+      Copia(kProxies[0]);
+      EXPECT_EQ(Executa(alcance.lpRegistra), 0x80070002U);
+      EXPECT_NE(m_sErro.find(m_sPasta + "x86\\QZDF_VeiculosPS.dll: erro 0x80070002"), std::string::npos) << m_sErro;
       EXPECT_EQ(TodaDiferenca(antes, Classes(alcance.hRaiz)), "");
 
-      // A key that lives only in memory takes no lasting keys: the proxy's cannot be written, after everything else
-      // was.
-      Copia("QZDF_VeiculosPS.dll");
+      // A key that lives only in memory takes no lasting keys: that of the proxy for 32-bit programs cannot be written,
+      // after everything else was.
+      Copia(kProxies[1]);
       RegDeleteTreeA(alcance.hRaiz, sProxy.c_str());
       HKEY hChave = nullptr;
       ASSERT_EQ(RegCreateKeyExA(alcance.hRaiz, sProxy.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_WRITE, nullptr,
@@ -241,8 +308,25 @@ TEST_F(RegistroCom, FalhaDizOQueENaoDeixaNada) {
           << m_sErro;
       EXPECT_EQ(TodaDiferenca(bloqueada, Classes(alcance.hRaiz)), "");
       RegDeleteTreeA(alcance.hRaiz, sProxy.c_str());
-      DeleteFileA((m_sPasta + "QZDF_VeiculosPS.dll").c_str());
+      for (const char *lpArquivo : kProxies) {
+        DeleteFileA((m_sPasta + lpArquivo).c_str());
+      }
     }
+  }
+}
+
+// Keys that nothing was written to need no undoing, and no right to write.
+TEST_F(RegistroCom, RecusadaPorFaltaDeDireitosNaoDeixaNadaADesfazer) {
+  CopiaProxies();
+  for (const Alcance &alcance : kAlcances) {
+    SCOPED_TRACE(alcance.lpRegistra);
+    ASSERT_EQ(ExecutaKalvo(alcance.lpRegistra), 0U);
+    const Arvore antes = Classes(alcance.hRaiz);
+    const SoParaLer semDireitos(alcance.hRaiz, "Software\\Classes\\AppID\\{f5b03bc1-ff38-45f0-a365-680a4ab6f515}");
+    EXPECT_EQ(Executa(alcance.lpRegistra), static_cast<DWORD>(E_ACCESSDENIED));
+    EXPECT_NE(m_sErro.find("{f5b03bc1-ff38-45f0-a365-680a4ab6f515}: erro 0x80070005"), std::string::npos) << m_sErro;
+    EXPECT_EQ(m_sErro.find("desfeito"), std::string::npos) << m_sErro;
+    EXPECT_EQ(TodaDiferenca(antes, Classes(alcance.hRaiz)), "");
   }
 }
 

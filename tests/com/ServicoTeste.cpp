@@ -2,14 +2,21 @@
 
 #include <atomic>
 #include <cstring>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "core/env/QZPath.h"
+#include "core/log/ConfiguracaoLog.h"
 #include "core/log/Rastro.h"
 #include "server/ClasseVeiculos.h"
 #include "server/ContagemModulo.h"
+#include "tests/apoio/ArquivosDecorado.h"
+#include "tests/apoio/RegistroFalso.h"
+#include "tests/apoio/RelogioFalso.h"
+#include "tests/apoio/ServicosTrocados.h"
 #include "tests/com/ApoioServico.h"
 
 // The service object within the test's own process: what no client of another process can do to it, such as passing a
@@ -172,6 +179,58 @@ TEST_F(Servico, InicializaQueFalhaERastreadaComAEmpresa) {
   EXPECT_EQ(Bits(Inicializa(*NovoServico(), ausente.Codigo())), 0x80043EBFU);
   EXPECT_TRUE(g_sFalha.starts_with("CQZDF_Veiculos::Inicializa|") && g_sFalha.ends_with("|" + ausente.Codigo()))
       << g_sFalha;
+}
+
+/// Runs `m_aoOlhar` once, when the log writer looks for the file of entry records.
+class ArquivosQueAvisam final : public apoio::ArquivosDecorado {
+public:
+  using ArquivosDecorado::ArquivosDecorado;
+
+  bool Existe(const CString &caminho) override {
+    const auto aoOlhar = caminho.ends_with("QZProfiler.dat") ? std::exchange(m_aoOlhar, nullptr) : nullptr;
+    if (aoOlhar) {
+      aoOlhar();
+    }
+    return ArquivosDecorado::Existe(caminho);
+  }
+
+  std::function<void()> m_aoOlhar;
+};
+
+// An Inicializa that comes while a call leaves its entry record waits for the call, which works on what the record
+// says.
+TEST_F(Servico, RegistroDeEntradaDizAEmpresaDaChamada) {
+  const apoio::PastaTemporaria pasta;
+  apoio::RegistroFalso registro;
+  registro.m_textos = {{{CString(kChaveSuite) + "Miran Empresarial", "Path"}, pasta.Caminho()},
+                       {{CString(kChaveSuite) + "Empresas\\A", "DF"}, pasta.CriaSubpasta("A")},
+                       {{CString(kChaveSuite) + "Empresas\\B", "DF"}, pasta.CriaSubpasta("B")}};
+  ArquivosQueAvisam arquivos(plataforma::Arquivos());
+  apoio::RelogioFalso relogio;
+  const apoio::ServicosTrocados servicos(&arquivos, &registro, &relogio);
+  apoio::EscreveArquivo(pasta / "log.ini", "[Log]\r\nEntrada=1\r\nPerformance=1\r\nTimeoutConfig=0");
+  relogio.m_ticks = static_cast<std::uint32_t>(CarregaConfiguracaoLog()) - 1;
+
+  const Veiculos spVeiculos = NovoServico();
+  for (const char *lpEmpresa : {"B", "A"}) {
+    ASSERT_EQ(Inicializa(*spVeiculos, lpEmpresa), S_OK);
+    LONG lPos = 0;
+    ASSERT_EQ(spVeiculos->Grava(&lPos, Veiculo(lpEmpresa)), S_OK);
+  }
+  std::future<HRESULT> outra;
+  arquivos.m_aoOlhar = [&] {
+    outra = std::async(std::launch::async, [&] { return Inicializa(*spVeiculos, "B"); });
+    EXPECT_EQ(outra.wait_for(std::chrono::milliseconds(300)), std::future_status::timeout) << "did not wait";
+  };
+  tagREG_VEICULOPS veiculo;
+  EXPECT_EQ(spVeiculos->Le(1, &veiculo), S_OK);
+  EXPECT_EQ(CodigoDe(veiculo), "A");
+  ASSERT_TRUE(outra.valid());
+  EXPECT_EQ(outra.get(), S_OK);
+  const std::string sLog = apoio::LeArquivo(pasta / "QZProfiler.dat");
+  EXPECT_NE(sLog.find("CQZDF_Veiculos::Le\tEA\t"), std::string::npos) << sLog;
+  EXPECT_EQ(spVeiculos->Le(1, &veiculo), S_OK);
+  EXPECT_EQ(CodigoDe(veiculo), "B");
 }
 
 // A company without a registry key has no directory: its files lie in the process's current one.

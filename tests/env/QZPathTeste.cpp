@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/apoio/RegistroFalso.h"
 #include "tests/apoio/RegistroTeste.h"
+#include "tests/apoio/ServicosTrocados.h"
 
 namespace {
 
@@ -33,6 +35,26 @@ TEST(QZPath, DiretorioEArquivoDaEmpresa) {
   EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_DF, sEmpresa), "");
   registro.DefineTextoExpansivel(sChave, "DF", "%PATH%\\x");
   EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_DF, sEmpresa), "%PATH%\\x\\");
+}
+
+// The names of the values are the suite's: its other programs read the same ones.
+TEST(QZPath, DiretoriosCompartilhados) {
+  const CString sSuite = "SOFTWARE\\Wow6432Node\\Tarvel\\";
+  const CString sProduto = sSuite + "Miran Empresarial";
+  apoio::RegistroFalso registro;
+  registro.m_textos = {{{sProduto, "Path"}, "C:\\Miran"},  {{sSuite, "Relatorios"}, "C:\\R"},
+                       {{sSuite, "Mensagens"}, "C:\\M\\"}, {{sSuite, "Cadastros"}, "C:\\C"},
+                       {{sSuite, "Ajuda"}, "C:\\A"},       {{sSuite, "Imagens"}, "C:\\I"}};
+  const apoio::ServicosTrocados servicos(nullptr, &registro);
+  const std::pair<std::int32_t, const char *> casos[] = {
+      {-2, "C:\\Miran\\"}, {-3, "C:\\R\\"}, {-4, "C:\\M\\"}, {-5, "C:\\C\\"}, {-6, ""}};
+  for (const auto &[iModulo, lpDiretorio] : casos) {
+    EXPECT_EQ(CQZPath::DiretorioModulo(static_cast<ModuloQZ>(iModulo), "0001"), lpDiretorio) << iModulo;
+  }
+  EXPECT_EQ(CQZPath::DiretorioInstalacao(QZ_NFE), "C:\\Miran\\");
+  EXPECT_EQ(CQZPath::DiretorioCompartilhado("Ajuda"), "C:\\A\\");
+  EXPECT_EQ(CQZPath::DiretorioCompartilhado("Imagens"), "C:\\I\\");
+  EXPECT_EQ(CQZPath::DiretorioCompartilhado("Outros"), "");
 }
 
 TEST(QZPath, Junta) {

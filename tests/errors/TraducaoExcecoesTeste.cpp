@@ -57,6 +57,10 @@ TEST(TraducaoExcecoes, CadaTipoTemOSeuCodigo) {
       {"text", [] { throw "x"; }, 0x8004EA66},
       {"unsigned", [] { throw 5U; }, 0x8004EA66},
       {"by value", [] { throw CMemoryException(); }, 0x8004EA66},
+      {"null system error", [] { throw static_cast<CQZException *>(nullptr); }, 0x8004EA61},
+      {"null file", [] { throw static_cast<CFileException *>(nullptr); }, 0x8004EA63},
+      {"null memory", [] { throw static_cast<CMemoryException *>(nullptr); }, 0x8004EA62},
+      {"nullptr", [] { throw nullptr; }, 0x8004EA66},
   };
   // Boxes would hold up the call that is being ended.
   apoio::CaixaFalsa caixa;

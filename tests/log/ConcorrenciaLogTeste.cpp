@@ -14,6 +14,22 @@ namespace {
 constexpr int kEscritores = 4;
 constexpr int kRegistros = 200;
 
+/// Opens a log file that another writer has taken once it is free, so that no record is dropped for want of attempts.
+class ArquivosQueEsperam final : public apoio::ArquivosDecorado {
+public:
+  using ArquivosDecorado::ArquivosDecorado;
+
+  apoio::FalhaArquivo Abre(const CString &caminho, const plataforma::ModoAbertura &modo,
+                           std::unique_ptr<plataforma::IArquivoAberto> *arquivo) override {
+    apoio::FalhaArquivo falha;
+    while ((falha = ArquivosDecorado::Abre(caminho, modo, arquivo)).causa ==
+           plataforma::CausaArquivo::ViolacaoCompartilhamento) {
+      std::this_thread::yield();
+    }
+    return falha;
+  }
+};
+
 /// Text of the n-th record of a writer, long enough to show a torn line.
 std::string Texto(const std::string &escritor, int n) {
   return escritor + "." + std::to_string(n) + "." + std::string(static_cast<std::size_t>(n), 'x') + ".fim";
@@ -23,7 +39,8 @@ std::string Texto(const std::string &escritor, int n) {
 int GravaRegistros(const std::vector<std::string> &argumentos) {
   apoio::RegistroFalso registro;
   registro.m_textos[{kChaveInstalacao, "Path"}] = argumentos.at(0);
-  const apoio::ServicosTrocados servicos(nullptr, &registro);
+  ArquivosQueEsperam arquivos(plataforma::Arquivos());
+  const apoio::ServicosTrocados servicos(&arquivos, &registro);
   for (int n = 0; n < kRegistros; ++n) {
     GravaRegistroErro(nullptr, "C::F", "C.cpp", n, Texto(argumentos.at(1), n));
   }
@@ -33,22 +50,22 @@ const apoio::RegistraFilha kFilha("grava-registros", GravaRegistros);
 
 class ConcorrenciaLog : public LogTeste {
 protected:
-  /// Checks that the error file is one header and whole records, each at most once; returns how many records.
-  std::size_t ConfereErros() {
-    std::set<std::string> possiveis;
+  /// Checks that the error file is one header and all records, whole and each once.
+  void ConfereErros() {
+    std::set<std::string> faltam;
     for (int escritor = 0; escritor < kEscritores; ++escritor) {
       for (int n = 0; n < kRegistros; ++n) {
-        possiveis.insert("|C.cpp|" + std::to_string(n) + "|" + Texto(std::to_string(escritor), n) + "|");
+        faltam.insert("|C.cpp|" + std::to_string(n) + "|" + Texto(std::to_string(escritor), n) + "|");
       }
     }
     std::vector<std::string> linhas = ErrosDaInstalacao();
     EXPECT_EQ(linhas.empty() ? "" : linhas.front(), kCabecalhoErrosEsperado);
     for (std::size_t i = 1; i < linhas.size(); ++i) {
       const std::size_t inicio = std::min(linhas[i].find("|C.cpp|"), linhas[i].size());
-      EXPECT_EQ(possiveis.erase(linhas[i].substr(inicio)), 1U) << linhas[i];
+      EXPECT_EQ(faltam.erase(linhas[i].substr(inicio)), 1U) << linhas[i];
       EXPECT_EQ(linhas[i].substr(2, 1), "/") << linhas[i];
     }
-    return linhas.empty() ? 0 : linhas.size() - 1;
+    EXPECT_EQ(faltam, std::set<std::string>()) << "lost";
   }
 };
 
@@ -60,14 +77,12 @@ TEST_F(ConcorrenciaLog, QuatroProcessosNoMesmoArquivo) {
   for (apoio::ProcessoFilho &filho : filhos) {
     EXPECT_EQ(filho.Espera(), 0);
   }
-  // A writer that meets the file taken 19 times in a row drops its record.
-  const std::size_t chegaram = ConfereErros();
-  RecordProperty("registros", static_cast<int>(chegaram));
-  EXPECT_GE(chegaram, static_cast<std::size_t>(kRegistros) / 2);
+  ConfereErros();
 }
 
 TEST_F(ConcorrenciaLog, ThreadsEscrevemEnquantoAsChavesMudam) {
-  const apoio::ServicosTrocados servicos(nullptr, nullptr, plataforma::ServicosDoSistema().relogio);
+  ArquivosQueEsperam arquivos(plataforma::Arquivos());
+  const apoio::ServicosTrocados servicos(&arquivos, nullptr, plataforma::ServicosDoSistema().relogio);
   EscreveIni("TimeoutConfig=0");
   std::atomic<int> ativos{kEscritores};
   std::list<std::thread> threads;
@@ -88,9 +103,12 @@ TEST_F(ConcorrenciaLog, ThreadsEscrevemEnquantoAsChavesMudam) {
   for (std::thread &thread : threads) {
     thread.join();
   }
-  EXPECT_GE(ConfereErros(), static_cast<std::size_t>(kRegistros) / 2);
+  ConfereErros();
+  // A reload may meet the file while it is being written: between two others, the memory is then not measured.
   for (const std::string &linha : Profiler()) {
-    EXPECT_TRUE(linha == kCabecalhoProfilerEsperado || linha.ends_with("|3276800|0|0|")) << linha;
+    EXPECT_TRUE(linha == kCabecalhoProfilerEsperado || linha.ends_with("|17179869184|3276800|0|0|") ||
+                linha.ends_with("|17179869184|0|0|0|"))
+        << linha;
   }
 }
 

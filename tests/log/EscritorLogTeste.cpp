@@ -104,7 +104,11 @@ TEST_F(EscritorLog, LinhasInteirasEmQualquerFalha) {
           Grava("antes");
           esperadas.emplace_back("c|antes");
         }
-        m_falhas.Arma({.trecho = kArquivoErros, .enesima = n, .falha = kDiscoCheio, .gravaAntes = gravaAntes});
+        m_falhas.Arma({.operacoes = apoio::kOpTodas & ~apoio::kOpExiste,
+                       .trecho = kArquivoErros,
+                       .enesima = n,
+                       .falha = kDiscoCheio,
+                       .gravaAntes = gravaAntes});
         Grava("durante");
         m_falhas.Desarma();
         bDisparou = m_falhas.Disparou();

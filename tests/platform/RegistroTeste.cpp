@@ -6,10 +6,13 @@
 
 #include <cstdlib>
 
+#include "core/platform/ChaveRegistro.h"
 #include "core/platform/Plataforma.h"
 
 namespace {
 
+using plataforma::AbreChaveRegistro;
+using plataforma::AcessoChave;
 using plataforma::Registro;
 
 /// Keys of its own for each test: the tests may run at the same time, as processes that share one registry.
@@ -90,6 +93,23 @@ TEST_F(RegistroSistema, NadaFicaGuardado) {
   EXPECT_FALSE(Registro().ExisteChave(m_chave));
   EXPECT_EQ(Registro().LeTexto(m_chave, "Nome", false), std::nullopt);
   EXPECT_EQ(Registro().LeNumero(m_chave, "Nome"), std::nullopt);
+}
+
+TEST_F(RegistroSistema, AcessoDeEscritaSoAPedido) {
+  m_registro.DefineTexto(m_chave, "Nome", "antes");
+  EXPECT_EQ(AbreChaveRegistro(m_chave + "\\Ausente", AcessoChave::LeituraEscrita), nullptr) << "nothing is created";
+  const auto leitura = AbreChaveRegistro(m_chave);
+  const auto escrita = AbreChaveRegistro(m_chave + "\\", AcessoChave::LeituraEscrita);
+  ASSERT_TRUE(leitura && escrita);
+  EXPECT_FALSE(leitura->GravaTexto("Nome", "depois"));
+  EXPECT_FALSE(leitura->CriaSubchave("Filha"));
+  EXPECT_EQ(leitura->LeTexto("Nome", false), "antes");
+  EXPECT_FALSE(Registro().ExisteChave(m_chave + "\\Filha"));
+  EXPECT_TRUE(escrita->GravaTexto("Nome", "depois"));
+  EXPECT_TRUE(escrita->CriaSubchave("Filha"));
+  EXPECT_EQ(leitura->LeTexto("nome", false), "depois");
+  EXPECT_TRUE(Registro().ExisteChave(m_chave + "\\Filha"));
+  EXPECT_EQ(AbreChaveRegistro(m_chave, AcessoChave::Leitura, "\\\\KALVO-NAO-HA"), nullptr) << "no such machine";
 }
 
 }  // namespace

@@ -86,7 +86,7 @@ TEST_F(Abertura, ModoDeCriacaoEsvazia) {
   m_empresa.Escreve("TESTE.DAT", Bytes(1, 3));
   ASSERT_EQ(Abre(), codigos::kOk);
   ASSERT_EQ(Arquivo().AbreArquivo(eModoCriacao), codigos::kOk);
-  EXPECT_EQ(Arquivo().GetQuantidade(), 0U);
+  EXPECT_EQ(Quantidade(Arquivo()), 0U);
   EXPECT_EQ(Disco("TESTE.DAT"), "");
 }
 
@@ -134,7 +134,7 @@ bool ParaGravar(const plataforma::ModoAbertura &modo) {
   return modo.acesso == plataforma::Acesso::LeituraEscrita;
 }
 bool ParaCriar(const plataforma::ModoAbertura &modo) {
-  return modo.criacao == plataforma::Criacao::AbreOuCria;
+  return modo.criacao == plataforma::Criacao::CriaNovo;
 }
 
 TEST_F(Abertura, OutroProcessoMudaOArquivoNaTrocaDeModo) {

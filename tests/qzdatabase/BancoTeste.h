@@ -59,6 +59,14 @@ inline CArray<RegTeste> Colecao(std::uint32_t primeiro, std::uint32_t ultimo) {
   return aRegistros;
 }
 
+/// Number of records of a file that can be had.
+template <typename T>
+std::uint64_t Quantidade(CQZFile<T> &arquivo) {
+  std::uint64_t uiQtd = 0;
+  EXPECT_EQ(arquivo.GetQuantidade(&uiQtd), codigos::kOk);
+  return uiQtd;
+}
+
 /// A database with one typed file and one single-record file.
 class BancoTeste : public CQZDataBase {
 public:

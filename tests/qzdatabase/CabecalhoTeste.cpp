@@ -183,7 +183,7 @@ TEST_F(Cabecalho, SegueCadaGravacao) {
     static_cast<void>(m_empresa.Le("UNICO.DAT"));
   }
   ASSERT_EQ(Abre(), codigos::kOk);
-  EXPECT_EQ(Arquivo().GetQuantidade(), 12U);
+  EXPECT_EQ(Quantidade(Arquivo()), 12U);
 }
 
 /// A database that defers flushing writes the header once, at the end.

@@ -1,6 +1,6 @@
 // The list of created files: who is listed, what a listed file's absence means, and deletions on purpose.
 
-#include "core/qzdatabase/banco/ControleCriacao.h"
+#include "core/qzdatabase/arquivo/QZFileBase.h"
 
 #include "core/qzdatabase/banco/QZDataBaseUtil.h"
 #include "tests/qzdatabase/BancoTeste.h"

@@ -1,6 +1,6 @@
 // Whole-file copies and companions.
 
-#include "core/qzdatabase/banco/ControleCriacao.h"
+#include "core/qzdatabase/arquivo/QZFileBase.h"
 #include "core/qzdatabase/banco/QZDataBaseUtil.h"
 #include "tests/qzdatabase/BancoTeste.h"
 

@@ -16,7 +16,7 @@ TEST_F(ArquivoTipado, TamanhoDoArquivoNaInicializacao) {
     {
       BancoTeste banco;
       EXPECT_EQ(banco.Inicializa(m_empresa.Dono()), tamanho % 16 == 0 ? codigos::kOk : codigos::kTamanhoNaoMultiplo);
-      EXPECT_EQ(banco.m_Registros.GetQuantidade(), tamanho % 16 == 0 ? tamanho / 16 : 0);
+      EXPECT_EQ(Quantidade(banco.m_Registros), tamanho % 16 == 0 ? tamanho / 16 : 0);
     }
     EXPECT_EQ(m_empresa.Le("TESTE.DAT"), conteudo);
   }
@@ -53,7 +53,7 @@ TEST_F(ArquivoTipado, GravaAcrescentaESobrepoe) {
   EXPECT_EQ(uiPosicao, 2U) << "an append hands back its first position";
   uiPosicao = 5;
   EXPECT_EQ(Arquivo().GravaColecao(uiPosicao, Colecao(15, 17)), codigos::kOk) << "a range may run past the end";
-  EXPECT_EQ(Arquivo().GetQuantidade(), 7U);
+  EXPECT_EQ(Quantidade(Arquivo()), 7U);
   uiPosicao = 0;
   EXPECT_EQ(Arquivo().GravaColecao(uiPosicao, CArray<RegTeste>()), codigos::kOk);
   EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 4) + Bytes(15, 17));
@@ -161,7 +161,7 @@ TEST_F(ArquivoTipado, LeitoresEEscritoresAoMesmoTempo) {
         const RegTeste reg = Registro(e * kPorEscritor + i);
         RegTeste lido;
         bErro = bErro || Falhou(Arquivo().Grava(uiPosicao, reg)) || Falhou(Arquivo().Le(uiPosicao, &lido)) ||
-                !(lido == reg) || Arquivo().GetQuantidade() < uiPosicao;
+                !(lido == reg) || Quantidade(Arquivo()) < uiPosicao;
       }
     });
   }
@@ -170,7 +170,7 @@ TEST_F(ArquivoTipado, LeitoresEEscritoresAoMesmoTempo) {
   }
   EXPECT_FALSE(bErro);
   std::vector<int> vezes(kEscritores * kPorEscritor, 0);
-  EXPECT_EQ(Arquivo().Percorre(1, Arquivo().GetQuantidade(),
+  EXPECT_EQ(Arquivo().Percorre(1, Quantidade(Arquivo()),
                                [&](std::uint64_t, const RegTeste &reg) {
                                  ++vezes.at(reg.uiNumero);
                                  return true;

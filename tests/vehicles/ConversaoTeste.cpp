@@ -45,24 +45,19 @@ TEST_F(Conversao, BasesDeTodasAsVersoes) {
     const char *nome;
     const char *antes;
     std::string versao;  ///< content of the version file; empty for none
-    bool bDiario;        ///< the journal of an earlier program, found after the record file was rewritten
     HRESULT hr;
     const char *depois;  ///< null for no record file
-  } casos[] = {{"version 0", "0ab", "", false, codigos::kOk, "ab"},
-               {"without vehicles", "0", "", false, codigos::kOk, nullptr},
-               {"empty", "", "", false, codigos::kOk, nullptr},
-               {"version 1", "ab", kVersao1, false, codigos::kOk, "ab"},
-               {"earlier journal", "ab", "", true, codigos::kOk, "ab"},
-               {"newer", "0ab", versao2, false, codigos::kBaseMaisNova, "0ab"}};
+  } casos[] = {{"version 0", "0ab", "", codigos::kOk, "ab"},
+               {"without vehicles", "0", "", codigos::kOk, nullptr},
+               {"empty", "", "", codigos::kOk, nullptr},
+               {"version 1", "ab", kVersao1, codigos::kOk, "ab"},
+               {"newer", "0ab", versao2, codigos::kBaseMaisNova, "0ab"}};
   for (const auto &caso : casos) {
     SCOPED_TRACE(caso.nome);
     apoio::EmpresaComBase empresa;
     empresa.Escreve("DFVEIC.DAT", Base(caso.antes));
     if (!caso.versao.empty()) {
       empresa.Escreve("DFVEIVS.DAT", caso.versao);
-    }
-    if (caso.bDiario) {
-      empresa.Escreve("DFVEIVS.TRA", kVersao1);
     }
     for (int vez = 0; vez < 2; ++vez) {
       apoio::ColetorRastro rastro;
@@ -74,7 +69,7 @@ TEST_F(Conversao, BasesDeTodasAsVersoes) {
       EXPECT_EQ(caso.depois != nullptr ? empresa.Le("DFVEIC.DAT") : "",
                 Base(caso.depois != nullptr ? caso.depois : ""));
       EXPECT_EQ(empresa.Le("DFVEIVS.DAT"), Falhou(caso.hr) ? versao2 : kVersao1);
-      for (const char *lpResto : {"DFVEIC.TRA", "DFVEIVS.TRA", "DFVEIVSD.TRA"}) {
+      for (const char *lpResto : {"DFVEIC.TRA", "DFVEIVSD.TRA"}) {
         EXPECT_FALSE(empresa.Existe(lpResto)) << lpResto;
       }
     }
@@ -116,7 +111,7 @@ TEST_F(Conversao, InterrompidaEmQualquerPonto) {
     ASSERT_EQ(empresa.Le("DFVEIC.DAT"), Base("abc"));
     ASSERT_EQ(empresa.Le("DFVEIVS.DAT"), kVersao1);
     ASSERT_FALSE(empresa.Existe("DFVEIC.TRA"));
-    ASSERT_FALSE(empresa.Existe("DFVEIVS.TRA"));
+    ASSERT_FALSE(empresa.Existe("DFVEIVSD.TRA"));
   }
 }
 
@@ -139,8 +134,10 @@ TEST_F(Conversao, ArquivosQueSomemDepois) {
 
 /// A journal that cannot be read just now is not taken for none.
 TEST_F(Conversao, DiarioPresoFazEsperar) {
-  m_empresa.Escreve("DFVEIC.DAT", Base("ab"));
-  m_empresa.Escreve("DFVEIVSD.TRA", kVersao1);
+  m_empresa.Escreve("DFVEIC.DAT", Base("0ab"));
+  m_falhas.Arma({apoio::kOpGrava, "DFVEIVS.DAT", 1, true, plataforma::FalhaWin32(1117), {}});
+  EXPECT_EQ(Abre(), codigos::kArqErroFisico) << "stopped before the version";
+  ASSERT_TRUE(m_empresa.Existe("DFVEIVSD.TRA"));
   m_falhas.Arma({apoio::kOpAbre, "DFVEIVSD.TRA", 1, true, plataforma::FalhaWin32(32), {}});
   EXPECT_EQ(Abre(), codigos::kArqCompartilhamento);
   EXPECT_EQ(m_falhas.Vistas(), 50U);

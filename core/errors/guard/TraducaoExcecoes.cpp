@@ -1,5 +1,6 @@
 #include "core/errors/guard/TraducaoExcecoes.h"
 
+#include <cstddef>
 #include <exception>
 #include <new>
 
@@ -19,13 +20,18 @@ constexpr HRESULT kExcecaoDesconhecida = CodigoResultado(0x8004EA66);
 
 /// The whole error number counts, also where it reaches into the upper half of the code: readers of the log search for
 /// the codes that come out. The text is not asked for; that could show a box.
-HRESULT ResultadoDe(const CQZException &excecao) {
-  return excecao.GetErroSO() != 0 ? CodigoResultado(0x80040000U | excecao.GetErroSO()) : kExcecaoSistema;
+HRESULT ResultadoDe(const CQZException *pExcecao) {
+  const std::uint32_t uiErroSO = pExcecao != nullptr ? pExcecao->GetErroSO() : 0;
+  return uiErroSO != 0 ? CodigoResultado(0x80040000U | uiErroSO) : kExcecaoSistema;
 }
 
-/// No error number, no failure: such an exception is a success for the caller.
-HRESULT ResultadoDe(const CFileException &excecao) {
-  const LONG lErroSO = excecao.GetErroSO();
+/// No error number, no failure: such an exception is a success for the caller. A null pointer has not even a number to
+/// say so; it counts as any framework exception.
+HRESULT ResultadoDe(const CFileException *pExcecao) {
+  if (pExcecao == nullptr) {
+    return kExcecaoFramework;
+  }
+  const LONG lErroSO = pExcecao->GetErroSO();
   return lErroSO < 1 ? HRESULT{lErroSO}
                      : CodigoResultado(0x80070000U | (static_cast<std::uint32_t>(lErroSO) & 0xFFFFU));
 }
@@ -42,10 +48,13 @@ HRESULT QZTranslateThrownExceptionToHresult() {
     throw;
   } catch (const CQZExceptionEx &excecao) {
     return excecao.GetHR();
+  } catch (std::nullptr_t) {
+    // Of no type, though every handler of a pointer would take it.
+    return kExcecaoDesconhecida;
   } catch (const CQZException *pExcecao) {
-    return ResultadoDe(*pExcecao);
+    return ResultadoDe(pExcecao);
   } catch (const CFileException *pExcecao) {
-    return ResultadoDe(*pExcecao);
+    return ResultadoDe(pExcecao);
   } catch (const CMemoryException *) {
     return kExcecaoMemoria;
   } catch (const CException *) {

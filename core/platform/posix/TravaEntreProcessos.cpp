@@ -1,33 +1,35 @@
 #include "core/platform/TravaEntreProcessos.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <cstdlib>
+#include <functional>
 #include <thread>
 
 namespace plataforma {
 namespace {
 
-std::string ArquivoDaTrava(const CString &nome) {
+std::string ArquivoDasTravas() {
   const char *const temp = std::getenv("TMPDIR");
-  return std::string(temp != nullptr && *temp != '\0' ? temp : "/tmp") + "/kalvo-" + nome + ".trava";
+  return std::string(temp != nullptr && *temp != '\0' ? temp : "/tmp") + "/kalvo.travas";
 }
 
-/// The kernel's lock on a file that is never removed: removing it would let two holders lock two files of one name.
-class TravaFlock final : public ITravaEntreProcessos {
+/// The kernel's lock on one byte of a file that all locks of the machine share; the name chooses the byte. The file is
+/// never removed: removing it would let two holders lock two files of one name.
+class TravaDeByte final : public ITravaEntreProcessos {
 public:
-  explicit TravaFlock(const CString &nome)
-      : m_fd(::open(ArquivoDaTrava(nome).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {}
-  ~TravaFlock() override {
+  explicit TravaDeByte(const CString &nome)
+      : m_fd(::open(ArquivoDasTravas().c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)),
+        m_byte(static_cast<off_t>(std::hash<CString>()(nome) >> 2)) {}
+  ~TravaDeByte() override {
     if (m_fd >= 0) {
       ::close(m_fd);
     }
   }
-  TravaFlock(const TravaFlock &) = delete;
-  TravaFlock &operator=(const TravaFlock &) = delete;
+  TravaDeByte(const TravaDeByte &) = delete;
+  TravaDeByte &operator=(const TravaDeByte &) = delete;
 
   bool Toma(std::uint32_t limiteMs) override {
     if (m_fd < 0) {
@@ -35,7 +37,7 @@ public:
     }
     // The kernel's wait knows no limit, hence the polling.
     const auto fim = std::chrono::steady_clock::now() + std::chrono::milliseconds(limiteMs);
-    while (::flock(m_fd, LOCK_EX | LOCK_NB) != 0) {
+    while (!Pede(F_WRLCK)) {
       if (std::chrono::steady_clock::now() >= fim) {
         return false;
       }
@@ -44,16 +46,26 @@ public:
     return true;
   }
 
-  void Solta() override { ::flock(m_fd, LOCK_UN); }
+  void Solta() override { Pede(F_UNLCK); }
 
 private:
+  bool Pede(short tipo) {
+    struct flock faixa {};
+    faixa.l_type = tipo;
+    faixa.l_whence = SEEK_SET;
+    faixa.l_start = m_byte;
+    faixa.l_len = 1;
+    return ::fcntl(m_fd, F_OFD_SETLK, &faixa) == 0;
+  }
+
   int m_fd;
+  off_t m_byte;
 };
 
 }  // namespace
 
 std::unique_ptr<ITravaEntreProcessos> CriaTravaEntreProcessos(const CString &nome) {
-  return std::make_unique<TravaFlock>(nome);
+  return std::make_unique<TravaDeByte>(nome);
 }
 
 }  // namespace plataforma

@@ -7,7 +7,6 @@
 #include "core/platform/CArray.h"
 #include "core/qzdatabase/arquivo/QZBlocosRegistros.h"
 #include "core/qzdatabase/arquivo/QZFileBase.h"
-#include "core/qzdatabase/disco/QZCrc64.h"
 
 /// A file of fixed-length records of the plain structure T, stored byte for byte without separators and held in memory
 /// as a whole. Reads are served from memory; a write goes to disk first and to memory after, so memory never holds a
@@ -18,7 +17,7 @@
 template <typename T>
 class CQZFile : public CQZFileBase {
 public:
-  CQZFile(const CString &sNomeArquivo, CQZDataBase *pDataBase) : CQZFileBase(sNomeArquivo, pDataBase) {}
+  CQZFile(const CString &sNomeArquivo, IDonoDeArquivos *pDataBase) : CQZFileBase(sNomeArquivo, pDataBase) {}
   ~CQZFile() override { FinalizaNoDestrutor(); }
 
   /// Copies the record at a position.
@@ -39,10 +38,14 @@ public:
   [[nodiscard]] HRESULT Percorre(std::uint64_t uiPrimeira, std::uint64_t uiUltima, F &&visita);
 
   /// The records in memory. Not locked: for callers that share the file with no other thread.
-  const CQZBlocosRegistros<T> *GetPtrArrayRegistros() const { return &m_aRegistros; }
+  const CQZBlocosRegistros<T> *GetPtrArrayRegistros() const {
+    const CQZEscopoProfiler escopo(this, Nome(">::GetPtrArrayRegistros"));
+    return &m_aRegistros;
+  }
 
-  /// Number of records; any thread, without the lock. Changes as the last step of a write.
-  std::uint64_t GetQuantidade() const { return m_uiQtd.load(std::memory_order_acquire); }
+  /// Number of records. Changes as the last step of a write, so that no position is counted that cannot be read. Waits
+  /// for the lock only when memory has to be loaded again.
+  [[nodiscard]] HRESULT GetQuantidade(std::uint64_t *puiQtd);
 
 protected:
   [[nodiscard]] HRESULT OnInicializa() override;
@@ -51,29 +54,18 @@ protected:
   void EsvaziaMemoria() override;
 
 private:
-  /// Range of record indices, [inicio, fim).
-  struct Faixa {
-    std::uint64_t uiInicio = 0;
-    std::uint64_t uiFim = 0;
-  };
-
   static constexpr char kFonte[] = "QZFile.h";
   static constexpr NomeFuncao Nome(const char *lpMetodo) { return {"CQZFile<", NomeTipoRegistro<T>::kNome, lpMetodo}; }
 
   [[nodiscard]] HRESULT GravaFaixa(std::uint64_t &uiPosicao, const T *pRegistros, std::size_t qtd);
   [[nodiscard]] HRESULT GravaRegistros(std::uint64_t uiIndice, const T *pRegistros, std::size_t qtd);
   bool PrecisaGravar(std::uint64_t uiPosicao, const T *pRegistros, std::size_t qtd) const;
-  [[nodiscard]] HRESULT RestauraPendencia();
-  plataforma::FalhaArquivo RestauraDados();
-  std::uint64_t CrcAposGravar(std::size_t indice, const T *pRegistros, std::size_t qtd) const;
+  void NotaAntigos(std::size_t indice, std::size_t qtd);
   std::uint64_t PosicaoNoArquivo(std::uint64_t uiIndice) const { return TamanhoCabecalho() + uiIndice * sizeof(T); }
   void PublicaQuantidade() { m_uiQtd.store(m_aRegistros.GetSize(), std::memory_order_release); }
 
   CQZBlocosRegistros<T> m_aRegistros;
   std::atomic<std::uint64_t> m_uiQtd{0};
-
-  /// Records on disk that an unfinished write may have damaged; memory still holds the good ones.
-  std::optional<Faixa> m_pendencia;
 };
 
 template <typename T>
@@ -81,15 +73,7 @@ HRESULT CQZFile<T>::OnInicializa() {
   const CQZOperacao rastro(this, Nome(">::OnInicializa"), kFonte);
   QZ_VERIFICA(rastro, "__super::OnInicializa()", CQZFileBase::OnInicializa());
   QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AbreArquivo(eModoLeitura));
-  EsvaziaMemoria();
-  if (ExisteArquivo()) {
-    const HRESULT hr = CarregaMemoria();
-    if (Falhou(hr)) {
-      return hr;
-    }
-  }
-  MemoriaCarregada();
-  return codigos::kOk;
+  return CarregaAoInicializar();
 }
 
 template <typename T>
@@ -100,16 +84,14 @@ HRESULT CQZFile<T>::CarregaMemoria() {
   if (falha.causa == plataforma::CausaArquivo::FimDeArquivo || (!falha && uiTamanho % sizeof(T) != 0)) {
     QZ_RETORNA_CODIGO(rastro, codigos::kTamanhoNaoMultiplo);
   }
+  m_aRegistros.Esvazia();  // first, so that two contents need not fit into memory
   m_aRegistros.DefineTamanho(static_cast<std::size_t>(uiTamanho / sizeof(T)));
   for (std::size_t i = 0; !falha && i < m_aRegistros.GetSize();) {
     const auto trecho = m_aRegistros.TrechoEm(i, m_aRegistros.GetSize());
     falha = Arquivo().Le(PosicaoNoArquivo(i), trecho.pRegistros, trecho.qtd * sizeof(T));
     i += trecho.qtd;
   }
-  if (falha) {
-    EsvaziaMemoria();
-    QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(falha));
-  }
+  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(falha));
   PublicaQuantidade();
   return codigos::kOk;
 }
@@ -117,7 +99,6 @@ HRESULT CQZFile<T>::CarregaMemoria() {
 template <typename T>
 void CQZFile<T>::EsvaziaMemoria() {
   m_aRegistros.Esvazia();
-  m_pendencia.reset();
   PublicaQuantidade();
 }
 
@@ -125,11 +106,21 @@ template <typename T>
 HRESULT CQZFile<T>::OnFinaliza() {
   const CQZEscopoProfiler escopo(this, Nome(">::OnFinaliza"));
   const plataforma::CQZTrava trava(Secao());
-  if (ExisteArquivo()) {
-    static_cast<void>(RestauraPendencia());
-  }
+  const HRESULT hr = CQZFileBase::OnFinaliza();
   EsvaziaMemoria();
-  return CQZFileBase::OnFinaliza();
+  return hr;
+}
+
+template <typename T>
+HRESULT CQZFile<T>::GetQuantidade(std::uint64_t *puiQtd) {
+  *puiQtd = 0;
+  if (!MemoriaServe()) {
+    const CQZRastro rastro(this, Nome(">::GetQuantidade"), kFonte);
+    const plataforma::CQZTrava trava(Secao());
+    QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
+  }
+  *puiQtd = m_uiQtd.load(std::memory_order_acquire);
+  return codigos::kOk;
 }
 
 template <typename T>
@@ -139,7 +130,7 @@ HRESULT CQZFile<T>::Le(std::uint64_t uiPosicao, T *pReg) {
     QZ_RETORNA_CODIGO(rastro, codigos::kPosicaoZero);
   }
   const plataforma::CQZTrava trava(Secao());
-  ReabreSePerdido();
+  QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   if (!ExisteArquivo()) {
     QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoAberto);
   }
@@ -153,9 +144,14 @@ HRESULT CQZFile<T>::Le(std::uint64_t uiPosicao, T *pReg) {
 template <typename T>
 template <typename F>
 HRESULT CQZFile<T>::Percorre(std::uint64_t uiPrimeira, std::uint64_t uiUltima, F &&visita) {
-  for (std::uint64_t uiPosicao = uiPrimeira; uiPosicao <= uiUltima;) {
+  for (std::uint64_t uiPosicao = uiPrimeira;;) {
+    const CQZRastro rastro(this, Nome(">::Le"), kFonte);
     const plataforma::CQZTrava trava(Secao());
-    ReabreSePerdido();
+    // Before the range is looked at: an empty one of a file that cannot be had is not an answer.
+    QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
+    if (uiPosicao > uiUltima) {
+      return codigos::kOk;
+    }
     if (uiPosicao == 0 || !ExisteArquivo() || uiPosicao > m_aRegistros.GetSize()) {
       T descartado;
       return Le(uiPosicao, &descartado);
@@ -168,7 +164,6 @@ HRESULT CQZFile<T>::Percorre(std::uint64_t uiPrimeira, std::uint64_t uiUltima, F
       }
     }
   }
-  return codigos::kOk;
 }
 
 template <typename T>
@@ -190,127 +185,76 @@ HRESULT CQZFile<T>::GravaFaixa(std::uint64_t &uiPosicao, const T *pRegistros, st
     return codigos::kOk;
   }
   const plataforma::CQZTrava trava(Secao());
-  ReabreSePerdido();
+  QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   if (uiPosicao > m_aRegistros.GetSize()) {
     QZ_RETORNA_CODIGO(rastro, codigos::kGravacaoAlemDoFim);
   }
   if (!PrecisaGravar(uiPosicao, pRegistros, qtd)) {
+    // What an earlier failure left on disk gets its chance of repair even when there is nothing new to write.
+    QZ_VERIFICA(rastro, "RestauraPendencia()", RestauraPendencia());
     return codigos::kOk;
   }
-  QZ_VERIFICA(rastro, "AbreArquivo()", AbreArquivo());
-  if (uiPosicao > m_aRegistros.GetSize()) {
-    // Opening for writing found the file changed by others and loaded fewer records.
-    QZ_RETORNA_CODIGO(rastro, codigos::kGravacaoAlemDoFim);
+  std::uint64_t uiIndice = 0;
+  const auto fixaLugar = [&]() -> HRESULT {
+    QZ_VERIFICA(rastro, "AbreArquivo()", AbreArquivo());
+    if (uiPosicao > m_aRegistros.GetSize()) {
+      // Opening for writing found the file changed by others and loaded fewer records.
+      QZ_RETORNA_CODIGO(rastro, codigos::kGravacaoAlemDoFim);
+    }
+    uiIndice = uiPosicao != 0 ? uiPosicao - 1 : m_aRegistros.GetSize();
+    // Room first: once the records are on disk, taking them into memory must not fail.
+    m_aRegistros.Reserva(static_cast<std::size_t>(uiIndice) + qtd);
+    return codigos::kOk;
+  };
+  const auto grava = [&]() -> HRESULT {
+    QZ_VERIFICA(rastro, "GravaRegistros(uiPosicao, aRegistros)", GravaRegistros(uiIndice, pRegistros, qtd));
+    return codigos::kOk;
+  };
+  const HRESULT hr = TentaGravar(fixaLugar, grava);
+  if (!Falhou(hr)) {
+    uiPosicao = uiIndice + 1;
   }
-
-  const std::uint64_t uiIndice = uiPosicao != 0 ? uiPosicao - 1 : m_aRegistros.GetSize();
-  // Room first: once the records are on disk, taking them into memory must not fail.
-  m_aRegistros.Reserva(static_cast<std::size_t>(uiIndice) + qtd);
-  const HRESULT hr = TentaGravar(rastro, "GravaRegistros(uiPosicao, aRegistros)",
-                                 [&] { return GravaRegistros(uiIndice, pRegistros, qtd); });
-  if (Falhou(hr)) {
-    static_cast<void>(RestauraPendencia());
-    return hr;
-  }
-  uiPosicao = uiIndice + 1;
   return hr;
 }
 
-/// A given position needs writing only when it changes something; an append always does. While an earlier failure
-/// awaits repair every write goes through, so that the repair gets its chance.
+/// A given position needs writing only when it changes something; an append always does.
 template <typename T>
 bool CQZFile<T>::PrecisaGravar(std::uint64_t uiPosicao, const T *pRegistros, std::size_t qtd) const {
   const std::uint64_t uiRegistros = m_aRegistros.GetSize();
-  if (m_pendencia || uiPosicao == 0 || uiPosicao > uiRegistros || qtd > uiRegistros - uiPosicao + 1) {
+  if (uiPosicao == 0 || uiPosicao > uiRegistros || qtd > uiRegistros - uiPosicao + 1) {
     return true;
   }
   return !m_aRegistros.Iguais(static_cast<std::size_t>(uiPosicao - 1), pRegistros, qtd);
 }
 
-/// One attempt. The place is fixed before the first attempt, so that a retry never writes behind its own fragment. The
-/// range counts as damaged from before the write until memory has it, so that a write that fails, or is abandoned half
-/// way, is put right before the next one.
+/// One attempt.
 template <typename T>
 HRESULT CQZFile<T>::GravaRegistros(std::uint64_t uiIndice, const T *pRegistros, std::size_t qtd) {
   const CQZRastro rastro(this, Nome(">::GravaRegistros"), kFonte);
-  QZ_VERIFICA(rastro, "CatchGravacao(pEx)", RestauraPendencia());
-  m_pendencia = Faixa{uiIndice, uiIndice + qtd};
-  if (const auto falha = Arquivo().Grava(PosicaoNoArquivo(uiIndice), pRegistros, qtd * sizeof(T))) {
-    QZ_VERIFICA(rastro, "CatchGravacao(pEx)", CatchGravacao(falha));
-  }
   const auto indice = static_cast<std::size_t>(uiIndice);
-  const std::optional<std::uint64_t> uiCrcAnterior = CrcDados();
-  if (uiCrcAnterior) {
-    NotaCrcDados(CrcAposGravar(indice, pRegistros, qtd));
-  }
-  HRESULT hr = codigos::kOk;
-  if (QZ_FALHOU(rastro, hr, "Flush()", Flush())) {
-    NotaCrcDados(uiCrcAnterior);
-    return hr;
-  }
+  Transacao().Inicia(PosicaoNoArquivo(uiIndice), PosicaoNoArquivo(m_aRegistros.GetSize()));
+  NotaAntigos(indice, qtd);
+  QZ_VERIFICA(rastro, "CatchGravacao(pEx)",
+              CatchGravacao(Transacao().Grava(Arquivo(), pRegistros, qtd * sizeof(T), false)));
+  QZ_VERIFICA(rastro, "Flush()", Flush());
   if (indice + qtd > m_aRegistros.GetSize()) {
     m_aRegistros.DefineTamanho(indice + qtd);
   }
   m_aRegistros.Copia(indice, pRegistros, qtd);
-  m_pendencia.reset();
+  ConfirmaGravacao();
   PublicaQuantidade();
   return codigos::kOk;
 }
 
-/// CRC of the data once the records are written, from the CRC of those that memory holds. A change of length L with so
-/// many bytes behind it changes the CRC by that of the difference, moved over these bytes.
+/// Memory holds what the disk holds, so the old records need not be read.
 template <typename T>
-std::uint64_t CQZFile<T>::CrcAposGravar(std::size_t indice, const T *pRegistros, std::size_t qtd) const {
-  const std::size_t registros = m_aRegistros.GetSize();
-  const std::size_t fim = std::min(indice + qtd, registros);
-  std::uint64_t uiCrcAntigos = 0;
-  for (std::size_t i = indice; i < fim;) {
-    const auto trecho = m_aRegistros.TrechoEm(i, fim);
-    uiCrcAntigos = CalculaCrc64(trecho.pRegistros, trecho.qtd * sizeof(T), uiCrcAntigos);
-    i += trecho.qtd;
+void CQZFile<T>::NotaAntigos(std::size_t indice, std::size_t qtd) {
+  const std::size_t fim = std::min(indice + qtd, m_aRegistros.GetSize());
+  while (indice < fim) {
+    const auto trecho = m_aRegistros.TrechoEm(indice, fim);
+    Transacao().NotaAntigo(trecho.pRegistros, trecho.qtd * sizeof(T));
+    indice += trecho.qtd;
   }
-  const std::size_t substituidos = fim - indice;
-  const std::uint64_t uiDiferenca = uiCrcAntigos ^ CalculaCrc64(pRegistros, substituidos * sizeof(T));
-  const std::uint64_t uiCrc = *CrcDados() ^ Crc64ComZeros(uiDiferenca, (registros - fim) * sizeof(T));
-  return CalculaCrc64(pRegistros + substituidos, (qtd - substituidos) * sizeof(T), uiCrc);
-}
-
-/// Puts the disk back to what memory holds; no damage is no work.
-template <typename T>
-HRESULT CQZFile<T>::RestauraPendencia() {
-  if (!m_pendencia) {
-    return codigos::kOk;
-  }
-  if (const plataforma::FalhaArquivo falha = RestauraDados()) {
-    return CatchGravacao(falha);
-  }
-  // A write that was abandoned may have left its own CRC behind.
-  NotaCrcDados(std::nullopt);
-  const HRESULT hr = Flush(true);
-  if (!Falhou(hr)) {
-    m_pendencia.reset();
-  }
-  return hr;
-}
-
-/// Writes the damaged range from memory and cuts the file to the records that memory holds.
-template <typename T>
-plataforma::FalhaArquivo CQZFile<T>::RestauraDados() {
-  const std::size_t registros = m_aRegistros.GetSize();
-  const auto fim = static_cast<std::size_t>(std::min<std::uint64_t>(m_pendencia->uiFim, registros));
-  for (auto i = static_cast<std::size_t>(m_pendencia->uiInicio); i < fim;) {
-    const auto trecho = m_aRegistros.TrechoEm(i, fim);
-    if (const auto falha = Arquivo().Grava(PosicaoNoArquivo(i), trecho.pRegistros, trecho.qtd * sizeof(T))) {
-      return falha;
-    }
-    i += trecho.qtd;
-  }
-  std::uint64_t uiTamanho = 0;
-  if (const auto falha = Arquivo().Tamanho(&uiTamanho)) {
-    return falha;
-  }
-  const std::uint64_t uiCerto = PosicaoNoArquivo(registros);
-  return uiTamanho > uiCerto ? Arquivo().AjustaTamanho(uiCerto) : plataforma::kSemFalha;
 }
 
 #endif

@@ -1,8 +1,12 @@
 #include "core/qzdatabase/arquivo/QZFileBase.h"
 
+#include <optional>
+
 #include "core/platform/Plataforma.h"
-#include "core/qzdatabase/banco/QZDataBase.h"
-#include "core/qzdatabase/disco/Insistencia.h"
+#include "core/platform/Textos.h"
+#include "core/platform/TravaEntreProcessos.h"
+#include "core/qzdatabase/disco/NomeTrava.h"
+#include "core/qzdatabase/disco/PercorreArquivo.h"
 
 using plataforma::CausaArquivo;
 using plataforma::CQZTrava;
@@ -15,26 +19,12 @@ constexpr char kFonte[] = "QZFileBase.cpp";
 /// Switches the headers of all data files on when it is not 0; a number in the maker's key.
 constexpr char kValorCabecalho[] = "QZDataBase_HabilitarCabecalho";
 
-plataforma::ModoAbertura ModoDoSistema(EModoAbertura eModo, bool bPreservaConteudo) {
-  using namespace plataforma;
-  switch (eModo) {
-    case eModoLeituraGravacao:
-      return {Acesso::LeituraEscrita, Compartilhamento::Exclusivo, Criacao::SoExistente};
-    case eModoCriacao:
-      return {Acesso::Leitura, Compartilhamento::Exclusivo,
-              bPreservaConteudo ? Criacao::AbreOuCria : Criacao::CriaVazio};
-    case eModoLeituraCompartilhada:
-      return {Acesso::Leitura, Compartilhamento::NegaNada, Criacao::SoExistente};
-    case eModoLeitura:
-    case eModoFechado:
-      break;
-  }
-  return {Acesso::Leitura, Compartilhamento::Exclusivo, Criacao::SoExistente};
-}
+/// How long one process waits for another that gives the same file its header.
+constexpr std::uint32_t kEsperaCabecalhoMs = 60000;
 
 }  // namespace
 
-CQZFileBase::CQZFileBase(const CString &sNomeArquivo, CQZDataBase *pDataBase)
+CQZFileBase::CQZFileBase(const CString &sNomeArquivo, IDonoDeArquivos *pDataBase)
     : m_sNomeArquivo(sNomeArquivo),
       m_eModulo(pDataBase->GetModulo()),
       m_pDataBase(pDataBase),
@@ -49,13 +39,15 @@ CQZFileBase::~CQZFileBase() {
   }
 }
 
+// Opening.
+
 HRESULT CQZFileBase::AbreArquivo(EModoAbertura eModoAbertura) {
   return AbreNoModo(eModoAbertura, false);
 }
 
 /// While a file is being created its entry in the list of created files stands already. An entry without a file would
-/// lock the company out, so it goes again when the creation comes to nothing: failed, thrown out of, or abandoned after
-/// a machine fault.
+/// lock the company out, so it goes again unless the file is known to be there: when the creation has failed, was
+/// thrown out of, or abandoned after a machine fault. A file that is there without an entry harms nobody.
 class CQZFileBase::EntradaPendente {
 public:
   explicit EntradaPendente(CQZFileBase &file)
@@ -67,8 +59,8 @@ public:
 private:
   static void Desfaz(CQZFileBase &file) noexcept {
     try {
-      if (file.m_bEntradaNova && !ExisteNoCaminho(file.CaminhoCompleto())) {
-        static_cast<void>(file.Controle().Remove());
+      if (file.m_bEntradaNova) {
+        static_cast<void>(RemoveControleCriacaoArquivos(file, file.m_eModulo, file.m_sNomeArquivo));
       }
       file.m_bEntradaNova = false;
     } catch (...) {
@@ -81,162 +73,193 @@ private:
   plataforma::CQZNoLivro m_noLivro;
 };
 
-/// `bCriando` is set for the two opens of CriaEAbre: the creation keeps what is there, and a file that is missing again
-/// is not created again.
+/// `bCriando` is set for the two opens of CriaEAbre: the creation leaves alone what is there by then, and a file that
+/// is missing again is not created again.
 HRESULT CQZFileBase::AbreNoModo(EModoAbertura eModoAbertura, bool bCriando) {
   const CQZOperacao rastro(this, {"CQZFileBase::AbreArquivo"}, kFonte);
-  if (m_bPronto && eModoAbertura == m_eModoAtual) {
+  if (m_abertura.Modo() == eModoAbertura && MemoriaServe()) {
     return codigos::kOk;
+  }
+  if (eModoAbertura != eModoLeituraGravacao) {
+    QZ_VERIFICA(rastro, "RestauraPendencia()", RestauraPendencia());
   }
   std::optional<EntradaPendente> entradaPendente;
   if (eModoAbertura == eModoCriacao) {
     entradaPendente.emplace(*this);
   }
-  // The list is consulted while the file is still open: a failure leaves the object as it was.
-  QZ_VERIFICA(rastro, "GerenciaControleCriacaoArquivos(eModoAbertura)", GerenciaControleCriacaoArquivos(eModoAbertura));
-  const EModoAbertura eModoAnterior = m_eModoAtual;
-  if (m_bPronto) {
-    AnotaEstado();
-  }
-  FechaArquivo();
+  // Consulted while the file is still open: a failure leaves the object as it was. A list that has got an entry is held
+  // until the file is there, or another program would find the one without the other.
+  std::unique_ptr<IListaCriados> pLista;
+  QZ_VERIFICA(rastro, "GerenciaControleCriacaoArquivos(eModoAbertura)",
+              GerenciaControleCriacaoArquivos(eModoAbertura, &pLista));
 
-  const HRESULT hr = TentaAbrir(CaminhoCompleto(), eModoAbertura, bCriando);
-  if (hr == codigos::kArqNaoEncontrado && eModoAbertura == eModoLeitura) {
+  const EModoAbertura eModoAnterior = m_abertura.Modo();
+  const EMemoria eMemoriaAnterior = m_eMemoria;
+  LargaArquivo();
+  const bool bCria = bCriando && eModoAbertura == eModoCriacao;
+  const HRESULT hr = bCria ? m_abertura.Cria(CaminhoCompleto()) : m_abertura.Abre(CaminhoCompleto(), eModoAbertura);
+  pLista.reset();
+  m_bEntradaNova = m_bEntradaNova && Falhou(hr);
+  if (ExisteArquivo()) {
+    m_bACriar = m_bACriar || bCria || eMemoriaAnterior == EMemoria::NuncaExistiu;
+    return AposAbrir(m_abertura.Modo());
+  }
+  // A file whose content is in memory, and which is gone, is told and never taken for one that has yet to be created.
+  const bool bNuncaExistiu = eMemoriaAnterior == EMemoria::NadaCarregado || eMemoriaAnterior == EMemoria::NuncaExistiu;
+  if (bNuncaExistiu) {
+    m_eMemoria = eMemoriaAnterior;
+  }
+  if (!Falhou(hr) || (hr == codigos::kArqNaoEncontrado && bNuncaExistiu && eModoAbertura == eModoLeitura)) {
     return codigos::kOk;
   }
-  if (hr == codigos::kArqNaoEncontrado && eModoAbertura != eModoCriacao && !bCriando) {
+  if (hr == codigos::kArqNaoEncontrado && bNuncaExistiu && eModoAbertura != eModoCriacao && !bCriando) {
     return CriaEAbre(rastro, eModoAbertura);
   }
-  if (Falhou(hr)) {
-    VoltaAoModo(rastro, eModoAnterior);
-    return rastro.Codigo(hr, __LINE__);
-  }
-  if (eModoAbertura == eModoCriacao) {
-    m_bCabecalhoGerenciado = false;
-  }
-  return AposAbrir(rastro, eModoAbertura);
+  VoltaAoModo(eModoAnterior);
+  return rastro.Codigo(hr, __LINE__);
 }
 
-/// Another process may create the file and write to it between our look and our creation, so this creation never
-/// truncates.
 HRESULT CQZFileBase::CriaEAbre(const CQZRastro &rastro, EModoAbertura eModoAbertura) {
   QZ_VERIFICA(rastro, "AbreArquivo(eModoCriacao)", AbreNoModo(eModoCriacao, true));
   QZ_VERIFICA(rastro, "AbreArquivo(eModoAbertura)", AbreNoModo(eModoAbertura, true));
   return codigos::kOk;
 }
 
-/// A file that cannot be had in another mode stays usable in the one it had.
-void CQZFileBase::VoltaAoModo(const CQZRastro &rastro, EModoAbertura eModoAnterior) {
-  if (eModoAnterior != eModoFechado && !Falhou(TentaAbrir(CaminhoCompleto(), eModoAnterior, true))) {
-    static_cast<void>(AposAbrir(rastro, eModoAnterior));
+/// Closes the file to open it again. Only memory that equals the file may be kept when the file turns out the same.
+void CQZFileBase::LargaArquivo() {
+  if (m_eMemoria == EMemoria::IgualAoArquivo) {
+    m_eMemoria = EMemoria::Recarregar;
+    m_abertura.FechaParaReabrir();
+    return;
+  }
+  m_abertura.Fecha();
+  if (m_eMemoria == EMemoria::NuncaExistiu) {
+    m_eMemoria = EMemoria::Recarregar;
   }
 }
 
-/// Header and memory of a file that has just been opened. On failure the file is closed.
-HRESULT CQZFileBase::AposAbrir(const CQZRastro &rastro, EModoAbertura eModoAbertura) {
-  const bool bMudou = m_bMemoriaCarregada && EstadoMudou();
-  m_bCabecalhoGerenciado = m_bCabecalhoGerenciado && !bMudou;
-  HRESULT hr = codigos::kOk;
-  if ((eModoAbertura != eModoLeituraCompartilhada &&
-       QZ_FALHOU(rastro, hr, "GerenciaCabecalho()", GerenciaCabecalho())) ||
-      (bMudou && QZ_FALHOU(rastro, hr, "CarregaMemoria()", CarregaMemoria()))) {
-    FechaArquivo();
-    m_bCabecalhoGerenciado = false;
-    if (bMudou) {
-      // What memory holds is no longer what the file holds, and must not be served.
-      EsvaziaMemoria();
-      m_estado.reset();
-    }
+/// A file that cannot be had in another mode stays usable in the one it had. One attempt: the operation has waited long
+/// enough, and the next one tries again.
+void CQZFileBase::VoltaAoModo(EModoAbertura eModoAnterior) {
+  const EModoAbertura eModo = eModoAnterior == eModoCriacao ? eModoLeitura : eModoAnterior;
+  if (eModo != eModoFechado && !Falhou(m_abertura.Abre(CaminhoCompleto(), eModo, 1))) {
+    static_cast<void>(AposAbrir(eModo));
   }
-  m_bPronto = !Falhou(hr);
+}
+
+/// Everything that an opened file needs before it is used: a write that was pending when its handle was lost, its
+/// header, its content in memory. On failure the file is closed, and memory loaded before is not served.
+HRESULT CQZFileBase::AposAbrir(EModoAbertura eModoAbertura) {
+  const CQZRastro rastro(this, {"CQZFileBase::AbreArquivo"}, kFonte);
+  if (!m_abertura.MesmoArquivo()) {
+    m_cabecalho.Esquece();
+  }
+  HRESULT hr = codigos::kOk;
+  if (m_transacao.Pendente() && eModoAbertura == eModoLeituraGravacao) {
+    static_cast<void>(
+        QZ_FALHOU(rastro, hr, "RestauraPendencia()", CatchGravacao(m_transacao.DesfazSeNossa(Arquivo()))));
+  }
+  if (!Falhou(hr) && eModoAbertura != eModoLeituraCompartilhada) {
+    static_cast<void>(QZ_FALHOU(rastro, hr, "GerenciaCabecalho()", GerenciaCabecalho()));
+  }
+  if (!Falhou(hr) && !MemoriaServe() && !m_abertura.MesmoArquivo()) {
+    ++m_uiCargas;
+    static_cast<void>(QZ_FALHOU(rastro, hr, "CarregaMemoria()", CarregaMemoria()));
+  }
+  if (Falhou(hr)) {
+    m_abertura.Fecha();
+    m_cabecalho.Esquece();
+  } else if (!MemoriaServe()) {
+    m_eMemoria = EMemoria::IgualAoArquivo;
+  }
   return hr;
 }
 
-HRESULT CQZFileBase::TentaAbrir(const CString &sCaminho, EModoAbertura eModoAbertura, bool bPreservaConteudo,
-                                int iTentativas) {
-  for (int n = 0; n < iTentativas; ++n) {
-    const FalhaArquivo falha =
-        plataforma::Arquivos().Abre(sCaminho, ModoDoSistema(eModoAbertura, bPreservaConteudo), &m_arquivo);
-    if (!falha) {
-      m_eModoAtual = eModoAbertura;
-      return codigos::kOk;
-    }
-    const HRESULT hr = CodigoDaAbertura(sCaminho, falha.causa, n == iTentativas - 1);
+HRESULT CQZFileBase::AsseguraMemoria() {
+  return MemoriaServe() ? codigos::kOk : ReabreUmaVez();
+}
+
+HRESULT CQZFileBase::ReabreUmaVez() {
+  const CQZRastro rastro(this, {"CQZFileBase::AbreArquivo"}, kFonte);
+  const EModoAbertura eModo = m_transacao.Pendente() ? eModoLeituraGravacao : eModoLeitura;
+  if (ExisteArquivo()) {
+    m_abertura.Fecha();
+  }
+  const HRESULT hr = m_abertura.Abre(CaminhoCompleto(), eModo, 1);
+  return Falhou(hr) ? rastro.Codigo(hr, __LINE__) : AposAbrir(eModo);
+}
+
+/// True when the handle had died and the file is at hand again, looked at anew.
+bool CQZFileBase::TrocaArquivoMorto() {
+  if (!m_abertura.TrocaSeMorto(CaminhoCompleto())) {
+    return false;
+  }
+  if (m_eMemoria == EMemoria::IgualAoArquivo) {
+    m_eMemoria = EMemoria::Recarregar;
+  }
+  return !Falhou(AposAbrir(m_abertura.Modo()));
+}
+
+// Lifecycle.
+
+HRESULT CQZFileBase::OnInicializa() {
+  const CQZOperacao rastro(this, {"CQZFileBase::OnInicializa"}, kFonte);
+  m_abertura.Fecha();  // a failed initialisation leaves its handle open
+  m_transacao.Confirma();
+  m_bACriar = false;
+  m_eMemoria = EMemoria::NadaCarregado;
+  const bool bLigado = plataforma::Registro().LeNumero(kChaveSuite, kValorCabecalho).value_or(0) != 0;
+  const bool bTemCabecalho = bLigado && !CQZPath::TemExtensao(m_sNomeArquivo, "TRA");
+  m_cabecalho.Define(bTemCabecalho, m_sNomeArquivo, 0);
+  if (!bLigado) {
+    return codigos::kOk;
+  }
+  CQZBaseParaRotinas baseParaRotinas;
+  QZ_VERIFICA(rastro, "baseParaRotinas.Inicializa(this)", baseParaRotinas.Inicializa(*this));
+  CQZDadosInstalacao dados;
+  QZ_VERIFICA(rastro, "LeDadosInstalacao(baseParaRotinas, m_pDadosInstalacao)",
+              LeDadosInstalacao(baseParaRotinas, &dados));
+  m_cabecalho.Define(bTemCabecalho, m_sNomeArquivo, dados.uiCodigo);
+  return codigos::kOk;
+}
+
+HRESULT CQZFileBase::CarregaAoInicializar() {
+  EsvaziaMemoria();
+  if (ExisteArquivo()) {
+    ++m_uiCargas;
+    const HRESULT hr = CarregaMemoria();
     if (Falhou(hr)) {
+      EsvaziaMemoria();
       return hr;
     }
-    PausaEntreTentativas();
   }
-  return codigos::kArqOutra;
+  m_eMemoria = ExisteArquivo() ? EMemoria::IgualAoArquivo : EMemoria::NuncaExistiu;
+  return codigos::kOk;
 }
 
-/// The code with which opening gives up now; 0 while another attempt is due.
-HRESULT CQZFileBase::CodigoDaAbertura(const CString &sCaminho, CausaArquivo causa, bool bUltimaTentativa) {
-  switch (causa) {
-    case CausaArquivo::CaminhoInvalido:
-    case CausaArquivo::ArquivoInvalido:
-    case CausaArquivo::NaoEncontrado:
-      return CodigoDaFalha(causa);
-    case CausaArquivo::DiretorioCheio:
-      return codigos::kArqDiretorioCheio;
-    case CausaArquivo::MuitosAbertos:
-      return bUltimaTentativa ? codigos::kArqMuitosAbertos : codigos::kOk;
-    case CausaArquivo::AcessoNegado:
-      if (!bUltimaTentativa) {
-        return codigos::kOk;
-      }
-      return plataforma::Arquivos().SomenteLeitura(sCaminho) ? codigos::kArqSomenteLeitura : codigos::kArqAcessoNegado;
-    case CausaArquivo::ViolacaoCompartilhamento:
-    case CausaArquivo::ViolacaoBloqueio:
-    case CausaArquivo::DiscoCheio:
-      return bUltimaTentativa ? CodigoDaFalha(causa) : codigos::kOk;
-    default:
-      return codigos::kOk;
+/// The header is not brought up to date over a write that could not be undone: it would vouch for half of it.
+HRESULT CQZFileBase::OnFinaliza() {
+  const CQZOperacao rastro(this, {"CQZFileBase::OnFinaliza"}, kFonte);
+  const CQZTrava trava(m_secao);
+  HRESULT hr = codigos::kOk;
+  if (!QZ_FALHOU(rastro, hr, "RestauraPendencia()", RestauraPendencia()) && ExisteArquivo() && MemoriaServe()) {
+    static_cast<void>(QZ_FALHOU(rastro, hr, "Flush(true)", Flush(true)));
   }
+  m_abertura.Fecha();
+  m_transacao.Confirma();
+  m_bACriar = false;
+  m_eMemoria = EMemoria::NadaCarregado;
+  return hr;
 }
 
-HRESULT CQZFileBase::CodigoDaFalha(CausaArquivo causa) {
-  switch (causa) {
-    case CausaArquivo::NaoEncontrado:
-      return codigos::kArqNaoEncontrado;
-    case CausaArquivo::CaminhoInvalido:
-      return codigos::kArqCaminhoInvalido;
-    case CausaArquivo::AcessoNegado:
-      return codigos::kArqAcessoNegado;
-    case CausaArquivo::ArquivoInvalido:
-      return codigos::kArqInvalido;
-    case CausaArquivo::PosicaoInvalida:
-      return codigos::kArqPosicaoInvalida;
-    case CausaArquivo::ErroFisico:
-      return codigos::kArqErroFisico;
-    case CausaArquivo::ViolacaoCompartilhamento:
-      return codigos::kArqCompartilhamento;
-    case CausaArquivo::ViolacaoBloqueio:
-      return codigos::kArqBloqueio;
-    case CausaArquivo::DiscoCheio:
-      return codigos::kArqDiscoCheio;
-    case CausaArquivo::FimDeArquivo:
-      return codigos::kArqFimDeArquivo;
-    default:
-      return codigos::kArqOutra;
-  }
-}
+// Writing.
 
-bool CQZFileBase::EhUmaExcecaoFatal(HRESULT hr) {
-  switch (BitsResultado(hr) & 0xFFFF) {
-    case BitsResultado(codigos::kArqPosicaoInvalida) & 0xFFFF:
-    case BitsResultado(codigos::kArqFimDeArquivo) & 0xFFFF:
-    case BitsResultado(codigos::kArqErroFisico) & 0xFFFF:
-    case BitsResultado(codigos::kArqNaoEncontrado) & 0xFFFF:
-    case BitsResultado(codigos::kArqCaminhoInvalido) & 0xFFFF:
-      return true;
-    default:
-      return false;
+HRESULT CQZFileBase::Flush(bool bForcar) {
+  const CQZEscopoProfiler escopo(this, {"CQZFileBase::Flush"});
+  if ((!bForcar && m_bFlushAdiado) || m_abertura.Modo() != eModoLeituraGravacao) {
+    return codigos::kOk;
   }
-}
-
-void CQZFileBase::PausaEntreTentativas() {
-  plataforma::Relogio().Espera(kPausaInsistenciaMs);
+  return AtualizaCabecalho();
 }
 
 HRESULT CQZFileBase::DescarregaNoDisco() {
@@ -245,83 +268,63 @@ HRESULT CQZFileBase::DescarregaNoDisco() {
   if (!ExisteArquivo()) {
     return codigos::kOk;
   }
-  if (const FalhaArquivo falha = m_arquivo->Descarrega()) {
-    QZ_VERIFICA(rastro, "CatchGravacao(pEx)", CatchGravacao(falha));
-  }
+  QZ_VERIFICA(rastro, "CatchGravacao(pEx)", CatchGravacao(Arquivo().Descarrega()));
   return codigos::kOk;
 }
 
-HRESULT CQZFileBase::OnInicializa() {
-  const CQZRastro rastro(this, {"CQZFileBase::OnInicializa"}, kFonte);
-  FechaArquivo();  // a failed initialisation leaves its handle open
-  const std::optional<std::uint32_t> uiLigado = plataforma::Registro().LeNumero(kChaveSuite, kValorCabecalho);
-  m_bCabecalhoGerenciado = false;
-  m_bTemCabecalho = uiLigado.value_or(0) != 0 && !CQZPath::TemExtensao(m_sNomeArquivo, "TRA");
-  if (uiLigado.value_or(0) == 0) {
+HRESULT CQZFileBase::RestauraPendencia() {
+  if (!m_transacao.Pendente()) {
     return codigos::kOk;
   }
-  CQZBaseParaRotinas baseParaRotinas;
-  QZ_VERIFICA(rastro, "baseParaRotinas.Inicializa(this)", baseParaRotinas.Inicializa(*this));
-  if (!m_pDadosInstalacao) {
-    m_pDadosInstalacao = std::make_unique<CQZDadosInstalacao>();
+  if (!ExisteArquivo() || !MemoriaServe()) {
+    return ReabreUmaVez();
   }
-  QZ_VERIFICA(rastro, "LeDadosInstalacao(baseParaRotinas, m_pDadosInstalacao)",
-              LeDadosInstalacao(baseParaRotinas, m_pDadosInstalacao.get()));
-  return codigos::kOk;
-}
-
-HRESULT CQZFileBase::OnFinaliza() {
-  const CQZOperacao rastro(this, {"CQZFileBase::OnFinaliza"}, kFonte);
-  const CQZTrava trava(m_secao);
+  const CQZRastro rastro(this, {"CQZFileBase::RestauraPendencia"}, kFonte);
   HRESULT hr = codigos::kOk;
-  if (ExisteArquivo()) {
-    static_cast<void>(QZ_FALHOU(rastro, hr, "Flush(true)", Flush(true)));
+  if (QZ_FALHOU(rastro, hr, "CatchGravacao(pEx)", CatchGravacao(m_transacao.Desfaz(Arquivo()))) ||
+      QZ_FALHOU(rastro, hr, "Flush()", Flush())) {
+    return TrocaArquivoMorto() ? codigos::kOk : hr;
   }
-  FechaArquivo();
-  m_bMemoriaCarregada = false;
-  m_estado.reset();
-  return hr;
-}
-
-HRESULT CQZFileBase::Flush(bool bForcar) {
-  if ((!bForcar && m_bFlushAdiado) || m_eModoAtual != eModoLeituraGravacao) {
-    return codigos::kOk;
-  }
-  return AtualizaCabecalho();
-}
-
-HRESULT CQZFileBase::DeletaArquivoOffline() {
-  const CQZOperacao rastro(this, {"CQZFileBase::DeletaArquivoOffline"}, kFonte);
-  if (!ApagaInsistindo(CQZPath::ChangeExtension(CaminhoCompleto(), "OFL"))) {
-    QZ_RETORNA_CODIGO(rastro, codigos::kOfflineNaoApagado);
-  }
+  m_transacao.Confirma();
   return codigos::kOk;
 }
 
-HRESULT CQZFileBase::GerenciaControleCriacaoArquivos(EModoAbertura eModoAbertura) {
-  const CQZRastro rastro(this, {"CQZFileBase::GerenciaControleCriacaoArquivos"}, kFonte);
-  if (m_bSemControle) {
-    QZ_VERIFICA(rastro, "RemoveControleCriacaoArquivos()", Controle().Remove());
-    return codigos::kOk;
-  }
-  if (!CQZControleCriacao::Controlado(m_sNomeArquivo)) {
-    return codigos::kOk;
-  }
-  bool bPossui = false;
-  QZ_VERIFICA(rastro, "PossuiControleCriacaoArquivos(&bPossui)", Controle().Possui(&bPossui));
-  if (bPossui && !ExisteNoCaminho(CaminhoCompleto())) {
-    QZ_RETORNA_CODIGO(rastro, codigos::kArquivoDesapareceu);
-  }
-  if (!bPossui && eModoAbertura == eModoCriacao) {
-    m_bEntradaNova = true;
-    QZ_VERIFICA(rastro, "CriaControleCriacaoArquivos()", Controle().Cria());
-  }
-  return codigos::kOk;
+/// A failure that was that of a dead handle is none of the file.
+Veredito CQZFileBase::AposTentativaFalha(HRESULT hr) {
+  return TrocaArquivoMorto() || !EhUmaExcecaoFatal(hr) ? Veredito::OutraVez : Veredito::Acabou;
 }
 
-plataforma::FalhaArquivo CQZFileBase::TamanhoDados(std::uint64_t *puiTamanho) {
+void CQZFileBase::ConfirmaGravacao() {
+  m_transacao.Confirma();
+  m_bACriar = false;
+}
+
+void CQZFileBase::DesfazCriacao() {
+  if (!m_bACriar) {
+    return;
+  }
+  LargaArquivo();
+  const CString sCaminho = CaminhoCompleto();
   std::uint64_t uiTamanho = 0;
-  if (const FalhaArquivo falha = m_arquivo->Tamanho(&uiTamanho)) {
+  FalhaArquivo falha = plataforma::Arquivos().TamanhoDe(sCaminho, &uiTamanho);
+  if (!falha) {
+    // With content it is a write that could not be undone, or somebody else's by now.
+    if (uiTamanho > TamanhoCabecalho() || Falhou(RemoveControleCriacaoArquivos(*this, m_eModulo, m_sNomeArquivo))) {
+      return;
+    }
+    falha = plataforma::Arquivos().Apaga(sCaminho);
+  }
+  if (!falha || falha.NaoEsta()) {
+    m_bACriar = false;
+    m_transacao.Confirma();
+    EsvaziaMemoria();
+    m_eMemoria = EMemoria::NuncaExistiu;
+  }
+}
+
+FalhaArquivo CQZFileBase::TamanhoDados(std::uint64_t *puiTamanho) {
+  std::uint64_t uiTamanho = 0;
+  if (const FalhaArquivo falha = Arquivo().Tamanho(&uiTamanho)) {
     return falha;
   }
   if (uiTamanho < TamanhoCabecalho()) {
@@ -331,49 +334,260 @@ plataforma::FalhaArquivo CQZFileBase::TamanhoDados(std::uint64_t *puiTamanho) {
   return plataforma::kSemFalha;
 }
 
-void CQZFileBase::FechaArquivo() {
-  m_arquivo.reset();
-  m_eModoAtual = eModoFechado;
-  m_bPronto = false;
+// Companions and copies.
+
+HRESULT CQZFileBase::DeletaArquivoOffline() {
+  const CQZOperacao rastro(this, {"CQZFileBase::DeletaArquivoOffline"}, kFonte);
+  if (ApagaInsistindo(CQZPath::ChangeExtension(CaminhoCompleto(), "OFL"))) {
+    QZ_RETORNA_CODIGO(rastro, codigos::kOfflineNaoApagado);
+  }
+  return codigos::kOk;
 }
 
-void CQZFileBase::ReabreSePerdido() {
-  const bool bNuncaExistiu = m_estado && m_estado->uiUltimaEscrita == 0;
-  if (!m_bMemoriaCarregada || ExisteArquivo() || bNuncaExistiu) {
-    return;
+HRESULT CQZFileBase::CopiaArquivoPara(const CString &sEmpresa, ModuloQZ qzModulo) {
+  const CQZOperacao rastro(this, {"CQZFileBase::CopiaArquivoPara"}, kFonte);
+  // Initialising the destination would delete the source.
+  const CString sDestino = CQZPath::CaminhoArquivo(qzModulo, sEmpresa, m_sNomeArquivo);
+  if (plataforma::Maiusculas(sDestino) == plataforma::Maiusculas(CaminhoCompleto())) {
+    QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoApagado);
   }
-  const CQZRastro rastro(this, {"CQZFileBase::ReabreSePerdido"}, kFonte);
-  if (!Falhou(TentaAbrir(CaminhoCompleto(), eModoLeitura, false, 1))) {
-    static_cast<void>(AposAbrir(rastro, eModoLeitura));
+  const CQZTrava trava(m_secao);
+  // A source that has only lost its handle is not an empty one, and one with half a write is not to be copied.
+  QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
+  QZ_VERIFICA(rastro, "RestauraPendencia()", RestauraPendencia());
+  const auto pDestino = ServicosDeArquivo().DestinoCopia(qzModulo, m_sNomeArquivo, true);
+  QZ_VERIFICA(rastro, "qzDB.Inicializa(sEmpresa, ( 0xffff ), 0)",
+              pDestino->Inicializa(CQZProfilerEmpresa(sEmpresa, kUsuarioInterno, 0)));
+
+  std::uint64_t uiTamanho = 0;
+  FalhaArquivo falha = ExisteArquivo() ? Arquivo().Tamanho(&uiTamanho) : plataforma::kSemFalha;
+  if (!falha && uiTamanho == 0) {
+    return codigos::kOk;
   }
+  if (!falha) {
+    // Of this file's own module, whatever the destination's is: what the suite's programs rely on.
+    QZ_VERIFICA(rastro, "CQZDataBaseUtil::DeletaArquivo(sEmpresa, m_eModulo, m_sNomeArquivo)",
+                ServicosDeArquivo().DeletaArquivo(sEmpresa, m_eModulo, m_sNomeArquivo));
+    QZ_VERIFICA(rastro, "qzFileDestino.AbreArquivo(eModoLeituraGravacao)", pDestino->AbreArquivo(eModoLeituraGravacao));
+    falha = PercorreArquivo(Arquivo(), 0, [&](std::uint64_t uiPosicao, const char *pBytes, std::size_t qtd) {
+      return pDestino->Arquivo().Grava(uiPosicao, pBytes, qtd);
+    });
+  }
+  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(falha));
+  return codigos::kOk;
 }
 
-void CQZFileBase::MemoriaCarregada() {
-  m_bMemoriaCarregada = true;
-  m_estado = EstadoArquivo{};
-  AnotaEstado();
+// The list of created files.
+
+bool CQZFileBase::Controlado(const CString &sNomeArquivo) {
+  return !CQZPath::TemExtensao(sNomeArquivo, "TRA") && !CQZPath::TemExtensao(sNomeArquivo, "OFL") &&
+         sNomeArquivo != kArquivoControle;
 }
 
-/// Notes length and time of the last write before the file is closed. Where they cannot be had, the next open loads the
-/// content anew.
-void CQZFileBase::AnotaEstado() {
-  if (!ExisteArquivo()) {
-    return;
+/// With a new entry `*pLista` receives the list, still open.
+HRESULT CQZFileBase::GerenciaControleCriacaoArquivos(EModoAbertura eModoAbertura,
+                                                     std::unique_ptr<IListaCriados> *pLista) {
+  const CQZRastro rastro(this, {"CQZFileBase::GerenciaControleCriacaoArquivos"}, kFonte);
+  if (m_bSemControle) {
+    QZ_VERIFICA(rastro, "RemoveControleCriacaoArquivos()",
+                RemoveControleCriacaoArquivos(*this, m_eModulo, m_sNomeArquivo));
+    return codigos::kOk;
   }
-  EstadoArquivo estado;
-  if (m_arquivo->Tamanho(&estado.uiTamanho) || m_arquivo->UltimaEscrita(&estado.uiUltimaEscrita)) {
-    m_estado.reset();
-    return;
+  if (!Controlado(m_sNomeArquivo)) {
+    return codigos::kOk;
   }
-  m_estado = estado;
+  bool bPossui = false;
+  auto pConsultada = ServicosDeArquivo().ListaCriados(m_eModulo);
+  QZ_VERIFICA(rastro, "PossuiControleCriacaoArquivos(&bPossui)", PossuiControleCriacaoArquivos(*pConsultada, &bPossui));
+  if (bPossui) {
+    // While the list is held nobody takes the entry out and then the file away.
+    bool bExiste = false;
+    QZ_VERIFICA(rastro, "CatchInicializacao(pEx)",
+                CatchInicializacao(plataforma::Arquivos().Existe(CaminhoCompleto(), &bExiste)));
+    if (!bExiste) {
+      QZ_RETORNA_CODIGO(rastro, codigos::kArquivoDesapareceu);
+    }
+  } else if (eModoAbertura == eModoCriacao) {
+    m_bEntradaNova = true;
+    QZ_VERIFICA(rastro, "CriaControleCriacaoArquivos()",
+                CriaControleCriacaoArquivos(*this, *pConsultada, m_sNomeArquivo));
+    *pLista = std::move(pConsultada);
+  }
+  return codigos::kOk;
 }
 
-bool CQZFileBase::EstadoMudou() {
-  const std::optional<EstadoArquivo> anterior = m_estado;
-  AnotaEstado();
-  if (!anterior || !m_estado) {
-    return true;
+HRESULT CQZFileBase::PossuiControleCriacaoArquivos(IListaCriados &lista, bool *pbPossui) {
+  const CQZRastro rastro(this, {"CQZFileBase::PossuiControleCriacaoArquivos"}, kFonte);
+  QZ_VERIFICA(rastro, "qzDB.Inicializa(this)", lista.Inicializa(*this));
+  *pbPossui = lista.Procura(m_sNomeArquivo) != 0;
+  return codigos::kOk;
+}
+
+HRESULT CQZFileBase::CriaControleCriacaoArquivos(const IQZDF_Profiler &dono, IListaCriados &lista,
+                                                 const CString &sNomeArquivo) {
+  const CQZRastro rastro(&dono, {"CQZFileBase::CriaControleCriacaoArquivos"}, kFonte);
+  QZ_VERIFICA(rastro, "qzTextFile.Grava(uiPosicao, m_sNomeArquivo)", lista.Acrescenta(sNomeArquivo));
+  return codigos::kOk;
+}
+
+HRESULT CQZFileBase::CriaControleCriacaoArquivos(const IQZDF_Profiler &dono, ModuloQZ eModulo,
+                                                 const CString &sNomeArquivo) {
+  const CQZRastro rastro(&dono, {"CQZFileBase::CriaControleCriacaoArquivos"}, kFonte);
+  const auto pLista = ServicosDeArquivo().ListaCriados(eModulo);
+  QZ_VERIFICA(rastro, "qzDB.Inicializa(this)", pLista->Inicializa(dono));
+  return CriaControleCriacaoArquivos(dono, *pLista, sNomeArquivo);
+}
+
+HRESULT CQZFileBase::RemoveControleCriacaoArquivos(const IQZDF_Profiler &dono, ModuloQZ eModulo,
+                                                   const CString &sNomeArquivo, bool *pbEstava) {
+  const CQZRastro rastro(&dono, {"CQZFileBase::RemoveControleCriacaoArquivos"}, kFonte);
+  bool bExiste = false;
+  const CString sCaminhoLista = CQZPath::CaminhoArquivo(eModulo, dono.GetEmpresa(), kArquivoControle);
+  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)",
+              CatchInicializacao(plataforma::Arquivos().Existe(sCaminhoLista, &bExiste)));
+  if (!bExiste) {
+    return codigos::kOk;
   }
-  const bool bOutraEscrita = anterior->uiUltimaEscrita != 0 && anterior->uiUltimaEscrita != m_estado->uiUltimaEscrita;
-  return anterior->uiTamanho != m_estado->uiTamanho || bOutraEscrita;
+  const auto pLista = ServicosDeArquivo().ListaCriados(eModulo);
+  QZ_VERIFICA(rastro, "qzDB.Inicializa(this)", pLista->Inicializa(dono));
+  const std::uint64_t uiPosicao = pLista->Procura(sNomeArquivo);
+  if (uiPosicao == 0) {
+    return codigos::kOk;
+  }
+  QZ_VERIFICA(rastro, "qzTextFile.Grava(uiPosicao, \"\")", pLista->Esvazia(uiPosicao));
+  QZ_VERIFICA(rastro, "qzTextFile.DescarregaNoDisco()", pLista->Descarrega());
+  if (pbEstava != nullptr) {
+    *pbEstava = true;
+  }
+  return codigos::kOk;
+}
+
+// The header.
+
+HRESULT CQZFileBase::GerenciaCabecalho() {
+  const CQZRastro rastro(this, {"CQZFileBase::GerenciaCabecalho"}, kFonte);
+  if (m_cabecalho.Conferido()) {
+    return codigos::kOk;
+  }
+  bool bPossui = false;
+  QZ_VERIFICA(rastro, "PossuiCabecalho()", PossuiCabecalho(&bPossui));
+  if (!bPossui) {
+    return CriaCabecalhoSobTrava(rastro);
+  }
+  QZ_VERIFICA(rastro, "ValidaCabecalho()", ValidaCabecalho());
+  return codigos::kOk;
+}
+
+/// Two programs that give one file its header at the same time would take each other's companion away, so one lets the
+/// other finish and looks again. It lets go of the file meanwhile: the other one needs it.
+HRESULT CQZFileBase::CriaCabecalhoSobTrava(const CQZRastro &rastro) {
+  const CString sCaminho = CaminhoCompleto();
+  const auto pTrava = plataforma::CriaTravaEntreProcessos(NomeTravaDoCaminho("Cabecalho", sCaminho));
+  std::optional<plataforma::CQZTravaDeProcesso> trava(std::in_place, *pTrava, 0);
+  bool bPossui = false;
+  if (!trava->Tomada()) {
+    const EModoAbertura eModo = m_abertura.Modo() == eModoCriacao ? eModoLeituraGravacao : m_abertura.Modo();
+    m_abertura.Fecha();
+    trava.emplace(*pTrava, kEsperaCabecalhoMs);
+    if (!trava->Tomada()) {
+      QZ_RETORNA_CODIGO(rastro, codigos::kArqCompartilhamento);
+    }
+    QZ_VERIFICA(rastro, "AbreArquivo()", m_abertura.Abre(sCaminho, eModo));
+    QZ_VERIFICA(rastro, "PossuiCabecalho()", PossuiCabecalho(&bPossui));
+  }
+  if (bPossui) {
+    QZ_VERIFICA(rastro, "ValidaCabecalho()", ValidaCabecalho());
+  } else {
+    QZ_VERIFICA(rastro, "CriaCabecalho()", CriaCabecalho());
+  }
+  return codigos::kOk;
+}
+
+HRESULT CQZFileBase::PossuiCabecalho(bool *pbPossui) {
+  const CQZRastro rastro(this, {"CQZFileBase::PossuiCabecalho"}, kFonte);
+  std::uint16_t iVersao = 0;
+  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)",
+              CatchInicializacao(CQZCabecalhoVigente::LeVersao(Arquivo(), pbPossui, &iVersao)));
+  return codigos::kOk;
+}
+
+HRESULT CQZFileBase::ValidaCabecalho() {
+  const CQZRastro rastro(this, {"CQZFileBase::ValidaCabecalho"}, kFonte);
+  bool bPossui = false;
+  std::uint16_t iVersao = 0;
+  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)",
+              CatchInicializacao(CQZCabecalhoVigente::LeVersao(Arquivo(), &bPossui, &iVersao)));
+  if (iVersao != kVersaoCabecalho) {
+    QZ_RETORNA_CODIGO(rastro, codigos::kCabecalhoVersaoDesconhecida);
+  }
+  QZ_VERIFICA(rastro, "ValidaCabecalhoV01(regVersao)", ValidaCabecalhoV01());
+  return codigos::kOk;
+}
+
+HRESULT CQZFileBase::ValidaCabecalhoV01() {
+  const CQZRastro rastro(this, {"CQZFileBase::ValidaCabecalhoV01"}, kFonte);
+  HRESULT hr = codigos::kOk;
+  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(m_cabecalho.Examina(Arquivo(), &hr)));
+  return Falhou(hr) ? rastro.Codigo(hr, __LINE__) : hr;
+}
+
+/// The file gets its header by way of a complete copy, which replaces it in one step: at no moment is there less than
+/// one whole file. It is closed for the move, and then looked at like any file that was out of our hands. It is left
+/// open for reading and writing.
+HRESULT CQZFileBase::CriaCabecalho() {
+  const CQZRastro rastro(this, {"CQZFileBase::CriaCabecalho"}, kFonte);
+  const CString sCaminho = CaminhoCompleto();
+  HRESULT hr = EscreveCompanheiroComCabecalho(rastro);
+  if (!Falhou(hr)) {
+    m_abertura.FechaParaReabrir();
+    // Whoever kept us from moving may have written: a copy that is out of date must not replace the file.
+    const auto confereOriginal = [&] {
+      if (Falhou(m_abertura.Abre(sCaminho, eModoLeitura, 1))) {
+        return Movimento::Espera;
+      }
+      const bool bMesmo = m_abertura.MesmoArquivo();
+      m_abertura.FechaParaReabrir();
+      return bMesmo ? Movimento::Tenta : Movimento::Desiste;
+    };
+    static_cast<void>(QZ_FALHOU(rastro, hr,
+                                "CQZDataBaseUtil::RenomeiaArquivoTRA(GetEmpresa(), m_eModulo, m_sNomeArquivo)",
+                                ServicosDeArquivo().MoveTRA(GetEmpresa(), m_eModulo, m_sNomeArquivo, confereOriginal)));
+    m_abertura.Fecha();
+  }
+  if (Falhou(hr)) {
+    static_cast<void>(ApagaInsistindo(CQZPath::ChangeExtension(sCaminho, "TRA")));
+    return hr;
+  }
+  QZ_VERIFICA(rastro, "AbreArquivo()", m_abertura.Abre(sCaminho, eModoLeituraGravacao));
+  QZ_VERIFICA(rastro, "ValidaCabecalho()", ValidaCabecalho());
+  return codigos::kOk;
+}
+
+/// The copy is on the storage device, and closed, when this returns.
+HRESULT CQZFileBase::EscreveCompanheiroComCabecalho(const CQZRastro &rastro) {
+  const auto pDestino =
+      ServicosDeArquivo().DestinoCopia(m_eModulo, CQZPath::ChangeExtension(m_sNomeArquivo, "TRA"), false);
+  QZ_VERIFICA(rastro, "qzDB.Inicializa(this)", pDestino->Inicializa(*this));
+  QZ_VERIFICA(rastro, "qzFileDestino.AbreArquivo()", pDestino->AbreArquivo(eModoLeituraGravacao));
+  RegVersaoArquivo regVersao{};
+  RegCabecalhoArquivo regCabecalho{};
+  QZ_VERIFICA(rastro, "GeraDadosCabecalho(&regVersao, &regCabecalho, &aBuffer)",
+              GeraDadosCabecalho(&regVersao, &regCabecalho));
+  QZ_VERIFICA(
+      rastro, "CatchInicializacao(pEx)",
+      CatchInicializacao(CQZCabecalhoVigente::GravaCopia(Arquivo(), regVersao, regCabecalho, pDestino->Arquivo())));
+  return codigos::kOk;
+}
+
+HRESULT CQZFileBase::GeraDadosCabecalho(RegVersaoArquivo *pRegVersao, RegCabecalhoArquivo *pRegCabecalho) {
+  const CQZRastro rastro(this, {"CQZFileBase::GeraDadosCabecalho"}, kFonte);
+  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)",
+              CatchInicializacao(m_cabecalho.GeraDados(Arquivo(), pRegVersao, pRegCabecalho)));
+  return codigos::kOk;
+}
+
+HRESULT CQZFileBase::AtualizaCabecalho() {
+  const CQZRastro rastro(this, {"CQZFileBase::AtualizaCabecalho"}, kFonte);
+  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(m_cabecalho.Atualiza(Arquivo())));
+  return codigos::kOk;
 }

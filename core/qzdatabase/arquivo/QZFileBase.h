@@ -1,8 +1,8 @@
 #ifndef KALVO_CORE_QZDATABASE_ARQUIVO_QZFILEBASE_H
 #define KALVO_CORE_QZDATABASE_ARQUIVO_QZFILEBASE_H
 
+#include <atomic>
 #include <memory>
-#include <optional>
 
 #include "core/conx/DadosInstalacao.h"
 #include "core/conx/QZInicializador.h"
@@ -11,37 +11,44 @@
 #include "core/log/QZOperacao.h"
 #include "core/platform/LivroTravas.h"
 #include "core/platform/SistemaArquivos.h"
-#include "core/qzdatabase/banco/ControleCriacao.h"
-#include "core/qzdatabase/disco/CabecalhoArquivo.h"
-#include "core/qzdatabase/disco/Insistencia.h"
-
-class CQZDataBase;
-
-/// Open modes: sums of the flags read-write 0x0002, share-exclusive 0x0010, share-deny-none 0x0040, create 0x1000 and
-/// no-truncate 0x2000.
-enum EModoAbertura : std::uint32_t {
-  eModoFechado = 0,
-  eModoLeitura = 0x2010,               ///< read, exclusive; a missing file stays missing and closed
-  eModoLeituraGravacao = 0x2012,       ///< read and write, exclusive; a missing file is created
-  eModoCriacao = 0x1010,               ///< creates or empties, exclusive
-  eModoLeituraCompartilhada = 0x2040,  ///< read, others may read and write
-};
+#include "core/qzdatabase/arquivo/DonoDeArquivos.h"
+#include "core/qzdatabase/arquivo/ServicosDeArquivo.h"
+#include "core/qzdatabase/disco/AberturaArquivo.h"
+#include "core/qzdatabase/disco/CodigosArquivo.h"
+#include "core/qzdatabase/disco/TransacaoGravacao.h"
 
 /// Name of a record type as it stands in the qualified names of the error records ("struct RegVeiculo"). Every record
 /// type specialises it with a `kNome`.
 template <typename T>
 struct NomeTipoRegistro;
 
-/// One file of a database: its name and directory, opening with retries, result codes for file failures, its header,
-/// the record of its creation, copying, closing.
+/// Name of the list of created files (ListaCriados.h), which is a data file too.
+inline constexpr char kArquivoControle[] = "QZDATABASE_FILE_CTRL.DAT";
+
+/// What a file's copy in memory is worth.
+enum class EMemoria : unsigned char {
+  NadaCarregado,   ///< not initialised; memory is empty
+  NuncaExistiu,    ///< no file when last looked at; memory is empty
+  IgualAoArquivo,  ///< the file is open and memory is what it holds, but for what a pending write has changed on disk
+  Recarregar,      ///< memory is not to be served: the file must be opened and loaded again
+};
+
+/// One file of a database: a name in a directory, its content in memory, and three things that each have a class of
+/// their own: the handle and whether others changed the file (CQZAberturaArquivo), the header (CQZCabecalhoVigente),
+/// the write that is under way (CQZTransacaoGravacao). Those answer with values; the members here are the steps that
+/// the error log shows.
 ///
 /// Where the suite has headers switched on, the file's records stand behind a header of 92 bytes (CabecalhoArquivo.h),
-/// which is created when it is missing, checked at the first open and brought up to date by Flush. The switch is read
-/// at initialisation and holds until the object is initialised again.
+/// which is created when it is missing, checked when the file is opened and may have changed, and brought up to date by
+/// Flush. The switch is read at initialisation and holds until the object is initialised again.
 ///
-/// Derived files keep the file's content in memory and serve reads from it. A file is addressed by module, company and
-/// name; the path is composed anew at every open. The file registers itself with its database, which initialises and
-/// finishes it and must outlive it.
+/// Every operation begins with AsseguraMemoria: memory that does not equal the file is loaded again, and where that
+/// fails the operation answers the file's code, never "nothing there". Whatever closes the file to open it again puts
+/// memory into Recarregar first, so that a failure or a fault half way leaves nothing that could be served by mistake.
+///
+/// Derived files hold the form that the content has in memory. A file is addressed by module, company and name; the
+/// path is composed anew at every open. The file registers itself with its database, which initialises and finishes it
+/// and must outlive it.
 ///
 /// Threads: the derived classes' reads and writes and OnFinaliza take the file's lock. AbreArquivo is called with the
 /// lock held, or before the object is shared.
@@ -53,11 +60,11 @@ public:
   /// opened again; when that fails it is put back into its old mode and stays usable, and when the file was changed by
   /// others meanwhile its header is checked again and the content in memory is loaded anew. Sharing conflicts are
   /// retried for about one second. A file whose header does not hold stays closed. A file that gets its header on this
-  /// occasion is left open for reading and writing, whatever the mode asked for.
+  /// occasion, or is created, is left open for reading and writing, whatever the mode asked for.
   [[nodiscard]] HRESULT AbreArquivo(EModoAbertura eModoAbertura = eModoLeituraGravacao);
 
   /// True when the file is open; does not look at the disk.
-  bool ExisteArquivo() const { return m_arquivo != nullptr; }
+  bool ExisteArquivo() const { return m_abertura.Aberto(); }
 
   /// From now on every open takes the file out of its directory's list of created files instead of consulting it.
   void DesabilitaControleCriacaoArquivos() { m_bSemControle = true; }
@@ -81,138 +88,151 @@ public:
 
   /// Result code of a file failure on read and open paths.
   [[nodiscard]] static HRESULT CatchInicializacao(const plataforma::FalhaArquivo &falha) {
-    return CodigoDaFalha(falha.causa);
+    return CodigoDaFalha(falha);
   }
   /// Result code of a file failure on write paths: the same table.
-  [[nodiscard]] static HRESULT CatchGravacao(const plataforma::FalhaArquivo &falha) {
-    return CodigoDaFalha(falha.causa);
-  }
+  [[nodiscard]] static HRESULT CatchGravacao(const plataforma::FalhaArquivo &falha) { return CodigoDaFalha(falha); }
 
   /// True for the file codes after which a writer stops trying.
-  static bool EhUmaExcecaoFatal(HRESULT hr);
+  static bool EhUmaExcecaoFatal(HRESULT hr) { return EhCodigoFatal(hr); }
+
+  /// False for files that are never in the list of created files: "TRA" and "OFL" companions and the list itself.
+  static bool Controlado(const CString &sNomeArquivo);
+  /// Empties the first line of a file in its directory's list, on the storage device too: what depends on it, a
+  /// deletion for one, may follow. A file that is not listed, or a missing list, is no matter; `*pbEstava`, where it is
+  /// asked for, tells whether the file was listed.
+  [[nodiscard]] static HRESULT RemoveControleCriacaoArquivos(const IQZDF_Profiler &dono, ModuloQZ eModulo,
+                                                             const CString &sNomeArquivo, bool *pbEstava = nullptr);
+  /// Puts a file into its directory's list.
+  [[nodiscard]] static HRESULT CriaControleCriacaoArquivos(const IQZDF_Profiler &dono, ModuloQZ eModulo,
+                                                           const CString &sNomeArquivo);
+
+  /// For the database: it is gone, the file outlives it.
+  void Desliga() { m_pDataBase = nullptr; }
 
 protected:
-  CQZFileBase(const CString &sNomeArquivo, CQZDataBase *pDataBase);
+  CQZFileBase(const CString &sNomeArquivo, IDonoDeArquivos *pDataBase);
 
   [[nodiscard]] HRESULT OnInicializa() override;
 
-  /// Closes the file under the lock. Derived files call it last, with the lock already held.
+  /// Undoes what is pending, brings the header up to date and closes the file, all under the lock; the failure of
+  /// either is told. Derived files call it with the lock held and empty their memory afterwards.
   [[nodiscard]] HRESULT OnFinaliza() override;
 
-  /// Loads the content of the open file into memory, replacing what is there.
+  /// Loads the content of the open file into memory, replacing what is there. On failure memory may be anything.
   [[nodiscard]] virtual HRESULT CarregaMemoria() = 0;
   /// Empties the memory copy.
   virtual void EsvaziaMemoria() = 0;
 
-  /// To be called once memory holds what the file holds (or nothing, for a missing file): from then on AbreArquivo
-  /// watches for changes made by others while the file is closed.
-  void MemoriaCarregada();
+  /// The last step of a derived file's OnInicializa, after AbreArquivo(eModoLeitura): memory of the open or missing
+  /// file.
+  [[nodiscard]] HRESULT CarregaAoInicializar();
+
+  /// The first step of every operation. With the lock held.
+  [[nodiscard]] HRESULT AsseguraMemoria();
+  /// True when AsseguraMemoria has nothing to do. Any thread, without the lock.
+  bool MemoriaServe() const { return m_eMemoria.load(std::memory_order_acquire) != EMemoria::Recarregar; }
 
   /// Bytes in front of the first record: 92 or 0. Constant from initialisation to the next one.
-  std::uint64_t TamanhoCabecalho() const { return m_bTemCabecalho ? kTamanhoCabecalho : 0; }
+  std::uint64_t TamanhoCabecalho() const { return m_cabecalho.Tamanho(); }
 
   /// Length of the records. Shorter than the header is FimDeArquivo.
   plataforma::FalhaArquivo TamanhoDados(std::uint64_t *puiTamanho);
 
-  /// CRC of the records as the next Flush writes it into the header. A writer that knows how a write changes it says
-  /// so; one that does not lets it go, and Flush reads the whole file. Without meaning where there is no header.
-  std::optional<std::uint64_t> CrcDados() const { return m_uiCrcDados; }
-  void NotaCrcDados(std::optional<std::uint64_t> uiCrc) { m_uiCrcDados = uiCrc; }
+  /// Runs `tentativa` up to 50 times, 10 ms apart, until it succeeds or fails fatally. What is pending is undone before
+  /// each attempt and after the last. `fixaLugar` runs before the first attempt, and again when the file was loaded
+  /// anew in between, for the place of the write must never depend on what a failed attempt left; its failure ends the
+  /// write. Both trace their failures.
+  template <typename P, typename F>
+  [[nodiscard]] HRESULT TentaGravar(P &&fixaLugar, F &&tentativa);
 
-  /// Runs `tentativa` up to 50 times, 10 ms apart, until it succeeds or fails fatally; traces each failure.
-  template <typename F>
-  [[nodiscard]] HRESULT TentaGravar(const CQZRastro &rastro, const char *lpExpressao, F &&tentativa);
+  /// Undoes a write that is pending; nothing pending is no work. With the lock held.
+  [[nodiscard]] HRESULT RestauraPendencia();
 
-  /// Closes the file; the memory copy stays.
-  void FechaArquivo();
+  /// The write under way: Inicia, NotaAntigo, Grava by the derived file, Confirma once memory has the records.
+  CQZTransacaoGravacao &Transacao() { return m_transacao; }
 
-  /// One try at opening, for reading, a file that a failed mode switch has left closed, so that the object recovers as
-  /// soon as the file can be had again. An open file, or one that never existed, is left as it is. With the lock held.
-  void ReabreSePerdido();
+  /// The file was missing when this object looked for it, and no write of this object has succeeded yet: a file of that
+  /// name without content is to be filled, not refused.
+  bool ACriar() const { return m_bACriar; }
+  void ConfirmaGravacao();
+
+  /// Deletes a file that was ACriar when a write failed and that has no content. Where that fails it stays so.
+  void DesfazCriacao();
+
+  /// Closes the file; for a derived file's OnInicializa, which opens it again.
+  void FechaArquivo() { m_abertura.Fecha(); }
 
   /// Full path of the file for the present company.
   CString CaminhoCompleto() const { return CQZPath::CaminhoArquivo(m_eModulo, GetEmpresa(), m_sNomeArquivo); }
 
-  plataforma::IArquivoAberto &Arquivo() { return *m_arquivo; }
+  plataforma::IArquivoAberto &Arquivo() { return m_abertura.Arquivo(); }
   plataforma::SecaoCritica &Secao() const { return m_secao; }
   ModuloQZ GetModulo() const { return m_eModulo; }
-
-  /// The file's part in the list of created files of its directory.
-  CQZControleCriacao Controle() const { return {*this, m_eModulo, m_sNomeArquivo}; }
 
 private:
   class EntradaPendente;
 
-  /// What the file looked like when this object last had it: a difference means that others have written.
-  struct EstadoArquivo {
-    std::uint64_t uiTamanho = 0;
-    std::uint64_t uiUltimaEscrita = 0;  ///< 0 when the file did not exist
-  };
-
-  static constexpr int kTentativasAbertura = 100;
-
-  [[nodiscard]] static HRESULT CodigoDaFalha(plataforma::CausaArquivo causa);
-  [[nodiscard]] static HRESULT CodigoDaAbertura(const CString &sCaminho, plataforma::CausaArquivo causa,
-                                                bool bUltimaTentativa);
-  static void PausaEntreTentativas();
-
   [[nodiscard]] HRESULT AbreNoModo(EModoAbertura eModoAbertura, bool bCriando);
   [[nodiscard]] HRESULT CriaEAbre(const CQZRastro &rastro, EModoAbertura eModoAbertura);
-  [[nodiscard]] HRESULT AposAbrir(const CQZRastro &rastro, EModoAbertura eModoAbertura);
-  void VoltaAoModo(const CQZRastro &rastro, EModoAbertura eModoAnterior);
-  [[nodiscard]] HRESULT TentaAbrir(const CString &sCaminho, EModoAbertura eModoAbertura, bool bPreservaConteudo = false,
-                                   int iTentativas = kTentativasAbertura);
-  void AnotaEstado();
-  bool EstadoMudou();
+  [[nodiscard]] HRESULT AposAbrir(EModoAbertura eModoAbertura);
+  [[nodiscard]] HRESULT ReabreUmaVez();
+  void VoltaAoModo(EModoAbertura eModoAnterior);
+  void LargaArquivo();
+  bool TrocaArquivoMorto();
+  Veredito AposTentativaFalha(HRESULT hr);
 
-  [[nodiscard]] HRESULT GerenciaControleCriacaoArquivos(EModoAbertura eModoAbertura);
+  [[nodiscard]] HRESULT GerenciaControleCriacaoArquivos(EModoAbertura eModoAbertura,
+                                                        std::unique_ptr<IListaCriados> *pLista);
+  [[nodiscard]] HRESULT PossuiControleCriacaoArquivos(IListaCriados &lista, bool *pbPossui);
+  [[nodiscard]] static HRESULT CriaControleCriacaoArquivos(const IQZDF_Profiler &dono, IListaCriados &lista,
+                                                           const CString &sNomeArquivo);
 
   [[nodiscard]] HRESULT GerenciaCabecalho();
+  [[nodiscard]] HRESULT CriaCabecalhoSobTrava(const CQZRastro &rastro);
   [[nodiscard]] HRESULT PossuiCabecalho(bool *pbPossui);
   [[nodiscard]] HRESULT CriaCabecalho();
-  [[nodiscard]] HRESULT GravaCopiaComCabecalho();
+  [[nodiscard]] HRESULT EscreveCompanheiroComCabecalho(const CQZRastro &rastro);
   [[nodiscard]] HRESULT GeraDadosCabecalho(RegVersaoArquivo *pRegVersao, RegCabecalhoArquivo *pRegCabecalho);
   [[nodiscard]] HRESULT ValidaCabecalho();
   [[nodiscard]] HRESULT ValidaCabecalhoV01();
   [[nodiscard]] HRESULT AtualizaCabecalho();
-  plataforma::FalhaArquivo CalculaCrcDoArquivo(std::uint64_t uiInicio, std::uint64_t *puiCrc);
 
-  std::unique_ptr<plataforma::IArquivoAberto> m_arquivo;
-  EModoAbertura m_eModoAtual = eModoFechado;
-  bool m_bPronto = false;  ///< open, with its header and memory seen to; false after an opening that was abandoned
   CString m_sNomeArquivo;
   ModuloQZ m_eModulo;
-  CQZDataBase *m_pDataBase;
+  IDonoDeArquivos *m_pDataBase;
   mutable plataforma::SecaoCritica m_secao;
   const bool m_bFlushAdiado;
   bool m_bSemControle = false;
   bool m_bEntradaNova = false;  ///< added to the list of created files by the creation that is under way
+  bool m_bACriar = false;
 
-  /// Data of the installation for the header; null until a header is first needed, and then code 0.
-  std::unique_ptr<CQZDadosInstalacao> m_pDadosInstalacao;
-  bool m_bTemCabecalho = false;
-  bool m_bCabecalhoGerenciado = false;   ///< once for an object, unless others have changed the file
-  RegCabecalhoArquivo m_regCabecalho{};  ///< as it was last read or written
-  bool m_bCabecalhoNoDisco = false;      ///< false while a write of it has not succeeded
-  std::optional<std::uint64_t> m_uiCrcDados;
+  std::atomic<EMemoria> m_eMemoria{EMemoria::NadaCarregado};
+  std::uint64_t m_uiCargas = 0;  ///< how often memory was loaded: a place in the file holds for one of them
 
-  bool m_bMemoriaCarregada = false;
-  std::optional<EstadoArquivo> m_estado;
-
-  friend class CQZDataBase;
+  CQZAberturaArquivo m_abertura;
+  CQZCabecalhoVigente m_cabecalho;
+  CQZTransacaoGravacao m_transacao{m_cabecalho};
 };
 
-template <typename F>
-HRESULT CQZFileBase::TentaGravar(const CQZRastro &rastro, const char *lpExpressao, F &&tentativa) {
+template <typename P, typename F>
+HRESULT CQZFileBase::TentaGravar(P &&fixaLugar, F &&tentativa) {
   HRESULT hr = codigos::kOk;
-  for (int i = 0; i < kTentativasInsistencia; ++i) {
-    if (!QZ_FALHOU(rastro, hr, lpExpressao, tentativa())) {
-      return hr;
+  std::uint64_t uiCargas = m_uiCargas + 1;
+  Insiste(kTentativasInsistencia, [&](bool) {
+    hr = RestauraPendencia();
+    if (!Falhou(hr) && uiCargas != m_uiCargas) {
+      hr = fixaLugar();
+      uiCargas = m_uiCargas;
+      if (Falhou(hr)) {
+        return Veredito::Acabou;
+      }
     }
-    if (EhUmaExcecaoFatal(hr)) {
-      return hr;
-    }
-    PausaEntreTentativas();
+    hr = Falhou(hr) ? hr : tentativa();
+    return Falhou(hr) ? AposTentativaFalha(hr) : Veredito::Acabou;
+  });
+  if (Falhou(hr)) {
+    static_cast<void>(RestauraPendencia());
   }
   return hr;
 }

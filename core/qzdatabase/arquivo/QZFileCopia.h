@@ -7,7 +7,7 @@
 /// source's bytes, header included, and manages none of its own. To be used by one thread.
 class CQZFileCopia : public CQZFileBase {
 public:
-  CQZFileCopia(const CString &sNomeArquivo, CQZDataBase *pDataBase);
+  CQZFileCopia(const CString &sNomeArquivo, IDonoDeArquivos *pDataBase);
   ~CQZFileCopia() override { FinalizaNoDestrutor(); }
 
   /// The open file, to be written raw; only after a successful AbreArquivo.

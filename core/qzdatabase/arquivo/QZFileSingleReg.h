@@ -4,9 +4,7 @@
 #include <cstring>
 #include <type_traits>
 
-#include "core/platform/Plataforma.h"
 #include "core/qzdatabase/arquivo/QZFileBase.h"
-#include "core/qzdatabase/disco/QZCrc64.h"
 
 /// A file that holds exactly one record of the plain structure T, such as a base's version. The record is read once, at
 /// initialisation, and served from memory; a write reaches the disk only when it changes a byte, and memory only after
@@ -16,12 +14,12 @@ class CQZFileSingleReg : public CQZFileBase {
   static_assert(std::is_trivially_copyable_v<T>, "the record is copied and compared as bytes");
 
 public:
-  CQZFileSingleReg(const CString &sNomeArquivo, CQZDataBase *pDataBase);
+  CQZFileSingleReg(const CString &sNomeArquivo, IDonoDeArquivos *pDataBase);
   ~CQZFileSingleReg() override { FinalizaNoDestrutor(); }
 
   /// Copies the record; with no file open (it did not exist and nothing was written since) fails with 0x810809E3 and
   /// leaves `*pReg` untouched.
-  [[nodiscard]] HRESULT Le(T *pReg) const;
+  [[nodiscard]] HRESULT Le(T *pReg);
 
   /// Stores the record, creating a missing file; an unchanged record touches nothing.
   [[nodiscard]] HRESULT Grava(const T &reg);
@@ -38,22 +36,16 @@ private:
     return {"CQZFileSingleReg<", NomeTipoRegistro<T>::kNome, lpMetodo};
   }
 
-  bool PrecisaGravar(const T &reg) const { return m_bDiscoDiverge || std::memcmp(&m_reg, &reg, sizeof(T)) != 0; }
+  bool PrecisaGravar(const T &reg) const;
   [[nodiscard]] HRESULT GravaRegistro(const T &reg);
-  void DesfazGravacao();
-  void DesfazCriacao();
-  bool CabecalhoConfere();
+  bool SemConteudo();
 
   T m_reg{};
-  /// The disk may hold something else than memory: from before a write until memory has it, and after one that failed
-  /// and could not be undone.
-  bool m_bDiscoDiverge = false;
-  /// The file did not exist before a write that has not succeeded yet.
-  bool m_bCriacaoPendente = false;
+  bool m_bTemRegistro = false;  ///< the file holds m_reg; false for a missing file and one that is being created
 };
 
 template <typename T>
-CQZFileSingleReg<T>::CQZFileSingleReg(const CString &sNomeArquivo, CQZDataBase *pDataBase)
+CQZFileSingleReg<T>::CQZFileSingleReg(const CString &sNomeArquivo, IDonoDeArquivos *pDataBase)
     : CQZFileBase(sNomeArquivo, pDataBase) {
   const CQZEscopoProfiler escopo(this, Nome(">::CQZFileSingleReg"), [&] {
     return ParametrosEscopo{{"sNomeArquivo", sNomeArquivo}};
@@ -64,17 +56,16 @@ template <typename T>
 HRESULT CQZFileSingleReg<T>::OnInicializa() {
   const CQZOperacao rastro(this, Nome(">::OnInicializa"), kFonte);
   QZ_VERIFICA(rastro, "__super::OnInicializa()", CQZFileBase::OnInicializa());
-  QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AbreArquivo(eModoLeitura));
-  if (ExisteArquivo()) {
-    const HRESULT hr = CarregaMemoria();
-    if (Falhou(hr)) {
-      return hr;
+  HRESULT hr = codigos::kOk;
+  // A file without its record may be one that another program is creating at this moment, in several steps.
+  Insiste(kTentativasAbertura, [&](bool bUltima) {
+    if (QZ_FALHOU(rastro, hr, "AbreArquivo(eModoLeitura)", AbreArquivo(eModoLeitura)) || bUltima || !SemConteudo()) {
+      return Veredito::Acabou;
     }
-  } else {
-    EsvaziaMemoria();
-  }
-  MemoriaCarregada();
-  return codigos::kOk;
+    FechaArquivo();
+    return Veredito::OutraVez;
+  });
+  return Falhou(hr) ? hr : CarregaAoInicializar();
 }
 
 template <typename T>
@@ -82,6 +73,10 @@ HRESULT CQZFileSingleReg<T>::CarregaMemoria() {
   const CQZRastro rastro(this, Nome(">::OnInicializa"), kFonte);
   std::uint64_t uiTamanho = 0;
   plataforma::FalhaArquivo falha = TamanhoDados(&uiTamanho);
+  if (!falha && uiTamanho == 0 && ACriar()) {
+    EsvaziaMemoria();
+    return codigos::kOk;
+  }
   if (falha.causa == plataforma::CausaArquivo::FimDeArquivo || (!falha && uiTamanho != sizeof(T))) {
     QZ_RETORNA_CODIGO(rastro, codigos::kTamanhoDiferente);
   }
@@ -89,36 +84,37 @@ HRESULT CQZFileSingleReg<T>::CarregaMemoria() {
   if (!falha) {
     falha = Arquivo().Le(TamanhoCabecalho(), &reg, sizeof(T));
   }
-  if (falha) {
-    QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(falha));
-  }
+  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(falha));
   m_reg = reg;
-  m_bDiscoDiverge = false;
+  m_bTemRegistro = true;
   return codigos::kOk;
 }
 
 template <typename T>
 void CQZFileSingleReg<T>::EsvaziaMemoria() {
   m_reg = T{};
-  m_bDiscoDiverge = false;
+  m_bTemRegistro = false;
 }
 
 template <typename T>
 HRESULT CQZFileSingleReg<T>::OnFinaliza() {
   const CQZEscopoProfiler escopo(this, Nome(">::OnFinaliza"));
   const plataforma::CQZTrava trava(Secao());
-  if (m_bCriacaoPendente) {
+  if (ACriar()) {
     // An exception, such as memory running out, ended the write before it could undo its own creation.
+    static_cast<void>(RestauraPendencia());
     DesfazCriacao();
   }
+  const HRESULT hr = CQZFileBase::OnFinaliza();
   EsvaziaMemoria();
-  return CQZFileBase::OnFinaliza();
+  return hr;
 }
 
 template <typename T>
-HRESULT CQZFileSingleReg<T>::Le(T *pReg) const {
+HRESULT CQZFileSingleReg<T>::Le(T *pReg) {
   const CQZOperacao rastro(this, Nome(">::Le"), kFonte);
   const plataforma::CQZTrava trava(Secao());
+  QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   if (!ExisteArquivo()) {
     QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoAberto);
   }
@@ -130,73 +126,53 @@ template <typename T>
 HRESULT CQZFileSingleReg<T>::Grava(const T &reg) {
   const CQZOperacao rastro(this, Nome(">::Grava"), kFonte);
   const plataforma::CQZTrava trava(Secao());
+  QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   if (!PrecisaGravar(reg)) {
+    QZ_VERIFICA(rastro, "RestauraPendencia()", RestauraPendencia());
     return codigos::kOk;
   }
-  if (m_bCriacaoPendente) {
-    DesfazCriacao();
-  }
-  m_bCriacaoPendente = m_bCriacaoPendente || !ExisteArquivo();
-  HRESULT hr = codigos::kOk;
-  if (!QZ_FALHOU(rastro, hr, "AbreArquivo()", AbreArquivo())) {
-    hr = TentaGravar(rastro, "GravaRegistro(reg)", [&] { return GravaRegistro(reg); });
-  }
+  const auto abre = [&]() -> HRESULT {
+    QZ_VERIFICA(rastro, "AbreArquivo()", AbreArquivo());
+    return codigos::kOk;
+  };
+  const auto grava = [&]() -> HRESULT {
+    QZ_VERIFICA(rastro, "GravaRegistro(reg)", GravaRegistro(reg));
+    return codigos::kOk;
+  };
+  const HRESULT hr = TentaGravar(abre, grava);
   if (Falhou(hr)) {
-    DesfazGravacao();
+    // A file without its record would keep the base from opening.
+    DesfazCriacao();
   }
   return hr;
 }
 
-/// One attempt.
+template <typename T>
+bool CQZFileSingleReg<T>::PrecisaGravar(const T &reg) const {
+  const CQZEscopoProfiler escopo(this, Nome(">::PrecisaGravar"));
+  return std::memcmp(&m_reg, &reg, sizeof(T)) != 0;
+}
+
+/// True for an open file that ends with its header, or is empty.
+template <typename T>
+bool CQZFileSingleReg<T>::SemConteudo() {
+  std::uint64_t uiTamanho = 0;
+  return ExisteArquivo() && !TamanhoDados(&uiTamanho) && uiTamanho == 0;
+}
+
+/// One attempt. A file that this write creates has no old record.
 template <typename T>
 HRESULT CQZFileSingleReg<T>::GravaRegistro(const T &reg) {
-  const CQZRastro rastro(this, Nome(">::GravaRegistro"), kFonte);
-  m_bDiscoDiverge = true;
-  NotaCrcDados(CalculaCrc64(&reg, sizeof(T)));
-  if (const plataforma::FalhaArquivo falha = Arquivo().Grava(TamanhoCabecalho(), &reg, sizeof(T))) {
-    QZ_VERIFICA(rastro, "CatchGravacao(pEx)", CatchGravacao(falha));
-  }
+  const CQZOperacao rastro(this, Nome(">::GravaRegistro"), kFonte);
+  const std::size_t cbAntes = m_bTemRegistro ? sizeof(T) : 0;
+  Transacao().Inicia(TamanhoCabecalho(), TamanhoCabecalho() + cbAntes);
+  Transacao().NotaAntigo(&m_reg, cbAntes);
+  QZ_VERIFICA(rastro, "CatchGravacao(pEx)", CatchGravacao(Transacao().Grava(Arquivo(), &reg, sizeof(T), false)));
   QZ_VERIFICA(rastro, "Flush()", Flush());
   m_reg = reg;
-  m_bDiscoDiverge = false;
-  m_bCriacaoPendente = false;
+  m_bTemRegistro = true;
+  ConfirmaGravacao();
   return codigos::kOk;
-}
-
-/// Puts the disk back to the record in memory after a write that failed for good.
-template <typename T>
-void CQZFileSingleReg<T>::DesfazGravacao() {
-  if (m_bCriacaoPendente) {
-    DesfazCriacao();
-  } else {
-    NotaCrcDados(CalculaCrc64(&m_reg, sizeof(T)));
-    m_bDiscoDiverge = !ExisteArquivo() || Arquivo().Grava(TamanhoCabecalho(), &m_reg, sizeof(T)) || Falhou(Flush(true));
-  }
-}
-
-/// Deletes the file that an unfinished write created: one of another length, or with a header that does not hold, would
-/// keep the base from opening. A whole one is somebody else's by now and stays.
-template <typename T>
-void CQZFileSingleReg<T>::DesfazCriacao() {
-  FechaArquivo();
-  const CString sCaminho = CaminhoCompleto();
-  std::uint64_t uiTamanho = 0;
-  const plataforma::FalhaArquivo falha = plataforma::Arquivos().TamanhoDe(sCaminho, &uiTamanho);
-  const bool bAusente = falha.causa == plataforma::CausaArquivo::NaoEncontrado;
-  const bool bInacabado = !falha && (uiTamanho < TamanhoCabecalho() + sizeof(T) || !CabecalhoConfere());
-  if (bAusente || (bInacabado && !Falhou(Controle().Remove()) && !plataforma::Arquivos().Apaga(sCaminho))) {
-    m_bCriacaoPendente = false;
-    EsvaziaMemoria();
-    MemoriaCarregada();
-  }
-}
-
-/// False when the closed file on disk is refused for its header.
-template <typename T>
-bool CQZFileSingleReg<T>::CabecalhoConfere() {
-  const HRESULT hr = AbreArquivo(eModoLeitura);
-  FechaArquivo();
-  return hr != codigos::kDadosNaoConferem && hr != codigos::kCabecalhoDanificado;
 }
 
 #endif

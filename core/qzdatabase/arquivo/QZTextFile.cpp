@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "core/qzdatabase/banco/QZBancoTemporario.h"
-#include "core/qzdatabase/disco/QZCrc64.h"
 #include "core/qzdatabase/disco/QZLeitorSequencial.h"
 
 using plataforma::CQZTrava;
@@ -33,7 +31,8 @@ auto Parametros(std::uint64_t uiPosicao, const CStringArray &aRegistros) {
 
 }  // namespace
 
-CQZTextFile::CQZTextFile(const CString &sNomeArquivo, CQZDataBase *pDataBase) : CQZFileBase(sNomeArquivo, pDataBase) {
+CQZTextFile::CQZTextFile(const CString &sNomeArquivo, IDonoDeArquivos *pDataBase)
+    : CQZFileBase(sNomeArquivo, pDataBase) {
   const CQZEscopoProfiler escopo(this, {"CQZTextFile::CQZTextFile"}, [&] {
     return ParametrosEscopo{{"sNomeArquivo", sNomeArquivo}};
   });
@@ -43,15 +42,7 @@ HRESULT CQZTextFile::OnInicializa() {
   const CQZOperacao rastro(this, {"CQZTextFile::OnInicializa"}, kFonte);
   QZ_VERIFICA(rastro, "__super::OnInicializa()", CQZFileBase::OnInicializa());
   QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AbreArquivo(eModoLeitura));
-  EsvaziaMemoria();
-  if (ExisteArquivo()) {
-    const HRESULT hr = CarregaMemoria();
-    if (Falhou(hr)) {
-      return hr;
-    }
-  }
-  MemoriaCarregada();
-  return codigos::kOk;
+  return CarregaAoInicializar();
 }
 
 /// Takes what can be read of a damaged file: a line whose length reaches past the end of the file is cut there, and
@@ -78,27 +69,23 @@ HRESULT CQZTextFile::CarregaMemoria() {
       linha.uiOffset += sizeof(uiDeclarado) + linha.uiTamanhoNoArquivo;
     }
   }
-  if (falha) {
-    QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(falha));
-  }
+  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(falha));
   m_aRegistros = std::move(aRegistros);
   m_bFimDanificado = bFimDanificado || leitor.Restam() != 0;
-  m_pendencia.reset();
   return codigos::kOk;
 }
 
 void CQZTextFile::EsvaziaMemoria() {
   m_aRegistros.SetSize(0, kCrescimentoLinhas);
   m_bFimDanificado = false;
-  m_pendencia.reset();
 }
 
 HRESULT CQZTextFile::OnFinaliza() {
   const CQZEscopoProfiler escopo(this, {"CQZTextFile::OnFinaliza"});
   const CQZTrava trava(Secao());
-  static_cast<void>(RestauraPendencia());
+  const HRESULT hr = CQZFileBase::OnFinaliza();
   EsvaziaMemoria();
-  return CQZFileBase::OnFinaliza();
+  return hr;
 }
 
 const CArray<CQZDataBaseTextPair> *CQZTextFile::GetPtrArrayRegistros() const {
@@ -114,7 +101,7 @@ HRESULT CQZTextFile::Le(std::uint64_t uiPosicao, CString &sRegistro) {
     QZ_RETORNA_CODIGO(rastro, codigos::kPosicaoZero);
   }
   const CQZTrava trava(Secao());
-  ReabreSePerdido();
+  QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   if (!ExisteArquivo()) {
     QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoAberto);
   }
@@ -139,13 +126,36 @@ HRESULT CQZTextFile::Grava(std::uint64_t &uiPosicao, const CString &sRegistro) {
   return codigos::kOk;
 }
 
+HRESULT CQZTextFile::GravaSeNova(std::uint64_t &uiPosicao, const CString &sRegistro) {
+  const CQZOperacao rastro(this, {"CQZTextFile::Grava"}, kFonte);
+  CStringArray aRegistros;
+  aRegistros.Add(sRegistro);
+  uiPosicao = 0;
+  QZ_VERIFICA(rastro, "GravaColecao(uiPosicao, aRegistros)", GravaLinhas(uiPosicao, aRegistros, true));
+  return codigos::kOk;
+}
+
+std::uint64_t CQZTextFile::Procura(const CString &sRegistro) const {
+  for (std::size_t idx = 0; idx < m_aRegistros.GetSize(); ++idx) {
+    if (m_aRegistros[idx].sTexto == sRegistro) {
+      return idx + 1;
+    }
+  }
+  return 0;
+}
+
 HRESULT CQZTextFile::GravaColecao(std::uint64_t &uiPosicao, const CStringArray &aRegistros) {
+  return GravaLinhas(uiPosicao, aRegistros, false);
+}
+
+/// With `bSeNova` a single line, for the end, that is not written when it is there.
+HRESULT CQZTextFile::GravaLinhas(std::uint64_t &uiPosicao, const CStringArray &aRegistros, bool bSeNova) {
   const CQZOperacao rastro(this, {"CQZTextFile::GravaColecao"}, kFonte, Parametros(uiPosicao, aRegistros));
   if (aRegistros.IsEmpty()) {
     return codigos::kOk;
   }
   const CQZTrava trava(Secao());
-  ReabreSePerdido();
+  QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   if (uiPosicao > m_aRegistros.GetSize()) {
     QZ_RETORNA_CODIGO(rastro, codigos::kGravacaoAlemDoFim);
   }
@@ -156,21 +166,29 @@ HRESULT CQZTextFile::GravaColecao(std::uint64_t &uiPosicao, const CStringArray &
   }
   const std::uint64_t uiPedida = uiPosicao;
   uiPosicao = DeveGravarNoFinal(uiPedida, aRegistros) ? 0 : uiPedida;
-  QZ_VERIFICA(rastro, "AbreArquivo()", AbreArquivo());
-
-  // Opening for writing may have found the file changed by others and loaded it anew, so the place is chosen again.
-  // From here on it stays: a retry must not decide by what its own failed attempt left.
-  uiPosicao = uiPedida;
-  if (uiPosicao > m_aRegistros.GetSize()) {
-    QZ_RETORNA_CODIGO(rastro, codigos::kGravacaoAlemDoFim);
-  }
-  uiPosicao = DeveGravarNoFinal(uiPosicao, aRegistros) ? 0 : uiPosicao;
-  const bool bShrink = DeveExecutarShrink(uiPosicao, aRegistros) || (uiPosicao == 0 && m_bFimDanificado);
-  const HRESULT hr = TentaGravar(rastro, "GravaRegistros(uiPosicao, aRegistros)",
-                                 [&] { return GravaRegistros(uiPosicao, aRegistros, bShrink); });
-  if (Falhou(hr)) {
-    static_cast<void>(RestauraPendencia());
-  }
+  bool bShrink = false;
+  std::uint64_t uiIgual = 0;
+  // The way of writing is chosen once for all attempts, lest a retry decide by what its own failed attempt left.
+  const auto fixaLugar = [&]() -> HRESULT {
+    QZ_VERIFICA(rastro, "AbreArquivo()", AbreArquivo());
+    uiPosicao = uiPedida;
+    if (uiPosicao > m_aRegistros.GetSize()) {
+      // Opening for writing found the file changed by others and loaded fewer lines.
+      QZ_RETORNA_CODIGO(rastro, codigos::kGravacaoAlemDoFim);
+    }
+    uiPosicao = DeveGravarNoFinal(uiPosicao, aRegistros) ? 0 : uiPosicao;
+    bShrink = DeveExecutarShrink(uiPosicao, aRegistros) || (uiPosicao == 0 && m_bFimDanificado);
+    uiIgual = bSeNova ? Procura(aRegistros[0]) : 0;
+    return codigos::kOk;
+  };
+  const auto grava = [&]() -> HRESULT {
+    if (uiIgual == 0) {
+      QZ_VERIFICA(rastro, "GravaRegistros(uiPosicao, aRegistros)", GravaRegistros(uiPosicao, aRegistros, bShrink));
+    }
+    return codigos::kOk;
+  };
+  const HRESULT hr = TentaGravar(fixaLugar, grava);
+  uiPosicao = uiIgual != 0 ? uiIgual : uiPosicao;
   return hr;
 }
 
@@ -243,7 +261,6 @@ std::uint64_t CQZTextFile::OndeGravar(std::size_t indice) const {
 /// must not fail.
 HRESULT CQZTextFile::GravaRegistros(std::uint64_t &uiPosicao, const CStringArray &aRegistros, bool bShrink) {
   const CQZOperacao rastro(this, {"CQZTextFile::GravaRegistros"}, kFonte, Parametros(uiPosicao, aRegistros));
-  QZ_VERIFICA(rastro, "RestauraPendencia()", RestauraPendencia());
   const std::size_t indice = IndiceDe(uiPosicao);
   const bool bNoFinal = uiPosicao == 0;
   if (bShrink) {
@@ -255,16 +272,19 @@ HRESULT CQZTextFile::GravaRegistros(std::uint64_t &uiPosicao, const CStringArray
     }
     CStringArray aTextos = aRegistros;
     m_aRegistros.Reserva(indice + aRegistros.GetSize());
-    const std::optional<std::uint64_t> uiOnde = bNoFinal ? std::nullopt : std::optional(OndeGravar(indice));
+    std::uint64_t uiOnde = bNoFinal ? 0 : OndeGravar(indice);
+    if (bNoFinal) {
+      QZ_VERIFICA(rastro, "CatchGravacao(pEx)", CatchGravacao(Arquivo().Tamanho(&uiOnde)));
+    }
     const HRESULT hr = GravaBytes(rastro, uiOnde, sBytes, false);
     if (Falhou(hr)) {
       return hr;
     }
     TomaLinhas(indice, std::move(aTextos));
     if (bNoFinal) {
-      DefineOffsets(indice, m_pendencia->uiOnde);
+      DefineOffsets(indice, uiOnde);
     }
-    m_pendencia.reset();
+    ConfirmaGravacao();
   }
   if (bNoFinal) {
     uiPosicao = m_aRegistros.GetSize();
@@ -291,61 +311,33 @@ HRESULT CQZTextFile::ExecutaShrink(std::uint64_t uiPosicao, const CStringArray &
   TomaLinhas(inicio, std::move(aTextos));
   DefineOffsets(0, 0);
   m_bFimDanificado = false;
-  m_pendencia.reset();
+  ConfirmaGravacao();
   return codigos::kOk;
 }
 
-/// Writes `sBytes` at `uiOnde`, or at the end of the file, and brings the header up to date; with `bCorta` the file
-/// ends behind them. What stood there is noted first in `m_pendencia`, which the caller clears once memory holds the
-/// lines.
-HRESULT CQZTextFile::GravaBytes(const CQZRastro &rastro, std::optional<std::uint64_t> uiOnde, const CString &sBytes,
-                                bool bCorta) {
-  Pendencia pendencia;
-  FalhaArquivo falha = Arquivo().Tamanho(&pendencia.uiTamanho);
-  pendencia.uiOnde = uiOnde.value_or(pendencia.uiTamanho);
-  if (!falha && pendencia.uiOnde < pendencia.uiTamanho) {
-    const std::uint64_t uiAteOFim = pendencia.uiTamanho - pendencia.uiOnde;
-    pendencia.sAntes.resize(
-        static_cast<std::size_t>(bCorta ? uiAteOFim : std::min<std::uint64_t>(uiAteOFim, sBytes.size())));
-    falha = Arquivo().Le(pendencia.uiOnde, pendencia.sAntes.data(), pendencia.sAntes.size());
+/// Writes `sBytes` at `uiOnde` and brings the header up to date; with `bCorta` the file ends behind them. The caller
+/// confirms the transaction once memory holds the lines.
+HRESULT CQZTextFile::GravaBytes(const CQZRastro &rastro, std::uint64_t uiOnde, const CString &sBytes, bool bCorta) {
+  std::uint64_t uiTamanho = 0;
+  FalhaArquivo falha = Arquivo().Tamanho(&uiTamanho);
+  if (!falha) {
+    Transacao().Inicia(uiOnde, uiTamanho);
+    falha = NotaAntigos(uiOnde, uiTamanho, bCorta ? uiTamanho : sBytes.size());
   }
   if (!falha) {
-    const std::uint64_t uiFim = pendencia.uiOnde + sBytes.size();
-    const bool bSobra = bCorta && pendencia.uiTamanho > uiFim;
-    m_pendencia = std::move(pendencia);
-    falha = Arquivo().Grava(m_pendencia->uiOnde, sBytes.data(), sBytes.size());
-    if (!falha && bSobra) {
-      falha = Arquivo().AjustaTamanho(uiFim);
-    }
-    const bool bAcrescentou = m_pendencia->uiOnde == m_pendencia->uiTamanho && CrcDados().has_value();
-    NotaCrcDados(bAcrescentou ? std::optional(CalculaCrc64(sBytes.data(), sBytes.size(), *CrcDados())) : std::nullopt);
+    falha = Transacao().Grava(Arquivo(), sBytes.data(), sBytes.size(), bCorta);
   }
-  if (falha) {
-    QZ_VERIFICA(rastro, "CatchGravacao(pEx)", CatchGravacao(falha));
-  }
+  QZ_VERIFICA(rastro, "CatchGravacao(pEx)", CatchGravacao(falha));
   QZ_VERIFICA(rastro, "Flush()", Flush());
   return codigos::kOk;
 }
 
-/// Puts the disk back to what it held before a write that failed or was abandoned half way; no damage is no work.
-HRESULT CQZTextFile::RestauraPendencia() {
-  if (!m_pendencia || !ExisteArquivo()) {
-    return codigos::kOk;
-  }
-  FalhaArquivo falha = Arquivo().Grava(m_pendencia->uiOnde, m_pendencia->sAntes.data(), m_pendencia->sAntes.size());
-  std::uint64_t uiTamanho = 0;
-  if (!falha) {
-    falha = Arquivo().Tamanho(&uiTamanho);
-  }
-  if (!falha && uiTamanho > m_pendencia->uiTamanho) {
-    falha = Arquivo().AjustaTamanho(m_pendencia->uiTamanho);
-  }
-  NotaCrcDados(std::nullopt);
-  const HRESULT hr = falha ? CatchGravacao(falha) : Flush(true);
-  if (!Falhou(hr)) {
-    m_pendencia.reset();
-  }
-  return hr;
+/// Read from the disk: memory does not hold what stands behind a zero byte or behind a damaged end.
+FalhaArquivo CQZTextFile::NotaAntigos(std::uint64_t uiOnde, std::uint64_t uiTamanho, std::uint64_t cb) {
+  CString sAntes(static_cast<std::size_t>(std::min(cb, uiTamanho - std::min(uiOnde, uiTamanho))), '\0');
+  const FalhaArquivo falha = Arquivo().Le(uiOnde, sAntes.data(), sAntes.size());
+  Transacao().NotaAntigo(sAntes.data(), sAntes.size());
+  return falha;
 }
 
 /// Puts the written texts into memory from `indice` on; room for all of them must be reserved. Added lines have the
@@ -377,16 +369,16 @@ void CQZTextFile::DefineOffsets(std::size_t indice, std::uint64_t uiOffset) {
 HRESULT CQZTextFile::GeraArquivoOffline() {
   const CQZOperacao rastro(this, {"CQZTextFile::GeraArquivoOffline"}, kFonte);
   const CQZTrava trava(Secao());
+  QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   QZ_VERIFICA(rastro, "DeletaArquivoOffline()", DeletaArquivoOffline());
-  CQZBancoTemporario<CQZTextFile> offline(GetModulo(), CQZPath::ChangeExtension(GetNomeArquivo(), "OFL"));
-  QZ_VERIFICA(rastro, "qzDB.Inicializa(this)", offline.Banco().Inicializa(*this));
+  const auto pOffline = ServicosDeArquivo().TextoNovo(GetModulo(), CQZPath::ChangeExtension(GetNomeArquivo(), "OFL"));
+  QZ_VERIFICA(rastro, "qzDB.Inicializa(this)", pOffline->Inicializa(*this));
   CStringArray aRegistros;
   aRegistros.Reserva(m_aRegistros.GetSize());
   for (std::size_t idx = 0; idx < m_aRegistros.GetSize(); ++idx) {
     aRegistros.Add(m_aRegistros[idx].sTexto);
   }
   std::uint64_t uiPosicao = 0;
-  QZ_VERIFICA(rastro, "qzFile.GravaColecao(uiPosicao, aRegistros)",
-              offline.Arquivo().GravaColecao(uiPosicao, aRegistros));
+  QZ_VERIFICA(rastro, "qzFile.GravaColecao(uiPosicao, aRegistros)", pOffline->GravaColecao(uiPosicao, aRegistros));
   return codigos::kOk;
 }

@@ -1,8 +1,6 @@
 #ifndef KALVO_CORE_QZDATABASE_ARQUIVO_QZTEXTFILE_H
 #define KALVO_CORE_QZDATABASE_ARQUIVO_QZTEXTFILE_H
 
-#include <optional>
-
 #include "core/platform/CArray.h"
 #include "core/qzdatabase/arquivo/QZDataBaseTextPair.h"
 #include "core/qzdatabase/arquivo/QZFileBase.h"
@@ -19,7 +17,7 @@
 /// initialisation and finishing.
 class CQZTextFile : public CQZFileBase {
 public:
-  CQZTextFile(const CString &sNomeArquivo, CQZDataBase *pDataBase);
+  CQZTextFile(const CString &sNomeArquivo, IDonoDeArquivos *pDataBase);
   ~CQZTextFile() override { FinalizaNoDestrutor(); }
 
   /// Copies the line at a position.
@@ -27,6 +25,14 @@ public:
 
   /// Writes one line as GravaColecao does. An empty text writes nothing, sets `uiPosicao` to 0 and succeeds.
   [[nodiscard]] HRESULT Grava(std::uint64_t &uiPosicao, const CString &sRegistro);
+
+  /// Writes one line behind the last, unless a line is the same; `uiPosicao` receives its position either way. That is
+  /// decided while the file is held for writing, so that two programs which add the same line at once add it once.
+  [[nodiscard]] HRESULT GravaSeNova(std::uint64_t &uiPosicao, const CString &sRegistro);
+
+  /// Position of the first line that equals the text, letter case included; 0 when there is none. Not locked, as
+  /// GetPtrArrayRegistros.
+  std::uint64_t Procura(const CString &sRegistro) const;
 
   /// Writes consecutive lines from `uiPosicao` on, which must not lie behind the last line; the range may run past it.
   /// Empty texts are written as empty lines. When the lines went to the end `uiPosicao` receives the position of the
@@ -46,18 +52,11 @@ protected:
   void EsvaziaMemoria() override;
 
 private:
-  /// What a write may have damaged on disk: the bytes that stood from `uiOnde` on, and the file's length before.
-  struct Pendencia {
-    std::uint64_t uiOnde = 0;
-    CString sAntes;
-    std::uint64_t uiTamanho = 0;
-  };
-
+  [[nodiscard]] HRESULT GravaLinhas(std::uint64_t &uiPosicao, const CStringArray &aRegistros, bool bSeNova);
   [[nodiscard]] HRESULT GravaRegistros(std::uint64_t &uiPosicao, const CStringArray &aRegistros, bool bShrink);
   [[nodiscard]] HRESULT ExecutaShrink(std::uint64_t uiPosicao, const CStringArray &aRegistros);
-  [[nodiscard]] HRESULT GravaBytes(const CQZRastro &rastro, std::optional<std::uint64_t> uiOnde, const CString &sBytes,
-                                   bool bCorta);
-  [[nodiscard]] HRESULT RestauraPendencia();
+  [[nodiscard]] HRESULT GravaBytes(const CQZRastro &rastro, std::uint64_t uiOnde, const CString &sBytes, bool bCorta);
+  plataforma::FalhaArquivo NotaAntigos(std::uint64_t uiOnde, std::uint64_t uiTamanho, std::uint64_t cb);
 
   bool PrecisaGravar(std::uint64_t uiPosicao, const CStringArray &aRegistros) const;
   bool DeveGravarNoFinal(std::uint64_t uiPosicao, const CStringArray &aRegistros) const;
@@ -73,9 +72,6 @@ private:
 
   /// The file did not end behind a whole line when it was loaded: a line appended there would be lost.
   bool m_bFimDanificado = false;
-
-  /// Set from before a write until memory has it; memory still holds what the disk held before.
-  std::optional<Pendencia> m_pendencia;
 };
 
 #endif

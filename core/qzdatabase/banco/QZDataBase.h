@@ -2,36 +2,33 @@
 #define KALVO_CORE_QZDATABASE_BANCO_QZDATABASE_H
 
 #include "core/conx/QZInicializador.h"
-#include "core/env/QZPath.h"
 #include "core/platform/CArray.h"
 #include "core/platform/SecaoCritica.h"
-
-class CQZFileBase;
+#include "core/qzdatabase/arquivo/DonoDeArquivos.h"
 
 /// The set of files of one module for one company. It does not own its files: they are members of the concrete database
 /// (or locals beside a temporary one), register themselves on construction and leave on destruction.
 ///
 /// A concrete database finishes itself in its own destructor, while its files are alive.
-class CQZDataBase : public CQZInicializador {
+class CQZDataBase : public CQZInicializador, public IDonoDeArquivos {
 public:
   /// `eNivelArquivos` is the place of the files' locks in the lock order: ArquivoDados for a shared database.
   explicit CQZDataBase(ModuloQZ eModulo, plataforma::NivelTrava eNivelArquivos = plataforma::NivelTrava::Temporario);
   ~CQZDataBase() override;
 
-  void AddFile(CQZFileBase *pFile);
-  /// Takes a file out; an absent one is no matter.
-  void RemoveFile(CQZFileBase *pFile);
+  void AddFile(CQZFileBase *pFile) override;
+  void RemoveFile(CQZFileBase *pFile) override;
 
-  ModuloQZ GetModulo() const { return m_eModulo; }
-  plataforma::NivelTrava NivelDosArquivos() const { return m_eNivelArquivos; }
+  ModuloQZ GetModulo() const override { return m_eModulo; }
+  plataforma::NivelTrava NivelDosArquivos() const override { return m_eNivelArquivos; }
 
   /// From now on new files of this database bring their headers up to date only when they are finished.
   void AdiaFlush() { m_bFlushAdiado = true; }
-  bool FlushAdiado() const { return m_bFlushAdiado; }
+  bool FlushAdiado() const override { return m_bFlushAdiado; }
 
   /// Puts the finished "TRA" companions of a group of files in place. `sFileName` is the name of the group's files,
-  /// without directory, with '?' for each digit in which they differ. The first failure stops; companions not yet
-  /// moved stay.
+  /// without directory, with '?' for each digit in which they differ, anywhere in the name. The first failure stops;
+  /// companions not yet moved stay.
   [[nodiscard]] HRESULT RenomeiaGroup(const CString &sFileName);
 
   /// The database's own lock, taken briefly around reading a record count.

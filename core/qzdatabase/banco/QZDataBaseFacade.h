@@ -154,8 +154,6 @@ protected:
   TDataBase *m_pDataBase = nullptr;
 
 private:
-  [[nodiscard]] HRESULT SoltaDataBase();
-
   inline static CQZDataBaseContainer<TDataBase> m_ContainerFacade;
 };
 
@@ -175,22 +173,17 @@ HRESULT CQZDataBaseFacade<TDataBase, TBase>::QZDataBaseInicializa() {
 
 template <typename TDataBase, typename TBase>
 HRESULT CQZDataBaseFacade<TDataBase, TBase>::OnFinaliza() {
-  const HRESULT hrDataBase = SoltaDataBase();
-  const HRESULT hrBase = TBase::OnFinaliza();
-  return Falhou(hrDataBase) ? hrDataBase : hrBase;
-}
-
-template <typename TDataBase, typename TBase>
-HRESULT CQZDataBaseFacade<TDataBase, TBase>::SoltaDataBase() {
   const CQZOperacao rastro(
       this, {"CQZDataBaseFacade<", NomeTipoBanco<TDataBase>::kNome, ",class CQZBaseParaRotinas>::OnFinaliza"},
       kFonteDataBaseFacade);
-  if (m_pDataBase == nullptr) {
-    return codigos::kOk;
+  HRESULT hrDataBase = codigos::kOk;
+  if (m_pDataBase != nullptr) {
+    static_cast<void>(QZ_FALHOU(rastro, hrDataBase, "m_ContainerFacade.Finaliza(GetEmpresa(), m_pDataBase)",
+                                m_ContainerFacade.Finaliza(&m_pDataBase)));
   }
-  QZ_VERIFICA(rastro, "m_ContainerFacade.Finaliza(GetEmpresa(), m_pDataBase)",
-              m_ContainerFacade.Finaliza(&m_pDataBase));
-  return codigos::kOk;
+  HRESULT hr = codigos::kOk;
+  static_cast<void>(QZ_FALHOU(rastro, hr, "__super::OnFinaliza()", TBase::OnFinaliza()));
+  return Falhou(hrDataBase) ? hrDataBase : hr;
 }
 
 #endif

@@ -4,11 +4,11 @@
 #include <vector>
 
 #include "core/platform/Plataforma.h"
-#include "core/qzdatabase/disco/Insistencia.h"
 
 namespace {
 
 constexpr char kFonte[] = "QZDataBaseUtil.cpp";
+
 /// True when `sNome` has the mask's length and only digits, at least one, from the mask's first '?' up to its first
 /// '.'.
 bool AtendeMascara(const CString &sNome, const CString &sMascara) {
@@ -19,13 +19,19 @@ bool AtendeMascara(const CString &sNome, const CString &sMascara) {
 }
 
 /// Takes the file out of the list of created files, then deletes it. In this order an interruption leaves a file that
-/// is not listed, which harms nobody; a listed file that is gone would lock the company out.
+/// is not listed, which harms nobody; a listed file that is gone would lock the company out. A file that stays is
+/// listed again.
 HRESULT ApagaDeProposito(const CQZRastro &rastro, const IQZDF_Profiler &dono, ModuloQZ eModulo,
                          const CString &sNomeArquivo) {
-  if (CQZControleCriacao::Controlado(sNomeArquivo)) {
-    QZ_VERIFICA(rastro, "RemoveControleCriacaoArquivos()", CQZControleCriacao(dono, eModulo, sNomeArquivo).Remove());
+  bool bEstavaNaLista = false;
+  if (CQZFileBase::Controlado(sNomeArquivo)) {
+    QZ_VERIFICA(rastro, "RemoveControleCriacaoArquivos()",
+                CQZFileBase::RemoveControleCriacaoArquivos(dono, eModulo, sNomeArquivo, &bEstavaNaLista));
   }
-  if (!ApagaInsistindo(CQZPath::CaminhoArquivo(eModulo, dono.GetEmpresa(), sNomeArquivo))) {
+  if (ApagaInsistindo(CQZPath::CaminhoArquivo(eModulo, dono.GetEmpresa(), sNomeArquivo))) {
+    if (bEstavaNaLista) {
+      static_cast<void>(CQZFileBase::CriaControleCriacaoArquivos(dono, eModulo, sNomeArquivo));
+    }
     QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoApagado);
   }
   return codigos::kOk;
@@ -34,21 +40,23 @@ HRESULT ApagaDeProposito(const CQZRastro &rastro, const IQZDF_Profiler &dono, Mo
 }  // namespace
 
 HRESULT CQZDataBaseUtil::RenomeiaArquivoTRA(const CString &sEmpresa, ModuloQZ eModulo, const CString &sNomeArquivo) {
-  const CString sNomeTRA = CQZPath::ChangeExtension(sNomeArquivo, "TRA");
-  if (ExisteNoCaminho(CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeTRA))) {
-    return MoveTRA(sEmpresa, eModulo, sNomeArquivo);
-  }
   const CQZProfilerEmpresa profiler(sEmpresa, kUsuarioInterno, 0);
   const CQZRastro rastro(&profiler, {"CQZDataBaseUtil::RenomeiaArquivoTRA"}, kFonte);
-  return ApagaDeProposito(rastro, profiler, eModulo, sNomeArquivo);
+  const CString sNomeTRA = CQZPath::ChangeExtension(sNomeArquivo, "TRA");
+  bool bTemCompanheiro = false;
+  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)",
+              CQZFileBase::CatchInicializacao(plataforma::Arquivos().Existe(
+                  CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeTRA), &bTemCompanheiro)));
+  return bTemCompanheiro ? MoveTRA(sEmpresa, eModulo, sNomeArquivo)
+                         : ApagaDeProposito(rastro, profiler, eModulo, sNomeArquivo);
 }
 
-HRESULT CQZDataBaseUtil::MoveTRA(const CString &sEmpresa, ModuloQZ eModulo, const CString &sNomeArquivo) {
+HRESULT CQZDataBaseUtil::MoveTRA(const CString &sEmpresa, ModuloQZ eModulo, const CString &sNomeArquivo,
+                                 const AntesDeMoverDeNovo &antesDeMoverDeNovo) {
   const CQZProfilerEmpresa profiler(sEmpresa, kUsuarioInterno, 0);
   const CQZRastro rastro(&profiler, {"CQZDataBaseUtil::RenomeiaArquivoTRA"}, kFonte);
   const CString sCaminho = CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeArquivo);
-  const CString sCaminhoTRA = CQZPath::ChangeExtension(sCaminho, "TRA");
-  if (!ExisteNoCaminho(sCaminhoTRA) || !MoveInsistindo(sCaminhoTRA, sCaminho)) {
+  if (MoveInsistindo(CQZPath::ChangeExtension(sCaminho, "TRA"), sCaminho, antesDeMoverDeNovo)) {
     QZ_RETORNA_CODIGO(rastro, codigos::kTraNaoRenomeado);
   }
   return codigos::kOk;
@@ -67,18 +75,24 @@ HRESULT CQZDataBaseUtil::ResolveTRAEsquecido(const IQZDF_Profiler *pOwner, Modul
   const CString sNomeTRA = CQZPath::ChangeExtension(sNomeArquivo, "TRA");
   const CString sCaminhoTRA = CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeTRA);
   *pbAdotado = false;
-  if (!ExisteNoCaminho(sCaminhoTRA)) {
+  bool bTemCompanheiro = false;
+  bool bTemArquivo = false;
+  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)",
+              CQZFileBase::CatchInicializacao(plataforma::Arquivos().Existe(sCaminhoTRA, &bTemCompanheiro)));
+  if (!bTemCompanheiro) {
     return codigos::kOk;
   }
-  if (ExisteNoCaminho(CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeArquivo))) {
+  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)",
+              CQZFileBase::CatchInicializacao(plataforma::Arquivos().Existe(
+                  CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeArquivo), &bTemArquivo)));
+  if (bTemArquivo) {
     QZ_VERIFICA(rastro, "DeletaArquivo(pOwner->GetEmpresa(), eModulo, sNomeTRA)",
                 DeletaArquivo(sEmpresa, eModulo, sNomeTRA));
     return codigos::kOk;
   }
   std::uint64_t uiTamanho = 0;
-  if (const plataforma::FalhaArquivo falha = plataforma::Arquivos().TamanhoDe(sCaminhoTRA, &uiTamanho)) {
-    QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CQZFileBase::CatchInicializacao(falha));
-  }
+  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)",
+              CQZFileBase::CatchInicializacao(plataforma::Arquivos().TamanhoDe(sCaminhoTRA, &uiTamanho)));
   if (uiTamanho % cbRegistro != 0) {
     QZ_RETORNA_CODIGO(rastro, codigos::kTamanhoNaoMultiplo);
   }
@@ -100,7 +114,7 @@ HRESULT CQZDataBaseUtil::ProcuraPelaMascara(const IQZDF_Profiler *pOwner, Modulo
   const CString sListagem = sMascara.substr(0, inicio) + "*." + CQZPath::Extensao(sMascara);
   const plataforma::FalhaArquivo falha =
       plataforma::Arquivos().Lista(CQZPath::DiretorioModulo(eModulo, pOwner->GetEmpresa()), sListagem, &nomes);
-  if (falha.causa != plataforma::CausaArquivo::Nenhuma && falha.causa != plataforma::CausaArquivo::CaminhoInvalido) {
+  if (!falha.NaoEsta()) {
     QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CQZFileBase::CatchInicializacao(falha));
   }
   const auto achado =

@@ -18,7 +18,8 @@ public:
   [[nodiscard]] static HRESULT LeSingleReg(const IQZDF_Profiler *pOwner, ModuloQZ eModulo, T *pReg,
                                            const CString &sNomeArquivo);
 
-  /// Writes a single-record file, when the record differs from what it holds (a missing file holds zeros).
+  /// Writes a single-record file, when the record differs from what it holds (a missing file holds zeros). It is on the
+  /// storage device when this returns: what the record vouches for may be taken away.
   template <typename T>
   [[nodiscard]] static HRESULT GravaSingleReg(const IQZDF_Profiler *pOwner, ModuloQZ eModulo, const T &reg,
                                               const CString &sNomeArquivo);
@@ -28,8 +29,9 @@ public:
   /// directory that fits is processed, none is success.
   ///
   /// `antesDaTroca`, when given, runs once the rewritten companion is complete on the storage device and before it
-  /// replaces the file; its failure stops the work. `desfaz` runs when the replacement failed, before the companion is
-  /// deleted; its failure keeps the companion.
+  /// replaces the file; its failure stops the work. `desfaz` runs when the replacement failed and the companion is
+  /// still there, before it is deleted; its failure keeps the companion. Where the companion has vanished it does not
+  /// run: the replacement may have taken place.
   template <typename T>
   [[nodiscard]] static HRESULT RemoveRegistroZero(const IQZDF_Profiler *pOwner, ModuloQZ eModulo,
                                                   const CString &sNomeArquivo,
@@ -49,13 +51,16 @@ public:
                                                   const CString &sNomeArquivo);
 
   /// The same, for a companion that must exist: without one fails with 0x810809D6 and deletes nothing.
-  [[nodiscard]] static HRESULT MoveTRA(const CString &sEmpresa, ModuloQZ eModulo, const CString &sNomeArquivo);
+  [[nodiscard]] static HRESULT MoveTRA(const CString &sEmpresa, ModuloQZ eModulo, const CString &sNomeArquivo,
+                                       const AntesDeMoverDeNovo &antesDeMoverDeNovo = {});
 
-  /// Deletes a file; a missing one is success.
+  /// Deletes a file; a missing one is success. On failure the file is in the list of created files as it was before.
   [[nodiscard]] static HRESULT DeletaArquivo(const CString &sEmpresa, ModuloQZ eModulo, const CString &sNomeArquivo);
 
 private:
   static constexpr char kFonteUtil[] = "QZDataBaseUtil.h";
+
+  // The parts of RemoveRegistroZero trace their own failures, under its name.
 
   /// Deals with a companion that an interrupted run left. Where its file exists the companion is deleted; where the
   /// file is missing the companion is the only copy, and when it is a whole number of records it is moved in place and
@@ -101,6 +106,7 @@ HRESULT CQZDataBaseUtil::GravaSingleReg(const IQZDF_Profiler *pOwner, ModuloQZ e
   CQZBancoTemporario<CQZFileSingleReg<T>> temporario(eModulo, sNomeArquivo);
   QZ_VERIFICA(rastro, "qzDB.Inicializa(pOwner)", temporario.Banco().Inicializa(*pOwner));
   QZ_VERIFICA(rastro, "qzFile.Grava(reg)", temporario.Arquivo().Grava(reg));
+  QZ_VERIFICA(rastro, "qzFile.DescarregaNoDisco()", temporario.Arquivo().DescarregaNoDisco());
   return codigos::kOk;
 }
 
@@ -119,11 +125,9 @@ HRESULT CQZDataBaseUtil::RemoveRegistroZeroMascara(const IQZDF_Profiler *pOwner,
                                                    const CString &sMascara,
                                                    const std::function<HRESULT()> &antesDaTroca,
                                                    const std::function<HRESULT()> &desfaz) {
-  const CQZRastro rastro(pOwner, {"CQZDataBaseUtil::RemoveRegistroZero"}, kFonteUtil);
   CString sNome;
-  QZ_VERIFICA(rastro, "ProcuraPelaMascara(pOwner, eModulo, sMascara, &sNome)",
-              ProcuraPelaMascara(pOwner, eModulo, sMascara, &sNome));
-  return sNome.empty() ? codigos::kOk : RemoveRegistroZeroDe<T>(pOwner, eModulo, sNome, antesDaTroca, desfaz);
+  const HRESULT hr = ProcuraPelaMascara(pOwner, eModulo, sMascara, &sNome);
+  return sNome.empty() ? hr : RemoveRegistroZeroDe<T>(pOwner, eModulo, sNome, antesDaTroca, desfaz);
 }
 
 template <typename T>
@@ -134,17 +138,14 @@ HRESULT CQZDataBaseUtil::RemoveRegistroZeroDe(const IQZDF_Profiler *pOwner, Modu
   const CString sEmpresa = pOwner->GetEmpresa();
   const CString sNomeTRA = CQZPath::ChangeExtension(sNomeArquivo, "TRA");
   bool bAdotado = false;
-  QZ_VERIFICA(rastro, "ResolveTRAEsquecido(pOwner, eModulo, sNomeArquivo, sizeof(T), &bAdotado)",
-              ResolveTRAEsquecido(pOwner, eModulo, sNomeArquivo, sizeof(T), &bAdotado));
-  if (bAdotado) {
-    return codigos::kOk;
+  HRESULT hr = ResolveTRAEsquecido(pOwner, eModulo, sNomeArquivo, sizeof(T), &bAdotado);
+  if (Falhou(hr) || bAdotado) {
+    return hr;
   }
 
-  HRESULT hr = codigos::kOk;
   bool bTemCompanheiro = false;
-  if (QZ_FALHOU(rastro, hr, "GravaTRASemRegistroZero(pOwner, eModulo, sNomeArquivo, &bTemCompanheiro)",
-                GravaTRASemRegistroZero<T>(pOwner, eModulo, sNomeArquivo, &bTemCompanheiro)) ||
-      (bTemCompanheiro && antesDaTroca && QZ_FALHOU(rastro, hr, "antesDaTroca()", antesDaTroca()))) {
+  hr = GravaTRASemRegistroZero<T>(pOwner, eModulo, sNomeArquivo, &bTemCompanheiro);
+  if (Falhou(hr) || (bTemCompanheiro && antesDaTroca && QZ_FALHOU(rastro, hr, "antesDaTroca()", antesDaTroca()))) {
     static_cast<void>(DeletaArquivo(sEmpresa, eModulo, sNomeTRA));
     return hr;
   }
@@ -154,9 +155,12 @@ HRESULT CQZDataBaseUtil::RemoveRegistroZeroDe(const IQZDF_Profiler *pOwner, Modu
     return codigos::kOk;
   }
   if (QZ_FALHOU(rastro, hr, "RenomeiaArquivoTRA(pOwner->GetEmpresa(), eModulo, sNomeArquivo)",
-                MoveTRA(sEmpresa, eModulo, sNomeArquivo)) &&
-      (!desfaz || !Falhou(desfaz()))) {
-    static_cast<void>(DeletaArquivo(sEmpresa, eModulo, sNomeTRA));
+                MoveTRA(sEmpresa, eModulo, sNomeArquivo))) {
+    bool bAindaEsta = false;
+    const CString sCaminhoTRA = CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeTRA);
+    if (!plataforma::Arquivos().Existe(sCaminhoTRA, &bAindaEsta) && bAindaEsta && (!desfaz || !Falhou(desfaz()))) {
+      static_cast<void>(DeletaArquivo(sEmpresa, eModulo, sNomeTRA));
+    }
   }
   return hr;
 }
@@ -170,6 +174,10 @@ HRESULT CQZDataBaseUtil::GravaTRASemRegistroZero(const IQZDF_Profiler *pOwner, M
   QZ_VERIFICA(rastro, "qzDB.Inicializa(pOwner)", origem.Banco().Inicializa(*pOwner));
   QZ_VERIFICA(rastro, "qzDB.Inicializa(pOwner)", companheiro.Banco().Inicializa(*pOwner));
 
+  if (companheiro.Arquivo().ExisteArquivo()) {
+    // Deleted before, and somebody else's now: appending to it would mix two files.
+    QZ_RETORNA_CODIGO(rastro, codigos::kTraNaoRenomeado);
+  }
   const CQZBlocosRegistros<T> *pRegistros = origem.Arquivo().GetPtrArrayRegistros();
   *pbTemCompanheiro = pRegistros->GetSize() > 1;
   if (!*pbTemCompanheiro) {

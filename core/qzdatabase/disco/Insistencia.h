@@ -1,43 +1,41 @@
 #ifndef KALVO_CORE_QZDATABASE_DISCO_INSISTENCIA_H
 #define KALVO_CORE_QZDATABASE_DISCO_INSISTENCIA_H
 
+#include <functional>
+
 #include "core/platform/Plataforma.h"
 
-// What is tried again because another process may hold a file for a moment: a record write, a deletion, a move.
+// What is tried again because another process may hold a file for a moment: an opening, a record write, a deletion, a
+// move.
 
-/// Attempts, and the pause after each failed one.
+/// Attempts at an opening; at everything else; and the pause after each attempt that wants another one.
+inline constexpr int kTentativasAbertura = 100;
 inline constexpr int kTentativasInsistencia = 50;
 inline constexpr std::uint32_t kPausaInsistenciaMs = 10;
 
-/// Repeats `acao` until `feito` holds. The outcome is judged by the look of the disk alone, whatever the action
-/// reported.
-template <typename A, typename F>
-bool RepeteAte(A &&acao, F &&feito) {
-  for (int i = 0; i < kTentativasInsistencia && !feito(); ++i) {
-    if (acao()) {
-      plataforma::Relogio().Espera(kPausaInsistenciaMs);
-    }
+/// What an attempt has come to.
+enum class Veredito { Acabou, OutraVez };
+
+/// Makes at most `iTentativas` attempts, until one has come to an end, well or badly. `tentativa(bUltima)` decides that
+/// itself, while the operating system's answer to its own call is at hand: what the disk looks like afterwards may be
+/// somebody else's doing.
+template <typename F>
+void Insiste(int iTentativas, F &&tentativa) {
+  for (int i = 1; i <= iTentativas && tentativa(i == iTentativas) == Veredito::OutraVez; ++i) {
+    plataforma::Relogio().Espera(kPausaInsistenciaMs);
   }
-  return feito();
 }
 
-/// True when a file is known to be at the path.
-inline bool ExisteNoCaminho(const CString &sCaminho) {
-  bool bExiste = false;
-  static_cast<void>(plataforma::Arquivos().Existe(sCaminho, &bExiste));
-  return bExiste;
-}
+/// Deletes a file. No failure when it is gone by this call, or when the call says that nothing is there.
+plataforma::FalhaArquivo ApagaInsistindo(const CString &sCaminho);
 
-/// True when no file is at the path, now or already.
-inline bool ApagaInsistindo(const CString &sCaminho) {
-  return RepeteAte([&] { return static_cast<bool>(plataforma::Arquivos().Apaga(sCaminho)); },
-                   [&] { return !ExisteNoCaminho(sCaminho); });
-}
+/// What is to become of a move whose first attempt failed.
+enum class Movimento { Tenta, Espera, Desiste };
+using AntesDeMoverDeNovo = std::function<Movimento()>;
 
-/// True when no file is at the path of origin any more.
-inline bool MoveInsistindo(const CString &sOrigem, const CString &sDestino) {
-  return RepeteAte([&] { return static_cast<bool>(plataforma::Arquivos().MoveSubstituindo(sOrigem, sDestino)); },
-                   [&] { return !ExisteNoCaminho(sOrigem); });
-}
+/// Moves a file onto another or onto a free name. No failure only when this very call moved it: a file of origin that
+/// vanishes between two attempts is one. `antesDeMoverDeNovo`, when given, is asked before each attempt but the first.
+plataforma::FalhaArquivo MoveInsistindo(const CString &sOrigem, const CString &sDestino,
+                                        const AntesDeMoverDeNovo &antesDeMoverDeNovo = {});
 
 #endif

@@ -1,25 +1,11 @@
 #include "core/errors/guard/win32/ChamadaSEH.h"
 
 #include <windows.h>
-//
-#include <malloc.h>
 
 #include <atomic>
 #include <iterator>
 
-#include "core/platform/LivroTravas.h"
-
 namespace {
-
-/// What the frame and its filter share; SehCall.S knows that `hr` comes first.
-struct QuadroSEH {
-  HRESULT hr;
-  DWORD codigo;
-};
-
-using FiltroQuadro = LONG (*)(EXCEPTION_POINTERS *pExcecao, QuadroSEH *pQuadro);
-
-extern "C" DWORD SehCall(CorpoSEH corpo, void *pContexto, FiltroQuadro filtro, QuadroSEH *pQuadro);
 
 struct LinhaExcecao {
   DWORD codigo;
@@ -56,12 +42,7 @@ constexpr LinhaExcecao kTabela[] = {
 
 constexpr HRESULT kOutraExcecao = CodigoResultado(0x8004EE47);
 
-/// Stack kept back for the filter when a thread has used up all of its own.
-constexpr ULONG kReservaDePilha = 65536;
-
 std::atomic<DWORD> g_ultimoCodigo{0};
-
-thread_local bool t_bPreparada = false;
 
 const LinhaExcecao *Procura(DWORD codigo) {
   for (const LinhaExcecao &linha : kTabela) {
@@ -70,39 +51,6 @@ const LinhaExcecao *Procura(DWORD codigo) {
     }
   }
   return nullptr;
-}
-
-LONG FiltraNoQuadro(EXCEPTION_POINTERS *pExcecao, QuadroSEH *pQuadro) {
-  const LONG lResposta = FiltraExcecaoEstruturada(*pExcecao->ExceptionRecord);
-  if (lResposta == EXCEPTION_EXECUTE_HANDLER) {
-    pQuadro->codigo = pExcecao->ExceptionRecord->ExceptionCode;
-  }
-  return lResposta;
-}
-
-/// Releases what the thread took since `marca`. A release that faults in its turn is given up, and the next one is
-/// done all the same.
-void SoltaDesde(std::size_t marca) {
-  while (plataforma::LivroTravas::Marca() > marca) {
-    QuadroSEH quadro{};
-    SehCall(
-        [](void *pMarca) -> HRESULT {
-          plataforma::LivroTravas::SoltaAte(*static_cast<const std::size_t *>(pMarca));
-          return 0;
-        },
-        &marca, FiltraNoQuadro, &quadro);
-  }
-}
-
-/// A stack overflow can be met only when the thread keeps some stack back. The guard page is set up anew so that the
-/// reserve counts at once; where it is intact that call changes nothing.
-void PreparaThread() {
-  if (!t_bPreparada) {
-    ULONG reserva = kReservaDePilha;
-    SetThreadStackGuarantee(&reserva);
-    _resetstkoflw();
-    t_bPreparada = true;
-  }
 }
 
 }  // namespace
@@ -127,16 +75,7 @@ bool EhErroSEH(HRESULT hr) {
   return (hr >= std::begin(kTabela)->hr && hr <= std::rbegin(kTabela)->hr) || hr == kOutraExcecao;
 }
 
-[[gnu::noinline]] HRESULT ChamaSEH(CorpoSEH corpo, void *pContexto) {
-  PreparaThread();
-  const std::size_t marca = plataforma::LivroTravas::Marca();
-  QuadroSEH quadro{};
-  if (SehCall(corpo, pContexto, FiltraNoQuadro, &quadro) == 0) {
-    return quadro.hr;
-  }
-  SoltaDesde(marca);
-  if (quadro.codigo == EXCEPTION_STACK_OVERFLOW) {
-    _resetstkoflw();
-  }
-  return TraduzCodigoExcecao(quadro.codigo);
+HRESULT ChamaSEH(CorpoSEH corpo, void *pContexto, const plataforma::AbandonoSEH &abandono) {
+  const plataforma::SaidaSEH saida = plataforma::ChamaEmQuadroSEH(corpo, pContexto, FiltraExcecaoEstruturada, abandono);
+  return saida.bExcecao ? TraduzCodigoExcecao(saida.codigo) : saida.hr;
 }

@@ -1,16 +1,12 @@
 #ifndef KALVO_CORE_ERRORS_GUARD_WIN32_CHAMADASEH_H
 #define KALVO_CORE_ERRORS_GUARD_WIN32_CHAMADASEH_H
 
-#include "core/platform/Tipos.h"
+#include "core/platform/win32/QuadroSEH.h"
 
 // The inner layer of the call guard: machine faults become result codes. Thrown C++ exceptions pass through; the layer
 // around it turns them into codes (TraducaoExcecoes.h).
 
-struct _EXCEPTION_RECORD;  // NOLINT(bugprone-reserved-identifier): the platform's name
-
-/// What runs under the frame. It must not hold objects whose destructors matter across a fault: the stack is abandoned
-/// without running them. Locks taken through CQZTrava are the exception, the guard releases them.
-using CorpoSEH = HRESULT (*)(void *pContexto);
+using plataforma::CorpoSEH;
 
 /// Decides over one structured exception: stores its code for UltimoCodigoExcecao and answers 1 (handle) for the faults
 /// of the result table, 0 (continue the search) for all others, thrown C++ exceptions among them. 0x80000029 has a
@@ -26,11 +22,10 @@ HRESULT TraduzCodigoExcecao(DWORD codigo);
 /// True for the results of TraduzCodigoExcecao: the call met a machine fault and its objects can no longer be trusted.
 bool EhErroSEH(HRESULT hr);
 
-/// Runs `corpo(pContexto)` and returns its result, or the result code of the machine fault that it met. After a fault
-/// everything that this thread took since entry and noted in its ledger is released before the function returns, each
-/// entry even when releasing another one faults. Frames nest, and a stack overflow may be met any number of times on
-/// one thread. Any thread may call.
-HRESULT ChamaSEH(CorpoSEH corpo, void *pContexto);
+/// Runs `corpo(pContexto)` and returns its result, or the result code of the machine fault that it met. Other
+/// exceptions pass on; `abandono` is for the case that somebody further out takes one and the process goes on. What
+/// becomes of the thread's ledger: see QuadroSEH.h.
+HRESULT ChamaSEH(CorpoSEH corpo, void *pContexto, const plataforma::AbandonoSEH &abandono = {});
 
 /// The same for a callable object that returns HRESULT.
 template <class Corpo>

@@ -1,0 +1,12 @@
+#include "core/env/BibliotecaSuite.h"
+
+#include "core/platform/Caminhos.h"
+#include "core/platform/Plataforma.h"
+
+std::unique_ptr<plataforma::IBiblioteca> CarregaBibliotecaSuite(ModuloQZ eModulo, const CString &sNomeArquivo) {
+  const CString diretorio = CQZPath::DiretorioInstalacao(eModulo);
+  if (!plataforma::CaminhoAbsoluto(diretorio)) {
+    return nullptr;
+  }
+  return plataforma::Bibliotecas().Carrega(CQZPath::Junta(CQZPath::Junta(diretorio, "x64"), sNomeArquivo));
+}

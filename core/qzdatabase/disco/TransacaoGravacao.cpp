@@ -1,0 +1,133 @@
+#include "core/qzdatabase/disco/TransacaoGravacao.h"
+
+#include <algorithm>
+
+#include "core/errors/CodigosResultado.h"
+#include "core/qzdatabase/disco/QZCrc64.h"
+
+using plataforma::FalhaArquivo;
+using plataforma::IArquivoAberto;
+
+namespace {
+
+/// Up to so many bytes of a write are kept to know it again by. A longer one that is torn when its handle dies, and of
+/// which no header tells, stays as it is.
+constexpr std::size_t kMaiorGuardado = std::size_t{64} * 1024;
+
+}  // namespace
+
+void CQZTransacaoGravacao::Inicia(std::uint64_t uiOnde, std::uint64_t uiTamanho) {
+  m_uiOnde = uiOnde;
+  m_uiTamanho = uiTamanho;
+  m_sAntes.clear();
+  m_uiCrcAntes = m_cabecalho.CrcDados();
+}
+
+FalhaArquivo CQZTransacaoGravacao::Grava(IArquivoAberto &arquivo, const void *pBytes, std::size_t cb, bool bCorta) {
+  const auto *pNovos = static_cast<const char *>(pBytes);
+  m_uiCrcDepois = CrcDepois(pNovos, cb, bCorta);
+  const std::uint64_t uiFim = m_uiOnde + cb;
+  m_uiTamanhoNovo = bCorta ? uiFim : std::max(uiFim, m_uiTamanho);
+  m_sNovo.clear();
+  m_bNovoGuardado = cb <= kMaiorGuardado;
+  if (m_bNovoGuardado) {
+    m_sNovo.assign(pNovos, cb);
+  }
+  m_bPendente = true;
+  FalhaArquivo falha = arquivo.Grava(m_uiOnde, pBytes, cb);
+  if (!falha && m_uiTamanhoNovo < m_uiTamanho) {
+    falha = arquivo.AjustaTamanho(m_uiTamanhoNovo);
+  }
+  if (!falha) {
+    m_cabecalho.SegueDados(m_uiCrcDepois);
+  }
+  return falha;
+}
+
+/// CRC of the data once the bytes are written. A change of some bytes with others behind it changes the CRC by that of
+/// the difference, moved over those behind.
+std::uint64_t CQZTransacaoGravacao::CrcDepois(const char *pBytes, std::size_t cb, bool bCorta) const {
+  if (!m_cabecalho.Tem()) {
+    return 0;
+  }
+  if (bCorta) {
+    return CalculaCrc64(pBytes, cb);
+  }
+  const std::size_t substituidos = m_sAntes.size();
+  const std::uint64_t uiDiferenca = CalculaCrc64(m_sAntes.data(), substituidos) ^ CalculaCrc64(pBytes, substituidos);
+  const std::uint64_t uiFimSubstituidos = m_uiOnde + substituidos;
+  const std::uint64_t uiAtras = m_uiTamanho > uiFimSubstituidos ? m_uiTamanho - uiFimSubstituidos : 0;
+  const std::uint64_t uiLacuna = m_uiOnde > m_uiTamanho ? m_uiOnde - m_uiTamanho : 0;
+  const std::uint64_t uiCrc = m_uiCrcAntes ^ Crc64ComZeros(uiDiferenca, uiAtras);
+  return CalculaCrc64(pBytes + substituidos, cb - substituidos, Crc64ComZeros(uiCrc, uiLacuna));
+}
+
+FalhaArquivo CQZTransacaoGravacao::Desfaz(IArquivoAberto &arquivo) {
+  FalhaArquivo falha;
+  if (!m_sAntes.empty()) {
+    falha = arquivo.Grava(m_uiOnde, m_sAntes.data(), m_sAntes.size());
+  }
+  std::uint64_t uiTamanho = 0;
+  if (!falha) {
+    falha = arquivo.Tamanho(&uiTamanho);
+  }
+  if (!falha && uiTamanho > m_uiTamanho) {
+    falha = arquivo.AjustaTamanho(m_uiTamanho);
+  }
+  m_cabecalho.SegueDados(m_uiCrcAntes);
+  return falha;
+}
+
+FalhaArquivo CQZTransacaoGravacao::DesfazSeNossa(IArquivoAberto &arquivo) {
+  bool bFoi = false;
+  FalhaArquivo falha = FoiDeixadoAssim(arquivo, &bFoi);
+  if (!falha && bFoi) {
+    falha = Desfaz(arquivo);
+    if (!falha) {
+      falha = m_cabecalho.Atualiza(arquivo);
+    }
+  }
+  m_bPendente = static_cast<bool>(falha);
+  return falha;
+}
+
+/// Where the header holds its CRC tells at once: before the write, after it, or somebody else's.
+FalhaArquivo CQZTransacaoGravacao::FoiDeixadoAssim(IArquivoAberto &arquivo, bool *pbFoi) {
+  if (m_cabecalho.Tem()) {
+    HRESULT hr = codigos::kOk;
+    const FalhaArquivo falha = m_cabecalho.Examina(arquivo, &hr);
+    if (falha || !Falhou(hr)) {
+      *pbFoi = m_cabecalho.CrcDados() == m_uiCrcDepois;
+      return falha;
+    }
+  }
+  return FaixaDeixadaAssim(arquivo, pbFoi);
+}
+
+/// Every byte of the range is an old or a new one, and the length lies between the old and the new one.
+FalhaArquivo CQZTransacaoGravacao::FaixaDeixadaAssim(IArquivoAberto &arquivo, bool *pbFoi) const {
+  *pbFoi = false;
+  std::uint64_t uiTamanho = 0;
+  if (const FalhaArquivo falha = arquivo.Tamanho(&uiTamanho)) {
+    return falha;
+  }
+  const auto [uiMenor, uiMaior] = std::minmax(m_uiTamanho, m_uiTamanhoNovo);
+  if (!m_bNovoGuardado || uiTamanho < uiMenor || uiTamanho > uiMaior) {
+    return plataforma::kSemFalha;
+  }
+  const std::uint64_t uiFaixa = std::max(m_sAntes.size(), m_sNovo.size());
+  const std::uint64_t uiAteOFim = uiTamanho > m_uiOnde ? uiTamanho - m_uiOnde : 0;
+  CString sAgora(static_cast<std::size_t>(std::min(uiFaixa, uiAteOFim)), '\0');
+  if (const FalhaArquivo falha = arquivo.Le(m_uiOnde, sAgora.data(), sAgora.size())) {
+    return falha;
+  }
+  *pbFoi = true;
+  for (std::size_t i = 0; i < sAgora.size(); ++i) {
+    const bool bVelho = i < m_sAntes.size() && sAgora[i] == m_sAntes[i];
+    const bool bNovo = i < m_sNovo.size() && sAgora[i] == m_sNovo[i];
+    // A file that has grown but not got its bytes yet reads as zeros.
+    const bool bVazio = m_uiOnde + i >= m_uiTamanho && sAgora[i] == 0;
+    *pbFoi = *pbFoi && (bVelho || bNovo || bVazio);
+  }
+  return plataforma::kSemFalha;
+}

@@ -186,12 +186,12 @@ class ArquivosQueAvisam final : public apoio::ArquivosDecorado {
 public:
   using ArquivosDecorado::ArquivosDecorado;
 
-  bool Existe(const CString &caminho) override {
+  plataforma::FalhaArquivo Existe(const CString &caminho, bool *existe) override {
     const auto aoOlhar = caminho.ends_with("QZProfiler.dat") ? std::exchange(m_aoOlhar, nullptr) : nullptr;
     if (aoOlhar) {
       aoOlhar();
     }
-    return ArquivosDecorado::Existe(caminho);
+    return ArquivosDecorado::Existe(caminho, existe);
   }
 
   std::function<void()> m_aoOlhar;

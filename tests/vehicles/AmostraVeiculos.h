@@ -14,7 +14,7 @@ void Preenche(char (&campo)[N], const std::string &texto) {
   std::copy_n(texto.begin(), std::min(texto.size(), N), campo);
 }
 
-/// A complete vehicle.
+/// A complete vehicle. No two of its numbers are equal, and the wide ones use all their bytes.
 inline tagREG_VEICULOPS VeiculoCompleto() {
   tagREG_VEICULOPS v{};
   Preenche(v.szCodigo, "V001");
@@ -25,12 +25,13 @@ inline tagREG_VEICULOPS VeiculoCompleto() {
   Preenche(v.szCodigoANTT, "12345678");
   v.iTipoCarroceria = 2;
   v.iTipoRodado = 1;
-  v.vTara = 75000000;
-  v.vCapacidadeKg = 120000000;
-  v.vCapacidadeM3 = 455000;
+  v.iTipoVeiculo = 3;
+  v.vTara = 0x4142434445464748;
+  v.vCapacidadeKg = 0x6162636465666768;
+  v.vCapacidadeM3 = 0x3132333435363738;
   Preenche(v.szRENAVAM, "00123456789");
-  v.iPonteiroCliente = 17;
-  v.iTipoTransporte = 1;
+  v.iPonteiroCliente = 0x797A;
+  v.iTipoTransporte = 4;
   return v;
 }
 

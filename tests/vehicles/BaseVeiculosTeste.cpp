@@ -9,6 +9,7 @@
 #include "tests/apoio/ColetorRastro.h"
 #include "tests/apoio/EmpresaComBase.h"
 #include "tests/apoio/RelogioFalso.h"
+#include "tests/apoio/SerieFalhas.h"
 #include "tests/apoio/ServicosTrocados.h"
 #include "tests/vehicles/AmostraVeiculos.h"
 
@@ -17,22 +18,15 @@ namespace {
 class Registro : public ::testing::Test {
 protected:
   HRESULT Abre() { return m_base.Inicializa(m_empresa.Codigo(), 7, 42); }
-  /// The vehicle file, once the register has let go of it.
-  std::string Disco() {
-    EXPECT_EQ(m_base.Finaliza(), codigos::kOk);
-    return m_empresa.Le("DFVEIC.DAT");
-  }
   LONG Acrescenta(const tagREG_VEICULOPS &v) {
     LONG lPos = 0;
     EXPECT_EQ(m_base.Grava(&lPos, v), codigos::kOk);
     return lPos;
   }
-  HRESULT Le(LONG lPos, tagREG_VEICULOPS *pVeiculo) { return m_base.LePonteiros(1, &lPos, pVeiculo); }
   std::vector<LONG> Busca(const tagREG_FILTRO_VEICULOSPS &filtro) {
     tagRESULTADO_BUSCA_VEICULOS resultado;
     EXPECT_EQ(m_base.BuscaPonteiros(filtro, &resultado), codigos::kOk);
-    EXPECT_EQ(resultado.pFiller, nullptr);
-    EXPECT_EQ(resultado.Ponteiros == nullptr, resultado.iQtd == 0);
+    EXPECT_TRUE(resultado.pFiller == nullptr && (resultado.Ponteiros == nullptr) == (resultado.iQtd == 0));
     const std::vector<LONG> posicoes(resultado.Ponteiros, resultado.Ponteiros + resultado.iQtd);
     plataforma::LiberaTarefa(resultado.Ponteiros);
     return posicoes;
@@ -44,47 +38,60 @@ protected:
   CBaseVeiculos m_base;
 };
 
+/// Wherever the process ends while it writes the version file, the next start makes it anew.
 TEST_F(Registro, EmpresaNova) {
-  ASSERT_EQ(Abre(), codigos::kOk);
-  EXPECT_EQ(m_empresa.Le("DFVEIVS.DAT"), std::string("\x01", 1) + std::string(15, '\0'));
-  EXPECT_FALSE(m_empresa.Existe("DFVEIC.DAT"));
-  std::uint32_t iNumero = 9;
+  apoio::ArquivosComFalha arquivos(*plataforma::ServicosDoSistema().arquivos);
+  const apoio::ServicosTrocados servicos(&arquivos);
+  const apoio::PlanoFalha plano{.trecho = "DFVEIVS.DAT", .gravaAntes = 8};
+  for (apoio::SerieFalhas serie(arquivos, plano, apoio::Duracao::Persistente); serie.Proxima();) {
+    const apoio::EmpresaComBase empresa;
+    static_cast<void>(serie.Roda([&] { return CBaseVeiculos().Inicializa(empresa.Codigo(), 7, 42); }));
+    ASSERT_EQ(m_base.Inicializa(empresa.Codigo(), 7, 42), codigos::kOk);
+    EXPECT_EQ(empresa.Le("DFVEIVS.DAT"), std::string("\x01", 1) + std::string(15, '\0'));
+    EXPECT_FALSE(empresa.Existe("DFVEIC.DAT"));
+    EXPECT_TRUE(Busca({}).empty());
+    EXPECT_EQ(Acrescenta(VeiculoCompleto()), 1);
+    EXPECT_EQ(m_base.Finaliza(), codigos::kOk);
+  }
+}
+
+/// Byte by byte: what is swapped, cut or left dirty on the way in and put right on the way out shows only here.
+TEST(RegVeiculo, Bytes) {
+  const auto texto = [](std::string s, std::size_t n) { return s.append(n - s.size(), '\0'); };
+  const std::string esperado = texto("V001", 13) + texto("ABC1D23", 9) + texto("SP", 3) + texto("CAMINHAO TOCO", 51) +
+                               texto("\xE4\x07", 4) + texto("12345678", 21) + "\2\1\3" + "HGFEDCBAhgfedcba87654321" +
+                               texto("00123456789", 12) + "zy" + texto("\4", 114);
   tagREG_VEICULOPS v = VeiculoCompleto();
-  EXPECT_EQ(m_base.GetQuantidadeRegistros(&iNumero), codigos::kOk);
-  EXPECT_EQ(iNumero, 0U);
-  EXPECT_TRUE(Busca({}).empty());
-  EXPECT_EQ(m_base.Existe("", &iNumero, &v), codigos::kOk);
-  EXPECT_EQ(iNumero, 0U);
-  EXPECT_EQ(Bytes(v), Bytes(tagREG_VEICULOPS{}));
-  EXPECT_EQ(Le(0, &v), codigos::kPosicaoZero);
-  EXPECT_EQ(Le(1, &v), codigos::kArquivoNaoAberto) << "no file yet";
-  EXPECT_EQ(Acrescenta(VeiculoCompleto()), 1);
-  EXPECT_EQ(Disco().size(), 256U);
+  v.szCodigo[5] = v.szCodigo[12] = v.szPlaca[8] = v.szDescricao[14] = v.szCodigoANTT[20] = 'x';
+  RegVeiculo reg;
+  std::memset(&reg, 'x', sizeof(reg));
+  CopiaParaRegistro(v, &reg);
+  EXPECT_EQ(Bytes(reg), esperado);
+  std::memset(&v, 'x', sizeof(v));
+  CopiaParaInterface(reg, &v);
+  EXPECT_EQ(Bytes(v), Bytes(VeiculoCompleto()));
 }
 
 TEST_F(Registro, PosicoesRuins) {
   ASSERT_EQ(Abre(), codigos::kOk);
-  for (int i = 0; i < 5; ++i) {
-    Acrescenta(VeiculoCompleto());
-  }
-  const std::string antes = Disco();
-  ASSERT_EQ(Abre(), codigos::kOk);
-  for (const LONG lRuim : {6, 7, -1, INT32_MIN, INT32_MAX}) {
+  Acrescenta(VeiculoCompleto());
+  Acrescenta(VeiculoCompleto());
+  tagREG_VEICULOPS lidos[3];
+  for (const LONG lRuim : {3, 4, -1, INT32_MIN, INT32_MAX, 0}) {
     SCOPED_TRACE(lRuim);
-    tagREG_VEICULOPS v = VeiculoCompleto();
-    EXPECT_EQ(Le(lRuim, &v), codigos::kPosicaoAlemDoFim);
-    EXPECT_EQ(Bytes(v), Bytes(tagREG_VEICULOPS{}));
+    const LONG posicoes[] = {2, lRuim, 1};
+    std::fill_n(lidos, 3, Veiculo("OLD"));
+    EXPECT_EQ(m_base.LePonteiros(3, posicoes, lidos), lRuim == 0 ? codigos::kPosicaoZero : codigos::kPosicaoAlemDoFim);
+    EXPECT_EQ(Bytes(lidos[0]), Bytes(VeiculoCompleto())) << "read before the failure";
+    EXPECT_EQ(Bytes(lidos[1]) + Bytes(lidos[2]), std::string(336, '\0'));
     LONG lPos = lRuim;
-    EXPECT_EQ(m_base.Grava(&lPos, Veiculo("NEW")), codigos::kGravacaoAlemDoFim);
+    EXPECT_TRUE(lRuim == 0 || m_base.Grava(&lPos, Veiculo("NEW")) == codigos::kGravacaoAlemDoFim);
     EXPECT_EQ(lPos, lRuim);
   }
-
-  tagREG_VEICULOPS lidos[3] = {VeiculoCompleto(), VeiculoCompleto(), VeiculoCompleto()};
-  const LONG posicoes[] = {5, 0, 1};
-  EXPECT_EQ(m_base.LePonteiros(3, posicoes, lidos), codigos::kPosicaoZero);
-  EXPECT_EQ(Bytes(lidos[0]), Bytes(VeiculoCompleto())) << "read before the failure";
-  EXPECT_EQ(Bytes(lidos[1]) + Bytes(lidos[2]), std::string(336, '\0'));
-  EXPECT_EQ(Disco(), antes);
+  RegVeiculo reg;
+  CopiaParaRegistro(VeiculoCompleto(), &reg);
+  ASSERT_EQ(m_base.Finaliza(), codigos::kOk);
+  EXPECT_EQ(m_empresa.Le("DFVEIC.DAT"), Bytes(reg) + Bytes(reg));
 }
 
 TEST_F(Registro, GravaLeEBusca) {
@@ -100,25 +107,21 @@ TEST_F(Registro, GravaLeEBusca) {
   Preenche(filtro.szCodigo, "A");
   EXPECT_EQ(Busca(filtro), (std::vector<LONG>{1, 3}));
 
-  CArray<LONG> aPonteiros;
-  CArray<RegVeiculo> aRegistros;
-  EXPECT_EQ(m_base.InternalGetRegs(filtro, &aPonteiros, &aRegistros), codigos::kOk);
-  ASSERT_EQ(aPonteiros.GetSize(), 2U);
-  ASSERT_EQ(aRegistros.GetSize(), 2U);
-  EXPECT_EQ(std::string(aRegistros[1].szPlaca), "PLA0003");
-
-  tagREG_VEICULOPS v;
-  EXPECT_EQ(Le(2, &v), codigos::kOk);
-  EXPECT_EQ(Bytes(v), Bytes(Veiculo("C", "A")));
-  EXPECT_EQ(Disco().size(), 3 * 256U);
+  tagREG_VEICULOPS lidos[2];
+  const LONG posicoes[] = {3, 2};
+  EXPECT_EQ(m_base.LePonteiros(2, posicoes, lidos), codigos::kOk);
+  EXPECT_EQ(Bytes(lidos[0]), Bytes(Veiculo("A", "PLA0003")));
+  EXPECT_EQ(Bytes(lidos[1]), Bytes(Veiculo("C", "A")));
+  std::uint32_t iQtd = 0;
+  EXPECT_EQ(m_base.GetQuantidadeRegistros(&iQtd), codigos::kOk);
+  EXPECT_EQ(iQtd, 3U);
 }
 
 TEST_F(Registro, Existe) {
   ASSERT_EQ(Abre(), codigos::kOk);
-  Acrescenta(Veiculo("X1", "V002"));
-  Acrescenta(Veiculo("V002", "PLA0002"));
-  Acrescenta(Veiculo("1234567890123", "123456789"));
-  Acrescenta(Veiculo("V001", "AAA1A11"));
+  const tagREG_VEICULOPS gravados[] = {Veiculo("X1", "V002"), Veiculo("V002", "PLA0002"),
+                                       Veiculo("1234567890123", "123456789"), Veiculo("V001", "AAA1A11")};
+  std::for_each(gravados, gravados + 4, [&](const auto &v) { Acrescenta(v); });
   const std::pair<const char *, std::uint32_t> casos[] = {
       {"V002", 2},  // a code goes before a plate
       {"PLA0002", 2},    {"v002", 0},     {"NADA", 0},          {"", 1},
@@ -131,49 +134,52 @@ TEST_F(Registro, Existe) {
     tagREG_VEICULOPS v = VeiculoCompleto();
     EXPECT_EQ(m_base.Existe(texto, &iPos, &v), codigos::kOk);
     EXPECT_EQ(iPos, esperado);
-    tagREG_VEICULOPS lido{};
-    if (esperado != 0) {
-      EXPECT_EQ(Le(static_cast<LONG>(esperado), &lido), codigos::kOk);
-    }
-    EXPECT_EQ(Bytes(v), Bytes(lido));
+    EXPECT_EQ(Bytes(v), Bytes(esperado != 0 ? gravados[esperado - 1] : tagREG_VEICULOPS{}));
   }
 }
 
+/// What administrators find when an operation fails, before Inicializa too.
 TEST_F(Registro, CadeiasDoRastro) {
-  ASSERT_EQ(Abre(), codigos::kOk);
-  Acrescenta(VeiculoCompleto());
+  const std::string sSemBanco = "|BaseVeiculos.cpp|((HRESULT)0x810809E3L)";
   apoio::ColetorRastro rastro;
-  tagREG_VEICULOPS v;
   LONG lPos = 7;
-  EXPECT_EQ(m_base.Grava(&lPos, v), codigos::kGravacaoAlemDoFim);
+  std::uint32_t iNumero = 9;
+  tagREG_VEICULOPS v = VeiculoCompleto();
+  tagRESULTADO_BUSCA_VEICULOS resultado{9, {}, nullptr, nullptr};
+  EXPECT_EQ((std::vector<HRESULT>{m_base.Grava(&lPos, v), m_base.GetQuantidadeRegistros(&iNumero),
+                                  m_base.BuscaPonteiros({}, &resultado), m_base.LePonteiros(1, &lPos, &v)}),
+            std::vector<HRESULT>(4, codigos::kArquivoNaoAberto));
+  EXPECT_EQ(iNumero + resultado.iQtd, 0U);
   EXPECT_EQ(rastro.Toma(),
             (std::vector<std::string>{
-                "CQZFile<struct RegVeiculo>::GravaColecao|QZFile.h|((HRESULT)0x810809DBL)",
-                "CQZFile<struct RegVeiculo>::Grava|QZFile.h|GravaColecao(uiPosicao, aRegistros)",
-                "CBaseVeiculos::Grava|BaseVeiculos.cpp|m_pDataBase->m_Veiculos.Grava(uiPosicao, RegVei)"}));
+                "CBaseVeiculos::Grava" + sSemBanco, "CBaseVeiculos::GetQuantidadeRegistros" + sSemBanco,
+                "CBaseVeiculos::InternalGetRegs" + sSemBanco,
+                "CBaseVeiculos::BuscaPonteiros|BaseVeiculos.cpp|InternalGetRegs(Filtro, &aPonteiros, nullptr)",
+                "CBaseVeiculos::LePonteiros" + sSemBanco}));
+  ASSERT_EQ(Abre(), codigos::kOk);
+  EXPECT_EQ(m_base.Grava(&lPos, v), codigos::kGravacaoAlemDoFim);
+  EXPECT_EQ(rastro.Toma().back(),
+            "CBaseVeiculos::Grava|BaseVeiculos.cpp|m_pDataBase->m_Veiculos.Grava(uiPosicao, RegVei)");
   EXPECT_EQ(m_base.Inicializa("", 7, 42), codigos::kSemEmpresa);
-  EXPECT_EQ(rastro.Toma(),
-            (std::vector<std::string>{"CQZDataBaseFacade<class CQZDataBase_Veiculos,class CQZBaseParaRotinas>::"
-                                      "QZDataBaseInicializa|QZDataBaseFacade.h|((HRESULT)0x810809CFL)",
-                                      "CBaseVeiculos::OnInicializa|BaseVeiculos.cpp|QZDataBaseInicializa()"}));
+  EXPECT_EQ(rastro.Toma().back(), "CBaseVeiculos::OnInicializa|BaseVeiculos.cpp|QZDataBaseInicializa()");
 }
 
 TEST_F(Registro, VariosRegistrosDaMesmaEmpresaAoMesmoTempo) {
-  constexpr int kThreads = 6;
-  constexpr int kPorThread = 100;
+  // Retries must take time here: a thread that holds a file for a moment may be the one that waits for the processor.
+  const apoio::ServicosTrocados relogio(nullptr, nullptr, plataforma::ServicosDoSistema().relogio);
   std::atomic<int> falhas{0};
   std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
+  for (int t = 0; t < 6; ++t) {
     threads.emplace_back([&, t] {
       CBaseVeiculos base;
       falhas += Falhou(base.Inicializa(m_empresa.Codigo(), 1, t));
-      for (int i = 0; i < kPorThread; ++i) {
+      for (int i = 0; i < 100; ++i) {
         const std::string codigo = std::to_string(t) + "-" + std::to_string(i);
         LONG lPos = 0;
         std::uint32_t iAchado = 0;
         tagREG_VEICULOPS v;
-        falhas += Falhou(base.Grava(&lPos, Veiculo(codigo)));
-        falhas += Falhou(base.Existe(codigo.c_str(), &iAchado, &v)) || static_cast<LONG>(iAchado) != lPos;
+        falhas += Falhou(base.Grava(&lPos, Veiculo(codigo))) || Falhou(base.Existe(codigo.c_str(), &iAchado, &v)) ||
+                  static_cast<LONG>(iAchado) != lPos;
       }
     });
   }
@@ -182,7 +188,7 @@ TEST_F(Registro, VariosRegistrosDaMesmaEmpresaAoMesmoTempo) {
   }
   EXPECT_EQ(falhas, 0);
   ASSERT_EQ(Abre(), codigos::kOk);
-  EXPECT_EQ(Busca({}).size(), std::size_t{kThreads * kPorThread});
+  EXPECT_EQ(Busca({}).size(), 600U);
 }
 
 }  // namespace

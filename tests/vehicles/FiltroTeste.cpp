@@ -38,100 +38,93 @@ void Confere(const RegVeiculo &reg, const std::vector<Caso> &casos) {
 }
 
 TEST(Filtro, FaixasECliente) {
-  const std::int64_t kTara = 75000000;
-  Confere(RegistroCom(),
-          {
-              {"zeros", [](Filtro &) {}, true},
-              {"tare from equal", [=](Filtro &f) { f.vTaraInicial = kTara; }, true},
-              {"tare from above", [=](Filtro &f) { f.vTaraInicial = kTara + 1; }, false},
-              {"tare to equal", [=](Filtro &f) { f.vTaraFinal = kTara; }, true},
-              {"tare to below", [=](Filtro &f) { f.vTaraFinal = kTara - 1; }, false},
-              {"negative bounds are none", [](Filtro &f) { f.vTaraInicial = -5, f.vTaraFinal = -1; }, true},
-              {"kg", [](Filtro &f) { f.vCapacidadeKgFinal = 119999999; }, false},
-              {"m3", [](Filtro &f) { f.vCapacidadeM3Inicial = 455001; }, false},
-              {"year in", [](Filtro &f) { f.iAnoInicial = 2020, f.iAnoFinal = 2020; }, true},
-              {"year below", [](Filtro &f) { f.iAnoInicial = 2021; }, false},
-              {"year above", [](Filtro &f) { f.iAnoFinal = 2019; }, false},
-              {"customer", [](Filtro &f) { f.iPonteiroCliente = 17; }, true},
-              {"other customer", [](Filtro &f) { f.iPonteiroCliente = 18; }, false},
-          });
-  Confere(RegistroCom([](auto &v) { v.iAno = 0x80000000, v.vTara = -1; }),
-          {
-              {"years compare unsigned", [](Filtro &f) { f.iAnoFinal = 2020; }, false},
-              {"negative tare below a bound", [](Filtro &f) { f.vTaraInicial = 1; }, false},
-          });
+  const tagREG_VEICULOPS v = VeiculoCompleto();
+  Confere(RegistroCom(), {{"all equal",
+                           [=](Filtro &f) {
+                             f.vTaraInicial = f.vTaraFinal = v.vTara;
+                             f.vCapacidadeKgInicial = f.vCapacidadeKgFinal = v.vCapacidadeKg;
+                             f.vCapacidadeM3Inicial = f.vCapacidadeM3Final = v.vCapacidadeM3;
+                             f.iAnoInicial = f.iAnoFinal = 2020, f.iPonteiroCliente = v.iPonteiroCliente;
+                           },
+                           true},
+                          {"tare from", [=](Filtro &f) { f.vTaraInicial = v.vTara + 1; }, false},
+                          {"tare to", [=](Filtro &f) { f.vTaraFinal = v.vTara - 1; }, false},
+                          {"kg from", [=](Filtro &f) { f.vCapacidadeKgInicial = v.vCapacidadeKg + 1; }, false},
+                          {"kg to", [=](Filtro &f) { f.vCapacidadeKgFinal = v.vCapacidadeKg - 1; }, false},
+                          {"m3 from", [=](Filtro &f) { f.vCapacidadeM3Inicial = v.vCapacidadeM3 + 1; }, false},
+                          {"m3 to", [=](Filtro &f) { f.vCapacidadeM3Final = v.vCapacidadeM3 - 1; }, false},
+                          {"negative is none", [](Filtro &f) { f.vTaraInicial = 1, f.vTaraFinal = -5; }, true},
+                          {"year from", [](Filtro &f) { f.iAnoInicial = 2021; }, false},
+                          {"year to", [](Filtro &f) { f.iAnoFinal = 2019; }, false},
+                          {"other customer", [](Filtro &f) { f.iPonteiroCliente = 0x7A; }, false}});
+  Confere(RegistroCom([](auto &r) { r.iAno = 0x80000000, r.vTara = -1; }),
+          {{"years compare unsigned", [](Filtro &f) { f.iAnoFinal = 2020; }, false},
+           {"negative tare, no lower bound", [](Filtro &f) { f.vTaraFinal = 1; }, true}});
 }
 
 TEST(Filtro, Textos) {
+  const std::pair<std::size_t, std::string> textos[] = {{offsetof(Filtro, szDescricao), "CAMINHAO TOCO"},
+                                                        {offsetof(Filtro, szCodigoANTT), "12345678"},
+                                                        {offsetof(Filtro, szCodigo), "V001"},
+                                                        {offsetof(Filtro, szRENAVAM), "00123456789"},
+                                                        {offsetof(Filtro, szPlaca), "ABC1D23"},
+                                                        {offsetof(Filtro, szUF), "SP"}};
+  for (const auto &[uiOnde, sTexto] : textos) {
+    for (const std::string &s : {sTexto, sTexto.substr(0, sTexto.size() - 1), sTexto + "1"}) {
+      Filtro filtro{};
+      s.copy(reinterpret_cast<char *>(&filtro) + uiOnde, s.size());
+      EXPECT_EQ(CBaseVeiculos::AtendeFiltro(RegistroCom(), filtro), s == sTexto) << s;
+    }
+  }
   Confere(RegistroCom(),
-          {
-              {"equal", [](Filtro &f) { Preenche(f.szCodigo, "V001"); }, true},
-              {"case matters", [](Filtro &f) { Preenche(f.szCodigo, "v001"); }, false},
-              {"prefix only", [](Filtro &f) { Preenche(f.szCodigo, "V00"); }, false},
-              {"longer", [](Filtro &f) { Preenche(f.szCodigo, "V0011"); }, false},
-              {"bytes behind the terminator", [](Filtro &f) { std::memcpy(f.szCodigo, "V001\0zz", 7); }, true},
-              {"wildcard behind the terminator", [](Filtro &f) { std::memcpy(f.szCodigo, "V002\0*", 6); }, false},
-              {"ANTT", [](Filtro &f) { Preenche(f.szCodigoANTT, "1234567"); }, false},
-              {"RENAVAM", [](Filtro &f) { Preenche(f.szRENAVAM, "00123456789"); }, true},
-              {"plate", [](Filtro &f) { Preenche(f.szPlaca, "ABC1D24"); }, false},
-              {"UF", [](Filtro &f) { Preenche(f.szUF, "RJ"); }, false},
-              {"no wildcards in UF", [](Filtro &f) { Preenche(f.szUF, "S?"); }, false},
-          });
-  Confere(RegistroCom([](auto &v) { Preenche(v.szCodigo, "1234567890123"); }),
-          {
-              {"full field", [](Filtro &f) { Preenche(f.szCodigo, "1234567890123"); }, true},
-              {"full field, shorter text", [](Filtro &f) { Preenche(f.szCodigo, "123456789012"); }, false},
-              {"full field, pattern", [](Filtro &f) { Preenche(f.szCodigo, "*0123"); }, true},
-          });
+          {{"bytes behind the terminator", [](Filtro &f) { std::memcpy(f.szCodigo, "V001\0zz", 7); }, true},
+           {"wildcard behind the terminator", [](Filtro &f) { std::memcpy(f.szCodigo, "V002\0*", 6); }, false},
+           {"no wildcards in UF", [](Filtro &f) { Preenche(f.szUF, "S?"); }, false},
+           {"masks still count", [](Filtro &f) { Preenche(f.szCodigo, "V001"), f.iTipoRodado = 0x20; }, false}});
+  Confere(RegistroCom([](auto &r) { Preenche(r.szCodigo, "1234567890123"), Preenche(r.szRENAVAM, "123456789012"); }),
+          {{"full field", [](Filtro &f) { Preenche(f.szRENAVAM, "123456789012"); }, true},
+           {"full field, shorter text", [](Filtro &f) { Preenche(f.szCodigo, "123456789012"); }, false},
+           {"full field, pattern", [](Filtro &f) { Preenche(f.szCodigo, "*0123"); }, true}});
 }
 
 TEST(Filtro, CuringaDaOVeredicto) {
   Confere(
       RegistroCom(),
-      {
-          {"star passes over UF and masks",
-           [](Filtro &f) { Preenche(f.szDescricao, "*"), Preenche(f.szUF, "RJ"), f.iTipoRodado = 0x20; }, true},
-          {"code pattern, plate not compared",
-           [](Filtro &f) { Preenche(f.szCodigo, "V0*"), Preenche(f.szPlaca, "XXX0000"); }, true},
-          {"earlier text still counts",
-           [](Filtro &f) { Preenche(f.szDescricao, "OTHER"), Preenche(f.szCodigo, "V0*"); }, false},
-          {"ranges still count", [](Filtro &f) { Preenche(f.szDescricao, "*"), f.iAnoInicial = 2021; }, false},
-          {"letter case does not matter", [](Filtro &f) { Preenche(f.szDescricao, "*toco"); }, true},
-          {"one character", [](Filtro &f) { Preenche(f.szCodigo, "V?01"); }, true},
-          {"one too few", [](Filtro &f) { Preenche(f.szCodigo, "V?1"); }, false},
-          {"first pattern decides", [](Filtro &f) { Preenche(f.szDescricao, "X*"), Preenche(f.szCodigo, "*"); }, false},
-          {"alternatives", [](Filtro &f) { Preenche(f.szCodigo, "X*;V*"); }, true},
-          {"everything", [](Filtro &f) { Preenche(f.szCodigo, "*.*"); }, true},
-      });
+      {{"star passes over UF and masks",
+        [](Filtro &f) { Preenche(f.szDescricao, "*"), Preenche(f.szUF, "RJ"), f.iTipoRodado = 0x20; }, true},
+       {"earlier text still counts", [](Filtro &f) { Preenche(f.szDescricao, "OTHER"), Preenche(f.szCodigo, "V0*"); },
+        false},
+       {"ranges still count", [](Filtro &f) { Preenche(f.szDescricao, "*"), f.iAnoInicial = 2021; }, false},
+       {"first pattern decides", [](Filtro &f) { Preenche(f.szDescricao, "X*"), Preenche(f.szCodigo, "*"); }, false},
+       {"alternatives", [](Filtro &f) { Preenche(f.szCodigo, "X*;V*"); }, true},
+       {"everything", [](Filtro &f) { Preenche(f.szCodigo, "*.*"); }, true}});
   // Accented letters fold like the system folds them: 0xC3 and 0xE3 are the same letter.
   Confere(RegistroCom([](auto &v) { Preenche(v.szDescricao, "CAMINH\xC3O"); }),
           {{"accents", [](Filtro &f) { Preenche(f.szDescricao, "caminh\xE3*"); }, true},
            {"plain pattern on an accented text", [](Filtro &f) { Preenche(f.szDescricao, "CAM?NH?O"); }, true}});
 }
 
+/// Types next to each other, so that one is not taken for another; those of the body and the kinds count from 0.
 TEST(Filtro, Mascaras) {
   for (unsigned tipo = 0; tipo < 256; ++tipo) {
     for (unsigned bit = 0; bit < 8; ++bit) {
       const RegVeiculo reg = RegistroCom([&](auto &v) {
-        v.iTipoCarroceria = v.iTipoRodado = v.iTipoVeiculo = v.iTipoTransporte = static_cast<std::uint8_t>(tipo);
+        v.iTipoCarroceria = v.iTipoVeiculo = static_cast<std::uint8_t>(tipo);
+        v.iTipoRodado = v.iTipoTransporte = static_cast<std::uint8_t>(tipo + 1);
       });
       const auto mascara = static_cast<std::uint8_t>(1U << bit);
       SCOPED_TRACE(testing::Message() << "type " << tipo << ", bit " << bit);
-      const bool bTipo = tipo == 0 ? bit == 0 : bit == 1;
       Confere(reg, {{"body", [=](Filtro &f) { f.iTipoCarroceria = mascara; }, tipo > 5 || tipo == bit},
-                    {"wheels", [=](Filtro &f) { f.iTipoRodado = mascara; }, tipo < 1 || tipo > 6 || tipo == bit + 1},
-                    {"kind", [=](Filtro &f) { f.iTipoVeiculo = mascara; }, bTipo},
-                    {"transport", [=](Filtro &f) { f.iTipoTransporte = mascara; }, bTipo}});
+                    {"wheels", [=](Filtro &f) { f.iTipoRodado = mascara; }, tipo > 5 || tipo == bit},
+                    {"kind", [=](Filtro &f) { f.iTipoVeiculo = mascara; }, bit == (tipo == 0 ? 0 : 1)},
+                    {"transport", [=](Filtro &f) { f.iTipoTransporte = mascara; }, bit == (tipo == 255 ? 0 : 1)}});
     }
   }
 }
 
-/// The fast matcher must never differ from the system's own. Rerun a failure with KALVO_SEMENTE set to its seed.
+/// The fast matcher must never differ from the system's own; the fuzzer of the wildcards goes further.
 TEST(Filtro, PadraoSimplesIgualAoDoSistema) {
-  const char *lpSemente = std::getenv("KALVO_SEMENTE");
-  const unsigned semente = lpSemente != nullptr ? static_cast<unsigned>(std::stoul(lpSemente)) : std::random_device()();
-  SCOPED_TRACE(testing::Message() << "seed " << semente);
-  std::mt19937 gerador(semente);
+  std::mt19937 gerador(1);
   const auto sorteia = [&](const std::string &alfabeto, std::size_t maximo) {
     std::string texto(gerador() % (maximo + 1), ' ');
     for (char &c : texto) {
@@ -139,9 +132,10 @@ TEST(Filtro, PadraoSimplesIgualAoDoSistema) {
     }
     return texto;
   };
+  const char *const alfabetos[][2] = {{"aA*?", "aA."}, {"zZ09 *?", "zZ09 ;-[]"}, {"aAz*", "aAz"}};
   for (int i = 0; i < 20000; ++i) {
-    const std::string padrao = sorteia(i % 2 == 0 ? "aAbB1 *?" : "aAb*", 8);
-    const std::string texto = sorteia("aAbB1 .;-[]", 10);
+    const std::string padrao = sorteia(alfabetos[i % 3][0], 8);
+    const std::string texto = sorteia(alfabetos[i % 3][1], 10);
     CPadraoSimples simples;
     if (simples.Define(padrao)) {
       ASSERT_EQ(simples.Casa(texto) == CPadraoSimples::Resposta::Casa,

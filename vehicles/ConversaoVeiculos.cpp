@@ -235,8 +235,7 @@ HRESULT CBaseVeiculos::ConverteSobTrava() {
   if (QZ_FALHOU(rastro, hr, "CQZDataBaseUtil::LeSingleReg(this, QZ_DF, &regVersao, \"DFVEIVS.DAT\")",
                 CQZDataBaseUtil::LeSingleReg(this, QZ_DF, &regVersao, kArquivoVersao))) {
     EDiario eDiario = EDiario::Nenhum;
-    QZ_VERIFICA(rastro, "ExaminaDiario(GetEmpresa(), &eDiario)", ExaminaDiario(GetEmpresa(), &eDiario));
-    if (!ConteudoRecusado(hr) || eDiario != EDiario::FaltaVersao) {
+    if (!ConteudoRecusado(hr) || Falhou(ExaminaDiario(GetEmpresa(), &eDiario)) || eDiario != EDiario::FaltaVersao) {
       return hr;
     }
     // The journal says that only the version was missing: the file is what an interrupted write of it has left.

@@ -1,7 +1,5 @@
 #include "core/qzdatabase/arquivo/QZFileBase.h"
 
-#include <optional>
-
 #include "core/platform/Plataforma.h"
 #include "core/platform/Textos.h"
 #include "core/platform/TravaEntreProcessos.h"

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 
 #include "core/conx/DadosInstalacao.h"
 #include "core/conx/QZInicializador.h"
@@ -140,9 +141,9 @@ protected:
   plataforma::FalhaArquivo TamanhoDados(std::uint64_t *puiTamanho);
 
   /// Runs `tentativa` up to 50 times, 10 ms apart, until it succeeds or fails fatally. What is pending is undone before
-  /// each attempt and after the last. `fixaLugar` runs before the first attempt, and again when the file was loaded
-  /// anew in between, for the place of the write must never depend on what a failed attempt left; its failure ends the
-  /// write. Both trace their failures.
+  /// each attempt and after the last. `fixaLugar`, which opens the file for writing, runs before the first attempt,
+  /// and again when the file was loaded anew or lost in between, for the place of the write must never depend on what a
+  /// failed attempt left; its failure ends the write. Both trace their failures.
   template <typename P, typename F>
   [[nodiscard]] HRESULT TentaGravar(P &&fixaLugar, F &&tentativa);
 
@@ -218,10 +219,10 @@ private:
 template <typename P, typename F>
 HRESULT CQZFileBase::TentaGravar(P &&fixaLugar, F &&tentativa) {
   HRESULT hr = codigos::kOk;
-  std::uint64_t uiCargas = m_uiCargas + 1;
+  std::optional<std::uint64_t> uiCargas;
   Insiste(kTentativasInsistencia, [&](bool) {
     hr = RestauraPendencia();
-    if (!Falhou(hr) && uiCargas != m_uiCargas) {
+    if (!Falhou(hr) && (uiCargas != m_uiCargas || !ExisteArquivo())) {
       hr = fixaLugar();
       uiCargas = m_uiCargas;
       if (Falhou(hr)) {

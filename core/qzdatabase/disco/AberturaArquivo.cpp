@@ -111,7 +111,7 @@ void CQZAberturaArquivo::FechaParaReabrir() {
 
 bool CQZAberturaArquivo::TrocaSeMorto(const CString &sCaminho) {
   std::unique_ptr<plataforma::IArquivoAberto> novo;
-  if (!Aberto() || m_eModo == eModoCriacao || plataforma::Arquivos().Abre(sCaminho, ModoDoSistema(m_eModo), &novo)) {
+  if (m_eModo != eModoLeituraGravacao || plataforma::Arquivos().Abre(sCaminho, ModoDoSistema(m_eModo), &novo)) {
     return false;
   }
   m_arquivo = std::move(novo);

@@ -46,7 +46,7 @@ public:
 
   /// Puts a new handle in the place of one that died, as handles into a network share do when the share goes and comes
   /// back: a dead handle excludes nobody, so the file can be opened beside it. False, with everything as it was, when
-  /// that fails, for instance because the old handle is alive.
+  /// that fails, for instance because the old handle is alive, and for a file that is not open for writing.
   bool TrocaSeMorto(const CString &sCaminho);
 
 private:

@@ -117,7 +117,9 @@ HRESULT CQZFileSingleReg<T>::Grava(const T &reg) {
   QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   if (!PrecisaGravar(reg)) {
     QZ_VERIFICA(rastro, "RestauraPendencia()", RestauraPendencia());
-    return codigos::kOk;
+    if (!PrecisaGravar(reg)) {
+      return codigos::kOk;
+    }
   }
   const auto abre = [&]() -> HRESULT {
     QZ_VERIFICA(rastro, "AbreArquivo()", AbreArquivo());

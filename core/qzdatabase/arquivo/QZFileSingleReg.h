@@ -103,7 +103,7 @@ HRESULT CQZFileSingleReg<T>::Le(T *pReg) {
   const CQZOperacao rastro(this, Nome(">::Le"), kFonte);
   const plataforma::CQZTrava trava(Secao());
   QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
-  if (!ExisteArquivo()) {
+  if (!ExisteArquivo() || CriadoAgora()) {
     QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoAberto);
   }
   *pReg = m_reg;

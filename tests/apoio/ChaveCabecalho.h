@@ -1,9 +1,17 @@
 #ifndef KALVO_TESTS_APOIO_CHAVECABECALHO_H
 #define KALVO_TESTS_APOIO_CHAVECABECALHO_H
 
+#include "core/env/QZPath.h"
 #include "tests/apoio/ServicosTrocados.h"
 
 namespace apoio {
+
+inline constexpr char kValorCabecalho[] = "QZDataBase_HabilitarCabecalho";
+
+/// Whether new files get headers.
+inline bool CabecalhosLigados() {
+  return plataforma::Registro().LeNumero(kChaveSuite, kValorCabecalho).value_or(0) != 0;
+}
 
 /// The switch for file headers, for a scope and this process alone: the registry that all test processes of the machine
 /// share stays as it is. To be changed while no other thread uses it.
@@ -23,8 +31,7 @@ private:
       return m_base.LeTexto(chave, nome, bExpande);
     }
     std::optional<std::uint32_t> LeNumero(const CString &chave, const CString &nome) override {
-      return nome == "QZDataBase_HabilitarCabecalho" ? std::optional<std::uint32_t>(m_bLigada)
-                                                     : m_base.LeNumero(chave, nome);
+      return nome == kValorCabecalho ? std::optional<std::uint32_t>(m_bLigada) : m_base.LeNumero(chave, nome);
     }
 
     bool m_bLigada;

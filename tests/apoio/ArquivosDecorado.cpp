@@ -11,99 +11,175 @@ using plataforma::ModoAbertura;
 /// An open file whose operations count too.
 class ArquivosComFalha::Arquivo final : public IArquivoAberto {
 public:
-  Arquivo(ArquivosComFalha &dono, const CString &caminho, std::unique_ptr<IArquivoAberto> base)
-      : m_dono(dono), m_caminho(caminho), m_base(std::move(base)) {
-    ++m_dono.m_iAbertos;
+  Arquivo(ArquivosComFalha &dono, const CString &caminho) : m_dono(dono), m_caminho(caminho) {
+    const std::lock_guard<std::mutex> guarda(m_dono.m_mutex);
+    m_dono.m_abertos.insert(this);
   }
-  ~Arquivo() override { --m_dono.m_iAbertos; }
+  ~Arquivo() override { Morre({}); }
 
   FalhaArquivo Le(std::uint64_t posicao, void *destino, std::size_t qtd) override {
-    const FalhaArquivo falha = m_dono.Passa(kOpLe, m_caminho);
+    const FalhaArquivo falha = Passa(kOpLe);
     return falha ? falha : m_base->Le(posicao, destino, qtd);
   }
   FalhaArquivo Grava(std::uint64_t posicao, const void *origem, std::size_t qtd) override {
-    const FalhaArquivo falha = m_dono.Passa(kOpGrava, m_caminho, [&](std::size_t antes) {
+    const auto gravaAntes = [&](std::size_t antes) {
       static_cast<void>(m_base->Grava(posicao, origem, std::min(qtd, antes)));
-    });
+    };
+    // By reference: a write that needs no memory must not need any here.
+    const FalhaArquivo falha = Passa(kOpGrava, std::ref(gravaAntes));
     return falha ? falha : m_base->Grava(posicao, origem, qtd);
   }
   FalhaArquivo Tamanho(std::uint64_t *tamanho) override {
-    const FalhaArquivo falha = m_dono.Passa(kOpTamanho, m_caminho);
+    const FalhaArquivo falha = Passa(kOpTamanho);
     return falha ? falha : m_base->Tamanho(tamanho);
   }
   FalhaArquivo AjustaTamanho(std::uint64_t tamanho) override {
-    const FalhaArquivo falha = m_dono.Passa(kOpAjustaTamanho, m_caminho);
+    const FalhaArquivo falha = Passa(kOpAjustaTamanho);
     return falha ? falha : m_base->AjustaTamanho(tamanho);
   }
   FalhaArquivo UltimaEscrita(std::uint64_t *ticks) override {
-    const FalhaArquivo falha = m_dono.Passa(kOpTamanho, m_caminho);
+    const FalhaArquivo falha = Passa(kOpTamanho);
+    if (!falha && m_dono.m_ultimaEscrita != 0) {
+      *ticks = m_dono.m_ultimaEscrita;
+      return plataforma::kSemFalha;
+    }
     return falha ? falha : m_base->UltimaEscrita(ticks);
   }
-  FalhaArquivo Descarrega() override {
-    const FalhaArquivo falha = m_dono.Passa(kOpDescarrega, m_caminho);
-    return falha ? falha : m_base->Descarrega();
+  /// The file system below is not asked: no test's files need outlive a power cut, and it would take most of the time.
+  FalhaArquivo Descarrega() override { return Passa(kOpDescarrega); }
+
+  /// Closes the file; every operation from now on has this failure.
+  void Morre(const FalhaArquivo &falha) {
+    const std::lock_guard<std::mutex> guarda(m_dono.m_mutex);
+    m_dono.m_abertos.erase(this);
+    m_morte = falha;
+    m_base.reset();
   }
+  bool Chama(const CString &caminho) const { return m_caminho == caminho; }
+  std::unique_ptr<IArquivoAberto> &Base() { return m_base; }
 
 private:
+  FalhaArquivo Passa(Operacao operacao, const std::function<void(std::size_t)> &gravaAntes = nullptr) {
+    return m_morte ? m_morte : m_dono.Passa(operacao, m_caminho, this, gravaAntes);
+  }
+
   ArquivosComFalha &m_dono;
   CString m_caminho;
   std::unique_ptr<IArquivoAberto> m_base;
+  FalhaArquivo m_morte{};
 };
 
 void ArquivosComFalha::Arma(const PlanoFalha &plano) {
+  Desarma();
   const std::lock_guard<std::mutex> guarda(m_mutex);
-  m_plano = plano;
+  m_planos.push_back({plano});
   m_vistas = 0;
-  m_bDisparou = false;
+  m_disparos = 0;
+}
+
+void ArquivosComFalha::ArmaTambem(const PlanoFalha &plano) {
+  const std::lock_guard<std::mutex> guarda(m_mutex);
+  m_planos.push_back({plano});
 }
 
 void ArquivosComFalha::Desarma() {
   const std::lock_guard<std::mutex> guarda(m_mutex);
-  m_plano.reset();
+  m_vistas = m_planos.empty() ? m_vistas : m_planos.front().vistas;
+  m_planos.clear();
+  m_aberturasPerdidas = 0;
 }
 
 std::size_t ArquivosComFalha::Vistas() const {
   const std::lock_guard<std::mutex> guarda(m_mutex);
-  return m_vistas;
+  return m_planos.empty() ? m_vistas : m_planos.front().vistas;
 }
 
-bool ArquivosComFalha::Disparou() const {
+std::size_t ArquivosComFalha::Disparos() const {
   const std::lock_guard<std::mutex> guarda(m_mutex);
-  return m_bDisparou;
+  return m_disparos;
 }
 
-FalhaArquivo ArquivosComFalha::Passa(Operacao operacao, const CString &caminho,
+int ArquivosComFalha::Abertos() const {
+  const std::lock_guard<std::mutex> guarda(m_mutex);
+  return static_cast<int>(
+      std::count_if(m_abertos.begin(), m_abertos.end(), [](Arquivo *pAberto) { return pAberto->Base() != nullptr; }));
+}
+
+std::optional<std::string> ArquivosComFalha::Conteudo(const CString &caminho) {
+  std::unique_ptr<IArquivoAberto> proprio;
+  IArquivoAberto *pArquivo = nullptr;
+  {
+    const std::lock_guard<std::mutex> guarda(m_mutex);
+    for (Arquivo *pAberto : m_abertos) {
+      pArquivo = pAberto->Chama(caminho) && pAberto->Base() ? pAberto->Base().get() : pArquivo;
+    }
+  }
+  if (pArquivo == nullptr && !ArquivosDecorado::Abre(caminho, {}, &proprio)) {
+    pArquivo = proprio.get();
+  }
+  if (pArquivo == nullptr) {
+    return std::nullopt;
+  }
+  std::uint64_t uiTamanho = 0;
+  FalhaArquivo falha = pArquivo->Tamanho(&uiTamanho);
+  std::string bytes(static_cast<std::size_t>(uiTamanho), '\0');
+  falha = falha ? falha : pArquivo->Le(0, bytes.data(), bytes.size());
+  return falha ? "cannot be read" : bytes;
+}
+
+/// True when the operation is one that the plan is about.
+bool ArquivosComFalha::PlanoArmado::Conta(Operacao operacao, const CString &caminho) {
+  if ((plano.operacoes & operacao) == 0 || caminho.find(plano.trecho) == CString::npos) {
+    return false;
+  }
+  ++vistas;
+  return vistas == plano.outra || (plano.bPersistente ? vistas >= plano.enesima : vistas == plano.enesima);
+}
+
+FalhaArquivo ArquivosComFalha::Passa(Operacao operacao, const CString &caminho, Arquivo *pAberto,
                                      const std::function<void(std::size_t)> &gravaAntes) {
   std::unique_lock<std::mutex> guarda(m_mutex);
-  if (!m_plano || (m_plano->operacoes & operacao) == 0 || caminho.find(m_plano->trecho) == CString::npos) {
-    return plataforma::kSemFalha;
+  if (operacao == kOpAbre && m_aberturasPerdidas != 0) {
+    --m_aberturasPerdidas;
+    return m_falhaMorte;
   }
-  ++m_vistas;
-  if (m_plano->bPersistente ? m_vistas < m_plano->enesima : m_vistas != m_plano->enesima) {
-    return plataforma::kSemFalha;
+  for (std::size_t i = 0; i < m_planos.size(); ++i) {
+    if (!m_planos[i].Conta(operacao, caminho)) {
+      continue;
+    }
+    ++m_disparos;
+    const PlanoFalha plano = m_planos[i].plano;
+    if (plano.morte && pAberto != nullptr) {
+      m_aberturasPerdidas = *plano.morte;
+      m_falhaMorte = plano.falha;
+    }
+    guarda.unlock();
+    if (gravaAntes && plano.falha) {
+      gravaAntes(plano.gravaAntes.value_or(0));
+    }
+    if (plano.morte && pAberto != nullptr) {
+      pAberto->Morre(plano.falha);
+    }
+    if (plano.aoFalhar) {
+      plano.aoFalhar();
+    }
+    if (plano.falha) {
+      return plano.falha;
+    }
+    guarda.lock();
   }
-  m_bDisparou = true;
-  const FalhaArquivo falha = m_plano->falha;
-  const std::size_t antes = m_plano->gravaAntes.value_or(0);
-  void (*const aoFalhar)() = m_plano->aoFalhar;
-  guarda.unlock();
-  if (gravaAntes) {
-    gravaAntes(antes);
-  }
-  if (aoFalhar != nullptr) {
-    aoFalhar();
-  }
-  return falha;
+  return plataforma::kSemFalha;
 }
 
 FalhaArquivo ArquivosComFalha::Abre(const CString &caminho, const ModoAbertura &modo,
                                     std::unique_ptr<IArquivoAberto> *arquivo) {
   arquivo->reset();
-  std::unique_ptr<IArquivoAberto> base;
+  // First, as the file system does: a file that was created has an owner, whatever memory there is.
+  auto aberto = std::make_unique<Arquivo>(*this, caminho);
   const FalhaArquivo injetada = Passa(kOpAbre, caminho);
-  const FalhaArquivo falha = injetada ? injetada : ArquivosDecorado::Abre(caminho, modo, &base);
+  const FalhaArquivo falha = injetada ? injetada : ArquivosDecorado::Abre(caminho, modo, &aberto->Base());
   if (!falha) {
-    *arquivo = std::make_unique<Arquivo>(*this, caminho, std::move(base));
+    *arquivo = std::move(aberto);
   }
   return falha;
 }

@@ -5,6 +5,9 @@
 #include <functional>
 #include <mutex>
 #include <optional>
+#include <set>
+#include <string>
+#include <vector>
 
 #include "core/platform/SistemaArquivos.h"
 
@@ -59,9 +62,13 @@ struct PlanoFalha {
   CString trecho{};                                   ///< only paths that contain this text count
   std::size_t enesima = 1;                            ///< the first counted operation is 1
   bool bPersistente = false;                          ///< that one and all after it, else it alone
-  FalhaArquivo falha = plataforma::FalhaWin32(1117);  ///< hard I/O error unless told otherwise
+  FalhaArquivo falha = plataforma::FalhaWin32(1117);  ///< hard I/O error; none: it is carried out, after `aoFalhar`
   std::optional<std::size_t> gravaAntes{};            ///< a failing write writes so many bytes first
-  void (*aoFalhar)() = nullptr;                       ///< runs first; it may throw or fault instead
+  std::function<void()> aoFalhar{};                   ///< runs first; it may throw or fault instead
+  std::size_t outra = 0;                              ///< one more that fails, after `enesima`
+  /// The file's handle dies, as on a network share that goes away: it is closed, all further operations on it fail like
+  /// the first, and so do as many openings.
+  std::optional<std::size_t> morte{};
 };
 
 /// Makes the N-th operation fail without carrying it out. Unarmed it only forwards. It must outlive the files it opens.
@@ -71,17 +78,26 @@ class ArquivosComFalha final : public ArquivosDecorado {
 public:
   using ArquivosDecorado::ArquivosDecorado;
 
-  /// Starts counting anew.
+  /// Starts counting anew, with one plan. Dead handles stay dead.
   void Arma(const PlanoFalha &plano);
-  /// Nothing fails any more; the counts stay.
+  /// One more plan, with a count of its own. Each operation is put to the plans in their order, up to the first that
+  /// has it fail.
+  void ArmaTambem(const PlanoFalha &plano);
+  /// Nothing fails any more, openings neither; the counts stay.
   void Desarma();
 
-  /// How many counted operations there were since Arma.
+  /// How many operations the first plan has counted.
   std::size_t Vistas() const;
-  /// True when at least one operation was made to fail since Arma.
-  bool Disparou() const;
+  /// How many operations were made to fail, or had something run at them, since Arma.
+  std::size_t Disparos() const;
+  bool Disparou() const { return Disparos() != 0; }
   /// How many of the files that it opened are open.
-  int Abertos() const { return m_iAbertos; }
+  int Abertos() const;
+
+  /// All bytes of a file, read through the handle that holds it where there is one; nothing when it is not there.
+  std::optional<std::string> Conteudo(const CString &caminho);
+  /// From now on all files were last written at this time, whatever is written: a change need not wait for the clock.
+  void FixaUltimaEscrita(std::uint64_t ticks) { m_ultimaEscrita = ticks; }
 
   FalhaArquivo Abre(const CString &caminho, const plataforma::ModoAbertura &modo,
                     std::unique_ptr<plataforma::IArquivoAberto> *arquivo) override;
@@ -93,17 +109,26 @@ public:
 
 private:
   class Arquivo;
+  struct PlanoArmado {
+    PlanoFalha plano;
+    std::size_t vistas = 0;
+
+    bool Conta(Operacao operacao, const CString &caminho);
+  };
 
   /// Counts one operation; the failure it shall have, or none. Before a failure `gravaAntes` is called with the number
   /// of bytes that are written nevertheless, then what the plan has to run, which may not come back.
-  FalhaArquivo Passa(Operacao operacao, const CString &caminho,
+  FalhaArquivo Passa(Operacao operacao, const CString &caminho, Arquivo *pAberto = nullptr,
                      const std::function<void(std::size_t)> &gravaAntes = nullptr);
 
   mutable std::mutex m_mutex;
-  std::optional<PlanoFalha> m_plano;
+  std::vector<PlanoArmado> m_planos;
   std::size_t m_vistas = 0;
-  bool m_bDisparou = false;
-  std::atomic<int> m_iAbertos{0};
+  std::size_t m_disparos = 0;
+  std::size_t m_aberturasPerdidas = 0;
+  FalhaArquivo m_falhaMorte{};
+  std::set<Arquivo *> m_abertos;
+  std::atomic<std::uint64_t> m_ultimaEscrita{0};
 };
 
 }  // namespace apoio

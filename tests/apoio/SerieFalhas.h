@@ -4,15 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <string>
 #include <utility>
 
 #include "tests/apoio/ArquivosDecorado.h"
 
 namespace apoio {
 
-/// Which of the failures of a series last: that one operation, that one and all after it, or first the one and then the
-/// other.
-enum class Duracao { Passageira, Persistente, Ambas };
+/// Which of the failures of a series last: that one operation, or that one and all after it; Ambas is first the one and
+/// then the other, Todas after these two operations soon after each other, such as a write and its undoing.
+enum class Duracao { Passageira, Persistente, Ambas, Todas };
 
 /// A call with its N-th file operation failing, for N = 1, 2, ... until there are no more operations:
 ///
@@ -23,7 +24,7 @@ enum class Duracao { Passageira, Persistente, Ambas };
 ///   }
 class SerieFalhas {
 public:
-  /// Of the plan everything counts but `enesima` and `bPersistente`.
+  /// Of the plan everything counts but `enesima`, `outra` and `bPersistente`.
   SerieFalhas(ArquivosComFalha &falhas, PlanoFalha plano, Duracao eDuracao = Duracao::Passageira)
       : m_falhas(falhas), m_plano(std::move(plano)), m_eDuracao(eDuracao) {
     m_plano.bPersistente = eDuracao == Duracao::Persistente;
@@ -32,19 +33,27 @@ public:
 
   /// False when the series is over.
   bool Proxima() {
-    if (m_plano.enesima != 0 && !m_bDisparou) {
+    if (m_plano.enesima != 0 && m_disparos == 0) {
       EXPECT_GT(m_plano.enesima, 1U) << "nothing that could fail";
-      if (m_eDuracao != Duracao::Ambas || m_plano.bPersistente) {
+      const bool bFaltaPersistente = m_eDuracao >= Duracao::Ambas && !m_plano.bPersistente && !m_bDuas;
+      const bool bFaltaDuas = m_eDuracao == Duracao::Todas && !m_bDuas;
+      if (!bFaltaPersistente && !bFaltaDuas) {
         return false;
       }
-      m_plano.bPersistente = true;
+      m_plano.bPersistente = bFaltaPersistente;
+      m_bDuas = !bFaltaPersistente;
       m_plano.enesima = 0;
     }
-    m_bDisparou = false;
-    ++m_plano.enesima;
-    m_rastro.emplace(
-        __FILE__, __LINE__,
-        testing::Message() << "fault " << m_plano.enesima << (m_plano.bPersistente ? " and all after" : ""));
+    if (m_bDuas && m_plano.enesima != 0 && m_disparos == 2 && m_plano.outra < m_plano.enesima + kAlcance) {
+      ++m_plano.outra;
+    } else {
+      ++m_plano.enesima;
+      m_plano.outra = m_bDuas ? m_plano.enesima + 1 : 0;
+    }
+    m_disparos = 0;
+    m_rastro.emplace(__FILE__, __LINE__,
+                     testing::Message() << "fault " << m_plano.enesima << (m_plano.bPersistente ? " and all after" : "")
+                                        << (m_bDuas ? " and " + std::to_string(m_plano.outra) : ""));
     return true;
   }
 
@@ -52,19 +61,25 @@ public:
   auto Roda(Chamada chama) {
     m_falhas.Arma(m_plano);
     auto resultado = chama();
-    m_bDisparou = m_falhas.Disparou();
+    m_disparos = m_falhas.Disparos();
     m_falhas.Desarma();
     return resultado;
   }
 
-  bool Disparou() const { return m_bDisparou; }
+  bool Disparou() const { return m_disparos != 0; }
   bool Persistente() const { return m_plano.bPersistente; }
+  /// One failure and no more.
+  bool Passageira() const { return !m_plano.bPersistente && !m_bDuas; }
 
 private:
+  /// How far apart two failures are: a write, its undoing, and a look whether the file's handle has died.
+  static constexpr std::size_t kAlcance = 7;
+
   ArquivosComFalha &m_falhas;
   PlanoFalha m_plano;
   Duracao m_eDuracao;
-  bool m_bDisparou = false;
+  bool m_bDuas = false;
+  std::size_t m_disparos = 0;
   std::optional<testing::ScopedTrace> m_rastro;
 };
 

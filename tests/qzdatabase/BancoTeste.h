@@ -5,7 +5,10 @@
 
 #include <cstdint>
 #include <cstring>
+#include <functional>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "core/platform/Plataforma.h"
 #include "core/qzdatabase/arquivo/QZFile.h"
@@ -13,6 +16,7 @@
 #include "core/qzdatabase/banco/QZDataBase.h"
 #include "core/qzdatabase/banco/QZDataBaseFacade.h"
 #include "tests/apoio/ArquivosDecorado.h"
+#include "tests/apoio/ChaveCabecalho.h"
 #include "tests/apoio/ColetorRastro.h"
 #include "tests/apoio/EmpresaComBase.h"
 #include "tests/apoio/RelogioFalso.h"
@@ -67,6 +71,29 @@ std::uint64_t Quantidade(CQZFile<T> &arquivo) {
   return uiQtd;
 }
 
+/// The bytes of a whole data file with this content: behind a header where headers are on.
+inline std::string NoDisco(const CString &nome, const std::string &dados) {
+  if (!apoio::CabecalhosLigados() || nome.ends_with("TRA")) {
+    return dados;
+  }
+  const RegVersaoArquivo versao = MontaRegVersao();
+  const RegCabecalhoArquivo cabecalho = MontaRegCabecalho(0, nome, CalculaCrc64(dados.data(), dados.size()));
+  return std::string(reinterpret_cast<const char *>(&versao), sizeof(versao)) +
+         std::string(reinterpret_cast<const char *>(&cabecalho), sizeof(cabecalho)) + dados;
+}
+
+/// The bytes of lines in a text file.
+inline std::string Linhas(const std::vector<std::string> &textos) {
+  std::string bytes;
+  for (const std::string &texto : textos) {
+    for (unsigned i = 0; i < 4; ++i) {
+      bytes.push_back(static_cast<char>(texto.size() >> (8 * i)));
+    }
+    bytes += texto;
+  }
+  return bytes;
+}
+
 /// A database with one typed file and one single-record file.
 class BancoTeste : public CQZDataBase {
 public:
@@ -82,16 +109,38 @@ struct NomeTipoBanco<BancoTeste> {
   static constexpr char kNome[] = "class BancoTeste";
 };
 
-/// A company with a database, a clock that does not wait and a file system that can be told to fail.
-class ComBanco : public ::testing::Test {
+/// A company, a clock that does not wait and a file system that can be told to fail.
+class ComEmpresa : public ::testing::Test {
+protected:
+  /// All bytes of a file, which may be open; nothing when it is not there.
+  std::optional<std::string> Inteiro(const CString &nome) { return m_falhas.Conteudo(m_empresa.Caminho(nome)); }
+  /// Has the disk hold a data file with this content, or none, without the help of what is tested.
+  void Poe(const CString &nome, const std::optional<std::string> &dados) {
+    if (dados) {
+      m_empresa.Escreve(nome, NoDisco(nome, *dados));
+    } else {
+      static_cast<void>(plataforma::ServicosDoSistema().arquivos->Apaga(m_empresa.Caminho(nome)));
+    }
+  }
+  /// `acao` runs right before the N-th opening of a file: another program that comes in between.
+  apoio::PlanoFalha AntesDeAbrir(const CString &nome, std::function<void()> acao, std::size_t enesima = 1) {
+    return {.operacoes = apoio::kOpAbre,
+            .trecho = m_empresa.Caminho(nome),
+            .enesima = enesima,
+            .falha = {},
+            .aoFalhar = std::move(acao)};
+  }
+
+  apoio::EmpresaComBase m_empresa;
+  apoio::RelogioFalso m_relogio;
+  apoio::ArquivosComFalha m_falhas{*plataforma::ServicosDoSistema().arquivos};
+  apoio::ServicosTrocados m_servicos{&m_falhas, nullptr, &m_relogio};
+};
+
+/// With a database.
+class ComBanco : public ComEmpresa {
 protected:
   HRESULT Abre() { return m_banco.Inicializa(m_empresa.Dono()); }
-  /// Writes a file and, where headers are on, lets it get its header.
-  void Prepara(const CString &nome, const std::string &bytes) {
-    m_empresa.Escreve(nome, bytes);
-    ASSERT_EQ(Abre(), codigos::kOk);
-    ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
-  }
   /// Content of a file, once the database has let go of it.
   std::string Disco(const CString &nome) {
     EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
@@ -100,10 +149,6 @@ protected:
   CQZFile<RegTeste> &Arquivo() { return m_banco.m_Registros; }
   CQZFileSingleReg<RegTeste> &Unico() { return m_banco.m_Unico; }
 
-  apoio::EmpresaComBase m_empresa;
-  apoio::RelogioFalso m_relogio;
-  apoio::ArquivosComFalha m_falhas{*plataforma::ServicosDoSistema().arquivos};
-  apoio::ServicosTrocados m_servicos{&m_falhas, nullptr, &m_relogio};
   BancoTeste m_banco;
 };
 

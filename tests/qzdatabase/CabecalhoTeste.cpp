@@ -26,8 +26,8 @@ class Cabecalho : public ComBanco {
 protected:
   /// Both files with headers; TESTE.DAT with the records 1 to 4.
   void PreparaBase() {
-    m_empresa.Escreve("UNICO.DAT", Bytes(7, 7));
-    Prepara("TESTE.DAT", Bytes(1, 4));
+    Poe("UNICO.DAT", Bytes(7, 7));
+    Poe("TESTE.DAT", Bytes(1, 4));
   }
   /// Opens the base and lets it go.
   HRESULT AbreUmaVez() { return BancoTeste().Inicializa(m_empresa.Dono()); }

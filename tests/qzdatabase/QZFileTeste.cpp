@@ -1,12 +1,16 @@
+// What is special to files of records and to those of one record.
+
 #include "core/qzdatabase/arquivo/QZFile.h"
 
 #include <thread>
 
+#include "core/qzdatabase/banco/QZDataBaseUtil.h"
 #include "tests/qzdatabase/BancoTeste.h"
 
 namespace {
 
 using ArquivoTipado = ComBanco;
+using RegistroUnico = ComBanco;
 
 TEST_F(ArquivoTipado, TamanhoDoArquivoNaInicializacao) {
   for (const std::size_t tamanho : std::initializer_list<std::size_t>{0, 16, 32, 1, 15, 17}) {
@@ -96,56 +100,36 @@ TEST_F(ArquivoTipado, RegistroIgualNaoTocaNoDisco) {
   EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 4));
 }
 
-TEST_F(ArquivoTipado, RetentaSeNaoForFatal) {
-  m_empresa.Escreve("TESTE.DAT", Bytes(1, 2));
+TEST_F(ArquivoTipado, ModoDeCriacaoEsvazia) {
+  Poe("TESTE.DAT", Bytes(1, 3));
   ASSERT_EQ(Abre(), codigos::kOk);
-  std::uint64_t uiPosicao = 0;
-  m_falhas.Arma({apoio::kOpGrava, "", 1, true, plataforma::FalhaWin32(32), {}});
-  EXPECT_EQ(Arquivo().Grava(uiPosicao, Registro(3)), codigos::kArqCompartilhamento);
-  EXPECT_EQ(m_relogio.Esperas().size(), 50U);
-  for (const std::uint32_t fatal : {25U, 38U, 1117U, 2U, 3U}) {
-    const std::size_t antes = m_relogio.Esperas().size();
-    m_falhas.Arma({apoio::kOpGrava, "", 1, true, plataforma::FalhaWin32(fatal), {}});
-    EXPECT_TRUE(Falhou(Arquivo().Grava(uiPosicao, Registro(3)))) << fatal;
-    EXPECT_EQ(m_relogio.Esperas().size(), antes) << fatal;
-  }
-  m_falhas.Desarma();
-  EXPECT_EQ(Arquivo().Grava(uiPosicao, Registro(3)), codigos::kOk);
-  EXPECT_EQ(uiPosicao, 3U);
-  EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 3));
+  ASSERT_EQ(Arquivo().AbreArquivo(eModoCriacao), codigos::kOk);
+  EXPECT_EQ(Quantidade(Arquivo()), 0U);
+  EXPECT_EQ(Disco("TESTE.DAT"), "");
 }
 
-/// Every write of a case with its N-th file operation failing, for every N, once and for good: the caller's answer, the
-/// memory and the disk agree, and the next write works.
-TEST_F(ArquivoTipado, FalhaEmCadaOperacao) {
-  struct Caso {
-    const char *nome;
-    std::uint64_t uiPosicao;
-    CArray<RegTeste> aRegistros;
-    std::string depois;
-  };
-  const Caso casos[] = {{"append", 0, Colecao(11, 11), Bytes(1, 3) + Bytes(11, 11)},
-                        {"overwrite", 2, Colecao(12, 12), Bytes(1, 1) + Bytes(12, 12) + Bytes(3, 3)},
-                        {"range past the end", 3, Colecao(13, 15), Bytes(1, 2) + Bytes(13, 15)}};
-  for (const Caso &caso : casos) {
-    SCOPED_TRACE(caso.nome);
-    const apoio::PlanoFalha plano{.trecho = "TESTE.DAT", .falha = plataforma::FalhaWin32(112), .gravaAntes = 21};
-    for (apoio::SerieFalhas serie(m_falhas, plano, apoio::Duracao::Ambas); serie.Proxima();) {
-      m_empresa.Escreve("TESTE.DAT", Bytes(1, 3));
-      ASSERT_EQ(Abre(), codigos::kOk);
-      std::uint64_t uiPosicao = caso.uiPosicao;
-      const HRESULT hr = serie.Roda([&] { return Arquivo().GravaColecao(uiPosicao, caso.aRegistros); });
-      ASSERT_TRUE(serie.Persistente() || hr == codigos::kOk) << "a passing failure is ridden out";
-      // When neither mode could be opened the next write opens the file again.
-      ASSERT_TRUE(Falhou(hr) || Arquivo().ExisteArquivo());
-      std::uint64_t uiOutra = 1;
-      ASSERT_EQ(Arquivo().Grava(uiOutra, Registro(1, "again")), codigos::kOk);
-      uiOutra = 1;
-      ASSERT_EQ(Arquivo().Grava(uiOutra, Registro(1)), codigos::kOk);
-      ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
-      ASSERT_EQ(m_empresa.Le("TESTE.DAT"), Falhou(hr) ? Bytes(1, 3) : caso.depois);
-    }
-  }
+/// Another program has left fewer records by the time that the file is open for writing.
+TEST_F(ArquivoTipado, PosicaoQueNaoExisteMais) {
+  Poe("TESTE.DAT", Bytes(1, 3));
+  ASSERT_EQ(Abre(), codigos::kOk);
+  m_falhas.Arma(AntesDeAbrir("TESTE.DAT", [this] { Poe("TESTE.DAT", Bytes(1, 1)); }));
+  std::uint64_t uiPosicao = 3;
+  EXPECT_EQ(Arquivo().Grava(uiPosicao, Registro(9)), codigos::kGravacaoAlemDoFim);
+  EXPECT_EQ(uiPosicao, 3U);
+  EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 1));
+}
+
+TEST_F(ArquivoTipado, RastroDeUmaFalha) {
+  Poe("TESTE.DAT", Bytes(1, 2));
+  ASSERT_EQ(Abre(), codigos::kOk);
+  apoio::ColetorRastro rastro;
+  std::uint64_t uiPosicao = 0;
+  m_falhas.Arma({.operacoes = apoio::kOpAbre, .trecho = "TESTE.DAT", .falha = plataforma::FalhaWin32(3)});
+  EXPECT_EQ(Arquivo().Grava(uiPosicao, Registro(3)), codigos::kArqCaminhoInvalido);
+  EXPECT_EQ(rastro.Toma(),
+            (std::vector<std::string>{"CQZFileBase::AbreArquivo|QZFileBase.cpp|((HRESULT)0x80043EBFL)",
+                                      "CQZFile<struct RegTeste>::GravaColecao|QZFile.h|AbreArquivo()",
+                                      "CQZFile<struct RegTeste>::Grava|QZFile.h|GravaColecao(uiPosicao, aRegistros)"}));
 }
 
 TEST_F(ArquivoTipado, LeitoresEEscritoresAoMesmoTempo) {
@@ -177,6 +161,50 @@ TEST_F(ArquivoTipado, LeitoresEEscritoresAoMesmoTempo) {
                                }),
             codigos::kOk);
   EXPECT_EQ(vezes, std::vector<int>(kEscritores * kPorEscritor, 1));
+}
+
+// Files of one record.
+
+TEST_F(RegistroUnico, ArquivoAusente) {
+  ASSERT_EQ(Abre(), codigos::kOk);
+  RegTeste reg = Registro(77);
+  EXPECT_EQ(Unico().Le(&reg), codigos::kArquivoNaoAberto);
+  EXPECT_EQ(reg, Registro(77)) << "the output stays";
+  EXPECT_EQ(Unico().Grava(RegTeste{}), codigos::kOk);
+  EXPECT_FALSE(m_empresa.Existe("UNICO.DAT")) << "a zero record creates nothing";
+  EXPECT_EQ(Unico().Grava(Registro(1)), codigos::kOk);
+  EXPECT_EQ(Unico().Le(&reg), codigos::kOk);
+  EXPECT_EQ(reg, Registro(1));
+  EXPECT_EQ(Disco("UNICO.DAT"), Bytes(1, 1));
+}
+
+TEST_F(RegistroUnico, TamanhoErrado) {
+  for (const std::size_t tamanho : std::initializer_list<std::size_t>{0, 15, 17}) {
+    const std::string conteudo(tamanho, 'x');
+    m_empresa.Escreve("UNICO.DAT", conteudo);
+    {
+      BancoTeste banco;
+      EXPECT_EQ(banco.Inicializa(m_empresa.Dono()), codigos::kTamanhoDiferente) << tamanho;
+    }
+    EXPECT_EQ(m_empresa.Le("UNICO.DAT"), conteudo);
+  }
+  m_empresa.Escreve("UNICO.DAT", Bytes(1, 1));
+  EXPECT_EQ(Abre(), codigos::kOk) << "the right file opens again";
+}
+
+TEST_F(RegistroUnico, UtilitariosDeUmTrabalho) {
+  const CQZProfilerEmpresa dono = m_empresa.Dono();
+  RegTeste reg = Registro(77);
+  EXPECT_EQ(CQZDataBaseUtil::LeSingleReg(&dono, QZ_DF, &reg, "UM.DAT"), codigos::kOk);
+  EXPECT_EQ(reg, RegTeste{});
+  EXPECT_EQ(CQZDataBaseUtil::GravaSingleReg(&dono, QZ_DF, RegTeste{}, "UM.DAT"), codigos::kOk);
+  EXPECT_FALSE(m_empresa.Existe("UM.DAT"));
+  EXPECT_EQ(CQZDataBaseUtil::GravaSingleReg(&dono, QZ_DF, Registro(3), "UM.DAT"), codigos::kOk);
+  EXPECT_EQ(CQZDataBaseUtil::LeSingleReg(&dono, QZ_DF, &reg, "UM.DAT"), codigos::kOk);
+  EXPECT_EQ(reg, Registro(3));
+  m_empresa.Escreve("UM.DAT", "short");
+  EXPECT_EQ(CQZDataBaseUtil::LeSingleReg(&dono, QZ_DF, &reg, "UM.DAT"), codigos::kTamanhoDiferente);
+  EXPECT_EQ(reg, RegTeste{}) << "zeroed first";
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <random>
 #include <sstream>
 
-#include "tests/apoio/ChaveCabecalho.h"
 #include "tests/qzdatabase/BancoTeste.h"
 
 namespace {
@@ -24,17 +23,7 @@ Textos T(const std::string &resumo) {
   return textos;
 }
 
-/// The bytes of lines on disk.
-std::string Linhas(const Textos &textos) {
-  std::string bytes;
-  for (const std::string &texto : textos) {
-    for (unsigned i = 0; i < 4; ++i) {
-      bytes.push_back(static_cast<char>(texto.size() >> (8 * i)));
-    }
-    bytes += texto;
-  }
-  return bytes;
-}
+using ::Linhas;
 std::string Linhas(const char *resumo) {
   return Linhas(T(resumo));
 }
@@ -52,13 +41,12 @@ public:
   CQZTextFile m_Texto{"TEXTO.DAT", this};
 };
 
-/// A company with a text file. The parameter is the length of the file's header: 0, or 92 with headers switched on.
-class ArquivoTexto : public ComBanco, public testing::WithParamInterface<std::uint64_t> {
+class ArquivoTexto : public ComEmpresa {
 protected:
   HRESULT Inicia() { return m_banco.Inicializa(m_empresa.Dono()); }
   void Prepara(const std::string &bytes) {
     static_cast<void>(m_banco.Finaliza());
-    m_empresa.Escreve("TEXTO.DAT", bytes);
+    Poe("TEXTO.DAT", bytes);
     ASSERT_EQ(Inicia(), codigos::kOk);
   }
   CQZTextFile &Texto() { return m_banco.m_Texto; }
@@ -91,15 +79,13 @@ protected:
     return offsets;
   }
 
-  apoio::ChaveCabecalho m_cabecalho{GetParam() != 0};
+  /// Length of the file's header.
+  const std::uint64_t m_uiCabecalho = apoio::CabecalhosLigados() ? kTamanhoCabecalho : 0;
   BancoTexto m_banco;
 };
 
-constexpr std::uint64_t kCabecalhos[] = {0, kTamanhoCabecalho};
-INSTANTIATE_TEST_SUITE_P(Cabecalho, ArquivoTexto, testing::ValuesIn(kCabecalhos));
-
 /// The decision for each kind of write, the bytes it leaves and the places it records.
-TEST_P(ArquivoTexto, GravacaoByteAByte) {
+TEST_F(ArquivoTexto, GravacaoByteAByte) {
   struct Passo {
     std::uint64_t uiPosicao;
     const char *textos;
@@ -113,7 +99,7 @@ TEST_P(ArquivoTexto, GravacaoByteAByte) {
     std::vector<std::uint64_t> offsets;
     std::string disco{};  ///< when it is not just the lines of `memoria`
   };
-  const std::uint64_t h = GetParam();
+  const std::uint64_t h = m_uiCabecalho;
   const std::string sDuasVezes = Linhas("um dois") + std::string(h != 0 ? h - 8 : 0, '\0') + Linhas("DOIS");
   const Caso casos[] = {
       {"append", "um dois", {{0, "tres - x", 5}}, "um dois tres - x", {0, 6, h + 14, h + 22, h + 26}},
@@ -153,28 +139,20 @@ TEST_P(ArquivoTexto, GravacaoByteAByte) {
   }
 }
 
-/// Another process writes to the file while it is closed to be opened for writing.
-TEST_P(ArquivoTexto, OutroProcessoMudaOArquivo) {
-  struct Caso {
+/// Another program writes to the file while it is closed to be opened for writing: the way of writing is chosen anew.
+TEST_F(ArquivoTexto, OutroProgramaMudaOArquivo) {
+  const struct {
     const char *outro;
     HRESULT hr;
     std::uint64_t uiPosicaoDepois;
     const char *depois;
-  };
-  const Caso casos[] = {{"um", codigos::kGravacaoAlemDoFim, 2, "um"},
-                        {"um dois-mais", codigos::kOk, 2, "um trinta"},
-                        {"um dois tres", codigos::kOk, 4, "um dois tres trinta"}};
-  for (const Caso &caso : casos) {
+  } casos[] = {{"um", codigos::kGravacaoAlemDoFim, 2, "um"},
+               {"um dois-mais", codigos::kOk, 2, "um trinta"},
+               {"um dois tres", codigos::kOk, 4, "um dois tres trinta"}};
+  for (const auto &caso : casos) {
     SCOPED_TRACE(caso.outro);
-    Prepara(Linhas(caso.outro));
-    static_cast<void>(Disco());
-    const std::string sOutro = m_empresa.LeInteiro("TEXTO.DAT");
     Prepara(Linhas("um dois"));
-    static_cast<void>(Disco());
-    ASSERT_EQ(Inicia(), codigos::kOk);
-    apoio::RelogioFalso relogio([&](std::uint32_t) { m_empresa.Escreve("TEXTO.DAT", sOutro); });
-    apoio::ServicosTrocados servicos(nullptr, nullptr, &relogio);
-    m_falhas.Arma({apoio::kOpAbre, "TEXTO.DAT", 1, false, plataforma::FalhaWin32(32), {}});
+    m_falhas.Arma(AntesDeAbrir("TEXTO.DAT", [&] { Poe("TEXTO.DAT", Linhas(caso.outro)); }));
     std::uint64_t uiPosicao = 2;
     EXPECT_EQ(Texto().Grava(uiPosicao, "trinta"), caso.hr);
     EXPECT_EQ(uiPosicao, caso.uiPosicaoDepois);
@@ -182,7 +160,7 @@ TEST_P(ArquivoTexto, OutroProcessoMudaOArquivo) {
   }
 }
 
-TEST_P(ArquivoTexto, NadaAGravarNaoTocaODisco) {
+TEST_F(ArquivoTexto, NadaAGravarNaoTocaODisco) {
   Prepara(Linhas("um dois"));
   m_falhas.Arma({apoio::kOpTodas, "TEXTO.DAT", 1, true, plataforma::FalhaWin32(1117), {}});
   std::uint64_t uiPosicao = 2;
@@ -201,7 +179,7 @@ TEST_P(ArquivoTexto, NadaAGravarNaoTocaODisco) {
   EXPECT_EQ(Disco(), Linhas("um dois"));
 }
 
-TEST_P(ArquivoTexto, LeituraAntesDuranteEDepois) {
+TEST_F(ArquivoTexto, LeituraAntesDuranteEDepois) {
   CString sTexto = "fica";
   ASSERT_EQ(Inicia(), codigos::kOk);
   EXPECT_EQ(Texto().Le(0, sTexto), codigos::kPosicaoZero);
@@ -220,7 +198,7 @@ TEST_P(ArquivoTexto, LeituraAntesDuranteEDepois) {
 }
 
 /// Any bytes load; a line appended behind a damaged end is found again.
-TEST_P(ArquivoTexto, ArquivosQuaisquer) {
+TEST_F(ArquivoTexto, ArquivosQuaisquer) {
   struct Caso {
     std::string disco;
     Textos memoria;
@@ -251,7 +229,7 @@ TEST_P(ArquivoTexto, ArquivosQuaisquer) {
 
 /// Ten thousand random calls against the lines that memory and disk should hold. Rerun a failure with KALVO_SEMENTE set
 /// to its seed.
-TEST_P(ArquivoTexto, OperacoesAleatorias) {
+TEST_F(ArquivoTexto, OperacoesAleatorias) {
   const char *lpSemente = std::getenv("KALVO_SEMENTE");
   const unsigned semente = lpSemente != nullptr ? static_cast<unsigned>(std::stoul(lpSemente)) : std::random_device()();
   SCOPED_TRACE(testing::Message() << "seed " << semente);
@@ -295,7 +273,7 @@ TEST_P(ArquivoTexto, OperacoesAleatorias) {
       disco = bMenor ? memoria : disco;
     }
     ASSERT_EQ(uiDepois, bNoFinal ? memoria.size() : uiPosicao);
-    if (bNoFinal && GetParam() != 0) {
+    if (bNoFinal && m_uiCabecalho != 0) {
       recarrega();  // until then a write over the new lines would be misplaced
     }
   };
@@ -324,83 +302,7 @@ TEST_P(ArquivoTexto, OperacoesAleatorias) {
   recarrega();
 }
 
-/// Every kind of write with its N-th file operation failing, for every N, once and for good, fatally and not: the
-/// caller's answer, the memory and the disk agree.
-TEST_P(ArquivoTexto, FalhaEmCadaOperacao) {
-  struct Caso {
-    const char *nome;
-    std::string disco;
-    std::uint64_t uiPosicao;
-    Textos textos;
-    Textos depois;
-  };
-  const Textos antes = {"um", "dois", "tres"};
-  const Caso casos[] = {
-      {"append", Linhas(antes), 0, {"quatro", "x"}, Junta(antes, {"quatro", "x"})},
-      {"longer", Linhas(antes), 3, {"trinta"}, Junta(antes, {"trinta"})},
-      {"in place", Linhas(antes), 2, {"DOIS"}, {"um", "DOIS", "tres"}},
-      {"past the end", Linhas(antes), 2, {"dois e meio", "TRES", "x"}, {"um", "dois e meio", "TRES", "x"}},
-      {"shrink", Linhas(antes), 1, {"u"}, {"u", "dois", "tres"}},
-      {"growing shrink", Linhas(antes), 3, {"t", "quatro"}, {"um", "dois", "t", "quatro"}},
-      {"behind a damaged end", Linhas(antes) + "x", 0, {"x"}, Junta(antes, {"x"})},
-  };
-  for (const Caso &caso : casos) {
-    for (const auto &[erro, gravaAntes] : {std::pair(112U, 0U), {1117U, 0U}, {112U, 7U}, {1117U, 7U}}) {
-      SCOPED_TRACE(testing::Message() << caso.nome << ", error " << erro << ", " << gravaAntes << " written");
-      const apoio::PlanoFalha plano{
-          .trecho = "TEXTO.DAT", .falha = plataforma::FalhaWin32(erro), .gravaAntes = gravaAntes};
-      for (apoio::SerieFalhas serie(m_falhas, plano, apoio::Duracao::Ambas); serie.Proxima();) {
-        Prepara(caso.disco);
-        std::uint64_t uiPosicao = caso.uiPosicao;
-        const HRESULT hr = serie.Roda([&] { return Grava(&uiPosicao, caso.textos); });
-        const bool bNoFinal = caso.depois == Junta(antes, caso.textos);
-        ASSERT_EQ(uiPosicao, !bNoFinal ? caso.uiPosicao : Falhou(hr) ? 0 : caso.depois.size());
-        ASSERT_EQ(Lidas(), Falhou(hr) ? antes : caso.depois);
-        // A lasting failure is repaired when the file is finished; anything else is right by now, repair or not.
-        if (!serie.Persistente()) {
-          m_falhas.Arma(
-              {apoio::kOpGrava | apoio::kOpAjustaTamanho, "TEXTO.DAT", 1, true, plataforma::FalhaWin32(1117), {}});
-        }
-        ASSERT_EQ(Disco(), Falhou(hr) ? caso.disco : Linhas(caso.depois));
-        m_falhas.Desarma();
-      }
-    }
-  }
-}
-
-TEST_P(ArquivoTexto, DanoDeUmaGravacaoESanadoPelaProxima) {
-  for (const std::string proxima : {"dois", "DOIS", "d"}) {
-    SCOPED_TRACE(proxima);
-    Prepara(Linhas("um dois tres"));
-    std::uint64_t uiPosicao = 1;
-    m_falhas.Arma({apoio::kOpGrava, "TEXTO.DAT", 1, true, plataforma::FalhaWin32(1117), 6});
-    EXPECT_EQ(Grava(&uiPosicao, {"", "meio"}), codigos::kArqErroFisico);
-    uiPosicao = 2;
-    EXPECT_EQ(Grava(&uiPosicao, {proxima}), codigos::kArqErroFisico) << "the damage cannot be repaired yet";
-    m_falhas.Desarma();
-    EXPECT_EQ(Grava(&uiPosicao, {proxima}), codigos::kOk);
-    EXPECT_EQ(Lidas(), (Textos{"um", proxima, "tres"}));
-    m_falhas.Arma({apoio::kOpGrava, "TEXTO.DAT", 1, true, plataforma::FalhaWin32(1117), {}});
-    EXPECT_EQ(Disco(), Linhas({"um", proxima, "tres"}));
-    m_falhas.Desarma();
-  }
-}
-
-TEST_P(ArquivoTexto, FalhaEmCadaOperacaoDaCarga) {
-  const Textos textos = {"um", std::string(100000, 'x'), "tres"};
-  for (apoio::SerieFalhas serie(m_falhas, {.trecho = "TEXTO.DAT"}, apoio::Duracao::Ambas); serie.Proxima();) {
-    m_empresa.Escreve("TEXTO.DAT", Linhas(textos));
-    const HRESULT hr = serie.Roda([&] { return Inicia(); });
-    if (Falhou(hr)) {
-      ASSERT_TRUE(Offsets().empty());
-      ASSERT_EQ(Inicia(), codigos::kOk);
-    }
-    ASSERT_EQ(Lidas(), textos);
-    ASSERT_EQ(Disco(), Linhas(textos));
-  }
-}
-
-TEST_P(ArquivoTexto, RastroDeUmaFalha) {
+TEST_F(ArquivoTexto, RastroDeUmaFalha) {
   const std::string s = "CQZTextFile::";
   const std::string f = "|QZTextFile.cpp|";
   Prepara(Linhas("um dois"));
@@ -422,7 +324,7 @@ TEST_P(ArquivoTexto, RastroDeUmaFalha) {
                                    s + "GravaColecao" + f + "GravaRegistros(uiPosicao, aRegistros)"}));
 }
 
-TEST_P(ArquivoTexto, CopiaOffline) {
+TEST_F(ArquivoTexto, CopiaOffline) {
   Prepara(Linhas("a0b - c"));
   m_empresa.Escreve("TEXTO.OFL", "an earlier companion");
   EXPECT_EQ(Texto().GeraArquivoOffline(), codigos::kOk);

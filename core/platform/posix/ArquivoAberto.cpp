@@ -20,8 +20,7 @@ FalhaArquivo UltimaFalha() {
 
 }  // namespace
 
-ArquivoAberto::ArquivoAberto(Descritor descritor, Acesso acesso)
-    : m_descritor(std::move(descritor)), m_eAcesso(acesso) {}
+ArquivoAberto::ArquivoAberto(Acesso acesso) : m_eAcesso(acesso) {}
 
 FalhaArquivo ArquivoAberto::Le(std::uint64_t posicao, void *destino, std::size_t qtd) {
   if (m_eAcesso == Acesso::Escrita) {

@@ -10,7 +10,10 @@ namespace plataforma {
 /// it readable), so the access is checked here.
 class ArquivoAberto final : public IArquivoAberto {
 public:
-  ArquivoAberto(Descritor descritor, Acesso acesso);
+  explicit ArquivoAberto(Acesso acesso);
+
+  /// To be filled with the file's descriptor; everything else needs that.
+  Descritor *Posse() { return &m_descritor; }
 
   FalhaArquivo Le(std::uint64_t posicao, void *destino, std::size_t qtd) override;
   FalhaArquivo Grava(std::uint64_t posicao, const void *origem, std::size_t qtd) override;

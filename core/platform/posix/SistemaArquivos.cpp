@@ -183,12 +183,13 @@ public:
                     std::unique_ptr<IArquivoAberto> *arquivo) override {
     arquivo->reset();
     const std::string nativo = CaminhoNativo(caminho);
-    Descritor descritor;
-    if (const FalhaArquivo falha = AteValer([&] { return TentaAbrir(nativo, modo, &descritor); })) {
-      return falha;
+    // Before the file is opened: one that was created without being handed over would be nobody's.
+    auto aberto = std::make_unique<ArquivoAberto>(modo.acesso);
+    const FalhaArquivo falha = AteValer([&] { return TentaAbrir(nativo, modo, aberto->Posse()); });
+    if (!falha) {
+      *arquivo = std::move(aberto);
     }
-    *arquivo = std::make_unique<ArquivoAberto>(std::move(descritor), modo.acesso);
-    return kSemFalha;
+    return falha;
   }
 
   FalhaArquivo Existe(const CString &caminho, bool *existe) override {

@@ -190,9 +190,12 @@ HRESULT CQZFile<T>::GravaFaixa(std::uint64_t &uiPosicao, const T *pRegistros, st
     QZ_RETORNA_CODIGO(rastro, codigos::kGravacaoAlemDoFim);
   }
   if (!PrecisaGravar(uiPosicao, pRegistros, qtd)) {
-    // What an earlier failure left on disk gets its chance of repair even when there is nothing new to write.
+    // What an earlier failure left on disk gets its chance of repair even when there is nothing new to write. There may
+    // be, where that finds the file changed by others.
     QZ_VERIFICA(rastro, "RestauraPendencia()", RestauraPendencia());
-    return codigos::kOk;
+    if (!PrecisaGravar(uiPosicao, pRegistros, qtd)) {
+      return codigos::kOk;
+    }
   }
   std::uint64_t uiIndice = 0;
   const auto fixaLugar = [&]() -> HRESULT {

@@ -103,14 +103,13 @@ HRESULT CQZFileBase::AbreNoModo(EModoAbertura eModoAbertura, bool bCriando) {
     return AposAbrir(m_abertura.Modo());
   }
   // A file whose content is in memory, and which is gone, is told and never taken for one that has yet to be created.
-  const bool bNuncaExistiu = eMemoriaAnterior == EMemoria::NadaCarregado || eMemoriaAnterior == EMemoria::NuncaExistiu;
-  if (bNuncaExistiu) {
+  if (!m_bExistiu) {
     m_eMemoria = eMemoriaAnterior;
   }
-  if (!Falhou(hr) || (hr == codigos::kArqNaoEncontrado && bNuncaExistiu && eModoAbertura == eModoLeitura)) {
+  if (!Falhou(hr) || (hr == codigos::kArqNaoEncontrado && !m_bExistiu && eModoAbertura == eModoLeitura)) {
     return codigos::kOk;
   }
-  if (hr == codigos::kArqNaoEncontrado && bNuncaExistiu && eModoAbertura != eModoCriacao && !bCriando) {
+  if (hr == codigos::kArqNaoEncontrado && !m_bExistiu && eModoAbertura != eModoCriacao && !bCriando) {
     return CriaEAbre(rastro, eModoAbertura);
   }
   VoltaAoModo(eModoAnterior);
@@ -149,6 +148,7 @@ void CQZFileBase::VoltaAoModo(EModoAbertura eModoAnterior) {
 /// header, its content in memory. On failure the file is closed, and memory loaded before is not served.
 HRESULT CQZFileBase::AposAbrir(EModoAbertura eModoAbertura) {
   const CQZRastro rastro(this, {"CQZFileBase::AbreArquivo"}, kFonte);
+  m_bExistiu = true;
   if (!m_abertura.MesmoArquivo()) {
     m_cabecalho.Esquece();
   }
@@ -184,6 +184,11 @@ HRESULT CQZFileBase::ReabreUmaVez() {
     m_abertura.Fecha();
   }
   const HRESULT hr = m_abertura.Abre(CaminhoCompleto(), eModo, 1);
+  if (hr == codigos::kArqNaoEncontrado && !m_bExistiu) {
+    // An exception ended its creation half way.
+    m_eMemoria = EMemoria::NuncaExistiu;
+    return codigos::kOk;
+  }
   return Falhou(hr) ? rastro.Codigo(hr, __LINE__) : AposAbrir(eModo);
 }
 
@@ -205,6 +210,7 @@ HRESULT CQZFileBase::OnInicializa() {
   m_abertura.Fecha();  // a failed initialisation leaves its handle open
   m_transacao.Confirma();
   m_bACriar = false;
+  m_bExistiu = false;
   m_eMemoria = EMemoria::NadaCarregado;
   const bool bLigado = plataforma::Registro().LeNumero(kChaveSuite, kValorCabecalho).value_or(0) != 0;
   const bool bTemCabecalho = bLigado && !CQZPath::TemExtensao(m_sNomeArquivo, "TRA");
@@ -246,6 +252,7 @@ HRESULT CQZFileBase::OnFinaliza() {
   m_abertura.Fecha();
   m_transacao.Confirma();
   m_bACriar = false;
+  m_bExistiu = false;
   m_eMemoria = EMemoria::NadaCarregado;
   return hr;
 }
@@ -314,6 +321,7 @@ void CQZFileBase::DesfazCriacao() {
   }
   if (!falha || falha.NaoEsta()) {
     m_bACriar = false;
+    m_bExistiu = false;
     m_transacao.Confirma();
     EsvaziaMemoria();
     m_eMemoria = EMemoria::NuncaExistiu;

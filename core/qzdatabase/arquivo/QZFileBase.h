@@ -207,6 +207,7 @@ private:
   bool m_bSemControle = false;
   bool m_bEntradaNova = false;  ///< added to the list of created files by the creation that is under way
   bool m_bACriar = false;
+  bool m_bExistiu = false;  ///< the file was open at some time since initialisation, so it is to be found
 
   std::atomic<EMemoria> m_eMemoria{EMemoria::NadaCarregado};
   std::uint64_t m_uiCargas = 0;  ///< how often memory was loaded: a place in the file holds for one of them

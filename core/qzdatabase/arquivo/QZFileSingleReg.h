@@ -115,7 +115,7 @@ HRESULT CQZFileSingleReg<T>::Le(T *pReg) {
   const CQZOperacao rastro(this, Nome(">::Le"), kFonte);
   const plataforma::CQZTrava trava(Secao());
   QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
-  if (!ExisteArquivo()) {
+  if (!ExisteArquivo() || !m_bTemRegistro) {
     QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoAberto);
   }
   *pReg = m_reg;
@@ -129,7 +129,9 @@ HRESULT CQZFileSingleReg<T>::Grava(const T &reg) {
   QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   if (!PrecisaGravar(reg)) {
     QZ_VERIFICA(rastro, "RestauraPendencia()", RestauraPendencia());
-    return codigos::kOk;
+    if (!PrecisaGravar(reg)) {
+      return codigos::kOk;
+    }
   }
   const auto abre = [&]() -> HRESULT {
     QZ_VERIFICA(rastro, "AbreArquivo()", AbreArquivo());

@@ -160,9 +160,12 @@ HRESULT CQZTextFile::GravaLinhas(std::uint64_t &uiPosicao, const CStringArray &a
     QZ_RETORNA_CODIGO(rastro, codigos::kGravacaoAlemDoFim);
   }
   if (!PrecisaGravar(uiPosicao, aRegistros)) {
-    // What an earlier failure left on disk gets its chance of repair even when there is nothing new to write.
+    // What an earlier failure left on disk gets its chance of repair even when there is nothing new to write. There may
+    // be, where that finds the file changed by others.
     QZ_VERIFICA(rastro, "RestauraPendencia()", RestauraPendencia());
-    return codigos::kOk;
+    if (!PrecisaGravar(uiPosicao, aRegistros)) {
+      return codigos::kOk;
+    }
   }
   const std::uint64_t uiPedida = uiPosicao;
   uiPosicao = DeveGravarNoFinal(uiPedida, aRegistros) ? 0 : uiPedida;

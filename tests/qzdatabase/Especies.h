@@ -1,0 +1,196 @@
+#ifndef KALVO_TESTS_QZDATABASE_ESPECIES_H
+#define KALVO_TESTS_QZDATABASE_ESPECIES_H
+
+#include "core/qzdatabase/arquivo/QZTextFile.h"
+#include "tests/qzdatabase/BancoTeste.h"
+
+/// One write, and the file's content before (nothing: there is no file) and after. What stands behind the content
+/// before, and is none, goes.
+struct Gravacao {
+  const char *nome;
+  std::optional<std::string> antes;
+  std::function<HRESULT()> grava;
+  std::string depois;
+  std::string sobra{};
+};
+
+/// One operation, and its answer when the file can be had.
+struct Operacao {
+  const char *nome;
+  std::function<HRESULT()> executa;
+  HRESULT hr = codigos::kOk;
+};
+
+/// A file of one of the three kinds in the terms in which the tests of all of them are written. A content is that of
+/// two numbers, or of the first alone: in a single-record file, and where the second is 0.
+class Especie {
+public:
+  Especie() = default;
+  Especie(const Especie &) = delete;
+  Especie &operator=(const Especie &) = delete;
+  virtual ~Especie() = default;
+
+  virtual CQZFileBase &File() = 0;
+  virtual std::string Conteudo(std::uint32_t a, std::uint32_t b) const = 0;
+  virtual std::string Acrescentado(const std::string &dados, std::uint32_t n) const { return dados + Conteudo(n, 0); }
+  /// What a file with one byte too many is refused with.
+  virtual HRESULT Torto() const = 0;
+
+  /// Everything that can be read, one by one.
+  virtual HRESULT Le(std::string *psDados) = 0;
+  /// Writes over the first number.
+  virtual HRESULT Muda(std::uint32_t n) = 0;
+  /// Adds a number where there is room.
+  virtual HRESULT Acrescenta(std::uint32_t n) = 0;
+  /// The first creates the file.
+  virtual std::vector<Gravacao> Gravacoes() = 0;
+  virtual std::vector<Operacao> Operacoes() = 0;
+};
+
+class Tipado final : public Especie {
+public:
+  explicit Tipado(IDonoDeArquivos *pDono) : m_file("TESTE.DAT", pDono) {}
+
+  CQZFileBase &File() override { return m_file; }
+  std::string Conteudo(std::uint32_t a, std::uint32_t b) const override {
+    return Bytes(a, a) + (b == 0 ? "" : Bytes(b, b));
+  }
+  HRESULT Torto() const override { return codigos::kTamanhoNaoMultiplo; }
+  HRESULT Le(std::string *psDados) override {
+    std::uint64_t uiQtd = 0;
+    const HRESULT hr = m_file.GetQuantidade(&uiQtd);
+    const auto junta = [psDados](std::uint64_t, const RegTeste &reg) {
+      psDados->append(reinterpret_cast<const char *>(&reg), sizeof(reg));
+      return true;
+    };
+    return Falhou(hr) ? hr : m_file.Percorre(1, uiQtd, junta);
+  }
+  HRESULT Muda(std::uint32_t n) override { return Grava(1, n); }
+  HRESULT Acrescenta(std::uint32_t n) override { return Grava(0, n); }
+  std::vector<Gravacao> Gravacoes() override {
+    constexpr std::uint32_t kBloco = CQZBlocosRegistros<RegTeste>::kRegistrosPorBloco;
+    return {{"create", {}, [this] { return Grava(0, 1); }, Bytes(1, 1)},
+            {"append", Bytes(1, 3), [this] { return Grava(0, 9); }, Bytes(1, 3) + Bytes(9, 9)},
+            {"overwrite", Bytes(1, 3), [this] { return Grava(2, 9); }, Bytes(1, 1) + Bytes(9, 9) + Bytes(3, 3)},
+            {"past the end", Bytes(1, 3), [this] { return Colecoes(3, 13, 15); }, Bytes(1, 2) + Bytes(13, 15)},
+            {"over two blocks", Bytes(1, kBloco + 2), [this] { return Colecoes(kBloco, 5000, 5001); },
+             Bytes(1, kBloco - 1) + Bytes(5000, 5001) + Bytes(kBloco + 2, kBloco + 2)}};
+  }
+  std::vector<Operacao> Operacoes() override {
+    static constexpr auto kNada = [](std::uint64_t, const RegTeste &) { return true; };
+    return {{"Le", [this] { return m_file.Le(1, &m_lido); }},
+            {"GetQuantidade", [this] { return m_file.GetQuantidade(&m_uiQtd); }},
+            {"Percorre", [this] { return m_file.Percorre(1, 2, kNada); }},
+            {"Percorre, nothing", [this] { return m_file.Percorre(1, 0, kNada); }},
+            {"Grava", [this] { return Grava(1, 4); }},
+            {"Grava behind the end", [this] { return Grava(4, 4); }, codigos::kGravacaoAlemDoFim},
+            {"GravaColecao", [this] { return Colecoes(0, 4, 5); }}};
+  }
+
+private:
+  HRESULT Grava(std::uint64_t uiPosicao, std::uint32_t n) { return m_file.Grava(uiPosicao, Registro(n)); }
+  HRESULT Colecoes(std::uint64_t uiPosicao, std::uint32_t a, std::uint32_t b) {
+    return m_file.GravaColecao(uiPosicao, Colecao(a, b));
+  }
+
+  CQZFile<RegTeste> m_file;
+  RegTeste m_lido{};
+  std::uint64_t m_uiQtd = 0;
+};
+
+class Unico final : public Especie {
+public:
+  explicit Unico(IDonoDeArquivos *pDono) : m_file("UNICO.DAT", pDono) {}
+
+  CQZFileBase &File() override { return m_file; }
+  std::string Conteudo(std::uint32_t a, std::uint32_t) const override { return Bytes(a, a); }
+  std::string Acrescentado(const std::string &, std::uint32_t n) const override { return Bytes(n, n); }
+  HRESULT Torto() const override { return codigos::kTamanhoDiferente; }
+  HRESULT Le(std::string *psDados) override {
+    RegTeste reg{};
+    const HRESULT hr = m_file.Le(&reg);
+    psDados->assign(reinterpret_cast<const char *>(&reg), Falhou(hr) ? 0 : sizeof(reg));
+    return hr == codigos::kArquivoNaoAberto ? codigos::kOk : hr;
+  }
+  HRESULT Muda(std::uint32_t n) override { return m_file.Grava(Registro(n)); }
+  HRESULT Acrescenta(std::uint32_t n) override { return Muda(n); }
+  std::vector<Gravacao> Gravacoes() override {
+    return {{"create", {}, [this] { return Muda(1); }, Bytes(1, 1)},
+            {"overwrite", Bytes(1, 1), [this] { return Muda(2); }, Bytes(2, 2)}};
+  }
+  std::vector<Operacao> Operacoes() override {
+    return {{"Le", [this] { return m_file.Le(&m_lido); }}, {"Grava", [this] { return Muda(4); }}};
+  }
+
+private:
+  CQZFileSingleReg<RegTeste> m_file;
+  RegTeste m_lido{};
+};
+
+class Texto final : public Especie {
+public:
+  explicit Texto(IDonoDeArquivos *pDono) : m_file("TEXTO.DAT", pDono) {}
+
+  CQZFileBase &File() override { return m_file; }
+  std::string Conteudo(std::uint32_t a, std::uint32_t b) const override {
+    return Linhas({Linha(a)}) + (b == 0 ? "" : Linhas({Linha(b)}));
+  }
+  HRESULT Torto() const override { return codigos::kOk; }
+  HRESULT Le(std::string *psDados) override {
+    for (std::uint64_t uiPosicao = 1;; ++uiPosicao) {
+      const HRESULT hr = m_file.Le(uiPosicao, m_sLida);
+      if (Falhou(hr)) {
+        return hr == codigos::kPosicaoAlemDoFim || hr == codigos::kArquivoNaoAberto ? codigos::kOk : hr;
+      }
+      psDados->append(Linhas({m_sLida}));
+    }
+  }
+  HRESULT Muda(std::uint32_t n) override { return Grava(1, {Linha(n)}); }
+  HRESULT Acrescenta(std::uint32_t n) override { return Grava(0, {Linha(n)}); }
+  std::vector<Gravacao> Gravacoes() override {
+    const std::string antes = Linhas({"um", "dois", "tres"});
+    return {{"create", {}, [this] { return Acrescenta(1); }, Conteudo(1, 0)},
+            {"append", antes,
+             [this] {
+               return Grava(0, {"quatro", "x"});
+             },
+             antes + Linhas({"quatro", "x"})},
+            {"longer", antes, [this] { return Grava(3, {"trinta"}); }, antes + Linhas({"trinta"})},
+            {"in place", antes, [this] { return Grava(2, {"DOIS"}); }, Linhas({"um", "DOIS", "tres"})},
+            {"past the end", antes,
+             [this] {
+               return Grava(2, {"dois e meio", "TRES", "x"});
+             },
+             Linhas({"um", "dois e meio", "TRES", "x"})},
+            {"shrink", antes, [this] { return Grava(1, {"u"}); }, Linhas({"u", "dois", "tres"})},
+            {"growing shrink", antes,
+             [this] {
+               return Grava(3, {"t", "quatro"});
+             },
+             Linhas({"um", "dois", "t", "quatro"})},
+            {"damaged end", antes, [this] { return Grava(0, {"x"}); }, antes + Linhas({"x"}), "x"}};
+  }
+  std::vector<Operacao> Operacoes() override {
+    return {{"Le", [this] { return m_file.Le(1, m_sLida); }},
+            {"Grava", [this] { return Muda(4); }},
+            {"Grava behind the end", [this] { return Grava(4, {"x"}); }, codigos::kGravacaoAlemDoFim},
+            {"GravaSeNova", [this] { return m_file.GravaSeNova(m_uiPosicao, "x"); }},
+            {"GeraArquivoOffline", [this] { return m_file.GeraArquivoOffline(); }}};
+  }
+
+private:
+  static std::string Linha(std::uint32_t n) { return "linha " + std::to_string(n); }
+  HRESULT Grava(std::uint64_t uiPosicao, const std::vector<std::string> &textos) {
+    CStringArray aTextos;
+    for (const std::string &texto : textos) {
+      aTextos.Add(texto);
+    }
+    return m_file.GravaColecao(uiPosicao, aTextos);
+  }
+
+  CQZTextFile m_file;
+  CString m_sLida;
+  std::uint64_t m_uiPosicao = 0;
+};
+
+#endif

@@ -37,15 +37,7 @@ protected:
 };
 
 TEST_F(Cabecalho, BytesConhecidos) {
-  CQZProfilerEmpresa dono = m_empresa.Dono();
-  std::string veiculo("V001\0\0\0\0\0\0\0\0\0ABC1D23\0\0SP\0CAMINHAO TOCO", 38);
-  veiculo.resize(76);
-  veiculo += DeHexa("E4 07 00 00") + "12345678";
-  veiculo.resize(101);
-  veiculo += DeHexa("02 01 00 C0 68 78 04 00 00 00 00 00 0E 27 07 00 00 00 00 58 F1 06 00 00 00 00 00");
-  veiculo += "00123456789";
-  veiculo += DeHexa("00 11 00 01");
-  veiculo.resize(256);
+  const CQZProfilerEmpresa dono = m_empresa.Dono();
   const std::string sVersao = DeHexa("01 00 00 00 00 00 00 00 0D F1 D0 5C 92 79 E9 54 36 64 84 38 58 81 E7 53");
   const struct {
     const char *nome;
@@ -54,13 +46,15 @@ TEST_F(Cabecalho, BytesConhecidos) {
     const char *fim;  ///< the two checks at the end of the header
     std::uint32_t uiCodigo;
   } casos[] = {
-      {"DFVEIC.DAT", veiculo, "00 00 00 00", "61 3A 7A 2F AF EF 19 D0 DA 17 A7 DD 3F 98 1C 1A", 0},
-      {"DFVEIC.DAT", veiculo, "4E 61 BC 00", "61 3A 7A 2F AF EF 19 D0 79 AF FF E5 17 CD B2 24", 12345678},
       {"DFVEIC.DAT", "", "00 00 00 00", "00 00 00 00 00 00 00 00 5D 38 C7 AE 0E 3F 39 9F", 0},
       {"DFVEIVS.DAT", std::string(1, 1) + std::string(15, 0), "00 00 00 00",
        "E4 3A 39 CA 97 D4 5D E0 4F 97 F4 6C 47 20 40 50", 0},
+      {"DFVEIVS.DAT", std::string(1, 1) + std::string(15, 0), "4E 61 BC 00",
+       "E4 3A 39 CA 97 D4 5D E0 EC 2F AC 54 6F 75 EE 6E", 12345678},
       {"QZDATABASE_FILE_CTRL.DAT", DeHexa("0A 00 00 00") + "DFVEIC.DAT", "00 00 00 00",
        "43 61 E3 53 E2 B8 01 46 A2 DB 20 C7 28 7D 24 33", 0},
+      {"NOME_COM_MAIS_DE_40_LETRAS_NAO_CABE_INTEIRO.DAT", "", "00 00 00 00",
+       "00 00 00 00 00 00 00 00 CC 9F 9B 87 88 24 2A EF", 0},
   };
   static std::uint32_t s_uiCodigo;
   DefineLeitorDadosInstalacao([](const CQZBaseParaRotinas &, CQZDadosInstalacao *pDados) -> HRESULT {
@@ -76,9 +70,9 @@ TEST_F(Cabecalho, BytesConhecidos) {
     EXPECT_EQ(qzDB.Inicializa(dono), codigos::kOk);
     EXPECT_EQ(qzDB.Finaliza(), codigos::kOk);
     std::string sNome = caso.nome;
-    sNome.resize(46);
-    EXPECT_EQ(Inteiro(caso.nome),
-              sVersao + DeHexa(caso.codigo) + std::string(2, 0) + sNome + DeHexa(caso.fim) + caso.dados);
+    sNome.resize(40);
+    EXPECT_EQ(Inteiro(caso.nome), sVersao + DeHexa(caso.codigo) + std::string(2, 0) + sNome + std::string(6, 0) +
+                                      DeHexa(caso.fim) + caso.dados);
   }
   DefineLeitorDadosInstalacao(nullptr);
 }
@@ -168,24 +162,6 @@ TEST_F(Cabecalho, ChaveMudaDuranteEEntreAberturas) {
   EXPECT_EQ(reg, Registro(4));
 }
 
-/// Every write leaves a header that a full check accepts: over, within and behind the stored records.
-TEST_F(Cabecalho, SegueCadaGravacao) {
-  PreparaBase();
-  for (const std::uint32_t uiPrimeiro : {1U, 4U, 2U, 0U, 3U}) {
-    ASSERT_EQ(Abre(), codigos::kOk);
-    for (std::uint32_t uiQtd = 1; uiQtd < 4; ++uiQtd) {
-      std::uint64_t uiPosicao = uiPrimeiro;
-      const std::uint32_t uiNumero = 100 * uiPrimeiro + 10 * uiQtd;
-      ASSERT_EQ(Arquivo().GravaColecao(uiPosicao, Colecao(uiNumero, uiNumero + uiQtd - 1)), codigos::kOk);
-      ASSERT_EQ(Unico().Grava(Registro(uiNumero)), codigos::kOk);
-    }
-    static_cast<void>(Disco("TESTE.DAT"));
-    static_cast<void>(m_empresa.Le("UNICO.DAT"));
-  }
-  ASSERT_EQ(Abre(), codigos::kOk);
-  EXPECT_EQ(Quantidade(Arquivo()), 12U);
-}
-
 /// A database that defers flushing writes the header once, at the end.
 TEST_F(Cabecalho, FlushAdiado) {
   PreparaBase();
@@ -199,27 +175,91 @@ TEST_F(Cabecalho, FlushAdiado) {
     ASSERT_EQ(qzFile.Grava(uiOnde, Registro(50)), codigos::kOk);
   }
   EXPECT_EQ(m_falhas.Vistas(), 4U);
-  ASSERT_EQ(qzDB.Finaliza(), codigos::kOk);
-  EXPECT_EQ(m_falhas.Vistas(), 5U);
-  EXPECT_EQ(m_empresa.Le("TESTE.DAT"), Bytes(50, 50) + Bytes(50, 50) + Bytes(50, 50) + Bytes(50, 50));
+  m_falhas.Arma({.operacoes = apoio::kOpGrava, .trecho = "TESTE.DAT"});
+  EXPECT_EQ(qzDB.Finaliza(), codigos::kArqErroFisico) << "the failure of the only one is told";
+  ASSERT_EQ(qzDB.Inicializa(m_empresa.Dono()), codigos::kDadosNaoConferem);
 }
 
-/// A header that cannot be made leaves the file as it was and no companion; the next try works.
-TEST_F(Cabecalho, FalhaEmCadaOperacaoDaCriacao) {
-  m_empresa.Escreve("UNICO.DAT", Bytes(7, 7));
-  const apoio::PlanoFalha plano{.trecho = "TESTE", .gravaAntes = 30};
-  for (apoio::SerieFalhas serie(m_falhas, plano, apoio::Duracao::Ambas); serie.Proxima();) {
-    m_empresa.Escreve("TESTE.DAT", Bytes(1, 4));
-    const HRESULT hr = serie.Roda([&] { return AbreUmaVez(); });
-    ASSERT_TRUE(serie.Disparou() || hr == codigos::kOk);
-    ASSERT_EQ(m_empresa.Le("TESTE.DAT"), Bytes(1, 4));
-    if (!serie.Persistente()) {
+/// A file without header gets it whole or stays as it was; one with a header that cannot be read gets no second one.
+TEST_F(Cabecalho, FalhaEmCadaOperacaoDaAbertura) {
+  const std::string novo = NoDisco("TESTE.DAT", Bytes(1, 4));
+  for (const std::string &antes : {Bytes(1, 4), novo}) {
+    for (apoio::SerieFalhas serie(m_falhas, {.trecho = "TESTE", .gravaAntes = 30}, apoio::Duracao::Todas);
+         serie.Proxima();) {
+      m_empresa.Escreve("TESTE.DAT", antes);
+      const HRESULT hr = serie.Roda([&] { return AbreUmaVez(); });
+      ASSERT_TRUE(Inteiro() == novo || (Falhou(hr) && Inteiro() == antes));
+      ASSERT_TRUE(!m_empresa.Existe("TESTE.TRA") || !serie.Passageira());
+      ASSERT_EQ(AbreUmaVez(), codigos::kOk) << "a second try works";
+      ASSERT_EQ(Inteiro(), novo);
       ASSERT_FALSE(m_empresa.Existe("TESTE.TRA"));
     }
-    ASSERT_EQ(AbreUmaVez(), codigos::kOk) << "a second try works";
-    ASSERT_EQ(m_empresa.Le("TESTE.DAT"), Bytes(1, 4));
-    ASSERT_FALSE(m_empresa.Existe("TESTE.TRA"));
   }
+}
+
+/// While the file gets its header: the move of the complete copy fails for a moment, and others do something to the
+/// file then, or before it is opened again.
+TEST_F(Cabecalho, OutroProgramaNaTrocaPeloNovo) {
+  const std::string alheio = NoDisco("TESTE.DAT", Bytes(5, 8));
+  const struct {
+    const char *nome;
+    unsigned onde;
+    std::size_t enesima;
+    std::function<void()> acao;
+    HRESULT hr;
+    std::string depois;
+  } casos[] = {
+      {"nothing", apoio::kOpMove, 1, [] {}, codigos::kOk, NoDisco("TESTE.DAT", Bytes(1, 4))},
+      {"write", apoio::kOpMove, 1, [&] { m_empresa.Escreve("TESTE.DAT", alheio); }, codigos::kTraNaoRenomeado, alheio},
+      {"copy taken away", apoio::kOpMove, 1, [&] { Poe("TESTE.TRA", {}); }, codigos::kTraNaoRenomeado, Bytes(1, 4)},
+      {"write after the move", apoio::kOpAbre, 2, [&] { m_empresa.Escreve("TESTE.DAT", alheio); }, codigos::kOk,
+       alheio},
+      {"damage after the move", apoio::kOpAbre, 2, [&] { m_empresa.Escreve("TESTE.DAT", alheio + "x"); },
+       codigos::kDadosNaoConferem, alheio + "x"},
+      {"file held for a moment", apoio::kOpMove, 1,
+       [&] { m_falhas.ArmaTambem({.operacoes = apoio::kOpAbre, .falha = plataforma::FalhaWin32(32)}); }, codigos::kOk,
+       NoDisco("TESTE.DAT", Bytes(1, 4))},
+  };
+  for (const auto &caso : casos) {
+    SCOPED_TRACE(caso.nome);
+    m_empresa.Escreve("TESTE.DAT", Bytes(1, 4));
+    m_falhas.Arma({.operacoes = apoio::kOpMove, .enesima = 3});
+    const bool bMovendo = caso.onde == apoio::kOpMove;
+    m_falhas.ArmaTambem({.operacoes = caso.onde,
+                         .trecho = "TESTE.DAT",
+                         .enesima = caso.enesima,
+                         .falha = bMovendo ? plataforma::FalhaWin32(32) : plataforma::FalhaArquivo{},
+                         .aoFalhar = caso.acao});
+    EXPECT_EQ(AbreUmaVez(), caso.hr);
+    EXPECT_LE(m_falhas.Vistas(), 2U) << "it is not moved while it cannot be looked at";
+    m_falhas.Desarma();
+    EXPECT_EQ(Inteiro(), caso.depois);
+    EXPECT_FALSE(m_empresa.Existe("TESTE.TRA"));
+  }
+}
+
+/// The copy is on the storage device before it is moved.
+TEST_F(Cabecalho, CopiaEDescarregadaAntesDaTroca) {
+  m_empresa.Escreve("TESTE.DAT", Bytes(1, 4));
+  m_falhas.Arma({.operacoes = apoio::kOpDescarrega, .trecho = "TESTE.TRA"});
+  EXPECT_EQ(AbreUmaVez(), codigos::kArqErroFisico);
+  EXPECT_EQ(Inteiro(), Bytes(1, 4));
+}
+
+/// A file opened to be read along with others neither gets a header nor has it checked.
+TEST_F(Cabecalho, AberturaCompartilhadaNaoOlha) {
+  PreparaBase();
+  m_falhas.FixaUltimaEscrita(1);
+  ASSERT_EQ(Abre(), codigos::kOk);
+  std::string alheio = NoDisco("TESTE.DAT", Bytes(5, 8));
+  alheio[80] ^= 1;
+  m_falhas.Arma(AntesDeAbrir("TESTE.DAT", [&] {
+    m_empresa.Escreve("TESTE.DAT", alheio);
+    m_falhas.FixaUltimaEscrita(2);
+  }));
+  EXPECT_EQ(Arquivo().AbreArquivo(eModoLeituraCompartilhada), codigos::kOk);
+  EXPECT_EQ(Arquivo().AbreArquivo(), codigos::kCabecalhoDanificado);
+  EXPECT_EQ(Inteiro(), alheio);
 }
 
 }  // namespace

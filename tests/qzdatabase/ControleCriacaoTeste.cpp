@@ -7,22 +7,17 @@
 
 namespace {
 
-/// A list on disk.
-std::string Lista(const std::vector<std::string> &nomes) {
-  std::string bytes;
-  for (const std::string &nome : nomes) {
-    bytes += std::string(1, static_cast<char>(nome.size())) + std::string(3, '\0') + nome;
-  }
-  return bytes;
-}
-
 class Controle : public ComBanco {
 protected:
   HRESULT Acrescenta(std::uint32_t uiNumero) {
     std::uint64_t uiPosicao = 0;
     return Arquivo().Grava(uiPosicao, Registro(uiNumero));
   }
-  void Apaga(const CString &nome) { ASSERT_FALSE(plataforma::Arquivos().Apaga(m_empresa.Caminho(nome))); }
+  void Apaga(const CString &nome) { Poe(nome, std::nullopt); }
+  /// Whether the file is there, and whether the list has it.
+  std::pair<bool, bool> Estado(const CString &nome = "TESTE.DAT") {
+    return {Inteiro(nome).has_value(), Inteiro(kArquivoControle).value_or("").find(nome) != std::string::npos};
+  }
 };
 
 TEST_F(Controle, SoOQueOSistemaCriouEListado) {
@@ -32,7 +27,7 @@ TEST_F(Controle, SoOQueOSistemaCriouEListado) {
   ASSERT_EQ(Acrescenta(1), codigos::kOk);
   ASSERT_EQ(Unico().Grava(Registro(2)), codigos::kOk);
   ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
-  EXPECT_EQ(m_empresa.Le(kArquivoControle), Lista({"TESTE.DAT"})) << "neither a file that was there nor the list";
+  EXPECT_EQ(m_empresa.Le(kArquivoControle), Linhas({"TESTE.DAT"})) << "neither a file that was there nor the list";
   for (const char *lpNome : {"COPIA.TRA", "copia.ofl"}) {
     CQZDataBase qzDB(QZ_DF);
     CQZFile<RegTeste> qzFile(lpNome, &qzDB);
@@ -40,7 +35,7 @@ TEST_F(Controle, SoOQueOSistemaCriouEListado) {
     std::uint64_t uiPosicao = 0;
     EXPECT_EQ(qzFile.Grava(uiPosicao, Registro(1)), codigos::kOk);
   }
-  EXPECT_EQ(m_empresa.Le(kArquivoControle), Lista({"TESTE.DAT"})) << "companions are not listed";
+  EXPECT_EQ(m_empresa.Le(kArquivoControle), Linhas({"TESTE.DAT"})) << "companions are not listed";
 }
 
 /// Gone without the system's doing: reported at every open, for reading too, until the file is back.
@@ -60,7 +55,7 @@ TEST_F(Controle, ArquivoListadoQueSumiuERelatado) {
   ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
 
   // Names are compared with their letter case.
-  m_empresa.Escreve(kArquivoControle, Lista({"teste.dat", "TESTE.DA", "TESTE.DATX"}));
+  m_empresa.Escreve(kArquivoControle, Linhas({"teste.dat", "TESTE.DA", "TESTE.DATX"}));
   Apaga("TESTE.DAT");
   EXPECT_EQ(Abre(), codigos::kOk);
 }
@@ -88,26 +83,72 @@ TEST_F(Controle, DelecaoDePropositoNaoERelatada) {
     EXPECT_EQ(forma(), codigos::kOk);
     EXPECT_FALSE(m_empresa.Existe("TESTE.DAT"));
     lista.emplace_back("");
-    EXPECT_EQ(m_empresa.Le(kArquivoControle), Lista(lista));
+    EXPECT_EQ(m_empresa.Le(kArquivoControle), Linhas(lista));
   }
 }
 
-/// Whatever fails while a file is created: afterwards the list and the disk agree, and the next write creates it.
-TEST_F(Controle, FalhaEmCadaOperacaoDaCriacaoNaoTrancaAEmpresa) {
-  for (apoio::SerieFalhas serie(m_falhas, {.gravaAntes = 9}); serie.Proxima();) {
-    apoio::EmpresaComBase empresa;
-    ASSERT_EQ(m_banco.Inicializa(empresa.Dono()), codigos::kOk);
-    const HRESULT hr = serie.Roda([&] { return Acrescenta(1); });
-    static_cast<void>(m_banco.Finaliza());
-    ASSERT_EQ(m_banco.Inicializa(empresa.Dono()), codigos::kOk);
-    if (Falhou(hr)) {
-      ASSERT_EQ(Acrescenta(1), codigos::kOk);
-    }
-    ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
-    ASSERT_EQ(empresa.Le("TESTE.DAT"), Bytes(1, 1));
-    ASSERT_TRUE(empresa.Le(kArquivoControle).ends_with(Lista({"TESTE.DAT"})));
-    ASSERT_FALSE(empresa.Existe("TESTE.TRA"));
+/// While a file is created its entry and the file are not to be met one without the other: the list is held. Another
+/// program that is as far may enter the name first; it is entered once.
+TEST_F(Controle, OutroProgramaNaCriacao) {
+  Poe(kArquivoControle, Linhas({"OUTRO.DAT"}));
+  ASSERT_EQ(Abre(), codigos::kOk);
+  m_falhas.Arma(AntesDeAbrir(
+      "TESTE.DAT",
+      [&] {
+        std::unique_ptr<plataforma::IArquivoAberto> lista;
+        EXPECT_EQ(
+            plataforma::ServicosDoSistema().arquivos->Abre(m_empresa.Caminho(kArquivoControle), {}, &lista).erroSO,
+            32U);
+      },
+      2));
+  m_falhas.ArmaTambem(AntesDeAbrir(
+      kArquivoControle,
+      [&] {
+        Poe(kArquivoControle, Linhas({"OUTRO.DAT", "TESTE.DAT"}));
+      },
+      3));
+  EXPECT_EQ(Acrescenta(1), codigos::kOk);
+  EXPECT_EQ(m_falhas.Disparos(), 2U);
+  EXPECT_EQ(m_empresa.Le(kArquivoControle), Linhas({"OUTRO.DAT", "TESTE.DAT"}));
+}
+
+/// What cannot be asked is not "not there".
+TEST_F(Controle, ExistenciaQueNaoSeDescobre) {
+  ASSERT_EQ(Abre(), codigos::kOk);
+  ASSERT_EQ(Acrescenta(1), codigos::kOk);
+  ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
+  for (const std::uint32_t erro : {5U, 53U, 64U}) {
+    m_falhas.Arma({.operacoes = apoio::kOpExiste, .trecho = "TESTE.DAT", .falha = plataforma::FalhaWin32(erro)});
+    EXPECT_EQ(Abre(), CodigoDaFalha(plataforma::FalhaWin32(erro)));
   }
+}
+
+/// A deletion on purpose that fails leaves a file that is listed; one that is interrupted leaves at most one that is
+/// not.
+TEST_F(Controle, FalhaEmCadaOperacaoDaDelecao) {
+  for (apoio::SerieFalhas serie(m_falhas, {.falha = plataforma::FalhaWin32(5), .gravaAntes = 9}, apoio::Duracao::Todas);
+       serie.Proxima();) {
+    Apaga(kArquivoControle);
+    Apaga("TESTE.DAT");
+    ASSERT_EQ(Abre(), codigos::kOk);
+    ASSERT_EQ(Acrescenta(1), codigos::kOk);
+    ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
+    const HRESULT hr =
+        serie.Roda([&] { return CQZDataBaseUtil::DeletaArquivo(m_empresa.Codigo(), QZ_DF, "TESTE.DAT"); });
+    ASSERT_EQ(Estado().first, Falhou(hr));
+    ASSERT_TRUE(Estado().first || !Estado().second);
+    ASSERT_TRUE(!Falhou(hr) || !serie.Passageira() || Estado().second);
+  }
+}
+
+/// The emptied entry is on the storage device before the file goes.
+TEST_F(Controle, EntradaVaziaEDescarregadaAntesDaDelecao) {
+  ASSERT_EQ(Abre(), codigos::kOk);
+  ASSERT_EQ(Acrescenta(1), codigos::kOk);
+  ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
+  m_falhas.Arma({.operacoes = apoio::kOpDescarrega, .trecho = kArquivoControle});
+  EXPECT_EQ(CQZDataBaseUtil::DeletaArquivo(m_empresa.Codigo(), QZ_DF, "TESTE.DAT"), codigos::kArqErroFisico);
+  EXPECT_TRUE(Estado().first);
 }
 
 }  // namespace

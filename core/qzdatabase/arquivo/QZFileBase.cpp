@@ -461,10 +461,10 @@ HRESULT CQZFileBase::RemoveControleCriacaoArquivos(const IQZDF_Profiler &dono, M
     return codigos::kOk;
   }
   QZ_VERIFICA(rastro, "qzTextFile.Grava(uiPosicao, \"\")", pLista->Esvazia(uiPosicao));
-  QZ_VERIFICA(rastro, "qzTextFile.DescarregaNoDisco()", pLista->Descarrega());
   if (pbEstava != nullptr) {
     *pbEstava = true;
   }
+  QZ_VERIFICA(rastro, "qzTextFile.DescarregaNoDisco()", pLista->Descarrega());
   return codigos::kOk;
 }
 

@@ -101,7 +101,7 @@ public:
   static bool Controlado(const CString &sNomeArquivo);
   /// Empties the first line of a file in its directory's list, on the storage device too: what depends on it, a
   /// deletion for one, may follow. A file that is not listed, or a missing list, is no matter; `*pbEstava`, where it is
-  /// asked for, tells whether the file was listed.
+  /// asked for, tells whether an entry was emptied, which it may have been on failure too.
   [[nodiscard]] static HRESULT RemoveControleCriacaoArquivos(const IQZDF_Profiler &dono, ModuloQZ eModulo,
                                                              const CString &sNomeArquivo, bool *pbEstava = nullptr);
   /// Puts a file into its directory's list.

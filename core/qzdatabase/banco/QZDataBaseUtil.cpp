@@ -24,17 +24,21 @@ bool AtendeMascara(const CString &sNome, const CString &sMascara) {
 HRESULT ApagaDeProposito(const CQZRastro &rastro, const IQZDF_Profiler &dono, ModuloQZ eModulo,
                          const CString &sNomeArquivo) {
   bool bEstavaNaLista = false;
-  if (CQZFileBase::Controlado(sNomeArquivo)) {
-    QZ_VERIFICA(rastro, "RemoveControleCriacaoArquivos()",
-                CQZFileBase::RemoveControleCriacaoArquivos(dono, eModulo, sNomeArquivo, &bEstavaNaLista));
+  HRESULT hr = codigos::kOk;
+  const bool bPode =
+      !CQZFileBase::Controlado(sNomeArquivo) ||
+      !QZ_FALHOU(rastro, hr, "RemoveControleCriacaoArquivos()",
+                 CQZFileBase::RemoveControleCriacaoArquivos(dono, eModulo, sNomeArquivo, &bEstavaNaLista));
+  if (bPode && !ApagaInsistindo(CQZPath::CaminhoArquivo(eModulo, dono.GetEmpresa(), sNomeArquivo))) {
+    return codigos::kOk;
   }
-  if (ApagaInsistindo(CQZPath::CaminhoArquivo(eModulo, dono.GetEmpresa(), sNomeArquivo))) {
-    if (bEstavaNaLista) {
-      static_cast<void>(CQZFileBase::CriaControleCriacaoArquivos(dono, eModulo, sNomeArquivo));
-    }
-    QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoApagado);
+  if (bEstavaNaLista) {
+    static_cast<void>(CQZFileBase::CriaControleCriacaoArquivos(dono, eModulo, sNomeArquivo));
   }
-  return codigos::kOk;
+  if (!bPode) {
+    return hr;
+  }
+  QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoApagado);
 }
 
 }  // namespace

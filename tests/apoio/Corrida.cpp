@@ -54,7 +54,7 @@ private:
 };
 
 /// Tries of a part that meets a busy file; each has waited about a second.
-constexpr int kTentativas = 20;
+constexpr int kTentativas = 30;
 
 /// Enough for the last child to have its order before the gate opens.
 constexpr long long kAntecedencia = 2000000;

@@ -138,17 +138,21 @@ TEST_F(Registro, Existe) {
   }
 }
 
-/// What administrators find when an operation fails, before Inicializa too.
-TEST_F(Registro, CadeiasDoRastro) {
+/// Every operation before Inicializa and while another program holds the file: its code, and what administrators find.
+TEST_F(Registro, CodigosECadeiasDoRastro) {
+  apoio::ArquivosComFalha arquivos(*plataforma::ServicosDoSistema().arquivos);
+  const apoio::ServicosTrocados servicos(&arquivos);
   const std::string sSemBanco = "|BaseVeiculos.cpp|((HRESULT)0x810809E3L)";
   apoio::ColetorRastro rastro;
-  LONG lPos = 7;
+  LONG lPos = 1;
   std::uint32_t iNumero = 9;
   tagREG_VEICULOPS v = VeiculoCompleto();
   tagRESULTADO_BUSCA_VEICULOS resultado{9, {}, nullptr, nullptr};
-  EXPECT_EQ((std::vector<HRESULT>{m_base.Grava(&lPos, v), m_base.GetQuantidadeRegistros(&iNumero),
-                                  m_base.BuscaPonteiros({}, &resultado), m_base.LePonteiros(1, &lPos, &v)}),
-            std::vector<HRESULT>(4, codigos::kArquivoNaoAberto));
+  const auto chama = [&] {
+    return std::vector<HRESULT>{m_base.Grava(&lPos, v), m_base.GetQuantidadeRegistros(&iNumero),
+                                m_base.BuscaPonteiros({}, &resultado), m_base.LePonteiros(1, &lPos, &v)};
+  };
+  EXPECT_EQ(chama(), std::vector<HRESULT>(4, codigos::kArquivoNaoAberto));
   EXPECT_EQ(iNumero + resultado.iQtd, 0U);
   EXPECT_EQ(rastro.Toma(),
             (std::vector<std::string>{
@@ -156,10 +160,13 @@ TEST_F(Registro, CadeiasDoRastro) {
                 "CBaseVeiculos::InternalGetRegs" + sSemBanco,
                 "CBaseVeiculos::BuscaPonteiros|BaseVeiculos.cpp|InternalGetRegs(Filtro, &aPonteiros, nullptr)",
                 "CBaseVeiculos::LePonteiros" + sSemBanco}));
+  m_empresa.Escreve("DFVEIC.DAT", std::string(512, 'a'));
   ASSERT_EQ(Abre(), codigos::kOk);
-  EXPECT_EQ(m_base.Grava(&lPos, v), codigos::kGravacaoAlemDoFim);
+  arquivos.Arma({apoio::kOpAbre, "DFVEIC.DAT", 1, true, plataforma::FalhaWin32(32), {}});
+  EXPECT_EQ(m_base.Grava(&lPos, v), codigos::kArqCompartilhamento);
   EXPECT_EQ(rastro.Toma().back(),
             "CBaseVeiculos::Grava|BaseVeiculos.cpp|m_pDataBase->m_Veiculos.Grava(uiPosicao, RegVei)");
+  EXPECT_EQ(chama(), std::vector<HRESULT>(4, codigos::kArqCompartilhamento));
   EXPECT_EQ(m_base.Inicializa("", 7, 42), codigos::kSemEmpresa);
   EXPECT_EQ(rastro.Toma().back(), "CBaseVeiculos::OnInicializa|BaseVeiculos.cpp|QZDataBaseInicializa()");
 }

@@ -30,8 +30,8 @@ void EsperaAte(long long llInstante) {
   }
 }
 
-/// Waits up to a tenth of a millisecond before each open and each move, so that processes meet which otherwise, started
-/// together, stay in step.
+/// Waits up to a tenth of a millisecond before and after each open and before each move, so that processes meet which
+/// otherwise, started together, stay in step.
 class ArquivosSemPasso final : public ArquivosDecorado {
 public:
   explicit ArquivosSemPasso(unsigned uiSemente)
@@ -40,7 +40,9 @@ public:
   FalhaArquivo Abre(const CString &caminho, const plataforma::ModoAbertura &modo,
                     std::unique_ptr<plataforma::IArquivoAberto> *arquivo) override {
     Demora();
-    return ArquivosDecorado::Abre(caminho, modo, arquivo);
+    const FalhaArquivo falha = ArquivosDecorado::Abre(caminho, modo, arquivo);
+    Demora();
+    return falha;
   }
   FalhaArquivo MoveSubstituindo(const CString &origem, const CString &destino) override {
     Demora();
@@ -82,6 +84,9 @@ Corrida::Corrida(const std::string &nome, const EmpresaTeste &empresa, unsigned 
 }
 
 Corrida::~Corrida() {
+  for (ProcessoFilho &filho : m_filhos) {
+    EXPECT_EQ(filho.Espera(), 0);
+  }
   std::ostringstream linha;
   linha << m_sTitulo << m_uiRodada << " rounds, " << m_uiConfirmados << " acknowledged";
   std::size_t uiErrados = 0;
@@ -180,8 +185,11 @@ std::vector<CString> Corrida::Arquivos() const {
 }
 
 int Corrida::Corre(const std::vector<std::string> &argumentos, const Parte &parte) {
-  RegistroTeste registro;  // a system without a registry has one in each process
-  registro.DefineTexto(CString(kChaveSuite) + "Empresas\\" + argumentos[0], "DF", argumentos[1]);
+  RegistroTeste registro;
+  const CString sChave = CString(kChaveSuite) + "Empresas\\" + argumentos[0];
+  if (!plataforma::Registro().ExisteChave(sChave)) {  // a system without a registry has one in each process
+    registro.DefineTexto(sChave, "DF", argumentos[1]);
+  }
   ArquivosSemPasso arquivos(static_cast<unsigned>(std::stoul(argumentos[2])) + 1);
   long long llInstante = 0;
   for (unsigned uiRodada = 1; std::cin >> llInstante; ++uiRodada) {

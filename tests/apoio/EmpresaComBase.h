@@ -4,12 +4,38 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <string>
+#include <vector>
 
 #include "core/qzdatabase/disco/CabecalhoArquivo.h"
 #include "core/qzdatabase/disco/QZCrc64.h"
+#include "tests/apoio/ChaveCabecalho.h"
 #include "tests/apoio/EmpresaTeste.h"
 
 namespace apoio {
+
+/// The bytes of a whole data file with this content: behind a header where headers are on.
+inline std::string NoDisco(const CString &nome, const std::string &dados) {
+  if (!CabecalhosLigados() || nome.ends_with("TRA")) {
+    return dados;
+  }
+  const RegVersaoArquivo versao = MontaRegVersao();
+  const RegCabecalhoArquivo cabecalho = MontaRegCabecalho(0, nome, CalculaCrc64(dados.data(), dados.size()));
+  return std::string(reinterpret_cast<const char *>(&versao), sizeof(versao)) +
+         std::string(reinterpret_cast<const char *>(&cabecalho), sizeof(cabecalho)) + dados;
+}
+
+/// The content of a text file with these lines.
+inline std::string Linhas(const std::vector<std::string> &textos) {
+  std::string bytes;
+  for (const std::string &texto : textos) {
+    for (unsigned i = 0; i < 4; ++i) {
+      bytes.push_back(static_cast<char>(texto.size() >> (8 * i)));
+    }
+    bytes += texto;
+  }
+  return bytes;
+}
 
 /// A company whose data files are read without their headers, which must hold where there are any: the tests of the
 /// record files run with headers off and on.

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <functional>
@@ -16,12 +17,14 @@
 #include "core/qzdatabase/banco/QZDataBase.h"
 #include "core/qzdatabase/banco/QZDataBaseFacade.h"
 #include "tests/apoio/ArquivosDecorado.h"
-#include "tests/apoio/ChaveCabecalho.h"
 #include "tests/apoio/ColetorRastro.h"
 #include "tests/apoio/EmpresaComBase.h"
 #include "tests/apoio/RelogioFalso.h"
 #include "tests/apoio/SerieFalhas.h"
 #include "tests/apoio/ServicosTrocados.h"
+
+using apoio::Linhas;
+using apoio::NoDisco;
 
 /// A record of 16 bytes, so that lengths around a multiple are easy to make.
 struct RegTeste {
@@ -41,7 +44,7 @@ inline bool operator==(const RegTeste &a, const RegTeste &b) {
 
 inline RegTeste Registro(std::uint32_t uiNumero, const char *texto = "") {
   RegTeste reg{uiNumero, {}};
-  std::strncpy(reg.cTexto, texto, sizeof(reg.cTexto));
+  std::memcpy(reg.cTexto, texto, std::min(std::strlen(texto), sizeof(reg.cTexto)));
   return reg;
 }
 
@@ -69,29 +72,6 @@ std::uint64_t Quantidade(CQZFile<T> &arquivo) {
   std::uint64_t uiQtd = 0;
   EXPECT_EQ(arquivo.GetQuantidade(&uiQtd), codigos::kOk);
   return uiQtd;
-}
-
-/// The bytes of a whole data file with this content: behind a header where headers are on.
-inline std::string NoDisco(const CString &nome, const std::string &dados) {
-  if (!apoio::CabecalhosLigados() || nome.ends_with("TRA")) {
-    return dados;
-  }
-  const RegVersaoArquivo versao = MontaRegVersao();
-  const RegCabecalhoArquivo cabecalho = MontaRegCabecalho(0, nome, CalculaCrc64(dados.data(), dados.size()));
-  return std::string(reinterpret_cast<const char *>(&versao), sizeof(versao)) +
-         std::string(reinterpret_cast<const char *>(&cabecalho), sizeof(cabecalho)) + dados;
-}
-
-/// The bytes of lines in a text file.
-inline std::string Linhas(const std::vector<std::string> &textos) {
-  std::string bytes;
-  for (const std::string &texto : textos) {
-    for (unsigned i = 0; i < 4; ++i) {
-      bytes.push_back(static_cast<char>(texto.size() >> (8 * i)));
-    }
-    bytes += texto;
-  }
-  return bytes;
 }
 
 /// A database with one typed file and one single-record file.
@@ -129,6 +109,18 @@ protected:
             .enesima = enesima,
             .falha = {},
             .aoFalhar = std::move(acao)};
+  }
+
+  static apoio::PlanoFalha Plano(unsigned operacoes, const CString &trecho, std::uint32_t erro,
+                                 bool bPersistente = true, std::size_t gravaAntes = 7) {
+    return {.operacoes = operacoes,
+            .trecho = trecho,
+            .bPersistente = bPersistente,
+            .falha = plataforma::FalhaWin32(erro),
+            .gravaAntes = gravaAntes};
+  }
+  void Falha(unsigned operacoes, const CString &trecho, std::uint32_t erro, bool bPersistente = true) {
+    m_falhas.Arma(Plano(operacoes, trecho, erro, bPersistente));
   }
 
   apoio::EmpresaComBase m_empresa;

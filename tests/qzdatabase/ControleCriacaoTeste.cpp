@@ -14,6 +14,15 @@ protected:
     return Arquivo().Grava(uiPosicao, Registro(uiNumero));
   }
   void Apaga(const CString &nome) { Poe(nome, std::nullopt); }
+  /// A company with TESTE.DAT, listed.
+  void Cria() {
+    Apaga("TESTE.DAT");
+    Apaga(kArquivoControle);
+    ASSERT_EQ(Abre(), codigos::kOk);
+    ASSERT_EQ(Acrescenta(1), codigos::kOk);
+    ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
+  }
+  HRESULT Deleta() { return CQZDataBaseUtil::DeletaArquivo(m_empresa.Codigo(), QZ_DF, "TESTE.DAT"); }
   /// Whether the file is there, and whether the list has it.
   std::pair<bool, bool> Estado(const CString &nome = "TESTE.DAT") {
     return {Inteiro(nome).has_value(), Inteiro(kArquivoControle).value_or("").find(nome) != std::string::npos};
@@ -40,9 +49,8 @@ TEST_F(Controle, SoOQueOSistemaCriouEListado) {
 
 /// Gone without the system's doing: reported at every open, for reading too, until the file is back.
 TEST_F(Controle, ArquivoListadoQueSumiuERelatado) {
-  ASSERT_EQ(Abre(), codigos::kOk);
-  ASSERT_EQ(Acrescenta(1), codigos::kOk);
-  const std::string sBom = (static_cast<void>(m_banco.Finaliza()), m_empresa.LeInteiro("TESTE.DAT"));
+  Cria();
+  const std::string sBom = m_empresa.LeInteiro("TESTE.DAT");
   Apaga("TESTE.DAT");
   apoio::ColetorRastro rastro;
   EXPECT_EQ(Abre(), codigos::kArquivoDesapareceu);
@@ -112,14 +120,17 @@ TEST_F(Controle, OutroProgramaNaCriacao) {
   EXPECT_EQ(m_empresa.Le(kArquivoControle), Linhas({"OUTRO.DAT", "TESTE.DAT"}));
 }
 
-/// What cannot be asked is not "not there".
-TEST_F(Controle, ExistenciaQueNaoSeDescobre) {
-  ASSERT_EQ(Abre(), codigos::kOk);
-  ASSERT_EQ(Acrescenta(1), codigos::kOk);
-  ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
+/// What cannot be asked is not "not there", and nothing is deleted before the emptied entry is on the storage device.
+TEST_F(Controle, OQueNaoSeDescobreOuNaoSeDescarrega) {
   for (const std::uint32_t erro : {5U, 53U, 64U}) {
-    m_falhas.Arma({.operacoes = apoio::kOpExiste, .trecho = "TESTE.DAT", .falha = plataforma::FalhaWin32(erro)});
+    Cria();
+    Falha(apoio::kOpExiste, "TESTE.DAT", erro);
     EXPECT_EQ(Abre(), CodigoDaFalha(plataforma::FalhaWin32(erro)));
+    for (const unsigned operacao : {apoio::kOpExiste, apoio::kOpDescarrega}) {
+      Falha(operacao, kArquivoControle, erro);
+      EXPECT_EQ(Deleta(), CodigoDaFalha(plataforma::FalhaWin32(erro)));
+      EXPECT_EQ(Estado().first, true);
+    }
   }
 }
 
@@ -128,27 +139,12 @@ TEST_F(Controle, ExistenciaQueNaoSeDescobre) {
 TEST_F(Controle, FalhaEmCadaOperacaoDaDelecao) {
   for (apoio::SerieFalhas serie(m_falhas, {.falha = plataforma::FalhaWin32(5), .gravaAntes = 9}, apoio::Duracao::Todas);
        serie.Proxima();) {
-    Apaga(kArquivoControle);
-    Apaga("TESTE.DAT");
-    ASSERT_EQ(Abre(), codigos::kOk);
-    ASSERT_EQ(Acrescenta(1), codigos::kOk);
-    ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
-    const HRESULT hr =
-        serie.Roda([&] { return CQZDataBaseUtil::DeletaArquivo(m_empresa.Codigo(), QZ_DF, "TESTE.DAT"); });
+    Cria();
+    const HRESULT hr = serie.Roda([&] { return Deleta(); });
     ASSERT_EQ(Estado().first, Falhou(hr));
     ASSERT_TRUE(Estado().first || !Estado().second);
     ASSERT_TRUE(!Falhou(hr) || !serie.Passageira() || Estado().second);
   }
-}
-
-/// The emptied entry is on the storage device before the file goes.
-TEST_F(Controle, EntradaVaziaEDescarregadaAntesDaDelecao) {
-  ASSERT_EQ(Abre(), codigos::kOk);
-  ASSERT_EQ(Acrescenta(1), codigos::kOk);
-  ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
-  m_falhas.Arma({.operacoes = apoio::kOpDescarrega, .trecho = kArquivoControle});
-  EXPECT_EQ(CQZDataBaseUtil::DeletaArquivo(m_empresa.Codigo(), QZ_DF, "TESTE.DAT"), codigos::kArqErroFisico);
-  EXPECT_TRUE(Estado().first);
 }
 
 }  // namespace

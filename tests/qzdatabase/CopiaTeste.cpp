@@ -1,7 +1,7 @@
 // Whole-file copies and companions.
 
+#include "core/platform/Textos.h"
 #include "core/qzdatabase/arquivo/QZFileBase.h"
-#include "core/qzdatabase/banco/QZDataBaseUtil.h"
 #include "tests/qzdatabase/BancoTeste.h"
 
 namespace {
@@ -19,7 +19,7 @@ TEST_F(Copia, ByteAByteESemEntradaNaLista) {
     grande += Bytes(n, n);
   }
   m_outra.Escreve("TESTE.DAT", "what was there");
-  m_outra.Escreve(kArquivoControle, std::string("\x09\0\0\0TESTE.DAT", 13));
+  m_outra.Escreve(kArquivoControle, Linhas({"TESTE.DAT"}));
   for (const std::string &dados : {Bytes(1, 3), grande}) {
     m_empresa.Escreve("TESTE.DAT", dados);
     ASSERT_EQ(Abre(), codigos::kOk);
@@ -36,7 +36,7 @@ TEST_F(Copia, ByteAByteESemEntradaNaLista) {
 
 TEST_F(Copia, SemOrigemODestinoSome) {
   m_outra.Escreve("TESTE.DAT", Bytes(1, 1));
-  m_outra.Escreve(kArquivoControle, std::string("\x09\0\0\0TESTE.DAT", 13));
+  m_outra.Escreve(kArquivoControle, Linhas({"TESTE.DAT"}));
   ASSERT_EQ(Abre(), codigos::kOk);
   EXPECT_EQ(CopiaPara(m_outra), codigos::kOk);
   EXPECT_FALSE(m_outra.Existe("TESTE.DAT"));
@@ -44,16 +44,23 @@ TEST_F(Copia, SemOrigemODestinoSome) {
 }
 
 TEST_F(Copia, RecusaDestinoIgualOuPreso) {
-  m_empresa.Escreve("TESTE.DAT", Bytes(1, 2));
+  Poe("TESTE.DAT", Bytes(1, 2));
   ASSERT_EQ(Abre(), codigos::kOk);
-  EXPECT_EQ(CopiaPara(m_empresa), codigos::kArquivoNaoApagado);
-  EXPECT_TRUE(m_relogio.Esperas().empty());
+  CString sMinusculo = m_empresa.Codigo();
+  sMinusculo[0] = 't';
+  apoio::RegistroTeste registro;
+  registro.DefineTexto(CString(kChaveSuite) + "Empresas\\" + sMinusculo, "DF",
+                       plataforma::Maiusculas(m_empresa.Caminho("")));
+  for (const CString &sMesma : {m_empresa.Codigo(), sMinusculo}) {
+    EXPECT_EQ(Arquivo().CopiaArquivoPara(sMesma, QZ_DF), codigos::kArquivoNaoApagado);
+    EXPECT_TRUE(m_relogio.Esperas().empty());
+  }
   m_outra.Escreve("TESTE.DAT", "held");
-  m_falhas.Arma({apoio::kOpApaga, m_outra.Caminho("TESTE.DAT"), 1, true, plataforma::FalhaWin32(32), {}});
+  Falha(apoio::kOpApaga, m_outra.Caminho("TESTE.DAT"), 32);
   EXPECT_EQ(CopiaPara(m_outra), codigos::kArquivoNaoApagado);
-  EXPECT_EQ(m_falhas.Vistas(), 50U);
+  EXPECT_EQ(m_relogio.Esperas(), std::vector<std::uint32_t>(50, 10));
   EXPECT_EQ(m_outra.LeInteiro("TESTE.DAT"), "held");
-  m_falhas.Arma({apoio::kOpApaga, m_outra.Caminho("TESTE.DAT"), 1, false, plataforma::FalhaWin32(32), {}});
+  Falha(apoio::kOpApaga, m_outra.Caminho("TESTE.DAT"), 32, false);
   EXPECT_EQ(CopiaPara(m_outra), codigos::kOk) << "a short hold is ridden out";
   EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 2));
   EXPECT_EQ(m_outra.Le("TESTE.DAT"), Bytes(1, 2));
@@ -63,82 +70,74 @@ TEST_F(Copia, RecusaDestinoIgualOuPreso) {
 TEST_F(Copia, ParaOutroModuloApagaODoModuloDaOrigem) {
   m_outra.CriaSubpasta("NFe");
   m_outra.Escreve("TESTE.DAT", "of the source's module");
-  m_empresa.Escreve("TESTE.DAT", Bytes(1, 2));
+  Poe("TESTE.DAT", Bytes(1, 2));
   ASSERT_EQ(Abre(), codigos::kOk);
   EXPECT_EQ(Arquivo().CopiaArquivoPara(m_outra.Codigo(), QZ_NFE), codigos::kOk);
   EXPECT_FALSE(m_outra.Existe("TESTE.DAT"));
-  EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 2));
-  EXPECT_EQ(m_outra.LeInteiro("NFe\\TESTE.DAT"), m_empresa.LeInteiro("TESTE.DAT"));
+  EXPECT_EQ(m_outra.LeInteiro("NFe\\TESTE.DAT"), NoDisco("TESTE.DAT", Bytes(1, 2)));
 }
 
+/// Every failure is told, and none touches the source.
 TEST_F(Copia, FalhaEmCadaOperacaoPoupaAOrigem) {
-  m_empresa.Escreve("TESTE.DAT", Bytes(1, 5));
   for (apoio::SerieFalhas serie(m_falhas, {.gravaAntes = 9}); serie.Proxima();) {
+    Poe("TESTE.DAT", Bytes(1, 5));
     ASSERT_EQ(Abre(), codigos::kOk);
     m_outra.Escreve("TESTE.DAT", "old");
     const HRESULT hr = serie.Roda([&] { return CopiaPara(m_outra); });
-    if (Falhou(hr)) {
-      ASSERT_EQ(CopiaPara(m_outra), codigos::kOk) << "a second try works";
-    }
+    ASSERT_TRUE(Falhou(hr) || m_outra.LeInteiro("TESTE.DAT") == NoDisco("TESTE.DAT", Bytes(1, 5)));
+    ASSERT_EQ(Falhou(hr) ? CopiaPara(m_outra) : hr, codigos::kOk) << "a second try works";
     ASSERT_EQ(Disco("TESTE.DAT"), Bytes(1, 5));
     ASSERT_EQ(m_outra.Le("TESTE.DAT"), Bytes(1, 5));
   }
 }
 
-TEST_F(Copia, CompanheiroOffline) {
-  ASSERT_EQ(Abre(), codigos::kOk);
-  EXPECT_EQ(Arquivo().DeletaArquivoOffline(), codigos::kOk) << "none is fine";
-  m_empresa.Escreve("TESTE.OFL", "x");
-  m_falhas.Arma({apoio::kOpApaga, "TESTE.OFL", 1, true, plataforma::FalhaWin32(32), {}});
-  EXPECT_EQ(Arquivo().DeletaArquivoOffline(), codigos::kOfflineNaoApagado);
-  EXPECT_EQ(m_falhas.Vistas(), 50U);
-  EXPECT_EQ(m_relogio.Esperas(), std::vector<std::uint32_t>(50, 10));
-  m_falhas.Desarma();
-  EXPECT_EQ(Arquivo().DeletaArquivoOffline(), codigos::kOk);
-  EXPECT_FALSE(m_empresa.Existe("TESTE.OFL"));
-}
-
-TEST_F(Copia, RenomeiaGroup) {
-  struct Caso {
-    const char *grupo;
-    std::vector<std::string> movidos;
-  };
-  const Caso casos[] = {{"DF??.DAT", {"DF01", "DF02"}}, {"DF?.DAT", {"DF7"}}, {"df07x.DAT", {"DF07X"}}, {"ZZ.DAT", {}}};
-  for (const Caso &caso : casos) {
-    SCOPED_TRACE(caso.grupo);
-    apoio::EmpresaComBase empresa;
-    ASSERT_EQ(m_banco.Inicializa(empresa.Dono()), codigos::kOk);
-    const std::vector<std::string> nomes{"DF01", "DF02", "DF7", "DF123", "DFX1", "DF07X", "DF"};
-    for (const std::string &nome : nomes) {
-      empresa.Escreve(nome + ".TRA", "new");
-      empresa.Escreve(nome + ".DAT", "old");
-    }
-    empresa.Escreve("DF03.TRAX", "no companion");
-    EXPECT_EQ(m_banco.RenomeiaGroup(caso.grupo), codigos::kOk);
-    for (const std::string &nome : nomes) {
-      const bool bMovido = std::find(caso.movidos.begin(), caso.movidos.end(), nome) != caso.movidos.end();
-      EXPECT_EQ(empresa.LeInteiro(nome + ".DAT"), bMovido ? "new" : "old") << nome;
-      EXPECT_EQ(empresa.Existe(nome + ".TRA"), !bMovido) << nome;
-    }
-    EXPECT_TRUE(empresa.Existe("DF03.TRAX"));
+/// A source that has lost its handle is not an empty one, and half a write is not copied.
+TEST_F(Copia, OrigemSemArquivoAbertoOuComMeiaGravacao) {
+  Poe("TESTE.DAT", Bytes(1, 2));
+  for (const unsigned operacoes : {+apoio::kOpAbre, apoio::kOpGrava | apoio::kOpAjustaTamanho}) {
+    ASSERT_EQ(Abre(), codigos::kOk);
+    m_outra.Escreve("TESTE.DAT", "old");
+    Falha(operacoes, m_empresa.Caminho("TESTE.DAT"), 1117);
+    std::uint64_t uiPosicao = 0;
+    EXPECT_TRUE(Falhou(Arquivo().Grava(uiPosicao, Registro(3))));
+    EXPECT_TRUE(Falhou(CopiaPara(m_outra)));
+    EXPECT_EQ(m_outra.LeInteiro("TESTE.DAT"), "old");
+    m_falhas.Desarma();
+    EXPECT_EQ(CopiaPara(m_outra), codigos::kOk);
+    EXPECT_EQ(m_outra.Le("TESTE.DAT"), Bytes(1, 2));
   }
 }
 
-TEST_F(Copia, FalhaEmCadaOperacaoDoGrupo) {
-  const std::vector<std::string> nomes{"DF1", "DF2", "DF3"};
+/// '?' stands for one digit anywhere in the name. Any failure leaves each file old or new, and a second try works.
+TEST_F(Copia, RenomeiaGroup) {
+  const std::pair<const char *, std::vector<std::string>> casos[] = {{"DF??.DAT", {"DF01", "DF02"}},
+                                                                     {"DF?.DAT", {"DF7"}},
+                                                                     {"DF?X.DAT", {"DF7X"}},
+                                                                     {"df07x.DAT", {"DF07X"}},
+                                                                     {"ZZ.DAT", {}}};
+  const std::vector<std::string> nomes{"DF01", "DF02", "DF7", "DF7X", "DF123", "DFX1", "DF07X", "DF"};
   ASSERT_EQ(Abre(), codigos::kOk);
-  const apoio::PlanoFalha plano{.trecho = "DF", .falha = plataforma::FalhaWin32(5)};
-  for (apoio::SerieFalhas serie(m_falhas, plano, apoio::Duracao::Persistente); serie.Proxima();) {
-    for (const std::string &nome : nomes) {
-      m_empresa.Escreve(nome + ".TRA", "new");
-      m_empresa.Escreve(nome + ".DAT", "old");
+  m_empresa.Escreve("DF03.TRAX", "no companion");
+  for (const auto &[grupo, movidos] : casos) {
+    for (apoio::SerieFalhas serie(m_falhas, Plano(apoio::kOpTodas, "", 5), apoio::Duracao::Persistente);
+         serie.Proxima();) {
+      SCOPED_TRACE(grupo);
+      for (const std::string &nome : nomes) {
+        m_empresa.Escreve(nome + ".TRA", "new");
+        m_empresa.Escreve(nome + ".DAT", "old");
+      }
+      const HRESULT hr = serie.Roda([&, g = grupo] { return m_banco.RenomeiaGroup(g); });
+      ASSERT_EQ(Falhou(hr), serie.Disparou());
+      for (const std::string &nome : nomes) {
+        ASSERT_EQ(m_empresa.LeInteiro(nome + ".DAT"), m_empresa.Existe(nome + ".TRA") ? "old" : "new");
+      }
+      ASSERT_EQ(m_banco.RenomeiaGroup(grupo), codigos::kOk);
+      for (const std::string &nome : nomes) {
+        const bool bMovido = std::find(movidos.begin(), movidos.end(), nome) != movidos.end();
+        ASSERT_EQ(m_empresa.Existe(nome + ".TRA"), !bMovido) << nome;
+      }
+      ASSERT_TRUE(m_empresa.Existe("DF03.TRAX"));
     }
-    const HRESULT hr = serie.Roda([&] { return m_banco.RenomeiaGroup("DF?.DAT"); });
-    EXPECT_EQ(Falhou(hr), serie.Disparou());
-    for (const std::string &nome : nomes) {
-      EXPECT_EQ(m_empresa.LeInteiro(nome + ".DAT"), m_empresa.Existe(nome + ".TRA") ? "old" : "new");
-    }
-    EXPECT_EQ(m_banco.RenomeiaGroup("DF?.DAT"), codigos::kOk) << "a second try works";
   }
 }
 

@@ -4,14 +4,16 @@
 #include "core/qzdatabase/arquivo/QZTextFile.h"
 #include "tests/qzdatabase/BancoTeste.h"
 
-/// One write, and the file's content before (nothing: there is no file) and after. What stands behind the content
-/// before, and is none, goes.
+/// One write, and the file's content before (nothing: there is no file) and after. A part of the content before may be
+/// none that loads.
 struct Gravacao {
   const char *nome;
   std::optional<std::string> antes;
   std::function<HRESULT()> grava;
   std::string depois;
-  std::string sobra{};
+  std::size_t sobra = 0;
+
+  std::string Legivel() const { return antes ? antes->substr(0, antes->size() - sobra) : ""; }
 };
 
 /// One operation, and its answer when the file can be had.
@@ -35,6 +37,8 @@ public:
   virtual std::string Acrescentado(const std::string &dados, std::uint32_t n) const { return dados + Conteudo(n, 0); }
   /// What a file with one byte too many is refused with.
   virtual HRESULT Torto() const = 0;
+  /// What can be read of a file with this content.
+  virtual std::string Carregado(const std::string &dados) const { return dados; }
 
   /// Everything that can be read, one by one.
   virtual HRESULT Le(std::string *psDados) = 0;
@@ -69,12 +73,13 @@ public:
   HRESULT Acrescenta(std::uint32_t n) override { return Grava(0, n); }
   std::vector<Gravacao> Gravacoes() override {
     constexpr std::uint32_t kBloco = CQZBlocosRegistros<RegTeste>::kRegistrosPorBloco;
-    return {{"create", {}, [this] { return Grava(0, 1); }, Bytes(1, 1)},
-            {"append", Bytes(1, 3), [this] { return Grava(0, 9); }, Bytes(1, 3) + Bytes(9, 9)},
-            {"overwrite", Bytes(1, 3), [this] { return Grava(2, 9); }, Bytes(1, 1) + Bytes(9, 9) + Bytes(3, 3)},
-            {"past the end", Bytes(1, 3), [this] { return Colecoes(3, 13, 15); }, Bytes(1, 2) + Bytes(13, 15)},
-            {"over two blocks", Bytes(1, kBloco + 2), [this] { return Colecoes(kBloco, 5000, 5001); },
-             Bytes(1, kBloco - 1) + Bytes(5000, 5001) + Bytes(kBloco + 2, kBloco + 2)}};
+    return {
+        {"create", {}, [this] { return Grava(0, 1); }, Bytes(1, 1)},
+        {"append", Bytes(1, 3), [this] { return Grava(0, 9); }, Bytes(1, 3) + Bytes(9, 9)},
+        {"overwrite", Bytes(1, 3), [this] { return Grava(2, 9); }, Bytes(1, 1) + Bytes(9, 9) + Bytes(3, 3)},
+        {"past the end", Bytes(1, 3), [this] { return Colecoes(3, 13, 15); }, Bytes(1, 2) + Bytes(13, 15)},
+        {"over blocks, past the end", Bytes(1, 2 * kBloco), [this] { return Colecoes(kBloco, 5001, 5002 + kBloco); },
+         Bytes(1, kBloco - 1) + Bytes(5001, 5002 + kBloco)}};
   }
   std::vector<Operacao> Operacoes() override {
     static constexpr auto kNada = [](std::uint64_t, const RegTeste &) { return true; };
@@ -136,6 +141,9 @@ public:
     return Linhas({Linha(a)}) + (b == 0 ? "" : Linhas({Linha(b)}));
   }
   HRESULT Torto() const override { return codigos::kOk; }
+  std::string Carregado(const std::string &dados) const override {
+    return dados.substr(0, dados.size() - (dados.ends_with("x") ? 1 : 0));
+  }
   HRESULT Le(std::string *psDados) override {
     for (std::uint64_t uiPosicao = 1;; ++uiPosicao) {
       const HRESULT hr = m_file.Le(uiPosicao, m_sLida);
@@ -149,6 +157,7 @@ public:
   HRESULT Acrescenta(std::uint32_t n) override { return Grava(0, {Linha(n)}); }
   std::vector<Gravacao> Gravacoes() override {
     const std::string antes = Linhas({"um", "dois", "tres"});
+    const std::vector<std::string> muitas(1000, "x");
     return {{"create", {}, [this] { return Acrescenta(1); }, Conteudo(1, 0)},
             {"append", antes,
              [this] {
@@ -168,7 +177,13 @@ public:
                return Grava(3, {"t", "quatro"});
              },
              Linhas({"um", "dois", "t", "quatro"})},
-            {"damaged end", antes, [this] { return Grava(0, {"x"}); }, antes + Linhas({"x"}), "x"}};
+            {"damaged end", antes + "x", [this] { return Grava(0, {"x"}); }, antes + Linhas({"x"}), 1},
+            {"append to many", Linhas(muitas), [this] { return Grava(0, {"um"}); }, Linhas(muitas) + Linhas({"um"})},
+            {"growing shrink of many", Linhas(muitas) + Linhas({"um"}),
+             [this] {
+               return Grava(1001, {"u", "x"});
+             },
+             Linhas(muitas) + Linhas({"u", "x"})}};
   }
   std::vector<Operacao> Operacoes() override {
     return {{"Le", [this] { return m_file.Le(1, m_sLida); }},

@@ -7,6 +7,8 @@
 #include <random>
 #include <string>
 
+#include "core/qzdatabase/disco/NomeTrava.h"
+
 namespace {
 
 std::uint64_t PelaDefinicao(const std::string &dados, std::uint64_t crc = 0) {
@@ -22,6 +24,7 @@ std::uint64_t PelaDefinicao(const std::string &dados, std::uint64_t crc = 0) {
 TEST(Crc64, ChavesConhecidas) {
   EXPECT_EQ(CalculaCrc64("0001", 4), 0x6CD74CE161023462U);
   EXPECT_EQ(CalculaCrc64("EMP1", 4), 0x84B4A8C0DD9DD9A7U);
+  EXPECT_EQ(NomeTravaDoCaminho("Cabecalho", "c:\\df\\Um.dat"), NomeTravaDoCaminho("Cabecalho", "C:\\DF\\UM.DAT"));
   EXPECT_EQ(CalculaCrc64("P1", 2, CalculaCrc64("EM", 2)), 0x84B4A8C0DD9DD9A7U) << "in pieces";
 }
 

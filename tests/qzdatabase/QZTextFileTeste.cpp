@@ -23,9 +23,11 @@ Textos T(const std::string &resumo) {
   return textos;
 }
 
-using ::Linhas;
+std::string Linhas(const Textos &textos) {
+  return apoio::Linhas(textos);
+}
 std::string Linhas(const char *resumo) {
-  return Linhas(T(resumo));
+  return apoio::Linhas(T(resumo));
 }
 
 Textos Junta(Textos textos, const Textos &outros) {
@@ -162,39 +164,14 @@ TEST_F(ArquivoTexto, OutroProgramaMudaOArquivo) {
 
 TEST_F(ArquivoTexto, NadaAGravarNaoTocaODisco) {
   Prepara(Linhas("um dois"));
-  m_falhas.Arma({apoio::kOpTodas, "TEXTO.DAT", 1, true, plataforma::FalhaWin32(1117), {}});
+  Falha(apoio::kOpTodas, "TEXTO.DAT", 1117);
   std::uint64_t uiPosicao = 2;
   EXPECT_EQ(Texto().Grava(uiPosicao, "dois"), codigos::kOk);
   EXPECT_EQ(Grava(&uiPosicao, {}), codigos::kOk);
   EXPECT_EQ(uiPosicao, 2U);
   EXPECT_EQ(Texto().Grava(uiPosicao, ""), codigos::kOk);
   EXPECT_EQ(uiPosicao, 0U);
-  for (const std::uint64_t atras : {std::uint64_t{3}, ~std::uint64_t{0}}) {
-    uiPosicao = atras;
-    EXPECT_EQ(Grava(&uiPosicao, T("x y")), codigos::kGravacaoAlemDoFim);
-    EXPECT_EQ(uiPosicao, atras);
-  }
   EXPECT_EQ(m_falhas.Vistas(), 0U);
-  m_falhas.Desarma();
-  EXPECT_EQ(Disco(), Linhas("um dois"));
-}
-
-TEST_F(ArquivoTexto, LeituraAntesDuranteEDepois) {
-  CString sTexto = "fica";
-  ASSERT_EQ(Inicia(), codigos::kOk);
-  EXPECT_EQ(Texto().Le(0, sTexto), codigos::kPosicaoZero);
-  EXPECT_EQ(Texto().Le(1, sTexto), codigos::kArquivoNaoAberto) << "a missing file is not open";
-  EXPECT_FALSE(m_empresa.Existe("TEXTO.DAT"));
-  std::uint64_t uiPosicao = 0;
-  EXPECT_EQ(Texto().Grava(uiPosicao, "um"), codigos::kOk);
-  EXPECT_EQ(uiPosicao, 1U);
-  EXPECT_EQ(Texto().Le(2, sTexto), codigos::kPosicaoAlemDoFim);
-  EXPECT_EQ(sTexto, "fica");
-  EXPECT_EQ(Texto().Le(1, sTexto), codigos::kOk);
-  EXPECT_EQ(sTexto, "um");
-  ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
-  EXPECT_TRUE(Offsets().empty());
-  EXPECT_EQ(Texto().Le(1, sTexto), codigos::kArquivoNaoAberto);
 }
 
 /// Any bytes load; a line appended behind a damaged end is found again.
@@ -205,6 +182,7 @@ TEST_F(ArquivoTexto, ArquivosQuaisquer) {
   };
   const Textos grandes = {std::string(2047, 'a'), "", std::string(2048, 'b'), std::string(300000, 'c'), "d"};
   const Textos muitas(40000, "linha");
+  const std::string longa(70000, 'z');
   const Caso casos[] = {
       {"", {}},
       {Linhas(grandes), grandes},
@@ -221,9 +199,9 @@ TEST_F(ArquivoTexto, ArquivosQuaisquer) {
     Prepara(caso.disco);
     ASSERT_EQ(Lidas(), caso.memoria);
     std::uint64_t uiPosicao = 0;
-    ASSERT_EQ(Grava(&uiPosicao, {"mais", "linhas"}), codigos::kOk);
+    ASSERT_EQ(Grava(&uiPosicao, {"mais", longa}), codigos::kOk);
     EXPECT_EQ(uiPosicao, caso.memoria.size() + 2);
-    ASSERT_EQ(Disco(), Linhas(Junta(caso.memoria, {"mais", "linhas"})));
+    ASSERT_EQ(Disco(), Linhas(Junta(caso.memoria, {"mais", longa})));
   }
 }
 
@@ -307,21 +285,13 @@ TEST_F(ArquivoTexto, RastroDeUmaFalha) {
   const std::string f = "|QZTextFile.cpp|";
   Prepara(Linhas("um dois"));
   apoio::ColetorRastro rastro;
-  std::uint64_t uiPosicao = 3;
-  EXPECT_EQ(Texto().Grava(uiPosicao, "x"), codigos::kGravacaoAlemDoFim);
-  EXPECT_EQ(rastro.Toma(), (Textos{s + "GravaColecao" + f + "((HRESULT)0x810809DBL)",
-                                   s + "Grava" + f + "GravaColecao(uiPosicao, aRegistros)"}));
-  m_falhas.Arma({apoio::kOpGrava, "TEXTO.DAT", 1, false, plataforma::FalhaWin32(1117), {}});
-  uiPosicao = 2;
+  std::uint64_t uiPosicao = 2;
+  Falha(apoio::kOpGrava, "TEXTO.DAT", 1117, false);
   EXPECT_EQ(Texto().Grava(uiPosicao, "x"), codigos::kArqErroFisico);
   EXPECT_EQ(rastro.Toma(), (Textos{s + "ExecutaShrink" + f + "CatchGravacao(pEx)",
                                    s + "GravaRegistros" + f + "ExecutaShrink(uiPosicao, aRegistros)",
                                    s + "GravaColecao" + f + "GravaRegistros(uiPosicao, aRegistros)",
                                    s + "Grava" + f + "GravaColecao(uiPosicao, aRegistros)"}));
-  m_falhas.Arma({apoio::kOpGrava, "TEXTO.DAT", 1, false, plataforma::FalhaWin32(112), {}});
-  EXPECT_EQ(Texto().Grava(uiPosicao, "DOIS"), codigos::kOk) << "a passing failure is ridden out";
-  EXPECT_EQ(rastro.Toma(), (Textos{s + "GravaRegistros" + f + "CatchGravacao(pEx)",
-                                   s + "GravaColecao" + f + "GravaRegistros(uiPosicao, aRegistros)"}));
 }
 
 TEST_F(ArquivoTexto, CopiaOffline) {
@@ -329,14 +299,19 @@ TEST_F(ArquivoTexto, CopiaOffline) {
   m_empresa.Escreve("TEXTO.OFL", "an earlier companion");
   EXPECT_EQ(Texto().GeraArquivoOffline(), codigos::kOk);
   EXPECT_EQ(Disco("TEXTO.OFL"), Linhas("a - c"));
-
   ASSERT_EQ(Inicia(), codigos::kOk);
-  m_falhas.Arma({apoio::kOpApaga, "TEXTO.OFL", 1, true, plataforma::FalhaWin32(5), {}});
-  EXPECT_TRUE(Falhou(Texto().GeraArquivoOffline()));
-  m_falhas.Arma({apoio::kOpGrava, "TEXTO.OFL", 1, true, plataforma::FalhaWin32(1117), {}});
-  EXPECT_EQ(Texto().GeraArquivoOffline(), codigos::kArqErroFisico);
+  for (const auto &[operacao, hr] :
+       {std::pair(apoio::kOpApaga, codigos::kOfflineNaoApagado), {apoio::kOpGrava, codigos::kArqErroFisico}}) {
+    Falha(operacao, "TEXTO.OFL", 1117);
+    EXPECT_EQ(Texto().GeraArquivoOffline(), hr);
+    EXPECT_TRUE(operacao == apoio::kOpGrava || m_falhas.Vistas() == 50);
+  }
   m_falhas.Desarma();
-  EXPECT_EQ(Disco(), Linhas("a0b - c"));
+  EXPECT_EQ(Texto().DeletaArquivoOffline(), codigos::kOk);
+  EXPECT_EQ(Texto().DeletaArquivoOffline(), codigos::kOk) << "none is fine";
+  Prepara("");
+  EXPECT_EQ(Texto().GeraArquivoOffline(), codigos::kOk);
+  EXPECT_FALSE(m_empresa.Existe("TEXTO.OFL")) << "without lines there is none";
 }
 
 }  // namespace

@@ -67,6 +67,56 @@ TEST_F(Utilitarios, FalhaEmCadaOperacaoDeixaOVelhoOuONovo) {
   }
 }
 
+/// Where the companion is not moved what had been done before the move is undone; the companion stays where that fails
+/// or where it cannot be told whether it was moved.
+TEST_F(Utilitarios, AntesDaTrocaEDesfaz) {
+  const struct {
+    HRESULT hrAntes;
+    HRESULT hrDesfaz;
+    bool bSome;  ///< the companion vanishes after the first attempt at the move
+    HRESULT esperado;
+    int desfeitas;
+    bool bFica;
+  } casos[] = {{codigos::kArqOutra, codigos::kOk, false, codigos::kArqOutra, 0, false},
+               {codigos::kOk, codigos::kOk, false, codigos::kTraNaoRenomeado, 1, false},
+               {codigos::kOk, codigos::kArqOutra, false, codigos::kTraNaoRenomeado, 1, true},
+               {codigos::kOk, codigos::kOk, true, codigos::kTraNaoRenomeado, 0, false}};
+  for (const auto &caso : casos) {
+    Poe("DADOS.DAT", Bytes(1, 3));
+    int desfeitas = 0;
+    m_falhas.Arma(
+        {.operacoes = apoio::kOpMove, .bPersistente = true, .falha = plataforma::FalhaWin32(5), .aoFalhar = [&] {
+           if (caso.bSome) {
+             Poe("DADOS.TRA", std::nullopt);
+             m_falhas.Desarma();
+           }
+         }});
+    EXPECT_EQ(
+        CQZDataBaseUtil::RemoveRegistroZero<RegTeste>(
+            &m_dono, QZ_DF, "DADOS.DAT", [&] { return caso.hrAntes; }, [&] { return ++desfeitas, caso.hrDesfaz; }),
+        caso.esperado);
+    m_falhas.Desarma();
+    EXPECT_EQ(desfeitas, caso.desfeitas);
+    EXPECT_EQ(m_empresa.Existe("DADOS.TRA"), caso.bFica);
+    EXPECT_EQ(m_empresa.Le("DADOS.DAT"), Bytes(1, 3));
+    Poe("DADOS.TRA", std::nullopt);
+  }
+}
+
+/// A companion that cannot be asked for, that somebody puts there meanwhile, or that is not on the storage device.
+TEST_F(Utilitarios, CompanheiroDuvidoso) {
+  Poe("DADOS.DAT", Bytes(1, 3));
+  Falha(apoio::kOpDescarrega, "DADOS.TRA", 1117);
+  EXPECT_EQ(Remove("DADOS.DAT"), codigos::kArqErroFisico);
+  m_falhas.Arma(AntesDeAbrir("DADOS.DAT", [this] { m_empresa.Escreve("DADOS.TRA", Bytes(8, 9)); }));
+  EXPECT_EQ(Remove("DADOS.DAT"), codigos::kTraNaoRenomeado);
+  m_empresa.Escreve("DADOS.TRA", Bytes(8, 9));
+  Falha(apoio::kOpExiste, "DADOS.DAT", 64);
+  EXPECT_EQ(Remove("DADOS.DAT"), codigos::kArqOutra);
+  EXPECT_EQ(m_empresa.Le("DADOS.TRA"), Bytes(8, 9));
+  EXPECT_EQ(m_empresa.LeInteiro("DADOS.DAT"), NoDisco("DADOS.DAT", Bytes(1, 3)));
+}
+
 TEST_F(Utilitarios, FormaDeMascara) {
   m_empresa.Escreve("DFX1.DAT", Bytes(1, 2));
   m_empresa.Escreve("DF12.DATX", Bytes(1, 2));
@@ -79,30 +129,56 @@ TEST_F(Utilitarios, FormaDeMascara) {
   EXPECT_EQ(m_empresa.Le("DF07.DAT"), Bytes(2, 3)) << "the first one";
   EXPECT_EQ(m_empresa.Le("DF08.DAT"), Bytes(1, 3)) << "and no other";
   EXPECT_EQ(m_empresa.Le("DF12.DATX"), Bytes(1, 2));
+  Falha(apoio::kOpLista, "", 5);
+  EXPECT_EQ(Remove("DF??.DAT"), codigos::kArqAcessoNegado) << "not: none fits";
   EXPECT_EQ(CQZDataBaseUtil::RemoveRegistroZeroMascara<RegTeste>(&m_dono, QZ_DF, "DF07.DAT"),
             codigos::kMascaraSemCuringa);
 }
 
-TEST_F(Utilitarios, RenomeiaEDeleta) {
+TEST_F(Utilitarios, MoveEDeleta) {
   const CString &sEmpresa = m_empresa.Codigo();
+  const auto renomeia = [&] { return CQZDataBaseUtil::RenomeiaArquivoTRA(sEmpresa, QZ_DF, "DADOS.DAT"); };
+  const auto deleta = [&] { return CQZDataBaseUtil::DeletaArquivo(sEmpresa, QZ_DF, "DADOS.DAT"); };
   m_empresa.Escreve("DADOS.DAT", "old");
   EXPECT_EQ(CQZDataBaseUtil::MoveTRA(sEmpresa, QZ_DF, "DADOS.DAT"), codigos::kTraNaoRenomeado);
-  EXPECT_EQ(m_empresa.Le("DADOS.DAT"), "old") << "no companion, nothing deleted";
+  Falha(apoio::kOpExiste, "DADOS.TRA", 64);
+  EXPECT_EQ(renomeia(), codigos::kArqOutra) << "it may be there";
+  EXPECT_EQ(m_empresa.Le("DADOS.DAT"), "old");
   m_empresa.Escreve("DADOS.TRA", "new");
-  m_falhas.Arma({apoio::kOpMove, "", 1, true, plataforma::FalhaWin32(5), {}});
-  EXPECT_EQ(CQZDataBaseUtil::RenomeiaArquivoTRA(sEmpresa, QZ_DF, "DADOS.DAT"), codigos::kTraNaoRenomeado);
-  EXPECT_EQ(m_falhas.Vistas(), 50U);
+  Falha(apoio::kOpMove, "", 5);
+  EXPECT_EQ(renomeia(), codigos::kTraNaoRenomeado);
   EXPECT_EQ(m_relogio.Esperas().size(), 50U);
-  m_falhas.Arma({apoio::kOpMove, "", 1, false, plataforma::FalhaWin32(5), {}});
-  EXPECT_EQ(CQZDataBaseUtil::RenomeiaArquivoTRA(sEmpresa, QZ_DF, "DADOS.DAT"), codigos::kOk);
+  Falha(apoio::kOpMove, "", 5, false);
+  EXPECT_EQ(renomeia(), codigos::kOk);
   EXPECT_EQ(m_empresa.Le("DADOS.DAT"), "new");
-  m_falhas.Arma({apoio::kOpApaga, "", 1, true, plataforma::FalhaWin32(32), {}});
-  EXPECT_EQ(CQZDataBaseUtil::DeletaArquivo(sEmpresa, QZ_DF, "DADOS.DAT"), codigos::kArquivoNaoApagado);
-  EXPECT_EQ(CQZDataBaseUtil::RenomeiaArquivoTRA(sEmpresa, QZ_DF, "DADOS.DAT"), codigos::kArquivoNaoApagado);
+  for (const std::uint32_t erro : {32U, 53U}) {
+    Falha(apoio::kOpApaga, "", erro);
+    EXPECT_EQ(deleta(), codigos::kArquivoNaoApagado);
+    EXPECT_EQ(m_falhas.Vistas(), 50U);
+    EXPECT_EQ(renomeia(), codigos::kArquivoNaoApagado);
+  }
   m_falhas.Desarma();
-  EXPECT_EQ(CQZDataBaseUtil::RenomeiaArquivoTRA(sEmpresa, QZ_DF, "DADOS.DAT"), codigos::kOk);
+  EXPECT_EQ(renomeia(), codigos::kOk) << "there is no companion, so the file goes";
   EXPECT_FALSE(m_empresa.Existe("DADOS.DAT"));
-  EXPECT_EQ(CQZDataBaseUtil::DeletaArquivo(sEmpresa, QZ_DF, "DADOS.DAT"), codigos::kOk) << "missing is fine";
+  EXPECT_EQ(deleta(), codigos::kOk) << "missing is fine";
+}
+
+TEST_F(Utilitarios, RegistroUnico) {
+  RegTeste reg = Registro(77);
+  const auto le = [&] { return CQZDataBaseUtil::LeSingleReg(&m_dono, QZ_DF, &reg, "UM.DAT"); };
+  const auto grava = [&] { return CQZDataBaseUtil::GravaSingleReg(&m_dono, QZ_DF, Registro(3), "UM.DAT"); };
+  EXPECT_EQ(le(), codigos::kOk);
+  EXPECT_EQ(reg, RegTeste{});
+  EXPECT_FALSE(m_empresa.Existe("UM.DAT"));
+  Falha(apoio::kOpDescarrega, "UM.DAT", 1117);
+  EXPECT_EQ(grava(), codigos::kArqErroFisico) << "it is to be on the storage device";
+  m_falhas.Desarma();
+  EXPECT_EQ(grava(), codigos::kOk);
+  EXPECT_EQ(le(), codigos::kOk);
+  EXPECT_EQ(reg, Registro(3));
+  m_empresa.Escreve("UM.DAT", "short");
+  EXPECT_EQ(le(), codigos::kTamanhoDiferente);
+  EXPECT_EQ(reg, RegTeste{}) << "zeroed first";
 }
 
 }  // namespace

@@ -55,8 +55,8 @@ public:
   }
 
 private:
-  std::unique_lock<std::shared_mutex> m_exclusiva;
-  std::shared_lock<std::shared_mutex> m_compartilhada;
+  std::unique_lock<plataforma::SecaoCompartilhada> m_exclusiva;
+  std::shared_lock<plataforma::SecaoCompartilhada> m_compartilhada;
 };
 
 ParametrosEscopo SemParametros() {

@@ -1,10 +1,9 @@
 #ifndef KALVO_VEHICLES_BASEVEICULOS_H
 #define KALVO_VEHICLES_BASEVEICULOS_H
 
-#include <shared_mutex>
-
 #include "core/conx/QZBaseParaRotinas.h"
 #include "core/platform/CArray.h"
+#include "core/platform/SecaoCompartilhada.h"
 #include "core/qzdatabase/banco/QZDataBaseFacade.h"
 #include "vehicles/QZDataBaseVeiculos.h"
 #include "vehicles/RegVeiculo.h"
@@ -25,7 +24,7 @@ public:
   /// Keeps lifecycle calls apart from the operations of this object: whoever calls Inicializa or Finaliza holds it
   /// exclusively, whoever calls an operation or asks for company, user and session holds it shared. Taken by the
   /// caller, outside any frame that a machine fault may abandon.
-  std::shared_mutex &TravaCicloDeVida() { return m_travaCicloDeVida; }
+  plataforma::SecaoCompartilhada &TravaCicloDeVida() { return m_travaCicloDeVida; }
 
   /// Writes one vehicle: at `*pPos` from 1 to the number of records it overwrites, at 0 it appends and `*pPos` receives
   /// the new position. On failure `*pPos` is unchanged. No field is validated.
@@ -69,7 +68,7 @@ private:
   [[nodiscard]] HRESULT ConverteSobTrava();
   [[nodiscard]] HRESULT ConverteBaseV01();
 
-  std::shared_mutex m_travaCicloDeVida;
+  plataforma::SecaoCompartilhada m_travaCicloDeVida;
 };
 
 #endif

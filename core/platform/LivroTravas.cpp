@@ -36,6 +36,14 @@ void SoltaSecao(void *objeto) {
   static_cast<SecaoCritica *>(objeto)->Sai();
 }
 
+void SoltaLeitura(void *objeto) {
+  static_cast<SecaoCompartilhada *>(objeto)->unlock_shared();
+}
+
+void SoltaEscrita(void *objeto) {
+  static_cast<SecaoCompartilhada *>(objeto)->AbandonaEscrita();
+}
+
 }  // namespace
 
 std::size_t LivroTravas::Marca() {
@@ -80,6 +88,7 @@ void LivroTravas::SoltaAte(std::size_t marca) {
 }
 
 void LivroTravas::VerificaOrdem(const SecaoCritica &secao) {
+  VerificaOrdemCompartilhada();
   const Livro &livro = t_livro;
   bool bJaMinha = false;
   NivelTrava maior{};
@@ -97,6 +106,15 @@ void LivroTravas::VerificaOrdem(const SecaoCritica &secao) {
   }
 }
 
+void LivroTravas::VerificaOrdemCompartilhada() {
+  const Livro &livro = t_livro;
+  if (std::any_of(livro.anotacoes, livro.anotacoes + livro.qtd, [](const Anotacao &anotacao) {
+        return anotacao.solta == SoltaLeitura || anotacao.solta == SoltaEscrita;
+      })) {
+    Aborta("lock taken under a shared lock");
+  }
+}
+
 CQZTrava::CQZTrava(SecaoCritica &secao) : m_secao(secao) {
   if constexpr (KALVO_VERIFICA_TRAVAS) {
     LivroTravas::VerificaOrdem(secao);
@@ -108,6 +126,32 @@ CQZTrava::CQZTrava(SecaoCritica &secao) : m_secao(secao) {
 CQZTrava::~CQZTrava() {
   LivroTravas::Retira(&m_secao);
   m_secao.Sai();
+}
+
+CQZTravaLeitura::CQZTravaLeitura(SecaoCompartilhada &secao) : m_secao(secao) {
+  if constexpr (KALVO_VERIFICA_TRAVAS) {
+    LivroTravas::VerificaOrdemCompartilhada();
+  }
+  secao.lock_shared();
+  LivroTravas::Anota(&secao, SoltaLeitura);
+}
+
+CQZTravaLeitura::~CQZTravaLeitura() {
+  LivroTravas::Retira(&m_secao);
+  m_secao.unlock_shared();
+}
+
+CQZTravaEscrita::CQZTravaEscrita(SecaoCompartilhada &secao) : m_secao(secao) {
+  if constexpr (KALVO_VERIFICA_TRAVAS) {
+    LivroTravas::VerificaOrdemCompartilhada();
+  }
+  secao.lock();
+  LivroTravas::Anota(&secao, SoltaEscrita);
+}
+
+CQZTravaEscrita::~CQZTravaEscrita() {
+  LivroTravas::Retira(&m_secao);
+  m_secao.unlock();
 }
 
 }  // namespace plataforma

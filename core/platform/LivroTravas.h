@@ -3,6 +3,7 @@
 
 #include <cstddef>
 
+#include "core/platform/SecaoCompartilhada.h"
 #include "core/platform/SecaoCritica.h"
 
 namespace plataforma {
@@ -34,6 +35,8 @@ public:
 
   /// Ends the process with a message when taking `secao` now would break the lock order. Debug builds only call it.
   static void VerificaOrdem(const SecaoCritica &secao);
+  /// The same for a shared lock, which is innermost: nothing is taken under it, no other shared lock either.
+  static void VerificaOrdemCompartilhada();
 };
 
 /// Has an object in the calling thread's ledger for a scope, which one thread opens and closes.
@@ -58,6 +61,31 @@ public:
 
 private:
   SecaoCritica &m_secao;
+};
+
+/// Holds a shared lock for reading for a scope. Nothing else is locked, and no file touched, meanwhile.
+class CQZTravaLeitura {
+public:
+  explicit CQZTravaLeitura(SecaoCompartilhada &secao);
+  ~CQZTravaLeitura();
+  CQZTravaLeitura(const CQZTravaLeitura &) = delete;
+  CQZTravaLeitura &operator=(const CQZTravaLeitura &) = delete;
+
+private:
+  SecaoCompartilhada &m_secao;
+};
+
+/// Holds a shared lock for writing for a scope; otherwise like CQZTravaLeitura. A fault meanwhile leaves the lock
+/// Suspeita.
+class CQZTravaEscrita {
+public:
+  explicit CQZTravaEscrita(SecaoCompartilhada &secao);
+  ~CQZTravaEscrita();
+  CQZTravaEscrita(const CQZTravaEscrita &) = delete;
+  CQZTravaEscrita &operator=(const CQZTravaEscrita &) = delete;
+
+private:
+  SecaoCompartilhada &m_secao;
 };
 
 }  // namespace plataforma

@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <functional>
 #include <iostream>
 #include <new>
 #include <thread>
+#include <vector>
 
 #include "core/platform/LivroTravas.h"
 #include "core/platform/TravaEntreProcessos.h"
@@ -83,6 +86,63 @@ TEST(LivroTravas, SoltaOQueUmaPilhaAbandonadaTinha) {
   TomaEmOutraThread(interna);
 }
 
+TEST(SecaoCompartilhada, LeitoresJuntosEscritoresSos) {
+  SecaoCompartilhada secao;
+  std::atomic<int> dentro{0};
+  std::uint64_t uiUm = 0;
+  std::uint64_t uiOutro = 0;
+  const auto le = [&] {
+    for (int i = 0; i < 20000; ++i) {
+      const CQZTravaLeitura trava(secao);
+      // The first time each reader waits for the other one inside.
+      for (dentro += i == 0 ? 1 : 0; dentro < 2;) {
+        std::this_thread::yield();
+      }
+      EXPECT_EQ(uiUm, uiOutro);
+    }
+  };
+  const auto escreve = [&] {
+    while (dentro < 2) {
+      std::this_thread::yield();
+    }
+    for (int i = 0; i < 20000; ++i) {
+      const CQZTravaEscrita trava(secao);
+      ++uiUm;
+      ++uiOutro;
+    }
+  };
+  std::vector<std::thread> threads;
+  for (const std::function<void()> &parte : {std::function<void()>(le), {le}, {escreve}, {escreve}}) {
+    threads.emplace_back(parte);
+  }
+  for (std::thread &thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(uiUm, 40000U);
+  EXPECT_EQ(LivroTravas::Marca(), 0U);
+}
+
+TEST(SecaoCompartilhada, PilhaAbandonada) {
+  SecaoCompartilhada secao;
+  {
+    alignas(CQZTravaLeitura) std::byte abandonada[sizeof(CQZTravaLeitura)];
+    new (abandonada) CQZTravaLeitura(secao);
+    LivroTravas::SoltaAte(0);
+    EXPECT_FALSE(secao.Suspeita()) << "readers change nothing";
+  }
+  {
+    alignas(CQZTravaEscrita) std::byte abandonada[sizeof(CQZTravaEscrita)];
+    new (abandonada) CQZTravaEscrita(secao);
+    LivroTravas::SoltaAte(0);
+    EXPECT_TRUE(secao.Suspeita());
+  }
+  std::thread([&] {
+    const CQZTravaEscrita trava(secao);
+    secao.Confia();
+  }).join();
+  EXPECT_FALSE(secao.Suspeita());
+}
+
 TEST(OrdemDasTravasDeathTest, PermiteDescerRepetirETemporariosEQuebraEncerra) {
   SecaoCritica externa(NivelTrava::Container);
   SecaoCritica interna(NivelTrava::ArquivoDados);
@@ -102,6 +162,11 @@ TEST(OrdemDasTravasDeathTest, PermiteDescerRepetirETemporariosEQuebraEncerra) {
   EXPECT_DEATH(LivroTravas::VerificaOrdem(outraInterna), "out of order");
   if (KALVO_VERIFICA_TRAVAS) {
     EXPECT_DEATH(const CQZTrava quebra(externa), "out of order");
+    SecaoCompartilhada compartilhada;
+    const CQZTravaLeitura leitura(compartilhada);
+    EXPECT_DEATH(const CQZTrava quebra(interna), "under a shared lock");
+    EXPECT_DEATH(const CQZTravaLeitura quebra(compartilhada), "under a shared lock");
+    EXPECT_DEATH(const CQZTravaEscrita quebra(compartilhada), "under a shared lock");
   }
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <shared_mutex>
 #include <thread>
 #include <vector>
 

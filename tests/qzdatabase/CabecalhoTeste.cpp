@@ -1,8 +1,13 @@
 // File headers: creation, damage, the switch, and the bytes themselves.
 
+#include <atomic>
+#include <thread>
+
 #include "core/conx/DadosInstalacao.h"
+#include "core/platform/TravaEntreProcessos.h"
 #include "core/qzdatabase/arquivo/QZTextFile.h"
 #include "core/qzdatabase/banco/QZDataBaseUtil.h"
+#include "core/qzdatabase/disco/NomeTrava.h"
 #include "tests/apoio/ChaveCabecalho.h"
 #include "tests/qzdatabase/BancoTeste.h"
 
@@ -104,7 +109,7 @@ TEST_F(Cabecalho, DanoERecusadoEPassa) {
   versao2.uiCrcCrcVersao = CalculaCrc64(reinterpret_cast<const char *>(&versao2) + 8, 8);
   casos.emplace_back(std::string(reinterpret_cast<const char *>(&versao2), sizeof(versao2)) + sBom.substr(24),
                      codigos::kCabecalhoVersaoDesconhecida);
-  casos.emplace_back(Inteiro("UNICO.DAT"), codigos::kCabecalhoDeOutroArquivo);
+  casos.emplace_back(NoDisco("TESTE.DATX", Bytes(1, 4)), codigos::kCabecalhoDeOutroArquivo);
   for (std::size_t i = 0; i < casos.size(); ++i) {
     SCOPED_TRACE(i);
     const auto &[bytes, hr] = casos[i];
@@ -197,6 +202,12 @@ TEST_F(Cabecalho, OutroProgramaNaTrocaPeloNovo) {
        alheio},
       {"damage after the move", apoio::kOpAbre, 2, [&] { m_empresa.Escreve("TESTE.DAT", alheio + "x"); },
        codigos::kDadosNaoConferem, alheio + "x"},
+      {"file held for a moment, and written", apoio::kOpMove, 1,
+       [&] {
+         m_empresa.Escreve("TESTE.DAT", alheio);
+         m_falhas.ArmaTambem({.operacoes = apoio::kOpAbre, .falha = plataforma::FalhaWin32(32)});
+       },
+       codigos::kTraNaoRenomeado, alheio},
       {"file held for a moment", apoio::kOpMove, 1,
        [&] { m_falhas.ArmaTambem({.operacoes = apoio::kOpAbre, .falha = plataforma::FalhaWin32(32)}); }, codigos::kOk,
        NoDisco("TESTE.DAT", Bytes(1, 4))},
@@ -217,6 +228,36 @@ TEST_F(Cabecalho, OutroProgramaNaTrocaPeloNovo) {
     EXPECT_EQ(Inteiro(), caso.depois);
     EXPECT_FALSE(m_empresa.Existe("TESTE.TRA"));
   }
+}
+
+/// Another program is giving the file its header at this moment, and needs the file for that.
+TEST_F(Cabecalho, EsperaQuemOCria) {
+  const CString sCaminho = m_empresa.Caminho("TESTE.DAT");
+  const std::string alheio = NoDisco("TESTE.DAT", Bytes(5, 8));
+  m_empresa.Escreve("TESTE.DAT", Bytes(1, 4));
+  enum Passo { kComeco, kTravado, kAberto, kAcabou };
+  std::atomic<Passo> ePasso{kComeco};
+  std::thread outro([&] {
+    const auto trava = plataforma::CriaTravaEntreProcessos(NomeTravaDoCaminho("Cabecalho", sCaminho));
+    EXPECT_TRUE(trava->Toma(0));
+    ePasso = kTravado;
+    std::unique_ptr<plataforma::IArquivoAberto> arquivo;
+    while (ePasso == kTravado ||
+           (ePasso == kAberto && plataforma::ServicosDoSistema().arquivos->Abre(sCaminho, {}, &arquivo))) {
+      std::this_thread::yield();
+    }
+    arquivo.reset();
+    Poe("TESTE.DAT", Bytes(5, 8));
+    trava->Solta();
+  });
+  while (ePasso == kComeco) {
+    std::this_thread::yield();
+  }
+  m_falhas.Arma({.operacoes = apoio::kOpLe, .trecho = "TESTE.DAT", .falha = {}, .aoFalhar = [&] { ePasso = kAberto; }});
+  EXPECT_EQ(AbreUmaVez(), codigos::kOk);
+  ePasso = kAcabou;
+  outro.join();
+  EXPECT_EQ(Inteiro(), alheio);
 }
 
 /// The copy is on the storage device before it is moved. A file opened to be read along with others neither gets a

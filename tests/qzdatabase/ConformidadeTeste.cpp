@@ -396,6 +396,33 @@ TEST_P(Conformidade, ArquivoMorreNaGravacao) {
   }
 }
 
+/// The place of a write is found anew in the file that comes back, which others have added to.
+TEST_P(Conformidade, ArquivoMorreEVoltaMaior) {
+  Prepara(m_sAntes);
+  const std::string maior = m_especie.Acrescentado(m_sAntes, 7);
+  PlanoFalha plano = Plano(kOpGrava, Nome(), 64, false, 0);
+  plano.aoFalhar = [&] { Poe(Nome(), maior); };
+  plano.morte = 0;
+  m_falhas.Arma(plano);
+  EXPECT_EQ(m_especie.Acrescenta(9), codigos::kOk);
+  ConfereTudo(m_especie.Acrescentado(maior, 9));
+}
+
+/// A header that is torn, and whose repair fails, is written again although it is to hold what it held.
+TEST_P(Conformidade, CabecalhoRasgadoDuasVezes) {
+  Prepara(m_sAntes);
+  PlanoFalha plano = Plano(kOpGrava, Nome(), 1117, false, 58);
+  plano.enesima = apoio::CabecalhosLigados() ? 2 : 1;
+  m_falhas.Arma(plano);
+  plano.gravaAntes = 0;
+  plano.enesima = 3;  // of those that the first plan lets pass
+  m_falhas.ArmaTambem(plano);
+  EXPECT_TRUE(Falhou(m_especie.Muda(3)));
+  m_falhas.Desarma();
+  EXPECT_EQ(m_especie.Muda(1), codigos::kOk);
+  EXPECT_EQ(Disco(), Inteira(m_sAntes));
+}
+
 /// A file that has grown for a write but has not got its bytes yet is our own half write too.
 TEST_P(Conformidade, ArquivoMorreComZerosNoFim) {
   Prepara(m_sAntes);

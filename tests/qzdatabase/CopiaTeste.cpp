@@ -46,12 +46,9 @@ TEST_F(Copia, SemOrigemODestinoSome) {
 TEST_F(Copia, RecusaDestinoIgualOuPreso) {
   Poe("TESTE.DAT", Bytes(1, 2));
   ASSERT_EQ(Abre(), codigos::kOk);
-  CString sMinusculo = m_empresa.Codigo();
-  sMinusculo[0] = 't';
   apoio::RegistroTeste registro;
-  registro.DefineTexto(CString(kChaveSuite) + "Empresas\\" + sMinusculo, "DF",
-                       plataforma::Maiusculas(m_empresa.Caminho("")));
-  for (const CString &sMesma : {m_empresa.Codigo(), sMinusculo}) {
+  registro.DefineTexto(CString(kChaveSuite) + "Empresas\\MESMA", "DF", plataforma::Maiusculas(m_empresa.Caminho("")));
+  for (const CString &sMesma : {m_empresa.Codigo(), CString("MESMA")}) {
     EXPECT_EQ(Arquivo().CopiaArquivoPara(sMesma, QZ_DF), codigos::kArquivoNaoApagado);
     EXPECT_TRUE(m_relogio.Esperas().empty());
   }

@@ -180,10 +180,12 @@ public:
             {"damaged end", antes + "x", [this] { return Grava(0, {"x"}); }, antes + Linhas({"x"}), 1},
             {"append to many", Linhas(muitas), [this] { return Grava(0, {"um"}); }, Linhas(muitas) + Linhas({"um"})},
             {"growing shrink of many", Linhas(muitas) + Linhas({"um"}),
-             [this] {
-               return Grava(1001, {"u", "x"});
+             [this, muitas] {
+               std::vector<std::string> textos = muitas;
+               textos.front() = "u";
+               return Grava(1001, textos);
              },
-             Linhas(muitas) + Linhas({"u", "x"})}};
+             Linhas(muitas) + Linhas({"u"}) + Linhas({muitas.begin() + 1, muitas.end()})}};
   }
   std::vector<Operacao> Operacoes() override {
     return {{"Le", [this] { return m_file.Le(1, m_sLida); }},

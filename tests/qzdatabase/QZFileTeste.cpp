@@ -110,10 +110,12 @@ TEST_F(ArquivoDeRegistros, UmRegistroAusenteOuDeOutroTamanho) {
   EXPECT_EQ(reg, Registro(77)) << "the output stays";
   EXPECT_EQ(Unico().Grava(RegTeste{}), codigos::kOk);
   EXPECT_FALSE(m_empresa.Existe("UNICO.DAT")) << "a zero record creates nothing";
-  EXPECT_EQ(Unico().Grava(Registro(1, "a")), codigos::kOk);
-  EXPECT_EQ(Unico().Grava(Registro(1, "a          b")), codigos::kOk) << "it differs at its end";
+  EXPECT_EQ(Unico().Grava(Registro(1)), codigos::kOk);
+  RegTeste outro = Registro(1);
+  outro.cTexto[11] = 'b';
+  EXPECT_EQ(Unico().Grava(outro), codigos::kOk) << "it differs at its end";
   EXPECT_EQ(Unico().Le(&reg), codigos::kOk);
-  EXPECT_EQ(reg, Registro(1, "a          b"));
+  EXPECT_EQ(reg, outro);
   EXPECT_EQ(Disco("UNICO.DAT").back(), 'b');
   Poe("TESTE.DAT", Bytes(1, 1));
   for (const char *conteudo : {"", "fifteen letters", "seventeen letters"}) {

@@ -201,7 +201,11 @@ TEST_F(ArquivoTexto, ArquivosQuaisquer) {
     std::uint64_t uiPosicao = 0;
     ASSERT_EQ(Grava(&uiPosicao, {"mais", longa}), codigos::kOk);
     EXPECT_EQ(uiPosicao, caso.memoria.size() + 2);
-    ASSERT_EQ(Disco(), Linhas(Junta(caso.memoria, {"mais", longa})));
+    uiPosicao = 0;
+    ASSERT_EQ(Grava(&uiPosicao, {"fim"}), codigos::kOk);
+    const Textos depois = Junta(caso.memoria, {"mais", longa});
+    EXPECT_EQ(Offsets().back(), m_uiCabecalho + Linhas(depois).size()) << "appended: the end is damaged no more";
+    ASSERT_EQ(Disco(), Linhas(Junta(depois, {"fim"})));
   }
 }
 

@@ -104,6 +104,11 @@ public:
   /// Blocks until all that was written is on the storage device.
   virtual FalhaArquivo Descarrega() = 0;
 
+  /// Makes the first `qtd` bytes of a file that is open for reading and writing, and has as many, memory of this
+  /// process until the object is destroyed. What is stored there is in the file at once, for this process and when it
+  /// is gone, without any further call. Touching that memory raises a machine fault when the device fails.
+  virtual FalhaArquivo Mapeia(std::size_t qtd, std::byte **ppBytes) = 0;
+
 protected:
   IArquivoAberto() = default;
   IArquivoAberto(const IArquivoAberto &) = default;

@@ -15,6 +15,10 @@ class ArquivosComQuedaDeForca::Arquivo final : public plataforma::IArquivoAberto
 public:
   Arquivo(ArquivosComQuedaDeForca &dono, std::shared_ptr<Conteudo> conteudo, std::unique_ptr<IArquivoAberto> base)
       : m_dono(dono), m_conteudo(std::move(conteudo)), m_base(std::move(base)) {}
+  ~Arquivo() override {
+    m_dono.FixaMapas();
+    m_dono.m_mapas.erase(m_conteudo.get());
+  }
 
   FalhaArquivo Le(std::uint64_t posicao, void *destino, std::size_t qtd) override {
     return m_base->Le(posicao, destino, qtd);
@@ -51,6 +55,15 @@ public:
     return queda;
   }
 
+  FalhaArquivo Mapeia(std::size_t qtd, std::byte **ppBytes) override {
+    const FalhaArquivo queda = m_dono.Muda();
+    const FalhaArquivo falha = queda ? queda : m_base->Mapeia(qtd, ppBytes);
+    if (!falha) {
+      m_dono.m_mapas[m_conteudo.get()] = {reinterpret_cast<const char *>(*ppBytes), qtd};
+    }
+    return falha;
+  }
+
 private:
   ArquivosComQuedaDeForca &m_dono;
   std::shared_ptr<Conteudo> m_conteudo;
@@ -63,7 +76,17 @@ void ArquivosComQuedaDeForca::Prepara(Queda eQueda, std::size_t n) {
   m_uiLimite = n;
 }
 
+/// What is mapped changes without a call, up to the end of the process.
+void ArquivosComQuedaDeForca::FixaMapas() {
+  for (const auto &[pConteudo, bytes] : m_mapas) {
+    if (!Caiu()) {
+      pConteudo->atual = bytes;
+    }
+  }
+}
+
 FalhaArquivo ArquivosComQuedaDeForca::Muda() {
+  FixaMapas();
   ++m_uiMudancas;
   return Caiu() ? plataforma::FalhaWin32(1117) : plataforma::kSemFalha;
 }

@@ -5,6 +5,7 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 
 #include "tests/apoio/ArquivosDecorado.h"
 #include "tests/apoio/ServicosTrocados.h"
@@ -44,9 +45,11 @@ private:
     std::string descarregado;
   };
 
+  void FixaMapas();
   FalhaArquivo Muda();
 
   std::map<CString, std::shared_ptr<Conteudo>> m_conteudos;  ///< by path
+  std::map<Conteudo *, std::string_view> m_mapas;            ///< what is mapped into memory
   Queda m_eQueda = Queda::DoProcesso;
   std::size_t m_uiMudancas = 0;
   std::size_t m_uiLimite = 0;
@@ -81,6 +84,9 @@ public:
     m_rastro.emplace(__FILE__, __LINE__, testing::Message() << lpQueda << " before change " << m_uiMudanca);
     return true;
   }
+
+  /// The process merely ends.
+  bool DoProcesso() const { return m_eQueda == Queda::DoProcesso; }
 
   template <class Chamada>
   void Roda(Chamada chama) {

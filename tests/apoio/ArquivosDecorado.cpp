@@ -45,6 +45,10 @@ public:
     }
     return falha ? falha : m_base->UltimaEscrita(ticks);
   }
+  FalhaArquivo Mapeia(std::size_t qtd, std::byte **ppBytes) override {
+    const FalhaArquivo falha = Passa(kOpAjustaTamanho);
+    return falha ? falha : m_base->Mapeia(qtd, ppBytes);
+  }
   /// The file system below is not asked: no test's files need outlive a power cut, and it would take most of the time.
   FalhaArquivo Descarrega() override { return Passa(kOpDescarrega); }
 

@@ -46,8 +46,8 @@ enum Operacao : unsigned {
   kOpAbre = 1,
   kOpLe = 2,
   kOpGrava = 4,
-  kOpTamanho = 8,  ///< of an open file or of a path, and the time of the last write
-  kOpAjustaTamanho = 16,
+  kOpTamanho = 8,         ///< of an open file or of a path, and the time of the last write
+  kOpAjustaTamanho = 16,  ///< and the mapping of a file into memory
   kOpDescarrega = 32,
   kOpApaga = 64,
   kOpMove = 128,

@@ -210,4 +210,21 @@ private:
   std::uint64_t m_uiPosicao = 0;
 };
 
+/// Makes a file of one kind, for the suites that run over all of them.
+struct Fabrica {
+  const char *nome;
+  std::unique_ptr<Especie> (*cria)(IDonoDeArquivos *);
+};
+
+inline void PrintTo(const Fabrica &fabrica, std::ostream *pSaida) {
+  *pSaida << fabrica.nome;
+}
+
+template <typename E>
+Fabrica De(const char *nome) {
+  return {nome, [](IDonoDeArquivos *pDono) -> std::unique_ptr<Especie> { return std::make_unique<E>(pDono); }};
+}
+
+inline const std::vector<Fabrica> kEspecies{De<Tipado>("Tipado"), De<Unico>("Unico"), De<Texto>("Texto")};
+
 #endif

@@ -1,5 +1,6 @@
 #include "core/platform/posix/ArquivoAberto.h"
 
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -21,6 +22,12 @@ FalhaArquivo UltimaFalha() {
 }  // namespace
 
 ArquivoAberto::ArquivoAberto(Acesso acesso) : m_eAcesso(acesso) {}
+
+ArquivoAberto::~ArquivoAberto() {
+  if (m_pMapa != nullptr) {
+    ::munmap(m_pMapa, m_qtdMapa);
+  }
+}
 
 FalhaArquivo ArquivoAberto::Le(std::uint64_t posicao, void *destino, std::size_t qtd) {
   if (m_eAcesso == Acesso::Escrita) {
@@ -92,6 +99,17 @@ FalhaArquivo ArquivoAberto::UltimaEscrita(std::uint64_t *ticks) {
 
 FalhaArquivo ArquivoAberto::Descarrega() {
   return ::fsync(m_descritor.Numero()) == 0 ? kSemFalha : UltimaFalha();
+}
+
+FalhaArquivo ArquivoAberto::Mapeia(std::size_t qtd, std::byte **ppBytes) {
+  void *const pMapa = ::mmap(nullptr, qtd, PROT_READ | PROT_WRITE, MAP_SHARED, m_descritor.Numero(), 0);
+  if (pMapa == MAP_FAILED) {
+    return UltimaFalha();
+  }
+  m_pMapa = pMapa;
+  m_qtdMapa = qtd;
+  *ppBytes = static_cast<std::byte *>(pMapa);
+  return kSemFalha;
 }
 
 }  // namespace plataforma

@@ -11,6 +11,9 @@ namespace plataforma {
 class ArquivoAberto final : public IArquivoAberto {
 public:
   explicit ArquivoAberto(Acesso acesso);
+  ~ArquivoAberto() override;
+  ArquivoAberto(const ArquivoAberto &) = delete;
+  ArquivoAberto &operator=(const ArquivoAberto &) = delete;
 
   /// To be filled with the file's descriptor; everything else needs that.
   Descritor *Posse() { return &m_descritor; }
@@ -21,10 +24,13 @@ public:
   FalhaArquivo AjustaTamanho(std::uint64_t tamanho) override;
   FalhaArquivo UltimaEscrita(std::uint64_t *ticks) override;
   FalhaArquivo Descarrega() override;
+  FalhaArquivo Mapeia(std::size_t qtd, std::byte **ppBytes) override;
 
 private:
   Descritor m_descritor;
   Acesso m_eAcesso;
+  void *m_pMapa = nullptr;
+  std::size_t m_qtdMapa = 0;
 };
 
 }  // namespace plataforma

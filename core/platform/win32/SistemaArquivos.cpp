@@ -66,6 +66,9 @@ class ArquivoAberto final : public IArquivoAberto {
 public:
   ArquivoAberto() = default;
   ~ArquivoAberto() override {
+    if (m_pMapa != nullptr) {
+      ::UnmapViewOfFile(m_pMapa);
+    }
     if (m_hArquivo != INVALID_HANDLE_VALUE) {
       ::CloseHandle(m_hArquivo);
     }
@@ -137,11 +140,24 @@ public:
 
   FalhaArquivo Descarrega() override { return ::FlushFileBuffers(m_hArquivo) ? kSemFalha : UltimaFalha(); }
 
+  FalhaArquivo Mapeia(std::size_t qtd, std::byte **ppBytes) override {
+    const HANDLE hMapa = ::CreateFileMappingA(m_hArquivo, nullptr, PAGE_READWRITE, 0, 0, nullptr);
+    if (hMapa == nullptr) {
+      return UltimaFalha();
+    }
+    m_pMapa = ::MapViewOfFile(hMapa, FILE_MAP_WRITE, 0, 0, qtd);
+    const FalhaArquivo falha = m_pMapa != nullptr ? kSemFalha : UltimaFalha();
+    ::CloseHandle(hMapa);  // the view keeps it
+    *ppBytes = static_cast<std::byte *>(m_pMapa);
+    return falha;
+  }
+
   /// Owns an open handle from here on.
   void Assume(HANDLE hArquivo) { m_hArquivo = hArquivo; }
 
 private:
   HANDLE m_hArquivo = INVALID_HANDLE_VALUE;
+  void *m_pMapa = nullptr;
 };
 
 /// Attributes of a path; false when it is missing or a directory, with the reason as last error.

@@ -1,5 +1,6 @@
 #include "core/qzdatabase/arquivo/QZFileBase.h"
 
+#include "core/platform/CodigoEstrangeiro.h"
 #include "core/platform/Plataforma.h"
 #include "core/platform/Textos.h"
 #include "core/platform/TravaEntreProcessos.h"
@@ -58,7 +59,9 @@ private:
   static void Desfaz(CQZFileBase &file) noexcept {
     try {
       if (file.m_bEntradaNova) {
-        static_cast<void>(RemoveControleCriacaoArquivos(file, file.m_eModulo, file.m_sNomeArquivo));
+        if (!Falhou(RemoveControleCriacaoArquivos(file, file.m_eModulo, file.m_sNomeArquivo))) {
+          CQZIntencaoGravacao::Esquece(file.CaminhoCompleto());
+        }
       }
       file.m_bEntradaNova = false;
     } catch (...) {
@@ -301,7 +304,11 @@ Veredito CQZFileBase::AposTentativaFalha(HRESULT hr) {
 
 void CQZFileBase::ConfirmaGravacao() {
   m_transacao.Confirma();
-  m_bACriar = false;
+  if (m_bACriar) {
+    m_bACriar = false;
+    // With a header the companion is in use by now, and goes when the file is closed.
+    plataforma::ChamaCodigoEstrangeiro([this] { CQZIntencaoGravacao::Esquece(CaminhoCompleto()); });
+  }
 }
 
 void CQZFileBase::DesfazCriacao() {
@@ -320,6 +327,7 @@ void CQZFileBase::DesfazCriacao() {
     falha = plataforma::Arquivos().Apaga(sCaminho);
   }
   if (!falha || falha.NaoEsta()) {
+    CQZIntencaoGravacao::Esquece(sCaminho);
     m_bACriar = false;
     m_bExistiu = false;
     m_transacao.Confirma();
@@ -410,16 +418,36 @@ HRESULT CQZFileBase::GerenciaControleCriacaoArquivos(EModoAbertura eModoAbertura
     bool bExiste = false;
     QZ_VERIFICA(rastro, "CatchInicializacao(pEx)",
                 CatchInicializacao(plataforma::Arquivos().Existe(CaminhoCompleto(), &bExiste)));
-    if (!bExiste) {
+    const bool bInterrompida = CriacaoInterrompida(bExiste);
+    if (!bExiste && !bInterrompida) {
       QZ_RETORNA_CODIGO(rastro, codigos::kArquivoDesapareceu);
     }
+    m_bACriar = m_bACriar || (bExiste && bInterrompida);
   } else if (eModoAbertura == eModoCriacao) {
     m_bEntradaNova = true;
+    CQZIntencaoGravacao::AnotaCriacao(CaminhoCompleto(), m_sNomeArquivo);
     QZ_VERIFICA(rastro, "CriaControleCriacaoArquivos()",
                 CriaControleCriacaoArquivos(*this, *pConsultada, m_sNomeArquivo));
     *pLista = std::move(pConsultada);
   }
   return codigos::kOk;
+}
+
+/// True when a process has ended between the file's entry and its first content: the file is still to be created, or
+/// to be filled. Content is taken for what it is: from then on the file's absence means that it has gone.
+bool CQZFileBase::CriacaoInterrompida(bool bExiste) const {
+  using Criacao = CQZIntencaoGravacao::Criacao;
+  const CString sCaminho = CaminhoCompleto();
+  const Criacao eCriacao = CQZIntencaoGravacao::CriacaoAnotada(sCaminho, m_sNomeArquivo);
+  if (!bExiste || eCriacao != Criacao::Criacao) {
+    return eCriacao != Criacao::Nada;
+  }
+  std::uint64_t uiTamanho = 0;
+  const bool bTemConteudo = plataforma::Arquivos().TamanhoDe(sCaminho, &uiTamanho) || uiTamanho > TamanhoCabecalho();
+  if (bTemConteudo) {
+    CQZIntencaoGravacao::Esquece(sCaminho);
+  }
+  return !bTemConteudo;
 }
 
 HRESULT CQZFileBase::PossuiControleCriacaoArquivos(IListaCriados &lista, bool *pbPossui) {
@@ -534,7 +562,35 @@ HRESULT CQZFileBase::ValidaCabecalhoV01() {
   const CQZRastro rastro(this, {"CQZFileBase::ValidaCabecalhoV01"}, kFonte);
   HRESULT hr = codigos::kOk;
   QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(m_cabecalho.Examina(Arquivo(), &hr)));
+  if (!Falhou(hr)) {
+    return hr;
+  }
+  const HRESULT hrDano = rastro.Codigo(hr, __LINE__);
+  if (!ReparaGravacaoInterrompida()) {
+    return hrDano;
+  }
+  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(m_cabecalho.Examina(Arquivo(), &hr)));
   return Falhou(hr) ? rastro.Codigo(hr, __LINE__) : hr;
+}
+
+/// Header and data do not agree: a process may have ended between the two, and have noted what it was about. True when
+/// the file was put right by that; it is open for reading and writing then. Whatever keeps it from being put right, the
+/// answer is what is wrong with the file.
+bool CQZFileBase::ReparaGravacaoInterrompida() {
+  const CString sCaminho = CaminhoCompleto();
+  bool bTemNota = false;
+  if (plataforma::Arquivos().Existe(CQZIntencaoGravacao::Caminho(sCaminho), &bTemNota) || !bTemNota) {
+    return false;
+  }
+  if (m_abertura.Modo() != eModoLeituraGravacao) {
+    m_abertura.Fecha();
+    if (Falhou(m_abertura.Abre(sCaminho, eModoLeituraGravacao, 1))) {
+      return false;
+    }
+  }
+  bool bReparado = false;
+  const FalhaArquivo falha = CQZIntencaoGravacao::Repara(Arquivo(), sCaminho, m_sNomeArquivo, &bReparado);
+  return !falha && bReparado;
 }
 
 /// The file gets its header by way of a complete copy, which replaces it in one step: at no moment is there less than

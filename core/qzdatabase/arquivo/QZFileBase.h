@@ -197,6 +197,8 @@ private:
   [[nodiscard]] HRESULT GeraDadosCabecalho(RegVersaoArquivo *pRegVersao, RegCabecalhoArquivo *pRegCabecalho);
   [[nodiscard]] HRESULT ValidaCabecalho();
   [[nodiscard]] HRESULT ValidaCabecalhoV01();
+  bool ReparaGravacaoInterrompida();
+  bool CriacaoInterrompida(bool bExiste) const;
   [[nodiscard]] HRESULT AtualizaCabecalho();
 
   CString m_sNomeArquivo;
@@ -214,7 +216,7 @@ private:
 
   CQZAberturaArquivo m_abertura;
   CQZCabecalhoVigente m_cabecalho;
-  CQZTransacaoGravacao m_transacao{m_cabecalho};
+  CQZTransacaoGravacao m_transacao{m_cabecalho, m_abertura.Intencao()};
 };
 
 template <typename P, typename F>

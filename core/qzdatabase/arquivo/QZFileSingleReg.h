@@ -24,6 +24,10 @@ public:
   /// Stores the record, creating a missing file; an unchanged record touches nothing.
   [[nodiscard]] HRESULT Grava(const T &reg);
 
+  /// True when there was a record when the file was last looked at; does not look at the disk. A missing file has none,
+  /// nor one whose creation was interrupted.
+  bool TemRegistro() const { return m_bTemRegistro; }
+
 protected:
   [[nodiscard]] HRESULT OnInicializa() override;
   [[nodiscard]] HRESULT OnFinaliza() override;

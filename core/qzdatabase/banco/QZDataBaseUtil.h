@@ -93,7 +93,7 @@ HRESULT CQZDataBaseUtil::LeSingleReg(const IQZDF_Profiler *pOwner, ModuloQZ eMod
   *pReg = T{};
   CQZBancoTemporario<CQZFileSingleReg<T>> temporario(eModulo, sNomeArquivo);
   QZ_VERIFICA(rastro, "qzDB.Inicializa(pOwner)", temporario.Banco().Inicializa(*pOwner));
-  if (temporario.Arquivo().ExisteArquivo()) {
+  if (temporario.Arquivo().TemRegistro()) {
     QZ_VERIFICA(rastro, "qzFile.Le(pReg)", temporario.Arquivo().Le(pReg));
   }
   return codigos::kOk;

@@ -54,6 +54,9 @@ HRESULT CodigoDaAbertura(const CString &sCaminho, const FalhaArquivo &falha, boo
 }  // namespace
 
 HRESULT CQZAberturaArquivo::Abre(const CString &sCaminho, EModoAbertura eModo, int iTentativas) {
+  if (eModo == eModoLeituraGravacao) {
+    m_intencao.Define(sCaminho);
+  }
   const HRESULT hr = TentaAbrir(sCaminho, ModoDoSistema(eModo), iTentativas);
   if (Aberto()) {
     Assume(eModo);
@@ -63,6 +66,8 @@ HRESULT CQZAberturaArquivo::Abre(const CString &sCaminho, EModoAbertura eModo, i
 
 HRESULT CQZAberturaArquivo::Cria(const CString &sCaminho) {
   using namespace plataforma;
+  // First: a file that was created must not be forgotten for want of memory.
+  m_intencao.Define(sCaminho);
   const HRESULT hr = TentaAbrir(sCaminho, {Acesso::LeituraEscrita, Compartilhamento::Exclusivo, Criacao::CriaNovo},
                                 kTentativasAbertura);
   if (Aberto()) {
@@ -97,6 +102,7 @@ void CQZAberturaArquivo::Assume(EModoAbertura eModo) {
 }
 
 void CQZAberturaArquivo::Fecha() {
+  m_intencao.Encerra();
   m_arquivo.reset();
   m_eModo = eModoFechado;
   m_aparencia.reset();
@@ -114,6 +120,9 @@ bool CQZAberturaArquivo::TrocaSeMorto(const CString &sCaminho) {
   if (m_eModo != eModoLeituraGravacao || plataforma::Arquivos().Abre(sCaminho, ModoDoSistema(m_eModo), &novo)) {
     return false;
   }
+  // The companion's handle lies on the same share.
+  m_intencao.Encerra();
+  m_intencao.Define(sCaminho);
   m_arquivo = std::move(novo);
   m_bMesmo = false;
   return true;

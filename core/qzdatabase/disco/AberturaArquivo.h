@@ -6,6 +6,7 @@
 
 #include "core/platform/SistemaArquivos.h"
 #include "core/qzdatabase/disco/Insistencia.h"
+#include "core/qzdatabase/disco/IntencaoGravacao.h"
 
 /// Open modes: sums of the flags read-write 0x0002, share-exclusive 0x0010, share-deny-none 0x0040, create 0x1000 and
 /// no-truncate 0x2000.
@@ -30,6 +31,8 @@ public:
   /// Only while open.
   plataforma::IArquivoAberto &Arquivo() const { return *m_arquivo; }
   bool MesmoArquivo() const { return m_bMesmo; }
+  /// Notes of the writes to the file, as long as it is open for writing.
+  CQZIntencaoGravacao &Intencao() { return m_intencao; }
 
   /// Opens an existing file (eModoCriacao: creates or empties it), which must be closed. Answers a file code when it
   /// gives up. Sharing conflicts and their like are tried again.
@@ -62,6 +65,7 @@ private:
   std::optional<Aparencia> Olha() const;
 
   std::unique_ptr<plataforma::IArquivoAberto> m_arquivo;
+  CQZIntencaoGravacao m_intencao;  // behind the handle, so that it goes before it
   EModoAbertura m_eModo = eModoFechado;
   std::optional<Aparencia> m_aparencia;
   bool m_bMesmo = false;

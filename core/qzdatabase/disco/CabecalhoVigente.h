@@ -40,6 +40,9 @@ public:
   static plataforma::FalhaArquivo GravaCopia(plataforma::IArquivoAberto &origem, const RegVersaoArquivo &versao,
                                              const RegCabecalhoArquivo &cabecalho, plataforma::IArquivoAberto &destino);
 
+  /// The header record of this file over data with that CRC.
+  RegCabecalhoArquivo RegistroPara(std::uint64_t uiCrcDados) const;
+
   std::uint64_t CrcDados() const { return m_uiCrcDados; }
   void SegueDados(std::uint64_t uiCrcDados) { m_uiCrcDados = uiCrcDados; }
 

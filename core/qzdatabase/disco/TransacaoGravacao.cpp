@@ -33,6 +33,7 @@ FalhaArquivo CQZTransacaoGravacao::Grava(IArquivoAberto &arquivo, const void *pB
   if (m_bNovoGuardado) {
     m_sNovo.assign(pNovos, cb);
   }
+  AnunciaGravacao(pNovos, cb);
   m_bPendente = true;
   FalhaArquivo falha = arquivo.Grava(m_uiOnde, pBytes, cb);
   if (!falha && m_uiTamanhoNovo < m_uiTamanho) {
@@ -42,6 +43,22 @@ FalhaArquivo CQZTransacaoGravacao::Grava(IArquivoAberto &arquivo, const void *pB
     m_cabecalho.SegueDados(m_uiCrcDepois);
   }
   return falha;
+}
+
+void CQZTransacaoGravacao::AnunciaGravacao(const char *pBytes, std::size_t cb) {
+  if (m_cabecalho.Tem()) {
+    m_intencao.Prepara();
+    m_intencao.Anuncia({m_cabecalho.RegistroPara(m_uiCrcAntes), m_cabecalho.RegistroPara(m_uiCrcDepois), m_uiOnde,
+                        pBytes, cb, m_uiTamanho, m_uiTamanhoNovo});
+  }
+}
+
+/// Once undoing has begun the write is not to be completed any more: its caller was told that it failed.
+void CQZTransacaoGravacao::AnunciaVolta() {
+  if (m_cabecalho.Tem()) {
+    m_intencao.Anuncia({m_cabecalho.RegistroPara(m_uiCrcDepois), m_cabecalho.RegistroPara(m_uiCrcAntes), m_uiOnde,
+                        m_sAntes.data(), m_sAntes.size(), m_uiTamanhoNovo, m_uiTamanho});
+  }
 }
 
 /// CRC of the data once the bytes are written. A change of some bytes with others behind it changes the CRC by that of
@@ -63,6 +80,7 @@ std::uint64_t CQZTransacaoGravacao::CrcDepois(const char *pBytes, std::size_t cb
 }
 
 FalhaArquivo CQZTransacaoGravacao::Desfaz(IArquivoAberto &arquivo) {
+  AnunciaVolta();
   FalhaArquivo falha;
   if (!m_sAntes.empty()) {
     falha = arquivo.Grava(m_uiOnde, m_sAntes.data(), m_sAntes.size());
@@ -87,7 +105,9 @@ FalhaArquivo CQZTransacaoGravacao::DesfazSeNossa(IArquivoAberto &arquivo) {
       falha = m_cabecalho.Atualiza(arquivo);
     }
   }
-  m_bPendente = static_cast<bool>(falha);
+  if (!falha) {
+    Confirma();
+  }
   return falha;
 }
 

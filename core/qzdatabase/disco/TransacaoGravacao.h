@@ -2,6 +2,7 @@
 #define KALVO_CORE_QZDATABASE_DISCO_TRANSACAOGRAVACAO_H
 
 #include "core/qzdatabase/disco/CabecalhoVigente.h"
+#include "core/qzdatabase/disco/IntencaoGravacao.h"
 
 /// One write to an open file that, in the end, has either happened or left no trace.
 ///
@@ -11,10 +12,12 @@
 /// Confirma). So a write that fails, throws, or is abandoned in a machine fault half way is put right before the next
 /// one, and a retry never writes behind its own fragment.
 ///
-/// The CRC of the data in `cabecalho` follows the write and its undoing.
+/// The CRC of the data in `cabecalho` follows the write and its undoing. Where the file has a header, `intencao` notes
+/// what either is about to do, as long as the transaction is pending, for the case that the process ends meanwhile.
 class CQZTransacaoGravacao {
 public:
-  explicit CQZTransacaoGravacao(CQZCabecalhoVigente &cabecalho) : m_cabecalho(cabecalho) {}
+  CQZTransacaoGravacao(CQZCabecalhoVigente &cabecalho, CQZIntencaoGravacao &intencao)
+      : m_cabecalho(cabecalho), m_intencao(intencao) {}
 
   /// Fixes the place of the next write and the file's present length, both counted from the file's first byte. Not
   /// while pending.
@@ -28,7 +31,10 @@ public:
 
   /// The disk may hold something of an unfinished write.
   bool Pendente() const { return m_bPendente; }
-  void Confirma() { m_bPendente = false; }
+  void Confirma() {
+    m_bPendente = false;
+    m_intencao.Retira();
+  }
 
   /// Puts the bytes and the length back and the CRC with them; the transaction stays pending.
   plataforma::FalhaArquivo Desfaz(plataforma::IArquivoAberto &arquivo);
@@ -42,9 +48,12 @@ public:
 private:
   plataforma::FalhaArquivo FoiDeixadoAssim(plataforma::IArquivoAberto &arquivo, bool *pbFoi);
   plataforma::FalhaArquivo FaixaDeixadaAssim(plataforma::IArquivoAberto &arquivo, bool *pbFoi) const;
+  void AnunciaGravacao(const char *pBytes, std::size_t cb);
+  void AnunciaVolta();
   std::uint64_t CrcDepois(const char *pBytes, std::size_t cb, bool bCorta) const;
 
   CQZCabecalhoVigente &m_cabecalho;
+  CQZIntencaoGravacao &m_intencao;
   std::uint64_t m_uiOnde = 0;
   std::uint64_t m_uiTamanho = 0;
   CString m_sAntes;

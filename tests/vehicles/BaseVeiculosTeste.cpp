@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <thread>
 
 #include "core/platform/MemoriaTarefa.h"
@@ -70,6 +71,80 @@ TEST(RegVeiculo, Bytes) {
   std::memset(&v, 'x', sizeof(v));
   CopiaParaInterface(reg, &v);
   EXPECT_EQ(Bytes(v), Bytes(VeiculoCompleto()));
+}
+
+/// Any bytes, terminators in all places: texts up to their first zero byte, and zeros behind them.
+TEST(RegVeiculo, CopiaDeQuaisquerBytes) {
+  const auto texto = [](const auto &origem, auto *pDestino) {
+    std::strncpy(*pDestino, origem, sizeof(origem));  // fills with zeros
+  };
+  const auto copia = [&](const auto &origem, auto *pDestino) {
+    std::memset(pDestino, 0, sizeof(*pDestino));
+    texto(origem.szCodigo, &pDestino->szCodigo);
+    texto(origem.szPlaca, &pDestino->szPlaca);
+    texto(origem.szUF, &pDestino->szUF);
+    texto(origem.szDescricao, &pDestino->szDescricao);
+    texto(origem.szCodigoANTT, &pDestino->szCodigoANTT);
+    texto(origem.szRENAVAM, &pDestino->szRENAVAM);
+    pDestino->iAno = origem.iAno, pDestino->iPonteiroCliente = origem.iPonteiroCliente;
+    pDestino->vTara = origem.vTara, pDestino->vCapacidadeKg = origem.vCapacidadeKg;
+    pDestino->vCapacidadeM3 = origem.vCapacidadeM3, pDestino->iTipoCarroceria = origem.iTipoCarroceria;
+    pDestino->iTipoRodado = origem.iTipoRodado, pDestino->iTipoVeiculo = origem.iTipoVeiculo;
+    pDestino->iTipoTransporte = origem.iTipoTransporte;
+  };
+  std::mt19937 gerador(1);
+  const auto sorteia = [&](auto *pRegistro, unsigned uiUmZeroEm) {
+    for (std::size_t i = 0; i < sizeof(*pRegistro); ++i) {
+      const auto uiSorte = static_cast<unsigned>(gerador());
+      reinterpret_cast<char *>(pRegistro)[i] = uiSorte % uiUmZeroEm == 0 ? '\0' : static_cast<char>(uiSorte >> 8);
+    }
+  };
+  for (const unsigned uiUmZeroEm : {2U, 8U, 32U, 1000U}) {
+    for (int i = 0; i < 300; ++i) {
+      tagREG_VEICULOPS v;
+      RegVeiculo reg;
+      tagREG_VEICULOPS vEsperado;
+      RegVeiculo regEsperado;
+      sorteia(&v, uiUmZeroEm);
+      sorteia(&reg, uiUmZeroEm);
+      copia(v, &regEsperado);
+      CopiaParaRegistro(v, &reg);
+      ASSERT_EQ(Bytes(reg), Bytes(regEsperado));
+      sorteia(&reg, uiUmZeroEm);
+      copia(reg, &vEsperado);
+      CopiaParaInterface(reg, &v);
+      ASSERT_EQ(Bytes(v), Bytes(vEsperado));
+    }
+  }
+}
+
+/// A failure wherever it stands among many positions: what was read before it stays, and one chain is traced.
+TEST_F(Registro, MuitasPosicoesEUmaRuim) {
+  constexpr std::size_t kQtd = 200;
+  ASSERT_EQ(Abre(), codigos::kOk);
+  for (const char *lpCodigo : {"A", "B", "C"}) {
+    Acrescenta(Veiculo(lpCodigo));
+  }
+  const std::vector<std::string> esperados = {Bytes(Veiculo("A")), Bytes(Veiculo("B")), Bytes(Veiculo("C"))};
+  for (const std::size_t ruim : std::initializer_list<std::size_t>{0, 1, 63, 64, 65, 128, 199, kQtd}) {
+    SCOPED_TRACE(ruim);
+    std::vector<LONG> posicoes(kQtd);
+    for (std::size_t i = 0; i < kQtd; ++i) {
+      posicoes[i] = static_cast<LONG>(i == ruim ? 4 : 1 + i * i % 3);
+    }
+    std::vector<tagREG_VEICULOPS> lidos(kQtd, Veiculo("OLD"));
+    apoio::ColetorRastro rastro;
+    EXPECT_EQ(m_base.LePonteiros(kQtd, posicoes.data(), lidos.data()),
+              ruim == kQtd ? codigos::kOk : codigos::kPosicaoAlemDoFim);
+    for (std::size_t i = 0; i < kQtd; ++i) {
+      const auto uiPosicao = static_cast<std::size_t>(posicoes[i]);
+      ASSERT_EQ(Bytes(lidos[i]), i < ruim ? esperados[uiPosicao - 1] : std::string(168, '\0')) << i;
+    }
+    const std::vector<std::string> cadeia = {
+        "CQZFile<struct RegVeiculo>::Le|QZFile.h|((HRESULT)0x810809DAL)",
+        "CBaseVeiculos::LePonteiros|BaseVeiculos.cpp|m_pDataBase->m_Veiculos.Le(Ponteiros[idx], &RegVei)"};
+    EXPECT_EQ(rastro.Toma(), ruim == kQtd ? std::vector<std::string>() : cadeia);
+  }
 }
 
 TEST_F(Registro, PosicoesRuins) {

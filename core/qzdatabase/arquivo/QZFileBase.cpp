@@ -149,6 +149,7 @@ void CQZFileBase::VoltaAoModo(EModoAbertura eModoAnterior) {
 HRESULT CQZFileBase::AposAbrir(EModoAbertura eModoAbertura) {
   const CQZRastro rastro(this, {"CQZFileBase::AbreArquivo"}, kFonte);
   m_bExistiu = true;
+  m_bDadosConferidos = false;
   if (!m_abertura.MesmoArquivo()) {
     m_cabecalho.Esquece();
   }
@@ -211,6 +212,7 @@ HRESULT CQZFileBase::OnInicializa() {
   m_transacao.Confirma();
   m_bACriar = false;
   m_bExistiu = false;
+  m_bDadosConferidos = false;
   m_eMemoria = EMemoria::NadaCarregado;
   const bool bLigado = plataforma::Registro().LeNumero(kChaveSuite, kValorCabecalho).value_or(0) != 0;
   const bool bTemCabecalho = bLigado && !CQZPath::TemExtensao(m_sNomeArquivo, "TRA");
@@ -533,8 +535,14 @@ HRESULT CQZFileBase::ValidaCabecalho() {
 HRESULT CQZFileBase::ValidaCabecalhoV01() {
   const CQZRastro rastro(this, {"CQZFileBase::ValidaCabecalhoV01"}, kFonte);
   HRESULT hr = codigos::kOk;
-  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(m_cabecalho.Examina(Arquivo(), &hr)));
+  const auto leCrc = [this](std::uint64_t *puiCrc) { return CrcDosDados(puiCrc); };
+  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(m_cabecalho.Examina(Arquivo(), leCrc, &hr)));
+  m_bDadosConferidos = !Falhou(hr);
   return Falhou(hr) ? rastro.Codigo(hr, __LINE__) : hr;
+}
+
+FalhaArquivo CQZFileBase::CrcDosDados(std::uint64_t *puiCrc) {
+  return CQZCabecalhoVigente::CrcDosDados(Arquivo(), puiCrc);
 }
 
 /// The file gets its header by way of a complete copy, which replaces it in one step: at no moment is there less than

@@ -67,8 +67,15 @@ HRESULT CBaseVeiculos::Procura(const tagREG_FILTRO_VEICULOSPS &Filtro, std::uint
   if (Falhou(hr)) {
     return hr;
   }
-  QZ_VERIFICA(rastro, "m_pDataBase->m_Veiculos.Le(idx, &RegVei)",
-              m_pDataBase->m_Veiculos.PercorreTrechos(1, uiQtd, visita));
+  const auto percorre = [&] {
+    if (const auto chave = filtro.ChaveExata()) {
+      return m_pDataBase->m_Veiculos.PercorreTexto(
+          chave->uiCampo, chave->sTexto, uiQtd,
+          [&](std::uint64_t uiPosicao, const RegVeiculo &reg) { return visita(uiPosicao, &reg, 1); });
+    }
+    return m_pDataBase->m_Veiculos.PercorreTrechos(1, uiQtd, visita);
+  };
+  QZ_VERIFICA(rastro, "m_pDataBase->m_Veiculos.Le(idx, &RegVei)", percorre());
   if (bSoConta) {
     *puiTodas = uiQtd;
   }

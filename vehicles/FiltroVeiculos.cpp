@@ -103,6 +103,18 @@ bool CFiltroVeiculos::AcrescentaTexto(const char *lpTexto, std::size_t uiDesloca
   return true;
 }
 
+std::optional<CFiltroVeiculos::Chave> CFiltroVeiculos::ChaveExata() const {
+  const std::size_t uiExatos = m_bCuringa ? m_uiTextos - 1 : m_uiTextos;
+  for (std::size_t i = 0; i < uiExatos; ++i) {
+    for (std::size_t uiCampo = 0; uiCampo < CamposIndexados<RegVeiculo>::kCampos.size(); ++uiCampo) {
+      if (CamposIndexados<RegVeiculo>::kCampos[uiCampo].uiDeslocamento == m_textos[i].uiDeslocamento) {
+        return Chave{uiCampo, {m_textos[i].texto.data(), m_textos[i].uiTamanho}};
+      }
+    }
+  }
+  return std::nullopt;
+}
+
 bool CFiltroVeiculos::AtendeTextosEMascaras(const RegVeiculo &reg) const {
   const char *lpRegistro = reinterpret_cast<const char *>(&reg);
   for (std::size_t i = 0; i < m_uiTextos; ++i) {

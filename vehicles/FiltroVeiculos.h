@@ -4,6 +4,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <string_view>
 
 #include "vehicles/PadraoCuringa.h"
 #include "vehicles/RegVeiculo.h"
@@ -24,6 +26,13 @@ public:
 
   /// True when no criterion is in force: every record passes.
   bool PassaTudo() const { return !m_bFaixas && !m_bTextosOuMascaras; }
+
+  /// A criterion that only records with exactly this text in this field (of CamposIndexados) can meet.
+  struct Chave {
+    std::size_t uiCampo;
+    std::string_view sTexto;  ///< lives as long as the filter
+  };
+  std::optional<Chave> ChaveExata() const;
 
 private:
   static constexpr std::size_t kMaiorTexto = sizeof(RegVeiculo::szDescricao);

@@ -213,6 +213,71 @@ TEST_F(Registro, Existe) {
   }
 }
 
+/// Whatever is written in between, Existe and searches give what looking at every vehicle gives: with codes and plates
+/// that look like patterns, fill their fields, differ in letter case or are empty, and beside other criteria.
+TEST_F(Registro, BuscasComoPeloExameDeTodos) {
+  static const char *const kTextos[] = {"",
+                                        "A",
+                                        "a",
+                                        "B",
+                                        "AB",
+                                        "A*",
+                                        "*",
+                                        "?",
+                                        "B?",
+                                        "AB\xE3",
+                                        "123456789",
+                                        "1234567890",
+                                        "123456789012",
+                                        "1234567890123",
+                                        "12345678901234"};
+  std::mt19937 gerador(3);
+  const auto sorteia = [&](std::size_t n) { return static_cast<std::size_t>(gerador() % n); };
+  const auto texto = [&] { return kTextos[sorteia(std::size(kTextos))]; };
+  std::vector<RegVeiculo> modelo;
+  const auto examina = [&](const tagREG_FILTRO_VEICULOSPS &filtro) {
+    std::vector<LONG> posicoes;
+    for (std::size_t i = 0; i < modelo.size(); ++i) {
+      if (CBaseVeiculos::AtendeFiltro(modelo[i], filtro)) {
+        posicoes.push_back(static_cast<LONG>(i + 1));
+      }
+    }
+    return posicoes;
+  };
+  ASSERT_EQ(Abre(), codigos::kOk);
+  for (int i = 0; i < 500; ++i) {
+    tagREG_VEICULOPS v = Veiculo(texto(), texto());
+    v.iAno = static_cast<std::uint32_t>(2000 + sorteia(2));
+    auto lPos = static_cast<LONG>(sorteia(3) == 0 ? 0 : sorteia(modelo.size() + 1));
+    modelo.resize(std::max(modelo.size(), lPos == 0 ? modelo.size() + 1 : 0));
+    CopiaParaRegistro(v, &modelo[lPos == 0 ? modelo.size() - 1 : static_cast<std::size_t>(lPos - 1)]);
+    ASSERT_EQ(m_base.Grava(&lPos, v), codigos::kOk);
+
+    const char *const lpTexto = texto();
+    tagREG_FILTRO_VEICULOSPS porCodigo{};
+    tagREG_FILTRO_VEICULOSPS porPlaca{};
+    Preenche(porCodigo.szCodigo, lpTexto);
+    Preenche(porPlaca.szPlaca, lpTexto);
+    std::vector<LONG> esperadas = examina(porCodigo);
+    esperadas = esperadas.empty() ? examina(porPlaca) : esperadas;
+    std::uint32_t iPos = 77;
+    ASSERT_EQ(m_base.Existe(lpTexto, &iPos, &v), codigos::kOk);
+    ASSERT_EQ(iPos, esperadas.empty() ? 0U : static_cast<std::uint32_t>(esperadas[0])) << lpTexto;
+    tagREG_VEICULOPS vEsperado{};
+    if (iPos != 0) {
+      CopiaParaInterface(modelo[iPos - 1], &vEsperado);
+    }
+    ASSERT_EQ(Bytes(v), Bytes(vEsperado));
+
+    tagREG_FILTRO_VEICULOSPS filtro = porCodigo;
+    Preenche(filtro.szPlaca, texto());
+    Preenche(filtro.szDescricao, i % 7 == 0 ? "*" : i % 5 == 0 ? "CAMINHAO TOCO" : "");
+    filtro.iAnoInicial = i % 3 == 0 ? 2001 : 0;
+    ASSERT_EQ(Busca(filtro), examina(filtro)) << filtro.szCodigo << '|' << filtro.szPlaca;
+    ASSERT_EQ(Busca(porPlaca), examina(porPlaca)) << lpTexto;
+  }
+}
+
 /// Every operation before Inicializa and while another program holds the file: its code, and what administrators find.
 TEST_F(Registro, CodigosECadeiasDoRastro) {
   apoio::ArquivosComFalha arquivos(*plataforma::ServicosDoSistema().arquivos);

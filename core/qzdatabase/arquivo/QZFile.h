@@ -4,11 +4,14 @@
 #include <algorithm>
 #include <atomic>
 #include <new>
+#include <optional>
+#include <string_view>
 #include <utility>
 
 #include "core/platform/CArray.h"
 #include "core/qzdatabase/arquivo/QZBlocosRegistros.h"
 #include "core/qzdatabase/arquivo/QZFileBase.h"
+#include "core/qzdatabase/arquivo/QZIndices.h"
 #include "core/qzdatabase/disco/QZCrc64.h"
 
 /// A file of fixed-length records of the plain structure T, stored byte for byte without separators and held in memory
@@ -50,6 +53,12 @@ public:
   template <typename F>
   [[nodiscard]] HRESULT PercorreTrechos(std::uint64_t uiPrimeira, std::uint64_t uiUltima, F &&visita);
 
+  /// As Percorre from the first position on, but of the records that do not hold exactly the text `sTexto`, which is
+  /// not empty and holds no zero byte, in the field `uiCampo` of CamposIndexados only some are visited, in their
+  /// places, or none: those that do are found by an index, which the first call builds.
+  template <typename F>
+  [[nodiscard]] HRESULT PercorreTexto(std::size_t uiCampo, std::string_view sTexto, std::uint64_t uiUltima, F &&visita);
+
   /// The records in memory. Not locked: for callers that share the file with no other thread.
   const CQZBlocosRegistros<T> *GetPtrArrayRegistros() const {
     const CQZEscopoProfiler escopo(this, Nome(">::GetPtrArrayRegistros"));
@@ -81,6 +90,10 @@ private:
   void Antecipa(std::uint64_t uiPosicao) const;
   plataforma::FalhaArquivo LeCarga(std::uint64_t *puiCrc);
 
+  template <typename F>
+  [[nodiscard]] HRESULT VisitaPorIndice(std::size_t uiCampo, std::uint32_t uiHash, std::uint64_t uiUltima, F &&visita,
+                                        std::optional<std::uint64_t> *puiResto);
+
   [[nodiscard]] HRESULT GravaFaixa(std::uint64_t &uiPosicao, const T *pRegistros, std::size_t qtd);
   [[nodiscard]] HRESULT GravaRegistros(std::uint64_t uiIndice, const T *pRegistros, std::size_t qtd);
   bool PrecisaGravar(std::uint64_t uiPosicao, const T *pRegistros, std::size_t qtd) const;
@@ -91,6 +104,7 @@ private:
   CQZBlocosRegistros<T> m_aRegistros;
   CQZBlocosRegistros<T> m_aCarga;  ///< read and not in use yet
   bool m_bCargaLida = false;       ///< m_aCarga is what CrcDosDados has read last
+  CQZIndices<T> m_indices;         ///< of m_aRegistros
   std::atomic<std::uint64_t> m_uiQtd{0};
 };
 
@@ -147,6 +161,7 @@ plataforma::FalhaArquivo CQZFile<T>::LeCarga(std::uint64_t *puiCrc) {
     return falha;
   }
   m_aCarga.Esvazia();
+  m_indices.Esvazia();
   m_aRegistros.Esvazia();  // no longer served; two contents need not fit into memory
   m_aCarga.DefineTamanho(static_cast<std::size_t>(uiTamanho / sizeof(T)));
   std::uint64_t uiCrc = 0;
@@ -170,6 +185,7 @@ plataforma::FalhaArquivo CQZFile<T>::LeCarga(std::uint64_t *puiCrc) {
 
 template <typename T>
 void CQZFile<T>::EsvaziaMemoria() {
+  m_indices.Esvazia();
   m_aRegistros.Esvazia();
   PublicaQuantidade();
 }
@@ -307,6 +323,56 @@ HRESULT CQZFile<T>::PercorreTrechos(std::uint64_t uiPrimeira, std::uint64_t uiUl
 }
 
 template <typename T>
+template <typename F>
+HRESULT CQZFile<T>::PercorreTexto(std::size_t uiCampo, std::string_view sTexto, std::uint64_t uiUltima, F &&visita) {
+  const std::uint32_t uiHash = CQZIndices<T>::HashDoTexto(uiCampo, sTexto);
+  std::optional<std::uint64_t> uiResto;
+  do {
+    const HRESULT hr = VisitaPorIndice(uiCampo, uiHash, uiUltima, visita, &uiResto);
+    if (Falhou(hr)) {
+      return hr;
+    }
+  } while (!uiResto);
+  return *uiResto == 0 ? codigos::kOk : Percorre(*uiResto, uiUltima, visita);
+}
+
+/// Asks the index once, or works at it for a moment. `*puiResto` receives the position from which on all records have
+/// to be visited, 0 for none; it stays empty while the index has no answer yet.
+template <typename T>
+template <typename F>
+HRESULT CQZFile<T>::VisitaPorIndice(std::size_t uiCampo, std::uint32_t uiHash, std::uint64_t uiUltima, F &&visita,
+                                    std::optional<std::uint64_t> *puiResto) {
+  const CQZRastro rastro(this, Nome(">::Le"), kFonte);
+  const plataforma::CQZTrava trava(Secao());
+  QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
+  if (!ExisteArquivo() || uiUltima > m_aRegistros.GetSize()) {
+    *puiResto = 1;
+    return codigos::kOk;
+  }
+  std::uint64_t uiPosicao = 0;
+  const EResposta eResposta = m_indices.Procura(uiCampo, uiHash, m_aRegistros, &uiPosicao);
+  switch (eResposta) {
+    case EResposta::NaoSei:
+      *puiResto = 1;
+      break;
+    case EResposta::FaltaFazer:
+      m_indices.Trabalha(uiCampo, uiHash, m_aRegistros);
+      break;
+    case EResposta::Nenhum:
+      *puiResto = 0;
+      break;
+    case EResposta::SoUm:
+    case EResposta::Varios: {
+      const bool bSegue =
+          uiPosicao <= uiUltima && visita(uiPosicao, m_aRegistros[static_cast<std::size_t>(uiPosicao - 1)]);
+      *puiResto = bSegue && eResposta == EResposta::Varios ? uiPosicao + 1 : 0;
+      break;
+    }
+  }
+  return codigos::kOk;
+}
+
+template <typename T>
 HRESULT CQZFile<T>::Grava(std::uint64_t &uiPosicao, const T &reg) {
   const CQZOperacao rastro(this, Nome(">::Grava"), kFonte);
   QZ_VERIFICA(rastro, "GravaColecao(uiPosicao, aRegistros)", GravaFaixa(uiPosicao, &reg, 1));
@@ -347,6 +413,7 @@ HRESULT CQZFile<T>::GravaFaixa(std::uint64_t &uiPosicao, const T *pRegistros, st
     uiIndice = uiPosicao != 0 ? uiPosicao - 1 : m_aRegistros.GetSize();
     // Room first: once the records are on disk, taking them into memory must not fail.
     m_aRegistros.Reserva(static_cast<std::size_t>(uiIndice) + qtd);
+    m_indices.Prepara(pRegistros, qtd);
     return codigos::kOk;
   };
   const auto grava = [&]() -> HRESULT {
@@ -380,6 +447,7 @@ HRESULT CQZFile<T>::GravaRegistros(std::uint64_t uiIndice, const T *pRegistros, 
   QZ_VERIFICA(rastro, "CatchGravacao(pEx)",
               CatchGravacao(Transacao().Grava(Arquivo(), pRegistros, qtd * sizeof(T), false)));
   QZ_VERIFICA(rastro, "Flush()", Flush());
+  m_indices.Troca(m_aRegistros, indice, pRegistros, qtd);
   if (indice + qtd > m_aRegistros.GetSize()) {
     m_aRegistros.DefineTamanho(indice + qtd);
   }

@@ -1,7 +1,10 @@
-// What the register costs, on 1,000,000 records of 256 bytes, beside the bare operation or SQLite in the same run.
+// What the register costs, on 1,000 and on 1,000,000 records of 256 bytes, beside the bare operation or SQLite in the
+// same run.
 
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 
+#include <cstring>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -17,55 +20,102 @@
 
 namespace {
 
-constexpr char kEmpresa[] = "BENCH";
+constexpr std::uint32_t kPoucos = 1000;
 
-/// A register over a temporary directory, filled with the sample.
+/// The sample with accents in the descriptions of 30 %.
+RegVeiculo VeiculoAcentuado(std::uint32_t n) {
+  RegVeiculo reg = VeiculoDaAmostra(n);
+  if (n % 10 < 3) {
+    reg.szDescricao[6] = '\xC3';
+  }
+  return reg;
+}
+
+/// A register over a temporary directory, filled with a sample.
 class Base {
 public:
-  Base() {
-    CQZProfilerEmpresa dono(kEmpresa, 1, 1);
+  Base(const char *lpEmpresa, std::uint32_t iRegistros, RegVeiculo (*veiculo)(std::uint32_t) = VeiculoDaAmostra)
+      : m_empresa(lpEmpresa), m_iRegistros(iRegistros) {
+    CQZProfilerEmpresa dono(lpEmpresa, 1, 1);
     CQZDataBase_Veiculos banco;
     Exige(banco.Inicializa(dono), "Inicializa");
     CArray<RegVeiculo> aRegistros;
-    aRegistros.SetSize(kRegistrosAmostra);
-    for (std::uint32_t n = 1; n <= kRegistrosAmostra; ++n) {
-      aRegistros[n - 1] = VeiculoDaAmostra(n);
+    aRegistros.SetSize(iRegistros);
+    for (std::uint32_t n = 1; n <= iRegistros; ++n) {
+      aRegistros[n - 1] = veiculo(n);
     }
     std::uint64_t uiPosicao = 0;
     Exige(banco.m_Veiculos.GravaColecao(uiPosicao, aRegistros), "GravaColecao");
     Exige(banco.Finaliza(), "Finaliza");
     Exige(CQZDataBaseUtil::GravaSingleReg(&dono, QZ_DF, REG_DF_VEICULO_VERSAO{kVersaoBaseVeiculos, {}}, "DFVEIVS.DAT"),
           "GravaSingleReg");
-    Exige(m_registro.Inicializa(kEmpresa, 1, 1), "register");
+    Abre();
   }
   ~Base() { static_cast<void>(m_registro.Finaliza()); }
   Base(const Base &) = delete;
   Base &operator=(const Base &) = delete;
 
+  void Abre() { Exige(m_registro.Inicializa(m_empresa.Codigo(), 1, 1), "register"); }
+  void Fecha() { Exige(m_registro.Finaliza(), "Finaliza"); }
   CBaseVeiculos &Registro() { return m_registro; }
+  std::uint32_t Registros() const { return m_iRegistros; }
   CString CaminhoSolto() const { return m_empresa.Caminho("SOLTO.DAT"); }
 
 private:
-  EmpresaBench m_empresa{kEmpresa};
+  EmpresaBench m_empresa;
+  std::uint32_t m_iRegistros;
   CBaseVeiculos m_registro;
 };
 
 Base &BaseUnica() {
-  static Base base;
+  static Base base("BENCH", kRegistrosAmostra);
   return base;
 }
 
-void Busca(benchmark::State &estado, const tagREG_FILTRO_VEICULOSPS &filtro) {
+Base &BasePequena() {
+  static Base base("BENCHP", kPoucos);
+  return base;
+}
+
+Base &BaseAcentuada() {
+  static Base base("BENCHA", kRegistrosAmostra, VeiculoAcentuado);
+  return base;
+}
+
+/// The one with as many records as the benchmark's parameter says.
+Base &BaseDe(const benchmark::State &estado) {
+  return estado.range(0) == kPoucos ? BasePequena() : BaseUnica();
+}
+
+/// Made-up numbers, always the same.
+class Sorteio {
+public:
+  /// From 1 to `uiMaximo`.
+  std::uint32_t Ate(std::uint32_t uiMaximo) {
+    m_n = m_n * 1664525U + 1013904223U;
+    return static_cast<std::uint32_t>((std::uint64_t{m_n} * uiMaximo) >> 32) + 1;
+  }
+
+private:
+  std::uint32_t m_n = 1;
+};
+
+void Busca(benchmark::State &estado, Base &base, const tagREG_FILTRO_VEICULOSPS &filtro) {
   std::uint32_t iAchados = 0;
-  BaseUnica();
   for (auto _ : estado) {
     tagRESULTADO_BUSCA_VEICULOS resultado;
-    Exige(BaseUnica().Registro().BuscaPonteiros(filtro, &resultado), "BuscaPonteiros");
+    Exige(base.Registro().BuscaPonteiros(filtro, &resultado), "BuscaPonteiros");
     iAchados = resultado.iQtd;
     plataforma::LiberaTarefa(resultado.Ponteiros);
   }
   estado.counters["hits"] = iAchados;
-  estado.SetItemsProcessed(estado.iterations() * kRegistrosAmostra);
+  estado.SetItemsProcessed(estado.iterations() * base.Registros());
+}
+
+tagREG_FILTRO_VEICULOSPS FiltroDescricao(const char *lpPadrao) {
+  tagREG_FILTRO_VEICULOSPS filtro{};
+  std::copy_n(lpPadrao, std::strlen(lpPadrao), filtro.szDescricao);
+  return filtro;
 }
 
 void ScanFaixas(benchmark::State &estado) {
@@ -74,21 +124,100 @@ void ScanFaixas(benchmark::State &estado) {
   filtro.iAnoFinal = 2020;
   filtro.vTaraInicial = 1;
   std::copy_n("SP", 2, filtro.szUF);
-  Busca(estado, filtro);
+  Busca(estado, BaseDe(estado), filtro);
 }
-BENCHMARK(ScanFaixas)->Unit(benchmark::kMillisecond);
+BENCHMARK(ScanFaixas)->Arg(kPoucos)->Arg(kRegistrosAmostra)->Unit(benchmark::kMicrosecond);
 
 void ScanCuringa(benchmark::State &estado) {
-  tagREG_FILTRO_VEICULOSPS filtro{};
-  std::copy_n("*SILO*", 6, filtro.szDescricao);
-  Busca(estado, filtro);
+  Busca(estado, BaseDe(estado), FiltroDescricao("*SILO*"));
 }
-BENCHMARK(ScanCuringa)->Unit(benchmark::kMillisecond);
+BENCHMARK(ScanCuringa)->Arg(kPoucos)->Arg(kRegistrosAmostra)->Unit(benchmark::kMicrosecond);
+
+void ScanInterrogacao(benchmark::State &estado) {
+  Busca(estado, BaseDe(estado), FiltroDescricao("*NUMERO ?7*"));
+}
+BENCHMARK(ScanInterrogacao)->Arg(kPoucos)->Arg(kRegistrosAmostra)->Unit(benchmark::kMicrosecond);
+
+void ScanAcentos(benchmark::State &estado) {
+  Busca(estado, BaseAcentuada(), FiltroDescricao("*SILO*"));
+}
+BENCHMARK(ScanAcentos)->Unit(benchmark::kMicrosecond);
 
 void ScanTodos(benchmark::State &estado) {
-  Busca(estado, {});
+  Busca(estado, BaseDe(estado), {});
 }
-BENCHMARK(ScanTodos)->Unit(benchmark::kMillisecond);
+BENCHMARK(ScanTodos)->Arg(kPoucos)->Arg(kRegistrosAmostra)->Unit(benchmark::kMicrosecond);
+
+void BuscaCodigo(benchmark::State &estado) {
+  tagREG_FILTRO_VEICULOSPS filtro{};
+  std::copy_n("V0000777", 8, filtro.szCodigo);
+  Busca(estado, BaseDe(estado), filtro);
+}
+BENCHMARK(BuscaCodigo)->Arg(kPoucos)->Arg(kRegistrosAmostra)->Unit(benchmark::kMicrosecond);
+
+/// `texto(n)` of a vehicle drawn from the sample; `bAcha` when it is one that exists.
+template <typename F>
+void Existe(benchmark::State &estado, bool bAcha, F &&texto) {
+  Base &base = BaseDe(estado);
+  Sorteio sorteio;
+  for (auto _ : estado) {
+    const RegVeiculo reg = texto(sorteio.Ate(base.Registros()));
+    std::uint32_t iPos = 0;
+    tagREG_VEICULOPS veiculo;
+    Exige(base.Registro().Existe(reg.szCodigo, &iPos, &veiculo), "Existe");
+    if ((iPos != 0) != bAcha) {
+      estado.SkipWithError("answer");
+      return;
+    }
+  }
+}
+
+RegVeiculo SoCodigo(const char *lpForma, std::uint32_t n) {
+  RegVeiculo reg;
+  std::snprintf(reg.szCodigo, sizeof(reg.szCodigo), lpForma, n);
+  return reg;
+}
+
+void ExisteCodigo(benchmark::State &estado) {
+  Existe(estado, true, [](std::uint32_t n) { return SoCodigo("V%07u", n); });
+}
+BENCHMARK(ExisteCodigo)->Arg(kPoucos)->Arg(kRegistrosAmostra);
+
+void ExistePlaca(benchmark::State &estado) {
+  Existe(estado, true, [](std::uint32_t n) { return SoCodigo("ABC%04u", n % 10000); });
+}
+BENCHMARK(ExistePlaca)->Arg(kPoucos)->Arg(kRegistrosAmostra);
+
+void ExisteNenhum(benchmark::State &estado) {
+  Existe(estado, false, [](std::uint32_t n) { return SoCodigo("N%07u", n); });
+}
+BENCHMARK(ExisteNenhum)->Arg(kPoucos)->Arg(kRegistrosAmostra);
+
+std::size_t MemoriaEmUso() {
+  const struct mallinfo2 uso = mallinfo2();
+  return uso.uordblks + uso.hblkhd;
+}
+
+/// The first question after a load, and what memory it leaves in use for each record.
+void PrimeiroExiste(benchmark::State &estado) {
+  Base &base = BaseDe(estado);
+  std::size_t uiUso = 0;
+  for (auto _ : estado) {
+    estado.PauseTiming();
+    base.Fecha();
+    base.Abre();
+    const std::size_t uiAntes = MemoriaEmUso();
+    estado.ResumeTiming();
+    std::uint32_t iPos = 0;
+    tagREG_VEICULOPS veiculo;
+    Exige(base.Registro().Existe("N", &iPos, &veiculo), "Existe");
+    estado.PauseTiming();
+    uiUso = MemoriaEmUso() - uiAntes;
+    estado.ResumeTiming();
+  }
+  estado.counters["bytes/record"] = static_cast<double>(uiUso) / base.Registros();
+}
+BENCHMARK(PrimeiroExiste)->Arg(kPoucos)->Arg(kRegistrosAmostra)->Iterations(5)->Unit(benchmark::kMicrosecond);
 
 void Sqlite(benchmark::State &estado, const char *lpSql) {
   static const ComparacaoSqlite banco;
@@ -104,19 +233,37 @@ BENCHMARK_CAPTURE(Sqlite, Faixas, "select pos from veiculo where ano between 201
 BENCHMARK_CAPTURE(Sqlite, Curinga, "select pos from veiculo where descricao like '%SILO%'")
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Sqlite, Todos, "select pos from veiculo")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Sqlite, Codigo, "select * from veiculo where codigo = 'V0500000'");
 
 void LePorPosicao(benchmark::State &estado) {
-  BaseUnica();
-  std::uint32_t n = 1;
+  Base &base = BaseDe(estado);
+  Sorteio sorteio;
   tagREG_VEICULOPS veiculo;
   for (auto _ : estado) {
-    n = n * 1664525U + 1013904223U;
-    const auto lPos = static_cast<LONG>(n % kRegistrosAmostra + 1);
-    Exige(BaseUnica().Registro().LePonteiros(1, &lPos, &veiculo), "LePonteiros");
+    const auto lPos = static_cast<LONG>(sorteio.Ate(base.Registros()));
+    Exige(base.Registro().LePonteiros(1, &lPos, &veiculo), "LePonteiros");
     benchmark::DoNotOptimize(veiculo);
   }
 }
-BENCHMARK(LePorPosicao);
+BENCHMARK(LePorPosicao)->Arg(kPoucos)->Arg(kRegistrosAmostra);
+
+/// 1,000 positions in one call.
+void LeMilPosicoes(benchmark::State &estado) {
+  constexpr std::size_t kPosicoes = 1000;
+  Base &base = BaseDe(estado);
+  Sorteio sorteio;
+  std::vector<LONG> posicoes(kPosicoes);
+  std::vector<tagREG_VEICULOPS> veiculos(kPosicoes);
+  for (auto _ : estado) {
+    for (LONG &lPos : posicoes) {
+      lPos = static_cast<LONG>(sorteio.Ate(base.Registros()));
+    }
+    Exige(base.Registro().LePonteiros(kPosicoes, posicoes.data(), veiculos.data()), "LePonteiros");
+    benchmark::DoNotOptimize(veiculos);
+  }
+  estado.SetItemsProcessed(estado.iterations() * static_cast<std::int64_t>(kPosicoes));
+}
+BENCHMARK(LeMilPosicoes)->Arg(kPoucos)->Arg(kRegistrosAmostra);
 
 void AcessoSolto(benchmark::State &estado) {
   const std::vector<RegVeiculo> registros(kRegistrosAmostra, VeiculoDaAmostra(1));
@@ -132,18 +279,23 @@ void AcessoSolto(benchmark::State &estado) {
 }
 BENCHMARK(AcessoSolto);
 
+/// Writes that change the code, once somebody has asked for codes.
 void GravaPorPosicao(benchmark::State &estado) {
-  BaseUnica();
-  std::uint32_t n = 1;
+  static Base pequena("BENCHG", kPoucos);
+  Base &base = estado.range(0) == kPoucos ? pequena : BaseAcentuada();
+  Sorteio sorteio;
+  // The writes of an earlier run must not make these ones equal to what is stored.
+  static std::uint32_t iVez = 0;
   tagREG_VEICULOPS veiculo{};
+  std::uint32_t iPos = 0;
+  Exige(base.Registro().Existe("N", &iPos, &veiculo), "Existe");
   for (auto _ : estado) {
-    n = n * 1664525U + 1013904223U;
-    auto lPos = static_cast<LONG>(n % kRegistrosAmostra + 1);
-    veiculo.iAno = n;
-    Exige(BaseUnica().Registro().Grava(&lPos, veiculo), "Grava");
+    auto lPos = static_cast<LONG>(sorteio.Ate(base.Registros()));
+    std::snprintf(veiculo.szCodigo, sizeof(veiculo.szCodigo), "G%u", ++iVez);
+    Exige(base.Registro().Grava(&lPos, veiculo), "Grava");
   }
 }
-BENCHMARK(GravaPorPosicao);
+BENCHMARK(GravaPorPosicao)->Arg(kPoucos)->Arg(kRegistrosAmostra);
 
 void GravacaoSolta(benchmark::State &estado) {
   using namespace plataforma;
@@ -171,8 +323,8 @@ BENCHMARK(GravacaoSolta);
 void Carga(benchmark::State &estado) {
   BaseUnica();
   for (auto _ : estado) {
-    Exige(BaseUnica().Registro().Finaliza(), "Finaliza");
-    Exige(BaseUnica().Registro().Inicializa(kEmpresa, 1, 1), "Inicializa");
+    BaseUnica().Fecha();
+    BaseUnica().Abre();
   }
   estado.SetBytesProcessed(estado.iterations() * std::int64_t{kRegistrosAmostra} * 256);
 }

@@ -46,7 +46,8 @@ ComparacaoSqlite::ComparacaoSqlite() {
     sqlite3_reset(pInsere);
   }
   sqlite3_finalize(pInsere);
-  Exige(sqlite3_exec(m_pBanco, "commit", nullptr, nullptr, nullptr), SQLITE_OK, "commit");
+  Exige(sqlite3_exec(m_pBanco, "commit;create index codigos on veiculo(codigo)", nullptr, nullptr, nullptr), SQLITE_OK,
+        "commit");
 }
 
 ComparacaoSqlite::~ComparacaoSqlite() {

@@ -1,6 +1,6 @@
 // The wildcard matchers.
 //
-// Property: the mask matcher, the system's match and the search's own fast matcher give the answers of a definition by
+// Property: the mask matcher, the system's match and the search's own matcher give the answers of a definition by
 // recursion, each for the patterns that it takes.
 
 #include <algorithm>
@@ -11,7 +11,7 @@
 #include "core/platform/Textos.h"
 #include "fuzz/Entrada.h"
 #include "fuzz/Exige.h"
-#include "vehicles/PadraoSimples.h"
+#include "vehicles/PadraoCuringa.h"
 
 namespace {
 
@@ -57,20 +57,18 @@ std::string Texto(fuzz::CEntrada *pEntrada, std::size_t uiMaximo, bool bLetras) 
   return sTexto;
 }
 
-void ConfereSimples(const std::string &sTexto, const std::string &sPadrao, bool bEsperado) {
-  using Resposta = CPadraoSimples::Resposta;
-  CPadraoSimples simples;
-  if (!simples.Define(sPadrao)) {
+/// In a field that it may fill, with anything behind its terminator.
+void ConferePadrao(const std::string &sTexto, const std::string &sPadrao, bool bEsperado) {
+  CPadraoCuringa padrao;
+  if (!padrao.Define(sPadrao)) {
     return;
   }
-  bool bAlheio = false;
-  for (const char c : sTexto) {
-    bAlheio = bAlheio || static_cast<unsigned char>(c) >= 0x80;
+  for (const std::size_t uiLargura : {sTexto.size(), sTexto.size() + 1, kMaiorTexto + 5}) {
+    std::string sCampo = sTexto;
+    sCampo.resize(std::max(sCampo.size(), uiLargura));
+    sCampo.resize(CPadraoCuringa::kBytesLidos, sTexto.empty() ? 'a' : sTexto.back());
+    Exige(padrao.Casa(sCampo.data(), uiLargura) == bEsperado, "the search's own match");
   }
-  Exige(simples.Casa(sTexto) == (bAlheio     ? Resposta::TextoAlheio
-                                 : bEsperado ? Resposta::Casa
-                                             : Resposta::NaoCasa),
-        "the fast match");
 }
 
 }  // namespace
@@ -86,6 +84,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qt
   sPadrao.resize(std::min(sPadrao.find('\0'), sPadrao.size()));
   const bool bEsperado = CasaCuringa(plataforma::Maiusculas(sTexto), plataforma::Maiusculas(sPadrao));
   Exige(plataforma::CasaCuringa(sTexto.c_str(), sPadrao.c_str()) == bEsperado, "the system's match");
-  ConfereSimples(sTexto, sPadrao, bEsperado);
+  ConferePadrao(sTexto, sPadrao, bEsperado);
   return 0;
 }

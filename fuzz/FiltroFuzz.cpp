@@ -2,7 +2,8 @@
 //
 // Property: the prepared filter passes exactly the records that the criteria pass when they are examined one by one in
 // their order, the first pattern among the texts giving the verdict. Criteria are mostly taken from the record itself,
-// or hardly any record would get past the first.
+// or hardly any record would get past the first. A text by which an index may look for records is one that every record
+// that passes holds, and both ways of hashing it agree.
 
 #include "vehicles/FiltroVeiculos.h"
 
@@ -167,6 +168,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qt
   while (!criterios.Acabou()) {
     DefineCriterio(&criterios, *reg, &filtro);
   }
-  fuzz::Exige(CFiltroVeiculos(filtro).Atende(*reg) == Referencia(*reg, filtro), "the verdict on a record");
+  const CFiltroVeiculos preparado(filtro);
+  const bool bPassa = preparado.Atende(*reg);
+  fuzz::Exige(bPassa == Referencia(*reg, filtro), "the verdict on a record");
+  fuzz::Exige(bPassa || !preparado.PassaTudo(), "a filter of no criterion");
+  if (const auto chave = preparado.ChaveExata()) {
+    const std::string sCampo = chave->uiCampo == 0 ? Texto(reg->szCodigo) : Texto(reg->szPlaca);
+    fuzz::Exige(!bPassa || sCampo == chave->sTexto, "the text to look for");
+    using Indices = CQZIndices<RegVeiculo>;
+    fuzz::Exige(sCampo != chave->sTexto ||
+                    Indices::Hash(chave->uiCampo, *reg) == Indices::HashDoTexto(chave->uiCampo, chave->sTexto),
+                "the hash of a text");
+  }
   return 0;
 }

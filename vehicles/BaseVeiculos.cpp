@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 
 #include "core/platform/MemoriaTarefa.h"
 #include "vehicles/FiltroVeiculos.h"
@@ -10,7 +9,6 @@
 namespace {
 
 constexpr char kFonte[] = "BaseVeiculos.cpp";
-constexpr std::size_t kCrescimentoListas = 10;
 
 /// Copies a text into a filter field, cut to the field's full width without a terminator: a longer text then equals no
 /// stored text that is shorter than the field.
@@ -48,46 +46,83 @@ HRESULT CBaseVeiculos::Grava(LONG *pPos, const tagREG_VEICULOPS &Veiculo) {
   return codigos::kOk;
 }
 
-HRESULT CBaseVeiculos::InternalGetRegs(const tagREG_FILTRO_VEICULOSPS &Filtro, CArray<LONG> *aPonteiros,
-                                       CArray<RegVeiculo> *aRegistros) {
-  return Procura(Filtro, std::numeric_limits<std::size_t>::max(), aPonteiros, aRegistros);
-}
-
-HRESULT CBaseVeiculos::Procura(const tagREG_FILTRO_VEICULOSPS &Filtro, std::size_t uiMaximo, CArray<LONG> *aPonteiros,
-                               CArray<RegVeiculo> *aRegistros) {
+template <typename F>
+HRESULT CBaseVeiculos::Procura(const tagREG_FILTRO_VEICULOSPS &Filtro, std::uint64_t *puiTodas, F &&acha) {
   const CQZRastro rastro(this, {"CBaseVeiculos::InternalGetRegs"}, kFonte);
   if (m_pDataBase == nullptr) {
     QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoAberto);
   }
   const CFiltroVeiculos filtro(Filtro);
-  CArray<LONG> aPosicoesAchadas;
-  CArray<RegVeiculo> aRegistrosAchados;
-  aPosicoesAchadas.SetSize(0, kCrescimentoListas);
-  aRegistrosAchados.SetSize(0, kCrescimentoListas);
-  std::size_t uiAchados = 0;
-  const auto visita = [&](std::uint64_t uiPosicao, const RegVeiculo &reg) {
-    if (filtro.Atende(reg)) {
-      if (aPonteiros != nullptr) {
-        aPosicoesAchadas.Add(static_cast<LONG>(uiPosicao));
+  const bool bSoConta = puiTodas != nullptr && filtro.PassaTudo();
+  const auto visita = [&](std::uint64_t uiPosicao, const RegVeiculo *pRegistros, std::size_t qtd) {
+    for (std::size_t i = 0; i < qtd && !bSoConta; ++i) {
+      if (filtro.Atende(pRegistros[i]) && !acha(uiPosicao + i, pRegistros[i])) {
+        return false;
       }
-      if (aRegistros != nullptr) {
-        aRegistrosAchados.Add(reg);
-      }
-      ++uiAchados;
     }
-    return uiAchados < uiMaximo;
+    return true;
   };
   std::uint64_t uiQtd = 0;
   const HRESULT hr = QuantidadeSobTrava(rastro, &uiQtd);
   if (Falhou(hr)) {
     return hr;
   }
-  QZ_VERIFICA(rastro, "m_pDataBase->m_Veiculos.Le(idx, &RegVei)", m_pDataBase->m_Veiculos.Percorre(1, uiQtd, visita));
+  const auto percorre = [&] {
+    if (const auto chave = filtro.ChaveExata()) {
+      return m_pDataBase->m_Veiculos.PercorreTexto(
+          chave->uiCampo, chave->sTexto, uiQtd,
+          [&](std::uint64_t uiPosicao, const RegVeiculo &reg) { return visita(uiPosicao, &reg, 1); });
+    }
+    return m_pDataBase->m_Veiculos.PercorreTrechos(1, uiQtd, visita);
+  };
+  QZ_VERIFICA(rastro, "m_pDataBase->m_Veiculos.Le(idx, &RegVei)", percorre());
+  if (bSoConta) {
+    *puiTodas = uiQtd;
+  }
+  return codigos::kOk;
+}
+
+HRESULT CBaseVeiculos::ProcuraPosicoes(const tagREG_FILTRO_VEICULOSPS &Filtro, CPosicoesAchadas *pAchadas) {
+  std::uint64_t uiTodas = 0;
+  const HRESULT hr = Procura(Filtro, &uiTodas, [pAchadas](std::uint64_t uiPosicao, const RegVeiculo &) {
+    pAchadas->Acrescenta(static_cast<LONG>(uiPosicao));
+    return true;
+  });
+  if (uiTodas != 0) {
+    pAchadas->DefineTodas(static_cast<std::size_t>(uiTodas));
+  }
+  return hr;
+}
+
+HRESULT CBaseVeiculos::ProcuraPrimeiro(const tagREG_FILTRO_VEICULOSPS &Filtro, std::uint32_t *pPos,
+                                       tagREG_VEICULOPS *pVeiculo) {
+  return Procura(Filtro, nullptr, [&](std::uint64_t uiPosicao, const RegVeiculo &reg) {
+    *pPos = static_cast<std::uint32_t>(uiPosicao);
+    CopiaParaInterface(reg, pVeiculo);
+    return false;
+  });
+}
+
+HRESULT CBaseVeiculos::InternalGetRegs(const tagREG_FILTRO_VEICULOSPS &Filtro, CArray<LONG> *aPonteiros,
+                                       CArray<RegVeiculo> *aRegistros) {
+  CPosicoesAchadas achadas;
+  CArray<RegVeiculo> aAchados;
+  const HRESULT hr = Procura(Filtro, nullptr, [&](std::uint64_t uiPosicao, const RegVeiculo &reg) {
+    achadas.Acrescenta(static_cast<LONG>(uiPosicao));
+    if (aRegistros != nullptr) {
+      aAchados.Add(reg);
+    }
+    return true;
+  });
+  if (Falhou(hr)) {
+    return hr;
+  }
   if (aPonteiros != nullptr) {
-    *aPonteiros = std::move(aPosicoesAchadas);
+    aPonteiros->SetSize(achadas.GetSize());
+    achadas.Copia(aPonteiros->GetData());
   }
   if (aRegistros != nullptr) {
-    *aRegistros = std::move(aRegistrosAchados);
+    *aRegistros = std::move(aAchados);
   }
   return codigos::kOk;
 }
@@ -105,19 +140,19 @@ bool CBaseVeiculos::AtendeFiltro(const RegVeiculo &reg, const tagREG_FILTRO_VEIC
 HRESULT CBaseVeiculos::BuscaPonteiros(const tagREG_FILTRO_VEICULOSPS &Filtro, tagRESULTADO_BUSCA_VEICULOS *pResultado) {
   const CQZRastro rastro(this, {"CBaseVeiculos::BuscaPonteiros"}, kFonte);
   *pResultado = tagRESULTADO_BUSCA_VEICULOS{};
-  CArray<LONG> aPonteiros;
-  QZ_VERIFICA(rastro, "InternalGetRegs(Filtro, &aPonteiros, nullptr)", InternalGetRegs(Filtro, &aPonteiros, nullptr));
-  if (aPonteiros.IsEmpty()) {
+  CPosicoesAchadas achadas;
+  QZ_VERIFICA(rastro, "InternalGetRegs(Filtro, &aPonteiros, nullptr)", ProcuraPosicoes(Filtro, &achadas));
+  const std::size_t uiQtd = achadas.GetSize();
+  if (uiQtd == 0) {
     return codigos::kOk;
   }
-  const std::size_t cb = aPonteiros.GetSize() * sizeof(LONG);
-  void *pMemoria = plataforma::AlocaTarefa(cb);
+  void *pMemoria = plataforma::AlocaTarefa(uiQtd * sizeof(LONG));
   if (pMemoria == nullptr) {
     QZ_RETORNA_CODIGO(rastro, codigos::kSemMemoria);
   }
-  std::memcpy(pMemoria, aPonteiros.GetData(), cb);
+  achadas.Copia(static_cast<LONG *>(pMemoria));
   pResultado->Ponteiros = static_cast<LONG *>(pMemoria);
-  pResultado->iQtd = static_cast<std::uint32_t>(aPonteiros.GetSize());
+  pResultado->iQtd = static_cast<std::uint32_t>(uiQtd);
   return codigos::kOk;
 }
 
@@ -127,20 +162,11 @@ HRESULT CBaseVeiculos::Existe(const char *lpCodigo, std::uint32_t *pPos, tagREG_
   *pVeiculo = tagREG_VEICULOPS{};
   tagREG_FILTRO_VEICULOSPS Filtro{};
   PreencheCriterio(Filtro.szCodigo, lpCodigo);
-  CArray<LONG> aPonteiros;
-  CArray<RegVeiculo> aRegistros;
-  // The answer is the first match, so the scan ends there.
-  QZ_VERIFICA(rastro, "InternalGetRegs(Filtro, &aPonteiros, &aRegistros)",
-              Procura(Filtro, 1, &aPonteiros, &aRegistros));
-  if (aPonteiros.IsEmpty()) {
+  QZ_VERIFICA(rastro, "InternalGetRegs(Filtro, &aPonteiros, &aRegistros)", ProcuraPrimeiro(Filtro, pPos, pVeiculo));
+  if (*pPos == 0) {
     Filtro = tagREG_FILTRO_VEICULOSPS{};
     PreencheCriterio(Filtro.szPlaca, lpCodigo);
-    QZ_VERIFICA(rastro, "InternalGetRegs(Filtro, &aPonteiros, &aRegistros)",
-                Procura(Filtro, 1, &aPonteiros, &aRegistros));
-  }
-  if (!aPonteiros.IsEmpty()) {
-    *pPos = static_cast<std::uint32_t>(aPonteiros[0]);
-    CopiaParaInterface(aRegistros[0], pVeiculo);
+    QZ_VERIFICA(rastro, "InternalGetRegs(Filtro, &aPonteiros, &aRegistros)", ProcuraPrimeiro(Filtro, pPos, pVeiculo));
   }
   return codigos::kOk;
 }
@@ -151,13 +177,12 @@ HRESULT CBaseVeiculos::LePonteiros(std::uint32_t iQtd, const LONG *Ponteiros, ta
   if (m_pDataBase == nullptr) {
     QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoAberto);
   }
-  RegVeiculo RegVei{};
-  for (std::uint32_t idx = 0; idx < iQtd; ++idx) {
-    const auto uiPosicao = static_cast<std::uint64_t>(static_cast<std::int64_t>(Ponteiros[idx]));
-    QZ_VERIFICA(rastro, "m_pDataBase->m_Veiculos.Le(Ponteiros[idx], &RegVei)",
-                m_pDataBase->m_Veiculos.Le(uiPosicao, &RegVei));
-    CopiaParaInterface(RegVei, &pVeiculos[idx]);
-  }
+  const auto posicao = [=](std::size_t idx) {
+    return static_cast<std::uint64_t>(static_cast<std::int64_t>(Ponteiros[idx]));
+  };
+  const auto entrega = [=](std::size_t idx, const RegVeiculo &reg) { CopiaParaInterface(reg, &pVeiculos[idx]); };
+  QZ_VERIFICA(rastro, "m_pDataBase->m_Veiculos.Le(Ponteiros[idx], &RegVei)",
+              m_pDataBase->m_Veiculos.LeVarios(iQtd, posicao, entrega));
   return codigos::kOk;
 }
 

@@ -5,6 +5,7 @@
 #include "core/platform/CArray.h"
 #include "core/platform/SecaoCompartilhada.h"
 #include "core/qzdatabase/banco/QZDataBaseFacade.h"
+#include "vehicles/PosicoesAchadas.h"
 #include "vehicles/QZDataBaseVeiculos.h"
 #include "vehicles/RegVeiculo.h"
 #include "vehicles/RegVeiculoPS.h"
@@ -56,9 +57,14 @@ protected:
   [[nodiscard]] HRESULT OnInicializa() override;
 
 private:
-  /// InternalGetRegs that stops after `uiMaximo` matches.
-  [[nodiscard]] HRESULT Procura(const tagREG_FILTRO_VEICULOSPS &Filtro, std::size_t uiMaximo, CArray<LONG> *aPonteiros,
-                                CArray<RegVeiculo> *aRegistros);
+  /// Calls `acha(uiPosicao, reg)` for each vehicle that passes the filter, in ascending order, until it returns false.
+  /// Where `puiTodas` is given and every vehicle passes, it receives how many they are instead.
+  template <typename F>
+  [[nodiscard]] HRESULT Procura(const tagREG_FILTRO_VEICULOSPS &Filtro, std::uint64_t *puiTodas, F &&acha);
+  [[nodiscard]] HRESULT ProcuraPosicoes(const tagREG_FILTRO_VEICULOSPS &Filtro, CPosicoesAchadas *pAchadas);
+  /// The first vehicle that passes; 0 and a record that stays as it is when there is none.
+  [[nodiscard]] HRESULT ProcuraPrimeiro(const tagREG_FILTRO_VEICULOSPS &Filtro, std::uint32_t *pPos,
+                                        tagREG_VEICULOPS *pVeiculo);
   /// The record count, read under the database's lock; `rastro` is the caller's.
   [[nodiscard]] HRESULT QuantidadeSobTrava(const CQZRastro &rastro, std::uint64_t *puiQtd) const;
 

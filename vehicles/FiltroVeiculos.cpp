@@ -77,9 +77,10 @@ void CFiltroVeiculos::CompilaTextos() {
   for (const Campo &campo : campos) {
     if (AcrescentaTexto(campo.lpTexto, campo.uiDeslocamento, campo.uiLargura)) {
       const CriterioTexto &criterio = m_textos[m_uiTextos - 1];
-      m_bCuringa = std::find_if(criterio.texto.begin(), criterio.texto.end(),
-                                [](char c) { return c == '*' || c == '?'; }) != criterio.texto.end();
+      const char *const fim = criterio.texto.data() + criterio.uiTamanho;
+      m_bCuringa = std::find_if(criterio.texto.data(), fim, [](char c) { return c == '*' || c == '?'; }) != fim;
       if (m_bCuringa) {
+        m_bPadrao = m_padrao.Define({criterio.texto.data(), criterio.uiTamanho});
         return;
       }
     }
@@ -98,8 +99,20 @@ bool CFiltroVeiculos::AcrescentaTexto(const char *lpTexto, std::size_t uiDesloca
   criterio.uiLargura = uiLargura;
   criterio.uiTamanho = uiTamanho;
   std::copy(lpTexto, lpTexto + uiTamanho, criterio.texto.begin());
-  criterio.bPadraoSimples = criterio.padrao.Define({lpTexto, uiTamanho});
+  criterio.texto[uiTamanho] = '\0';
   return true;
+}
+
+std::optional<CFiltroVeiculos::Chave> CFiltroVeiculos::ChaveExata() const {
+  const std::size_t uiExatos = m_bCuringa ? m_uiTextos - 1 : m_uiTextos;
+  for (std::size_t i = 0; i < uiExatos; ++i) {
+    for (std::size_t uiCampo = 0; uiCampo < CamposIndexados<RegVeiculo>::kCampos.size(); ++uiCampo) {
+      if (CamposIndexados<RegVeiculo>::kCampos[uiCampo].uiDeslocamento == m_textos[i].uiDeslocamento) {
+        return Chave{uiCampo, {m_textos[i].texto.data(), m_textos[i].uiTamanho}};
+      }
+    }
+  }
+  return std::nullopt;
 }
 
 bool CFiltroVeiculos::AtendeTextosEMascaras(const RegVeiculo &reg) const {
@@ -129,16 +142,13 @@ bool CFiltroVeiculos::Igual(const CriterioTexto &criterio, const char *lpCampo) 
          (criterio.uiTamanho == criterio.uiLargura || lpCampo[criterio.uiTamanho] == '\0');
 }
 
-bool CFiltroVeiculos::Casa(const CriterioTexto &criterio, const char *lpCampo) {
+bool CFiltroVeiculos::Casa(const CriterioTexto &criterio, const char *lpCampo) const {
   Antecipa(lpCampo, criterio.uiLargura);
-  const std::size_t uiCampo = TamanhoTexto(lpCampo, criterio.uiLargura);
-  if (criterio.bPadraoSimples) {
-    const CPadraoSimples::Resposta eResposta = criterio.padrao.Casa({lpCampo, uiCampo});
-    if (eResposta != CPadraoSimples::Resposta::TextoAlheio) {
-      return eResposta == CPadraoSimples::Resposta::Casa;
-    }
+  if (m_bPadrao) {
+    return m_padrao.Casa(lpCampo, criterio.uiLargura);
   }
+  const std::size_t uiCampo = TamanhoTexto(lpCampo, criterio.uiLargura);
   std::array<char, kMaiorTexto + 1> campo{};
-  std::copy(lpCampo, lpCampo + uiCampo, campo.begin());
+  std::copy_n(lpCampo, uiCampo, campo.begin());
   return plataforma::CasaCuringa(campo.data(), criterio.texto.data());
 }

@@ -4,8 +4,10 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <string_view>
 
-#include "vehicles/PadraoSimples.h"
+#include "vehicles/PadraoCuringa.h"
 #include "vehicles/RegVeiculo.h"
 
 /// A filter prepared for many records. Only the criteria that are in force are kept, in the order in which they are
@@ -22,17 +24,25 @@ public:
     return (!m_bFaixas || AtendeFaixas(reg)) && (!m_bTextosOuMascaras || AtendeTextosEMascaras(reg));
   }
 
+  /// True when no criterion is in force: every record passes.
+  bool PassaTudo() const { return !m_bFaixas && !m_bTextosOuMascaras; }
+
+  /// A criterion that only records with exactly this text in this field (of CamposIndexados) can meet.
+  struct Chave {
+    std::size_t uiCampo;
+    std::string_view sTexto;  ///< lives as long as the filter
+  };
+  std::optional<Chave> ChaveExata() const;
+
 private:
   static constexpr std::size_t kMaiorTexto = sizeof(RegVeiculo::szDescricao);
 
   /// A text of the filter against a field of the record, up to the field's first zero byte.
   struct CriterioTexto {
-    std::size_t uiDeslocamento;  ///< of the field in the record
-    std::size_t uiLargura;       ///< of the field
-    std::size_t uiTamanho;       ///< of the text
-    std::array<char, kMaiorTexto + 1> texto;
-    bool bPadraoSimples;  ///< `padrao` holds the text
-    CPadraoSimples padrao;
+    std::size_t uiDeslocamento;               ///< of the field in the record
+    std::size_t uiLargura;                    ///< of the field
+    std::size_t uiTamanho;                    ///< of the text
+    std::array<char, kMaiorTexto + 1> texto;  ///< ends with a zero byte
   };
 
   /// Bounds of a currency field, both inclusive.
@@ -56,7 +66,7 @@ private:
   void CompilaTextos();
   bool AcrescentaTexto(const char *lpTexto, std::size_t uiDeslocamento, std::size_t uiLargura);
   static bool Igual(const CriterioTexto &criterio, const char *lpCampo);
-  static bool Casa(const CriterioTexto &criterio, const char *lpCampo);
+  bool Casa(const CriterioTexto &criterio, const char *lpCampo) const;
 
   tagREG_FILTRO_VEICULOSPS m_Filtro;
   FaixaMoeda m_tara;
@@ -67,9 +77,11 @@ private:
   bool m_bMoedas;
   bool m_bFaixas;            ///< a currency, year or customer criterion is in force
   bool m_bTextosOuMascaras;  ///< a text or mask criterion is in force
-  std::array<CriterioTexto, 6> m_textos{};
+  std::array<CriterioTexto, 6> m_textos;
   std::size_t m_uiTextos = 0;
   bool m_bCuringa = false;  ///< the last text criterion is a pattern
+  bool m_bPadrao = false;   ///< `m_padrao` holds it; else the system matches
+  CPadraoCuringa m_padrao;
 };
 
 #endif

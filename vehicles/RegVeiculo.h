@@ -1,10 +1,12 @@
 #ifndef KALVO_VEHICLES_REGVEICULO_H
 #define KALVO_VEHICLES_REGVEICULO_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
 #include "core/qzdatabase/arquivo/QZFileBase.h"
+#include "core/qzdatabase/arquivo/QZIndices.h"
 #include "vehicles/RegVeiculoPS.h"
 
 /// One vehicle as stored in "DFVEIC.DAT". Texts are zero-terminated when shorter than their field and not terminated
@@ -39,6 +41,14 @@ static_assert(offsetof(RegVeiculo, cReservado) == 143);
 template <>
 struct NomeTipoRegistro<RegVeiculo> {
   static constexpr char kNome[] = "struct RegVeiculo";
+};
+
+/// Vehicles are looked for by their codes and plates.
+template <>
+struct CamposIndexados<RegVeiculo> {
+  static constexpr std::array<CampoIndexado, 2> kCampos = {
+      {{offsetof(RegVeiculo, szCodigo), sizeof(RegVeiculo::szCodigo)},
+       {offsetof(RegVeiculo, szPlaca), sizeof(RegVeiculo::szPlaca)}}};
 };
 
 /// Builds the stored record from the interface record: all texts cut at their terminator, everything else of the record

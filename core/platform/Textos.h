@@ -14,6 +14,9 @@ CString Maiusculas(const CString &texto);
 /// zero-terminated. Any thread may call; never fails.
 bool CasaCuringa(const char *texto, const char *padrao);
 
+/// True when every letter of the Windows ANSI code page takes one byte.
+bool PaginaDeUmByte();
+
 }  // namespace plataforma
 
 #endif

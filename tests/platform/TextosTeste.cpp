@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/platform/DobraCuringa.h"
 #include "core/platform/Mascara.h"
 #include "core/platform/SistemaArquivos.h"
 
@@ -53,6 +54,22 @@ TEST(CasaCuringa, VariosPadroesEBrancos) {
 TEST(CasaCuringa, Ponto) {
   ConfereCuringa(true, "SEMPONTO|*.*", "|*.*", "COM.PONTO|*.*;X", "PONTO.|*.");
   ConfereCuringa(false, "SEMPONTO|*.*;X", "SEMPONTO|*.");
+}
+
+TEST(DobraDoCuringa, DizOMesmoDeTodoParDeLetras) {
+  const DobraLetras *const pDobra = DobraDoCuringa();
+  ASSERT_NE(pDobra, nullptr);
+  for (unsigned letra = 1; letra < 256; ++letra) {
+    for (unsigned noPadrao = 1; noPadrao < 256; ++noPadrao) {
+      if (noPadrao != '*' && noPadrao != '?' && noPadrao != ';') {
+        // Letters in front, as a leading blank would be skipped.
+        const CString texto = {'x', static_cast<char>(letra)};
+        const CString padrao = {'x', static_cast<char>(noPadrao)};
+        EXPECT_EQ((*pDobra)[letra] == (*pDobra)[noPadrao], CasaCuringa(texto.c_str(), padrao.c_str()))
+            << letra << ' ' << noPadrao;
+      }
+    }
+  }
 }
 
 TEST(CasaMascara, SoAsteriscoEInterrogacao) {

@@ -38,13 +38,18 @@ struct NomeTipoRegistro<RegTeste> {
   static constexpr char kNome[] = "struct RegTeste";
 };
 
+template <>
+struct CamposIndexados<RegTeste> {
+  static constexpr std::array<CampoIndexado, 1> kCampos = {{{offsetof(RegTeste, cTexto), sizeof(RegTeste::cTexto)}}};
+};
+
 inline bool operator==(const RegTeste &a, const RegTeste &b) {
   return std::memcmp(&a, &b, sizeof(a)) == 0;
 }
 
 inline RegTeste Registro(std::uint32_t uiNumero, const char *texto = "") {
   RegTeste reg{uiNumero, {}};
-  std::memcpy(reg.cTexto, texto, std::min(std::strlen(texto), sizeof(reg.cTexto)));
+  std::copy_n(texto, strnlen(texto, sizeof(reg.cTexto)), reg.cTexto);
   return reg;
 }
 

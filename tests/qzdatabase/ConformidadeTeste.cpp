@@ -5,18 +5,11 @@
 #include <new>
 #include <utility>
 
+#include "tests/qzdatabase/AlocacaoQueFalha.h"
 #include "tests/qzdatabase/Especies.h"
 
-namespace {
+constinit thread_local std::size_t t_alocacoesAteFalhar = 0;
 
-thread_local std::size_t t_alocacoesAteFalhar = 0;  ///< counts down on this thread; the one that meets 1 fails
-
-}  // namespace
-
-// The thread sanitizer brings operators of its own, which cannot be replaced: there no allocation fails.
-#if !defined(__has_feature)
-#define __has_feature(nome) 0
-#endif
 #if !__has_feature(thread_sanitizer)
 // Not inlined: the compiler would take the malloc and free inside for mismatched pairs.
 [[gnu::noinline]] void *operator new(std::size_t uiTamanho) {

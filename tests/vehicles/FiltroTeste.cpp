@@ -6,7 +6,6 @@
 #include "core/platform/Textos.h"
 #include "tests/vehicles/AmostraVeiculos.h"
 #include "vehicles/BaseVeiculos.h"
-#include "vehicles/PadraoSimples.h"
 
 namespace {
 
@@ -122,8 +121,9 @@ TEST(Filtro, Mascaras) {
   }
 }
 
-/// The fast matcher must never differ from the system's own; the fuzzer of the wildcards goes further.
-TEST(Filtro, PadraoSimplesIgualAoDoSistema) {
+/// Whatever the pattern and the field, the answer is the one of the system's match on the field's text. Texts of all
+/// lengths, and letters that the next field begins with behind them.
+TEST(Filtro, CuringaIgualAoDoSistema) {
   std::mt19937 gerador(1);
   const auto sorteia = [&](const std::string &alfabeto, std::size_t maximo) {
     std::string texto(gerador() % (maximo + 1), ' ');
@@ -132,15 +132,33 @@ TEST(Filtro, PadraoSimplesIgualAoDoSistema) {
     }
     return texto;
   };
-  const char *const alfabetos[][2] = {{"aA*?", "aA."}, {"zZ09 *?", "zZ09 ;-[]"}, {"aAz*", "aAz"}};
-  for (int i = 0; i < 20000; ++i) {
-    const std::string padrao = sorteia(alfabetos[i % 3][0], 8);
-    const std::string texto = sorteia(alfabetos[i % 3][1], 10);
-    CPadraoSimples simples;
-    if (simples.Define(padrao)) {
-      ASSERT_EQ(simples.Casa(texto) == CPadraoSimples::Resposta::Casa,
-                plataforma::CasaCuringa(texto.c_str(), padrao.c_str()))
-          << "text '" << texto << "' pattern '" << padrao << "'";
+  const char *const alfabetos[][2] = {{"aA*?", "aA."},
+                                      {"zZ09 *?", "zZ09 ;-[]"},
+                                      {"aAz***", "aAz"},
+                                      {"\xE3\xC3y\xFF*", "\xE3\xC3yY\xFF\x9F\xD7\xF7"},
+                                      {"*.?;- ", "*.?;- "}};
+  for (std::size_t i = 0; i < 30000; ++i) {
+    const auto &[padroes, textos] = alfabetos[i % std::size(alfabetos)];
+    const bool bLongo = i % 7 == 0;
+    RegVeiculo reg;
+    std::memset(&reg, textos[0], sizeof(reg));
+    const std::string texto = sorteia(textos, bLongo ? sizeof(reg.szDescricao) : 10);
+    const std::string padrao = sorteia(padroes, bLongo ? sizeof(reg.szDescricao) : 8);
+    if (padrao.find_first_of("*?") == std::string::npos) {
+      continue;
+    }
+    Preenche(reg.szDescricao, texto);
+    Preenche(reg.szRENAVAM, texto);
+    const std::string cortado = texto.substr(0, sizeof(reg.szRENAVAM));
+    Filtro descricao{};
+    Filtro renavam{};
+    Preenche(descricao.szDescricao, padrao);
+    Preenche(renavam.szRENAVAM, padrao);
+    ASSERT_EQ(CBaseVeiculos::AtendeFiltro(reg, descricao), plataforma::CasaCuringa(texto.c_str(), padrao.c_str()))
+        << "text '" << texto << "' pattern '" << padrao << "'";
+    if (padrao.size() <= sizeof(reg.szRENAVAM)) {
+      ASSERT_EQ(CBaseVeiculos::AtendeFiltro(reg, renavam), plataforma::CasaCuringa(cortado.c_str(), padrao.c_str()))
+          << "text '" << cortado << "' pattern '" << padrao << "'";
     }
   }
 }

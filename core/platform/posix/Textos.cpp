@@ -58,4 +58,8 @@ bool CasaCuringa(const char *texto, const char *padrao) {
   return false;
 }
 
+bool PaginaDeUmByte() {
+  return true;
+}
+
 }  // namespace plataforma

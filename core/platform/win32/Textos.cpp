@@ -16,4 +16,9 @@ bool CasaCuringa(const char *texto, const char *padrao) {
   return ::PathMatchSpecA(texto, padrao) != FALSE;
 }
 
+bool PaginaDeUmByte() {
+  CPINFO pagina{};
+  return ::GetCPInfo(CP_ACP, &pagina) != FALSE && pagina.MaxCharSize == 1;
+}
+
 }  // namespace plataforma

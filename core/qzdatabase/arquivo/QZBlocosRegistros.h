@@ -7,6 +7,7 @@
 #include <cstring>
 #include <memory>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "core/platform/CException.h"
@@ -37,7 +38,7 @@ public:
       m_blocos.reserve(std::max(blocos, m_blocos.capacity() * 2));
     }
     while (m_blocos.size() < blocos) {
-      m_blocos.push_back(std::make_unique<T[]>(kRegistrosPorBloco));
+      m_blocos.push_back(std::make_unique_for_overwrite<T[]>(kRegistrosPorBloco));
     }
   }
 
@@ -51,6 +52,11 @@ public:
   void Esvazia() {
     m_qtd = 0;
     m_blocos.clear();
+  }
+
+  void Troca(CQZBlocosRegistros &outros) noexcept {
+    m_blocos.swap(outros.m_blocos);
+    std::swap(m_qtd, outros.m_qtd);
   }
 
   /// An index past the end raises CInvalidArgException.

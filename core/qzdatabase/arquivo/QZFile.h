@@ -3,10 +3,16 @@
 
 #include <algorithm>
 #include <atomic>
+#include <new>
+#include <optional>
+#include <string_view>
+#include <utility>
 
 #include "core/platform/CArray.h"
 #include "core/qzdatabase/arquivo/QZBlocosRegistros.h"
 #include "core/qzdatabase/arquivo/QZFileBase.h"
+#include "core/qzdatabase/arquivo/QZIndices.h"
+#include "core/qzdatabase/disco/QZCrc64.h"
 
 /// A file of fixed-length records of the plain structure T, stored byte for byte without separators and held in memory
 /// as a whole. Reads are served from memory; a write goes to disk first and to memory after, so memory never holds a
@@ -31,11 +37,27 @@ public:
   /// it. An append hands back the position of its first record.
   [[nodiscard]] HRESULT GravaColecao(std::uint64_t &uiPosicao, const CArray<T> &aRegistros);
 
+  /// Calls `entrega(i, reg)` for the records at the positions `posicao(i)`, i from 0 to before `qtd`, in order. Answers
+  /// as one Le after another would and stops where the first of them fails, but takes the lock for many at a time;
+  /// `entrega` must not call back into the file.
+  template <typename P, typename F>
+  [[nodiscard]] HRESULT LeVarios(std::size_t qtd, P &&posicao, F &&entrega);
+
   /// Calls `visita(uiPosicao, reg)` for the positions from `uiPrimeira` to `uiUltima` in order until it returns false.
   /// Fails as Le would for the first position that cannot be read. The lock is held for a run of records at a time;
   /// `visita` must not call back into the file.
   template <typename F>
   [[nodiscard]] HRESULT Percorre(std::uint64_t uiPrimeira, std::uint64_t uiUltima, F &&visita);
+
+  /// The same by runs of records that lie together: `visita(uiPosicao, pRegistros, qtd)`.
+  template <typename F>
+  [[nodiscard]] HRESULT PercorreTrechos(std::uint64_t uiPrimeira, std::uint64_t uiUltima, F &&visita);
+
+  /// As Percorre from the first position on, but of the records that do not hold exactly the text `sTexto`, which is
+  /// not empty and holds no zero byte, in the field `uiCampo` of CamposIndexados only some are visited, in their
+  /// places, or none: those that do are found by an index, which the first call builds.
+  template <typename F>
+  [[nodiscard]] HRESULT PercorreTexto(std::size_t uiCampo, std::string_view sTexto, std::uint64_t uiUltima, F &&visita);
 
   /// The records in memory. Not locked: for callers that share the file with no other thread.
   const CQZBlocosRegistros<T> *GetPtrArrayRegistros() const {
@@ -51,11 +73,26 @@ protected:
   [[nodiscard]] HRESULT OnInicializa() override;
   [[nodiscard]] HRESULT OnFinaliza() override;
   [[nodiscard]] HRESULT CarregaMemoria() override;
+  plataforma::FalhaArquivo CrcDosDados(std::uint64_t *puiCrc) override;
   void EsvaziaMemoria() override;
 
 private:
   static constexpr char kFonte[] = "QZFile.h";
   static constexpr NomeFuncao Nome(const char *lpMetodo) { return {"CQZFile<", NomeTipoRegistro<T>::kNome, lpMetodo}; }
+
+  static constexpr std::size_t kLote = 64;    ///< records read under one lock
+  static constexpr std::size_t kAdiante = 8;  ///< so many records before it is read, one is fetched
+  /// As much of a record as is worth fetching ahead: what lies further behind is fetched by reading what lies here.
+  static constexpr std::size_t kBytesAdiante = std::min<std::size_t>(sizeof(T), 192);
+
+  template <typename P, typename F>
+  [[nodiscard]] std::size_t LeLote(std::size_t inicio, std::size_t qtd, P &&posicao, F &&entrega);
+  void Antecipa(std::uint64_t uiPosicao) const;
+  plataforma::FalhaArquivo LeCarga(std::uint64_t *puiCrc);
+
+  template <typename F>
+  [[nodiscard]] HRESULT VisitaPorIndice(std::size_t uiCampo, std::uint32_t uiHash, std::uint64_t uiUltima, F &&visita,
+                                        std::optional<std::uint64_t> *puiResto);
 
   [[nodiscard]] HRESULT GravaFaixa(std::uint64_t &uiPosicao, const T *pRegistros, std::size_t qtd);
   [[nodiscard]] HRESULT GravaRegistros(std::uint64_t uiIndice, const T *pRegistros, std::size_t qtd);
@@ -65,6 +102,9 @@ private:
   void PublicaQuantidade() { m_uiQtd.store(m_aRegistros.GetSize(), std::memory_order_release); }
 
   CQZBlocosRegistros<T> m_aRegistros;
+  CQZBlocosRegistros<T> m_aCarga;  ///< read and not in use yet
+  bool m_bCargaLida = false;       ///< m_aCarga is what CrcDosDados has read last
+  CQZIndices<T> m_indices;         ///< of m_aRegistros
   std::atomic<std::uint64_t> m_uiQtd{0};
 };
 
@@ -84,20 +124,68 @@ HRESULT CQZFile<T>::CarregaMemoria() {
   if (falha.causa == plataforma::CausaArquivo::FimDeArquivo || (!falha && uiTamanho % sizeof(T) != 0)) {
     QZ_RETORNA_CODIGO(rastro, codigos::kTamanhoNaoMultiplo);
   }
-  m_aRegistros.Esvazia();  // first, so that two contents need not fit into memory
-  m_aRegistros.DefineTamanho(static_cast<std::size_t>(uiTamanho / sizeof(T)));
-  for (std::size_t i = 0; !falha && i < m_aRegistros.GetSize();) {
-    const auto trecho = m_aRegistros.TrechoEm(i, m_aRegistros.GetSize());
-    falha = Arquivo().Le(PosicaoNoArquivo(i), trecho.pRegistros, trecho.qtd * sizeof(T));
-    i += trecho.qtd;
+  if (!falha && !(DadosConferidos() && m_bCargaLida)) {
+    falha = LeCarga(nullptr);
   }
   QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(falha));
+  m_bCargaLida = false;
+  m_aRegistros.Troca(m_aCarga);
+  m_aCarga.Esvazia();
   PublicaQuantidade();
   return codigos::kOk;
 }
 
+/// What is read for the check of the header need not be read again to be loaded.
+template <typename T>
+plataforma::FalhaArquivo CQZFile<T>::CrcDosDados(std::uint64_t *puiCrc) {
+  m_bCargaLida = false;
+  if (VaiCarregar()) {
+    try {
+      const plataforma::FalhaArquivo falha = LeCarga(puiCrc);
+      m_bCargaLida = !falha;
+      return falha;
+    } catch (const std::bad_alloc &) {
+      // A damaged file is told from one that is too large.
+      m_aCarga.Esvazia();
+    }
+  }
+  return CQZFileBase::CrcDosDados(puiCrc);
+}
+
+/// Reads all whole records into m_aCarga and, where it is asked for, the CRC of them and of what follows them.
+template <typename T>
+plataforma::FalhaArquivo CQZFile<T>::LeCarga(std::uint64_t *puiCrc) {
+  std::uint64_t uiTamanho = 0;
+  plataforma::FalhaArquivo falha = TamanhoDados(&uiTamanho);
+  if (falha) {
+    return falha;
+  }
+  m_aCarga.Esvazia();
+  m_indices.Esvazia();
+  m_aRegistros.Esvazia();  // no longer served; two contents need not fit into memory
+  m_aCarga.DefineTamanho(static_cast<std::size_t>(uiTamanho / sizeof(T)));
+  std::uint64_t uiCrc = 0;
+  for (std::size_t i = 0; !falha && i < m_aCarga.GetSize();) {
+    const auto trecho = m_aCarga.TrechoEm(i, m_aCarga.GetSize());
+    falha = Arquivo().Le(PosicaoNoArquivo(i), trecho.pRegistros, trecho.qtd * sizeof(T));
+    uiCrc = falha || puiCrc == nullptr ? 0 : CalculaCrc64(trecho.pRegistros, trecho.qtd * sizeof(T), uiCrc);
+    i += trecho.qtd;
+  }
+  const auto cbResto = static_cast<std::size_t>(uiTamanho % sizeof(T));
+  if (!falha && puiCrc != nullptr && cbResto != 0) {
+    T resto;
+    falha = Arquivo().Le(PosicaoNoArquivo(m_aCarga.GetSize()), &resto, cbResto);
+    uiCrc = falha ? 0 : CalculaCrc64(&resto, cbResto, uiCrc);
+  }
+  if (puiCrc != nullptr) {
+    *puiCrc = uiCrc;
+  }
+  return falha;
+}
+
 template <typename T>
 void CQZFile<T>::EsvaziaMemoria() {
+  m_indices.Esvazia();
   m_aRegistros.Esvazia();
   PublicaQuantidade();
 }
@@ -142,8 +230,77 @@ HRESULT CQZFile<T>::Le(std::uint64_t uiPosicao, T *pReg) {
 }
 
 template <typename T>
+template <typename P, typename F>
+HRESULT CQZFile<T>::LeVarios(std::size_t qtd, P &&posicao, F &&entrega) {
+  for (std::size_t i = 0; i < qtd;) {
+    // Where entry and exit are recorded, those of every record are.
+    const std::size_t lidos = RastreamentoHabilitado() ? 0 : LeLote(i, std::min(qtd - i, kLote), posicao, entrega);
+    i += lidos;
+    if (lidos == 0) {
+      T reg;
+      const HRESULT hr = Le(posicao(i), &reg);
+      if (Falhou(hr)) {
+        return hr;
+      }
+      entrega(i++, std::as_const(reg));
+    }
+  }
+  return codigos::kOk;
+}
+
+/// How many records from `inicio` on were handed over: all, or those before the first with which Le would have more to
+/// do than to copy it.
+template <typename T>
+template <typename P, typename F>
+std::size_t CQZFile<T>::LeLote(std::size_t inicio, std::size_t qtd, P &&posicao, F &&entrega) {
+  const plataforma::CQZTrava trava(Secao());
+  if (!MemoriaServe() || !ExisteArquivo()) {
+    return 0;
+  }
+  for (std::size_t i = 0; i < std::min(qtd, kAdiante); ++i) {
+    Antecipa(posicao(inicio + i));
+  }
+  for (std::size_t i = 0; i < qtd; ++i) {
+    if (i + kAdiante < qtd) {
+      Antecipa(posicao(inicio + i + kAdiante));
+    }
+    const std::uint64_t uiPosicao = posicao(inicio + i);
+    if (uiPosicao == 0 || uiPosicao > m_aRegistros.GetSize()) {
+      return i;
+    }
+    entrega(inicio + i, m_aRegistros[static_cast<std::size_t>(uiPosicao - 1)]);
+  }
+  return qtd;
+}
+
+template <typename T>
+void CQZFile<T>::Antecipa(std::uint64_t uiPosicao) const {
+  constexpr std::size_t kLinha = 64;
+  if (uiPosicao == 0 || uiPosicao > m_aRegistros.GetSize()) {
+    return;
+  }
+  const auto *pBytes = reinterpret_cast<const char *>(&m_aRegistros[static_cast<std::size_t>(uiPosicao - 1)]);
+  for (std::size_t i = 0; i < kBytesAdiante; i += kLinha) {
+    __builtin_prefetch(pBytes + i);
+  }
+}
+
+template <typename T>
 template <typename F>
 HRESULT CQZFile<T>::Percorre(std::uint64_t uiPrimeira, std::uint64_t uiUltima, F &&visita) {
+  return PercorreTrechos(uiPrimeira, uiUltima, [&](std::uint64_t uiPosicao, const T *pRegistros, std::size_t qtd) {
+    for (std::size_t i = 0; i < qtd; ++i) {
+      if (!visita(uiPosicao + i, pRegistros[i])) {
+        return false;
+      }
+    }
+    return true;
+  });
+}
+
+template <typename T>
+template <typename F>
+HRESULT CQZFile<T>::PercorreTrechos(std::uint64_t uiPrimeira, std::uint64_t uiUltima, F &&visita) {
   for (std::uint64_t uiPosicao = uiPrimeira;;) {
     const CQZRastro rastro(this, Nome(">::Le"), kFonte);
     const plataforma::CQZTrava trava(Secao());
@@ -158,12 +315,61 @@ HRESULT CQZFile<T>::Percorre(std::uint64_t uiPrimeira, std::uint64_t uiUltima, F
     }
     const std::uint64_t uiFim = std::min<std::uint64_t>(uiUltima, m_aRegistros.GetSize());
     const auto trecho = m_aRegistros.TrechoEm(static_cast<std::size_t>(uiPosicao - 1), static_cast<std::size_t>(uiFim));
-    for (std::size_t i = 0; i < trecho.qtd; ++i, ++uiPosicao) {
-      if (!visita(uiPosicao, trecho.pRegistros[i])) {
-        return codigos::kOk;
-      }
+    if (!visita(uiPosicao, static_cast<const T *>(trecho.pRegistros), trecho.qtd)) {
+      return codigos::kOk;
+    }
+    uiPosicao += trecho.qtd;
+  }
+}
+
+template <typename T>
+template <typename F>
+HRESULT CQZFile<T>::PercorreTexto(std::size_t uiCampo, std::string_view sTexto, std::uint64_t uiUltima, F &&visita) {
+  const std::uint32_t uiHash = CQZIndices<T>::HashDoTexto(uiCampo, sTexto);
+  std::optional<std::uint64_t> uiResto;
+  do {
+    const HRESULT hr = VisitaPorIndice(uiCampo, uiHash, uiUltima, visita, &uiResto);
+    if (Falhou(hr)) {
+      return hr;
+    }
+  } while (!uiResto);
+  return *uiResto == 0 ? codigos::kOk : Percorre(*uiResto, uiUltima, visita);
+}
+
+/// Asks the index once, or works at it for a moment. `*puiResto` receives the position from which on all records have
+/// to be visited, 0 for none; it stays empty while the index has no answer yet.
+template <typename T>
+template <typename F>
+HRESULT CQZFile<T>::VisitaPorIndice(std::size_t uiCampo, std::uint32_t uiHash, std::uint64_t uiUltima, F &&visita,
+                                    std::optional<std::uint64_t> *puiResto) {
+  const CQZRastro rastro(this, Nome(">::Le"), kFonte);
+  const plataforma::CQZTrava trava(Secao());
+  QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
+  if (!ExisteArquivo() || uiUltima > m_aRegistros.GetSize()) {
+    *puiResto = 1;
+    return codigos::kOk;
+  }
+  std::uint64_t uiPosicao = 0;
+  const EResposta eResposta = m_indices.Procura(uiCampo, uiHash, m_aRegistros, &uiPosicao);
+  switch (eResposta) {
+    case EResposta::NaoSei:
+      *puiResto = 1;
+      break;
+    case EResposta::FaltaFazer:
+      m_indices.Trabalha(uiCampo, uiHash, m_aRegistros);
+      break;
+    case EResposta::Nenhum:
+      *puiResto = 0;
+      break;
+    case EResposta::SoUm:
+    case EResposta::Varios: {
+      const bool bSegue =
+          uiPosicao <= uiUltima && visita(uiPosicao, m_aRegistros[static_cast<std::size_t>(uiPosicao - 1)]);
+      *puiResto = bSegue && eResposta == EResposta::Varios ? uiPosicao + 1 : 0;
+      break;
     }
   }
+  return codigos::kOk;
 }
 
 template <typename T>
@@ -207,6 +413,7 @@ HRESULT CQZFile<T>::GravaFaixa(std::uint64_t &uiPosicao, const T *pRegistros, st
     uiIndice = uiPosicao != 0 ? uiPosicao - 1 : m_aRegistros.GetSize();
     // Room first: once the records are on disk, taking them into memory must not fail.
     m_aRegistros.Reserva(static_cast<std::size_t>(uiIndice) + qtd);
+    m_indices.Prepara(pRegistros, qtd);
     return codigos::kOk;
   };
   const auto grava = [&]() -> HRESULT {
@@ -240,6 +447,7 @@ HRESULT CQZFile<T>::GravaRegistros(std::uint64_t uiIndice, const T *pRegistros, 
   QZ_VERIFICA(rastro, "CatchGravacao(pEx)",
               CatchGravacao(Transacao().Grava(Arquivo(), pRegistros, qtd * sizeof(T), false)));
   QZ_VERIFICA(rastro, "Flush()", Flush());
+  m_indices.Troca(m_aRegistros, indice, pRegistros, qtd);
   if (indice + qtd > m_aRegistros.GetSize()) {
     m_aRegistros.DefineTamanho(indice + qtd);
   }

@@ -152,6 +152,7 @@ void CQZFileBase::VoltaAoModo(EModoAbertura eModoAnterior) {
 HRESULT CQZFileBase::AposAbrir(EModoAbertura eModoAbertura) {
   const CQZRastro rastro(this, {"CQZFileBase::AbreArquivo"}, kFonte);
   m_bExistiu = true;
+  m_bDadosConferidos = false;
   if (!m_abertura.MesmoArquivo()) {
     m_cabecalho.Esquece();
   }
@@ -214,6 +215,7 @@ HRESULT CQZFileBase::OnInicializa() {
   m_transacao.Confirma();
   m_bACriar = false;
   m_bExistiu = false;
+  m_bDadosConferidos = false;
   m_eMemoria = EMemoria::NadaCarregado;
   const bool bLigado = plataforma::Registro().LeNumero(kChaveSuite, kValorCabecalho).value_or(0) != 0;
   const bool bTemCabecalho = bLigado && !CQZPath::TemExtensao(m_sNomeArquivo, "TRA");
@@ -561,7 +563,7 @@ HRESULT CQZFileBase::ValidaCabecalho() {
 HRESULT CQZFileBase::ValidaCabecalhoV01() {
   const CQZRastro rastro(this, {"CQZFileBase::ValidaCabecalhoV01"}, kFonte);
   HRESULT hr = codigos::kOk;
-  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(m_cabecalho.Examina(Arquivo(), &hr)));
+  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(ExaminaCabecalho(&hr)));
   if (!Falhou(hr)) {
     return hr;
   }
@@ -569,8 +571,19 @@ HRESULT CQZFileBase::ValidaCabecalhoV01() {
   if (!ReparaGravacaoInterrompida()) {
     return hrDano;
   }
-  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(m_cabecalho.Examina(Arquivo(), &hr)));
+  QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(ExaminaCabecalho(&hr)));
   return Falhou(hr) ? rastro.Codigo(hr, __LINE__) : hr;
+}
+
+FalhaArquivo CQZFileBase::ExaminaCabecalho(HRESULT *phr) {
+  const auto leCrc = [this](std::uint64_t *puiCrc) { return CrcDosDados(puiCrc); };
+  const FalhaArquivo falha = m_cabecalho.Examina(Arquivo(), leCrc, phr);
+  m_bDadosConferidos = !falha && !Falhou(*phr);
+  return falha;
+}
+
+FalhaArquivo CQZFileBase::CrcDosDados(std::uint64_t *puiCrc) {
+  return CQZCabecalhoVigente::CrcDosDados(Arquivo(), puiCrc);
 }
 
 /// Header and data do not agree: a process may have ended between the two, and have noted what it was about. True when

@@ -122,6 +122,10 @@ protected:
 
   /// Loads the content of the open file into memory, replacing what is there. On failure memory may be anything.
   [[nodiscard]] virtual HRESULT CarregaMemoria() = 0;
+  /// Reads all data behind the header and gives their CRC, for the check of the header. Where CarregaMemoria is to
+  /// follow (VaiCarregar) a derived file may keep what it reads, and load that where the check has passed
+  /// (DadosConferidos).
+  virtual plataforma::FalhaArquivo CrcDosDados(std::uint64_t *puiCrc);
   /// Empties the memory copy.
   virtual void EsvaziaMemoria() = 0;
 
@@ -133,6 +137,13 @@ protected:
   [[nodiscard]] HRESULT AsseguraMemoria();
   /// True when AsseguraMemoria has nothing to do. Any thread, without the lock.
   bool MemoriaServe() const { return m_eMemoria.load(std::memory_order_acquire) != EMemoria::Recarregar; }
+
+  /// Memory is not what the open file holds, and will be.
+  bool VaiCarregar() const {
+    return m_eMemoria == EMemoria::NadaCarregado || (!MemoriaServe() && !m_abertura.MesmoArquivo());
+  }
+  /// CrcDosDados has read the data of this opening, and the header vouches for them.
+  bool DadosConferidos() const { return m_bDadosConferidos; }
 
   /// Bytes in front of the first record: 92 or 0. Constant from initialisation to the next one.
   std::uint64_t TamanhoCabecalho() const { return m_cabecalho.Tamanho(); }
@@ -197,6 +208,7 @@ private:
   [[nodiscard]] HRESULT GeraDadosCabecalho(RegVersaoArquivo *pRegVersao, RegCabecalhoArquivo *pRegCabecalho);
   [[nodiscard]] HRESULT ValidaCabecalho();
   [[nodiscard]] HRESULT ValidaCabecalhoV01();
+  plataforma::FalhaArquivo ExaminaCabecalho(HRESULT *phr);
   bool ReparaGravacaoInterrompida();
   bool CriacaoInterrompida(bool bExiste) const;
   [[nodiscard]] HRESULT AtualizaCabecalho();
@@ -209,6 +221,7 @@ private:
   bool m_bSemControle = false;
   bool m_bEntradaNova = false;  ///< added to the list of created files by the creation that is under way
   bool m_bACriar = false;
+  bool m_bDadosConferidos = false;
   bool m_bExistiu = false;  ///< the file was open at some time since initialisation, so it is to be found
 
   std::atomic<EMemoria> m_eMemoria{EMemoria::NadaCarregado};

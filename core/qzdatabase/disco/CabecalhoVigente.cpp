@@ -39,7 +39,17 @@ FalhaArquivo CQZCabecalhoVigente::LeVersao(IArquivoAberto &arquivo, bool *pbPoss
   return falha;
 }
 
+FalhaArquivo CQZCabecalhoVigente::CrcDosDados(IArquivoAberto &arquivo, std::uint64_t *puiCrc) {
+  return CrcAteOFim(arquivo, kTamanhoCabecalho, puiCrc);
+}
+
 FalhaArquivo CQZCabecalhoVigente::Examina(IArquivoAberto &arquivo, HRESULT *phr) {
+  return Examina(
+      arquivo, [&](std::uint64_t *puiCrc) { return CrcDosDados(arquivo, puiCrc); }, phr);
+}
+
+FalhaArquivo CQZCabecalhoVigente::Examina(IArquivoAberto &arquivo,
+                                          const std::function<FalhaArquivo(std::uint64_t *)> &leCrc, HRESULT *phr) {
   RegCabecalhoArquivo reg{};
   *phr = codigos::kOk;
   const FalhaArquivo falha = arquivo.Le(kPosicaoRegCabecalho, &reg, sizeof(reg));
@@ -56,7 +66,7 @@ FalhaArquivo CQZCabecalhoVigente::Examina(IArquivoAberto &arquivo, HRESULT *phr)
     return plataforma::kSemFalha;
   }
   std::uint64_t uiCrc = 0;
-  if (const FalhaArquivo falhaDados = CrcAteOFim(arquivo, kTamanhoCabecalho, &uiCrc)) {
+  if (const FalhaArquivo falhaDados = leCrc(&uiCrc)) {
     return falhaDados;
   }
   if (uiCrc != reg.uiCrcDados) {

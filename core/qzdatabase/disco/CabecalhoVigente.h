@@ -1,6 +1,8 @@
 #ifndef KALVO_CORE_QZDATABASE_DISCO_CABECALHOVIGENTE_H
 #define KALVO_CORE_QZDATABASE_DISCO_CABECALHOVIGENTE_H
 
+#include <functional>
+
 #include "core/platform/SistemaArquivos.h"
 #include "core/qzdatabase/disco/CabecalhoArquivo.h"
 
@@ -30,6 +32,12 @@ public:
 
   /// Checks a header of version 1 against the file's name and data; `*phr` receives the code of what does not hold.
   plataforma::FalhaArquivo Examina(plataforma::IArquivoAberto &arquivo, HRESULT *phr);
+  /// The same, the data being read by `leCrc`, which gives their CRC: whoever needs them anyway keeps what it reads.
+  plataforma::FalhaArquivo Examina(plataforma::IArquivoAberto &arquivo,
+                                   const std::function<plataforma::FalhaArquivo(std::uint64_t *)> &leCrc, HRESULT *phr);
+
+  /// CRC of everything behind the header; 0 where there is nothing.
+  static plataforma::FalhaArquivo CrcDosDados(plataforma::IArquivoAberto &arquivo, std::uint64_t *puiCrc);
 
   /// Both records for a file without a header, all of whose bytes are data.
   plataforma::FalhaArquivo GeraDados(plataforma::IArquivoAberto &arquivo, RegVersaoArquivo *pVersao,

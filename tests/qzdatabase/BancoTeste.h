@@ -79,13 +79,21 @@ std::uint64_t Quantidade(CQZFile<T> &arquivo) {
   return uiQtd;
 }
 
+/// A typed file that shows its locks.
+class ArquivoComTravas : public CQZFile<RegTeste> {
+public:
+  using CQZFile::CQZFile;
+  using CQZFile::Leitores;
+  using CQZFile::Secao;
+};
+
 /// A database with one typed file and one single-record file.
 class BancoTeste : public CQZDataBase {
 public:
   BancoTeste() : CQZDataBase(QZ_DF, plataforma::NivelTrava::ArquivoDados) {}
   ~BancoTeste() override { FinalizaNoDestrutor(); }
 
-  CQZFile<RegTeste> m_Registros{"TESTE.DAT", this};
+  ArquivoComTravas m_Registros{"TESTE.DAT", this};
   CQZFileSingleReg<RegTeste> m_Unico{"UNICO.DAT", this};
 };
 

@@ -1,5 +1,7 @@
 // What is special to files of records and to those of one record.
 
+#include <atomic>
+#include <new>
 #include <thread>
 
 #include "tests/qzdatabase/BancoTeste.h"
@@ -72,27 +74,48 @@ TEST_F(ArquivoDeRegistros, RastroDeUmaFalha) {
                                       "CQZFile<struct RegTeste>::Grava|QZFile.h|GravaColecao(uiPosicao, aRegistros)"}));
 }
 
+/// Readers that scan and read in batches beside writers, while another program's changes have memory loaded anew.
 TEST_F(ArquivoDeRegistros, LeitoresEEscritoresAoMesmoTempo) {
-  constexpr std::uint32_t kEscritores = 4;
-  constexpr std::uint32_t kPorEscritor = 300;
+  constexpr std::uint32_t kEscritores = 2;
+  constexpr std::uint32_t kPorEscritor = 400;
   Prepara(std::nullopt);
   std::vector<std::thread> threads;
-  std::atomic<bool> bErro{false};
+  std::atomic<std::uint32_t> uiEscritores{kEscritores};
+  std::atomic<int> erros{0};
   for (std::uint32_t e = 0; e < kEscritores; ++e) {
     threads.emplace_back([&, e] {
       for (std::uint32_t i = 0; i < kPorEscritor; ++i) {
         std::uint64_t uiPosicao = 0;
         const RegTeste reg = Registro(e * kPorEscritor + i);
         RegTeste lido;
-        bErro = bErro || Falhou(Arquivo().Grava(uiPosicao, reg)) || Falhou(Arquivo().Le(uiPosicao, &lido)) ||
-                !(lido == reg) || Quantidade(Arquivo()) < uiPosicao;
+        erros += Falhou(Arquivo().Grava(uiPosicao, reg)) || Falhou(Arquivo().Le(uiPosicao, &lido)) || !(lido == reg) ||
+                 Quantidade(Arquivo()) < uiPosicao;
+        if (i % 100 == 99) {
+          const plataforma::CQZTrava trava(m_banco.m_Registros.Secao());
+          erros += Falhou(Arquivo().AbreArquivo(eModoLeituraCompartilhada)) || Falhou(Arquivo().AbreArquivo());
+        }
+      }
+      --uiEscritores;
+    });
+  }
+  for (int l = 0; l < 2; ++l) {
+    threads.emplace_back([&] {
+      while (uiEscritores != 0) {
+        std::uint64_t uiVisitados = 0;
+        const std::uint64_t uiQtd = Quantidade(Arquivo());
+        const auto visita = [&](std::uint64_t, const RegTeste &) { return ++uiVisitados != 0; };
+        const auto entrega = [&](std::size_t, const RegTeste &) { ++uiVisitados; };
+        erros += Falhou(Arquivo().Percorre(1, uiQtd, visita)) ||
+                 Falhou(Arquivo().LeVarios(
+                     static_cast<std::size_t>(uiQtd), [](std::size_t i) { return i + 1; }, entrega)) ||
+                 uiVisitados != 2 * uiQtd;
       }
     });
   }
   for (std::thread &thread : threads) {
     thread.join();
   }
-  EXPECT_FALSE(bErro);
+  EXPECT_EQ(erros, 0);
   std::vector<int> vezes(kEscritores * kPorEscritor, 0);
   EXPECT_EQ(Arquivo().Percorre(1, Quantidade(Arquivo()),
                                [&](std::uint64_t, const RegTeste &reg) {
@@ -101,6 +124,39 @@ TEST_F(ArquivoDeRegistros, LeitoresEEscritoresAoMesmoTempo) {
                                }),
             codigos::kOk);
   EXPECT_EQ(vezes, std::vector<int>(kEscritores * kPorEscritor, 1));
+}
+
+/// Readers wait for no disk: while a write is at it, in another thread, each way of reading comes to its end.
+TEST_F(ArquivoDeRegistros, LeitoresNaoEsperamPeloDisco) {
+  Prepara(Bytes(1, 3));
+  std::uint64_t uiVisitados = 0;
+  m_falhas.Arma({.operacoes = apoio::kOpGrava, .trecho = "TESTE.DAT", .falha = {}, .aoFalhar = [&] {
+                   std::thread([&] {
+                     RegTeste reg;
+                     EXPECT_EQ(Arquivo().Le(2, &reg), codigos::kOk);
+                     EXPECT_EQ(reg, Registro(2)) << "not yet";
+                     const auto visita = [&](std::uint64_t, const RegTeste &) { return ++uiVisitados != 0; };
+                     EXPECT_EQ(Arquivo().Percorre(1, Quantidade(Arquivo()), visita), codigos::kOk);
+                   }).join();
+                 }});
+  std::uint64_t uiPosicao = 2;
+  EXPECT_EQ(Arquivo().Grava(uiPosicao, Registro(9)), codigos::kOk);
+  EXPECT_EQ(uiVisitados, 3U);
+}
+
+/// Memory that a machine fault has left half changed is not served: it is loaded anew.
+TEST_F(ArquivoDeRegistros, MudancaAbandonadaRecarrega) {
+  Prepara(Bytes(1, 3));
+  std::thread([this] {
+    alignas(plataforma::CQZTravaEscrita) std::byte abandonada[sizeof(plataforma::CQZTravaEscrita)];
+    new (abandonada) plataforma::CQZTravaEscrita(m_banco.m_Registros.Leitores());
+    plataforma::LivroTravas::SoltaAte(0);
+  }).join();
+  m_falhas.Arma({.operacoes = apoio::kOpLe, .trecho = "TESTE.DAT", .enesima = 100});
+  RegTeste reg;
+  EXPECT_EQ(Arquivo().Le(2, &reg), codigos::kOk);
+  EXPECT_GT(m_falhas.Vistas(), 0U);
+  EXPECT_FALSE(m_banco.m_Registros.Leitores().Suspeita());
 }
 
 TEST_F(ArquivoDeRegistros, UmRegistroAusenteOuDeOutroTamanho) {

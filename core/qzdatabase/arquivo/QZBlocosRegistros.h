@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <type_traits>
 #include <utility>
@@ -30,17 +31,37 @@ public:
 
   std::size_t GetSize() const { return m_qtd; }
 
-  /// Makes room for `qtd` records without changing their number, so that DefineTamanho up to it cannot fail. Throws
-  /// std::bad_alloc with everything as before.
-  void Reserva(std::size_t qtd) {
+  /// Room that was made beside the records, for Adota.
+  class Espaco {
+    friend CQZBlocosRegistros;
+    std::vector<std::unique_ptr<T[]>> m_novos;   ///< blocks behind those that there are
+    std::vector<std::unique_ptr<T[]>> m_tabela;  ///< empty, for all of them; unless the present table has room
+  };
+
+  /// Makes room for `qtd` records, the present ones included, without touching these. Throws std::bad_alloc.
+  Espaco PreparaEspaco(std::size_t qtd) const {
     const std::size_t blocos = (qtd + kRegistrosPorBloco - 1) / kRegistrosPorBloco;
+    Espaco espaco;
     if (blocos > m_blocos.capacity()) {
-      m_blocos.reserve(std::max(blocos, m_blocos.capacity() * 2));
+      espaco.m_tabela.reserve(std::max(blocos, m_blocos.capacity() * 2));
     }
-    while (m_blocos.size() < blocos) {
-      m_blocos.push_back(std::make_unique_for_overwrite<T[]>(kRegistrosPorBloco));
+    while (m_blocos.size() + espaco.m_novos.size() < blocos) {
+      espaco.m_novos.push_back(std::make_unique_for_overwrite<T[]>(kRegistrosPorBloco));
     }
+    return espaco;
   }
+
+  /// Takes room over that was prepared since the last change, so that DefineTamanho up to it cannot fail.
+  void Adota(Espaco espaco) noexcept {
+    if (espaco.m_tabela.capacity() > m_blocos.capacity()) {
+      std::move(m_blocos.begin(), m_blocos.end(), std::back_inserter(espaco.m_tabela));
+      m_blocos.swap(espaco.m_tabela);
+    }
+    std::move(espaco.m_novos.begin(), espaco.m_novos.end(), std::back_inserter(m_blocos));
+  }
+
+  /// Makes room for `qtd` records without changing their number. Throws std::bad_alloc with everything as before.
+  void Reserva(std::size_t qtd) { Adota(PreparaEspaco(qtd)); }
 
   /// Sets the number of records; the content of added ones is undefined.
   void DefineTamanho(std::size_t qtd) {
@@ -78,7 +99,8 @@ public:
     return {trecho.pRegistros, trecho.qtd};
   }
 
-  /// Copies `qtd` records over those from `indice` on, which must exist.
+  /// Copies `qtd` records over those from `indice` on, for which there must be room. Behind the last record nobody
+  /// looks at what is copied until DefineTamanho.
   void Copia(std::size_t indice, const T *pOrigem, std::size_t qtd) {
     for (const std::size_t fim = indice + qtd; indice < fim;) {
       const Trecho<T> trecho = TrechoEm(indice, fim);

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "core/platform/CArray.h"
+#include "core/platform/LivroTravas.h"
 #include "core/qzdatabase/arquivo/QZBlocosRegistros.h"
 #include "core/qzdatabase/arquivo/QZFileBase.h"
 #include "core/qzdatabase/arquivo/QZIndices.h"
@@ -19,7 +20,9 @@
 /// record that is not on disk.
 ///
 /// Positions are 1-based; 0 means "append" on a write and is invalid on a read. Any thread may read and write between
-/// initialisation and finishing.
+/// initialisation and finishing. Readers share memory with each other, and with a writer but for the moment in which it
+/// puts the records there: not while it is at the disk. Only where memory has to be loaded again does a reader wait for
+/// the writers' lock.
 template <typename T>
 class CQZFile : public CQZFileBase {
 public:
@@ -38,14 +41,14 @@ public:
   [[nodiscard]] HRESULT GravaColecao(std::uint64_t &uiPosicao, const CArray<T> &aRegistros);
 
   /// Calls `entrega(i, reg)` for the records at the positions `posicao(i)`, i from 0 to before `qtd`, in order. Answers
-  /// as one Le after another would and stops where the first of them fails, but takes the lock for many at a time;
-  /// `entrega` must not call back into the file.
+  /// as one Le after another would and stops where the first of them fails, but gets access for many at a time;
+  /// `entrega` must not call back into the file, nor take any lock.
   template <typename P, typename F>
   [[nodiscard]] HRESULT LeVarios(std::size_t qtd, P &&posicao, F &&entrega);
 
   /// Calls `visita(uiPosicao, reg)` for the positions from `uiPrimeira` to `uiUltima` in order until it returns false.
-  /// Fails as Le would for the first position that cannot be read. The lock is held for a run of records at a time;
-  /// `visita` must not call back into the file.
+  /// Fails as Le would for the first position that cannot be read. Readers' access is held for a run of records at a
+  /// time; `visita` must not call back into the file, nor take any lock.
   template <typename F>
   [[nodiscard]] HRESULT Percorre(std::uint64_t uiPrimeira, std::uint64_t uiUltima, F &&visita);
 
@@ -85,11 +88,33 @@ private:
   /// As much of a record as is worth fetching ahead: what lies further behind is fetched by reading what lies here.
   static constexpr std::size_t kBytesAdiante = std::min<std::size_t>(sizeof(T), 192);
 
+  /// Access to memory for a scope. Shared with other readers where memory serves; with the writers' lock where it has
+  /// to be made so first.
+  class Acesso {
+  public:
+    explicit Acesso(const CQZFile &file) : m_leitura(std::in_place, file.Leitores()) {
+      if (!file.MemoriaServe()) {
+        m_leitura.reset();
+        m_escrita.emplace(file.Secao());
+      }
+    }
+    /// AsseguraMemoria is to be called before memory is looked at.
+    bool AAssegurar() const { return m_escrita.has_value(); }
+
+  private:
+    std::optional<plataforma::CQZTravaLeitura> m_leitura;
+    std::optional<plataforma::CQZTrava> m_escrita;
+  };
+
+  [[nodiscard]] HRESULT Examina(std::uint64_t uiPosicao, T *pReg) const;
   template <typename P, typename F>
   [[nodiscard]] std::size_t LeLote(std::size_t inicio, std::size_t qtd, P &&posicao, F &&entrega);
   void Antecipa(std::uint64_t uiPosicao) const;
   plataforma::FalhaArquivo LeCarga(std::uint64_t *puiCrc);
 
+  template <typename F>
+  [[nodiscard]] HRESULT VisitaTrecho(std::uint64_t uiUltima, F &&visita, std::uint64_t *puiPosicao, bool *pbFim);
+  [[nodiscard]] HRESULT TrabalhaNoIndice(std::size_t uiCampo, std::uint32_t uiHash);
   template <typename F>
   [[nodiscard]] HRESULT VisitaPorIndice(std::size_t uiCampo, std::uint32_t uiHash, std::uint64_t uiUltima, F &&visita,
                                         std::optional<std::uint64_t> *puiResto);
@@ -98,6 +123,7 @@ private:
   [[nodiscard]] HRESULT GravaRegistros(std::uint64_t uiIndice, const T *pRegistros, std::size_t qtd);
   bool PrecisaGravar(std::uint64_t uiPosicao, const T *pRegistros, std::size_t qtd) const;
   void NotaAntigos(std::size_t indice, std::size_t qtd);
+  void TomaRegistros(std::size_t indice, const T *pRegistros, std::size_t qtd);
   std::uint64_t PosicaoNoArquivo(std::uint64_t uiIndice) const { return TamanhoCabecalho() + uiIndice * sizeof(T); }
   void PublicaQuantidade() { m_uiQtd.store(m_aRegistros.GetSize(), std::memory_order_release); }
 
@@ -129,9 +155,13 @@ HRESULT CQZFile<T>::CarregaMemoria() {
   }
   QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(falha));
   m_bCargaLida = false;
-  m_aRegistros.Troca(m_aCarga);
+  {
+    const plataforma::CQZTravaEscrita trava(Leitores());
+    m_aRegistros.Troca(m_aCarga);
+    Leitores().Confia();
+    PublicaQuantidade();
+  }
   m_aCarga.Esvazia();
-  PublicaQuantidade();
   return codigos::kOk;
 }
 
@@ -161,8 +191,7 @@ plataforma::FalhaArquivo CQZFile<T>::LeCarga(std::uint64_t *puiCrc) {
     return falha;
   }
   m_aCarga.Esvazia();
-  m_indices.Esvazia();
-  m_aRegistros.Esvazia();  // no longer served; two contents need not fit into memory
+  EsvaziaMemoria();  // no longer served; two contents need not fit into memory
   m_aCarga.DefineTamanho(static_cast<std::size_t>(uiTamanho / sizeof(T)));
   std::uint64_t uiCrc = 0;
   for (std::size_t i = 0; !falha && i < m_aCarga.GetSize();) {
@@ -185,8 +214,10 @@ plataforma::FalhaArquivo CQZFile<T>::LeCarga(std::uint64_t *puiCrc) {
 
 template <typename T>
 void CQZFile<T>::EsvaziaMemoria() {
+  CQZBlocosRegistros<T> velhos;
+  const plataforma::CQZTravaEscrita trava(Leitores());
   m_indices.Esvazia();
-  m_aRegistros.Esvazia();
+  m_aRegistros.Troca(velhos);  // their memory goes when the lock has gone
   PublicaQuantidade();
 }
 
@@ -217,13 +248,26 @@ HRESULT CQZFile<T>::Le(std::uint64_t uiPosicao, T *pReg) {
   if (uiPosicao == 0) {
     QZ_RETORNA_CODIGO(rastro, codigos::kPosicaoZero);
   }
-  const plataforma::CQZTrava trava(Secao());
-  QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
-  if (!ExisteArquivo()) {
-    QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoAberto);
+  HRESULT hr = codigos::kOk;
+  {
+    const Acesso acesso(*this);
+    if (acesso.AAssegurar()) {
+      QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
+    }
+    hr = Examina(uiPosicao, pReg);
+  }
+  // Not before access is given back: recording a failure takes locks and touches files.
+  return Falhou(hr) ? rastro.Codigo(hr, __LINE__) : hr;
+}
+
+/// Copies the record at a position other than 0. With access.
+template <typename T>
+HRESULT CQZFile<T>::Examina(std::uint64_t uiPosicao, T *pReg) const {
+  if (!MemoriaIgual()) {
+    return codigos::kArquivoNaoAberto;
   }
   if (uiPosicao > m_aRegistros.GetSize()) {
-    QZ_RETORNA_CODIGO(rastro, codigos::kPosicaoAlemDoFim);
+    return codigos::kPosicaoAlemDoFim;
   }
   *pReg = m_aRegistros[static_cast<std::size_t>(uiPosicao - 1)];
   return codigos::kOk;
@@ -253,8 +297,8 @@ HRESULT CQZFile<T>::LeVarios(std::size_t qtd, P &&posicao, F &&entrega) {
 template <typename T>
 template <typename P, typename F>
 std::size_t CQZFile<T>::LeLote(std::size_t inicio, std::size_t qtd, P &&posicao, F &&entrega) {
-  const plataforma::CQZTrava trava(Secao());
-  if (!MemoriaServe() || !ExisteArquivo()) {
+  const plataforma::CQZTravaLeitura trava(Leitores());
+  if (!MemoriaIgual()) {
     return 0;
   }
   for (std::size_t i = 0; i < std::min(qtd, kAdiante); ++i) {
@@ -301,25 +345,42 @@ HRESULT CQZFile<T>::Percorre(std::uint64_t uiPrimeira, std::uint64_t uiUltima, F
 template <typename T>
 template <typename F>
 HRESULT CQZFile<T>::PercorreTrechos(std::uint64_t uiPrimeira, std::uint64_t uiUltima, F &&visita) {
-  for (std::uint64_t uiPosicao = uiPrimeira;;) {
-    const CQZRastro rastro(this, Nome(">::Le"), kFonte);
-    const plataforma::CQZTrava trava(Secao());
-    // Before the range is looked at: an empty one of a file that cannot be had is not an answer.
-    QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
-    if (uiPosicao > uiUltima) {
-      return codigos::kOk;
+  bool bFim = false;
+  for (std::uint64_t uiPosicao = uiPrimeira; !bFim;) {
+    const std::uint64_t uiAntes = uiPosicao;
+    const HRESULT hr = VisitaTrecho(uiUltima, visita, &uiPosicao, &bFim);
+    if (Falhou(hr)) {
+      return hr;
     }
-    if (uiPosicao == 0 || !ExisteArquivo() || uiPosicao > m_aRegistros.GetSize()) {
+    if (!bFim && uiPosicao == uiAntes) {
       T descartado;
       return Le(uiPosicao, &descartado);
     }
-    const std::uint64_t uiFim = std::min<std::uint64_t>(uiUltima, m_aRegistros.GetSize());
-    const auto trecho = m_aRegistros.TrechoEm(static_cast<std::size_t>(uiPosicao - 1), static_cast<std::size_t>(uiFim));
-    if (!visita(uiPosicao, static_cast<const T *>(trecho.pRegistros), trecho.qtd)) {
-      return codigos::kOk;
-    }
-    uiPosicao += trecho.qtd;
   }
+  return codigos::kOk;
+}
+
+/// One run from `*puiPosicao` on, which moves behind it; it stays where it is when that position cannot be read.
+/// `*pbFim` tells that the range, or the visitor, has come to its end.
+template <typename T>
+template <typename F>
+HRESULT CQZFile<T>::VisitaTrecho(std::uint64_t uiUltima, F &&visita, std::uint64_t *puiPosicao, bool *pbFim) {
+  const CQZRastro rastro(this, Nome(">::Le"), kFonte);
+  const Acesso acesso(*this);
+  // Before the range is looked at: an empty one of a file that cannot be had is not an answer.
+  if (acesso.AAssegurar()) {
+    QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
+  }
+  *pbFim = *puiPosicao > uiUltima;
+  if (*pbFim || *puiPosicao == 0 || !MemoriaIgual() || *puiPosicao > m_aRegistros.GetSize()) {
+    return codigos::kOk;
+  }
+  const std::uint64_t uiFim = std::min<std::uint64_t>(uiUltima, m_aRegistros.GetSize());
+  const auto trecho =
+      std::as_const(m_aRegistros).TrechoEm(static_cast<std::size_t>(*puiPosicao - 1), static_cast<std::size_t>(uiFim));
+  *pbFim = !visita(*puiPosicao, trecho.pRegistros, trecho.qtd);
+  *puiPosicao += trecho.qtd;
+  return codigos::kOk;
 }
 
 template <typename T>
@@ -327,25 +388,44 @@ template <typename F>
 HRESULT CQZFile<T>::PercorreTexto(std::size_t uiCampo, std::string_view sTexto, std::uint64_t uiUltima, F &&visita) {
   const std::uint32_t uiHash = CQZIndices<T>::HashDoTexto(uiCampo, sTexto);
   std::optional<std::uint64_t> uiResto;
-  do {
-    const HRESULT hr = VisitaPorIndice(uiCampo, uiHash, uiUltima, visita, &uiResto);
+  for (;;) {
+    HRESULT hr = VisitaPorIndice(uiCampo, uiHash, uiUltima, visita, &uiResto);
+    if (!Falhou(hr) && !uiResto) {
+      hr = TrabalhaNoIndice(uiCampo, uiHash);
+    }
     if (Falhou(hr)) {
       return hr;
     }
-  } while (!uiResto);
+    if (uiResto) {
+      break;
+    }
+  }
   return *uiResto == 0 ? codigos::kOk : Percorre(*uiResto, uiUltima, visita);
 }
 
-/// Asks the index once, or works at it for a moment. `*puiResto` receives the position from which on all records have
-/// to be visited, 0 for none; it stays empty while the index has no answer yet.
+/// One step of what the index was found to lack.
+template <typename T>
+HRESULT CQZFile<T>::TrabalhaNoIndice(std::size_t uiCampo, std::uint32_t uiHash) {
+  const CQZRastro rastro(this, Nome(">::Le"), kFonte);
+  const plataforma::CQZTrava trava(Secao());
+  QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
+  const plataforma::CQZTravaEscrita travaEscrita(Leitores());
+  m_indices.Trabalha(uiCampo, uiHash, m_aRegistros);
+  return codigos::kOk;
+}
+
+/// Asks the index once. `*puiResto` receives the position from which on all records have to be visited, 0 for none; it
+/// stays empty while the index has no answer yet.
 template <typename T>
 template <typename F>
 HRESULT CQZFile<T>::VisitaPorIndice(std::size_t uiCampo, std::uint32_t uiHash, std::uint64_t uiUltima, F &&visita,
                                     std::optional<std::uint64_t> *puiResto) {
   const CQZRastro rastro(this, Nome(">::Le"), kFonte);
-  const plataforma::CQZTrava trava(Secao());
-  QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
-  if (!ExisteArquivo() || uiUltima > m_aRegistros.GetSize()) {
+  const Acesso acesso(*this);
+  if (acesso.AAssegurar()) {
+    QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
+  }
+  if (!MemoriaIgual() || uiUltima > m_aRegistros.GetSize()) {
     *puiResto = 1;
     return codigos::kOk;
   }
@@ -356,7 +436,6 @@ HRESULT CQZFile<T>::VisitaPorIndice(std::size_t uiCampo, std::uint32_t uiHash, s
       *puiResto = 1;
       break;
     case EResposta::FaltaFazer:
-      m_indices.Trabalha(uiCampo, uiHash, m_aRegistros);
       break;
     case EResposta::Nenhum:
       *puiResto = 0;
@@ -412,7 +491,9 @@ HRESULT CQZFile<T>::GravaFaixa(std::uint64_t &uiPosicao, const T *pRegistros, st
     }
     uiIndice = uiPosicao != 0 ? uiPosicao - 1 : m_aRegistros.GetSize();
     // Room first: once the records are on disk, taking them into memory must not fail.
-    m_aRegistros.Reserva(static_cast<std::size_t>(uiIndice) + qtd);
+    auto espaco = std::as_const(m_aRegistros).PreparaEspaco(static_cast<std::size_t>(uiIndice) + qtd);
+    const plataforma::CQZTravaEscrita travaEscrita(Leitores());
+    m_aRegistros.Adota(std::move(espaco));
     m_indices.Prepara(pRegistros, qtd);
     return codigos::kOk;
   };
@@ -447,14 +528,23 @@ HRESULT CQZFile<T>::GravaRegistros(std::uint64_t uiIndice, const T *pRegistros, 
   QZ_VERIFICA(rastro, "CatchGravacao(pEx)",
               CatchGravacao(Transacao().Grava(Arquivo(), pRegistros, qtd * sizeof(T), false)));
   QZ_VERIFICA(rastro, "Flush()", Flush());
-  m_indices.Troca(m_aRegistros, indice, pRegistros, qtd);
-  if (indice + qtd > m_aRegistros.GetSize()) {
-    m_aRegistros.DefineTamanho(indice + qtd);
-  }
-  m_aRegistros.Copia(indice, pRegistros, qtd);
+  TomaRegistros(indice, pRegistros, qtd);
   ConfirmaGravacao();
-  PublicaQuantidade();
   return codigos::kOk;
+}
+
+/// What is on disk into memory, for which there is room. Readers are kept out for as little as can be: what lies behind
+/// the last record they do not look at.
+template <typename T>
+void CQZFile<T>::TomaRegistros(std::size_t indice, const T *pRegistros, std::size_t qtd) {
+  const std::size_t sobrepostos = std::min(qtd, m_aRegistros.GetSize() - indice);
+  m_aRegistros.Copia(indice + sobrepostos, pRegistros + sobrepostos, qtd - sobrepostos);
+  const plataforma::CQZTravaEscrita trava(Leitores());
+  m_indices.Troca(m_aRegistros, indice, pRegistros, qtd);
+  m_aRegistros.Copia(indice, pRegistros, sobrepostos);
+  m_aRegistros.DefineTamanho(std::max(indice + qtd, m_aRegistros.GetSize()));
+  Transacao().Confirma();
+  PublicaQuantidade();
 }
 
 /// Memory holds what the disk holds, so the old records need not be read.

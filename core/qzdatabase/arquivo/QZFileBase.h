@@ -52,7 +52,8 @@ enum class EMemoria : unsigned char {
 /// and must outlive it.
 ///
 /// Threads: the derived classes' reads and writes and OnFinaliza take the file's lock. AbreArquivo is called with the
-/// lock held, or before the object is shared.
+/// lock held, or before the object is shared. Whoever lets readers in beside the holder of that lock, as the typed file
+/// does, changes memory only with Leitores held for writing as well, and reads it with either of the two.
 class CQZFileBase : public CQZInicializador {
 public:
   ~CQZFileBase() override;
@@ -136,7 +137,14 @@ protected:
   /// The first step of every operation. With the lock held.
   [[nodiscard]] HRESULT AsseguraMemoria();
   /// True when AsseguraMemoria has nothing to do. Any thread, without the lock.
-  bool MemoriaServe() const { return m_eMemoria.load(std::memory_order_acquire) != EMemoria::Recarregar; }
+  bool MemoriaServe() const {
+    return m_eMemoria.load(std::memory_order_acquire) != EMemoria::Recarregar && !m_leitores.Suspeita();
+  }
+  /// True when memory is what the open file holds. Any thread; with the file's lock, or Leitores, for as long as that
+  /// is held.
+  bool MemoriaIgual() const {
+    return MemoriaServe() && m_eMemoria.load(std::memory_order_acquire) == EMemoria::IgualAoArquivo;
+  }
 
   /// Memory is not what the open file holds, and will be.
   bool VaiCarregar() const {
@@ -180,6 +188,9 @@ protected:
 
   plataforma::IArquivoAberto &Arquivo() { return m_abertura.Arquivo(); }
   plataforma::SecaoCritica &Secao() const { return m_secao; }
+  /// Under which readers look at memory while somebody else has the file's lock. Suspeita after a machine fault in the
+  /// middle of a change; loading memory anew has to end that.
+  plataforma::SecaoCompartilhada &Leitores() const { return m_leitores; }
   ModuloQZ GetModulo() const { return m_eModulo; }
 
 private:
@@ -217,6 +228,7 @@ private:
   ModuloQZ m_eModulo;
   IDonoDeArquivos *m_pDataBase;
   mutable plataforma::SecaoCritica m_secao;
+  mutable plataforma::SecaoCompartilhada m_leitores;
   const bool m_bFlushAdiado;
   bool m_bSemControle = false;
   bool m_bEntradaNova = false;  ///< added to the list of created files by the creation that is under way

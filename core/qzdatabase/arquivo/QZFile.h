@@ -91,7 +91,7 @@ private:
   plataforma::FalhaArquivo LeCarga(std::uint64_t *puiCrc);
 
   template <typename F>
-  [[nodiscard]] HRESULT VisitaPorIndice(std::size_t uiCampo, std::uint32_t uiHash, std::uint64_t uiUltima, F &&visita,
+  [[nodiscard]] HRESULT VisitaPorIndice(std::size_t uiCampo, std::uint64_t uiHash, std::uint64_t uiUltima, F &&visita,
                                         std::optional<std::uint64_t> *puiResto);
 
   [[nodiscard]] HRESULT GravaFaixa(std::uint64_t &uiPosicao, const T *pRegistros, std::size_t qtd);
@@ -325,7 +325,7 @@ HRESULT CQZFile<T>::PercorreTrechos(std::uint64_t uiPrimeira, std::uint64_t uiUl
 template <typename T>
 template <typename F>
 HRESULT CQZFile<T>::PercorreTexto(std::size_t uiCampo, std::string_view sTexto, std::uint64_t uiUltima, F &&visita) {
-  const std::uint32_t uiHash = CQZIndices<T>::HashDoTexto(uiCampo, sTexto);
+  const std::uint64_t uiHash = CQZIndices<T>::HashDoTexto(uiCampo, sTexto);
   std::optional<std::uint64_t> uiResto;
   do {
     const HRESULT hr = VisitaPorIndice(uiCampo, uiHash, uiUltima, visita, &uiResto);
@@ -340,7 +340,7 @@ HRESULT CQZFile<T>::PercorreTexto(std::size_t uiCampo, std::string_view sTexto, 
 /// to be visited, 0 for none; it stays empty while the index has no answer yet.
 template <typename T>
 template <typename F>
-HRESULT CQZFile<T>::VisitaPorIndice(std::size_t uiCampo, std::uint32_t uiHash, std::uint64_t uiUltima, F &&visita,
+HRESULT CQZFile<T>::VisitaPorIndice(std::size_t uiCampo, std::uint64_t uiHash, std::uint64_t uiUltima, F &&visita,
                                     std::optional<std::uint64_t> *puiResto) {
   const CQZRastro rastro(this, Nome(">::Le"), kFonte);
   const plataforma::CQZTrava trava(Secao());

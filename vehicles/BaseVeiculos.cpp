@@ -76,7 +76,7 @@ HRESULT CBaseVeiculos::Procura(const tagREG_FILTRO_VEICULOSPS &Filtro, std::uint
     return m_pDataBase->m_Veiculos.PercorreTrechos(1, uiQtd, visita);
   };
   QZ_VERIFICA(rastro, "m_pDataBase->m_Veiculos.Le(idx, &RegVei)", percorre());
-  if (bSoConta) {
+  if (puiTodas != nullptr && bSoConta) {
     *puiTodas = uiQtd;
   }
   return codigos::kOk;

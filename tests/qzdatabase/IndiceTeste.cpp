@@ -17,11 +17,11 @@ namespace {
 TEST(IndiceHash, ComoUmMapaDeConjuntos) {
   std::mt19937 gerador(1);
   CQZIndiceHash indice;
-  std::map<std::uint32_t, std::set<std::uint64_t>> modelo;
+  std::map<std::uint64_t, std::set<std::uint64_t>> modelo;
   const auto sorteia = [&](unsigned n) { return static_cast<std::uint32_t>(gerador() % n); };
   for (int i = 0; i < 60000; ++i) {
-    // Now more, now fewer of them; the places of a part are its upper bits.
-    const std::uint32_t uiHash = (sorteia(2) << 24) | (sorteia(2) * 0xFF0000U + sorteia(400) * 97);
+    // Now more, now fewer of them; neighbours at both ends of a part.
+    const std::uint64_t uiHash = (std::uint64_t{sorteia(2)} << 32) | (sorteia(2) * 0xFFFF0000U + sorteia(400) * 97);
     std::set<std::uint64_t> &posicoes = modelo[uiHash];
     if (sorteia(10) < (i / 10000 % 2 == 0 ? 7U : 3U)) {
       const std::uint64_t uiPosicao = 1 + sorteia(6);
@@ -33,7 +33,7 @@ TEST(IndiceHash, ComoUmMapaDeConjuntos) {
       indice.Retira(uiHash, uiPosicao);
       posicoes.erase(uiPosicao);
     }
-    for (const std::uint32_t uiPergunta : {uiHash, uiHash ^ 97U}) {
+    for (const std::uint64_t uiPergunta : {uiHash, uiHash ^ 97U}) {
       const std::set<std::uint64_t> &esperadas = modelo[uiPergunta];
       const CQZIndiceHash::Achado achado = indice.Acha(uiPergunta);
       if (achado.uiPosicao == 0) {
@@ -53,7 +53,7 @@ TEST(IndiceHash, ComoUmMapaDeConjuntos) {
 }
 
 TEST(IndiceHash, TextosAteOTerminador) {
-  std::set<std::uint32_t> hashes;
+  std::set<std::uint64_t> hashes;
   std::size_t textos = 0;
   for (const std::size_t largura : std::initializer_list<std::size_t>{3, 8, 9, 13, 16, 51}) {
     hashes.clear();
@@ -61,7 +61,7 @@ TEST(IndiceHash, TextosAteOTerminador) {
     for (std::size_t tamanho = 0; tamanho <= largura; ++tamanho) {
       std::string campo(64, 'x');
       std::fill_n(campo.begin() + static_cast<std::ptrdiff_t>(tamanho), largura - tamanho, '\0');
-      const std::uint32_t uiHash = CQZIndiceHash::Hash(campo.data(), largura);
+      const std::uint64_t uiHash = CQZIndiceHash::Hash(campo.data(), largura);
       std::fill(campo.begin() + static_cast<std::ptrdiff_t>(std::min(tamanho + 1, largura)), campo.end(), 'y');
       EXPECT_EQ(CQZIndiceHash::Hash(campo.data(), largura), uiHash) << largura << ' ' << tamanho;
       hashes.insert(uiHash);

@@ -5,6 +5,7 @@
 #include <random>
 #include <thread>
 
+#include "core/log/ConfiguracaoLog.h"
 #include "core/platform/MemoriaTarefa.h"
 #include "core/platform/Plataforma.h"
 #include "tests/apoio/ColetorRastro.h"
@@ -145,6 +146,35 @@ TEST_F(Registro, MuitasPosicoesEUmaRuim) {
         "CBaseVeiculos::LePonteiros|BaseVeiculos.cpp|m_pDataBase->m_Veiculos.Le(Ponteiros[idx], &RegVei)"};
     EXPECT_EQ(rastro.Toma(), ruim == kQtd ? std::vector<std::string>() : cadeia);
   }
+}
+
+/// With the switches on, each record read leaves an entry and an exit, also where many are read; a search leaves none.
+TEST_F(Registro, CadaLeituraNoLog) {
+  const apoio::PastaTemporaria instalacao;
+  apoio::RegistroTeste registro;
+  registro.DefineTexto(CString(kChaveSuite) + "Miran Empresarial", "Path", instalacao.Caminho());
+  const auto configura = [&](const std::string &chaves) {
+    apoio::EscreveArquivo(instalacao / "log.ini", "[Log]\r\nTimeoutConfig=0\r\n" + chaves);
+    m_relogio.m_ticks = static_cast<std::uint32_t>(CarregaConfiguracaoLog()) - 1;  // so that it is read again
+    CarregaConfiguracaoLog();
+  };
+  ASSERT_EQ(Abre(), codigos::kOk);
+  Acrescenta(VeiculoCompleto());
+  configura("Entrada=1\r\nSaida=1\r\nPerformance=1\r\n");
+  const LONG posicoes[] = {1, 1, 1};
+  tagREG_VEICULOPS lidos[3];
+  EXPECT_EQ(m_base.LePonteiros(3, posicoes, lidos), codigos::kOk);
+  EXPECT_EQ(Busca({}), std::vector<LONG>{1});
+  std::uint32_t iPos = 0;
+  EXPECT_EQ(m_base.Existe("V001", &iPos, &lidos[0]), codigos::kOk);
+  configura("");
+  const std::string log = apoio::LeArquivo(instalacao / "QZProfiler.dat");
+  std::size_t leituras = 0;
+  for (std::size_t i = log.find("<struct RegVeiculo>::Le\t"); i != std::string::npos;
+       i = log.find("<struct RegVeiculo>::Le\t", i + 1)) {
+    ++leituras;
+  }
+  EXPECT_EQ(leituras, 6U) << log;
 }
 
 TEST_F(Registro, PosicoesRuins) {

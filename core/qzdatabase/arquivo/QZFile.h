@@ -114,9 +114,9 @@ private:
 
   template <typename F>
   [[nodiscard]] HRESULT VisitaTrecho(std::uint64_t uiUltima, F &&visita, std::uint64_t *puiPosicao, bool *pbFim);
-  [[nodiscard]] HRESULT TrabalhaNoIndice(std::size_t uiCampo, std::uint32_t uiHash);
+  [[nodiscard]] HRESULT TrabalhaNoIndice(std::size_t uiCampo, std::uint64_t uiHash);
   template <typename F>
-  [[nodiscard]] HRESULT VisitaPorIndice(std::size_t uiCampo, std::uint32_t uiHash, std::uint64_t uiUltima, F &&visita,
+  [[nodiscard]] HRESULT VisitaPorIndice(std::size_t uiCampo, std::uint64_t uiHash, std::uint64_t uiUltima, F &&visita,
                                         std::optional<std::uint64_t> *puiResto);
 
   [[nodiscard]] HRESULT GravaFaixa(std::uint64_t &uiPosicao, const T *pRegistros, std::size_t qtd);
@@ -386,7 +386,7 @@ HRESULT CQZFile<T>::VisitaTrecho(std::uint64_t uiUltima, F &&visita, std::uint64
 template <typename T>
 template <typename F>
 HRESULT CQZFile<T>::PercorreTexto(std::size_t uiCampo, std::string_view sTexto, std::uint64_t uiUltima, F &&visita) {
-  const std::uint32_t uiHash = CQZIndices<T>::HashDoTexto(uiCampo, sTexto);
+  const std::uint64_t uiHash = CQZIndices<T>::HashDoTexto(uiCampo, sTexto);
   std::optional<std::uint64_t> uiResto;
   for (;;) {
     HRESULT hr = VisitaPorIndice(uiCampo, uiHash, uiUltima, visita, &uiResto);
@@ -405,7 +405,7 @@ HRESULT CQZFile<T>::PercorreTexto(std::size_t uiCampo, std::string_view sTexto, 
 
 /// One step of what the index was found to lack.
 template <typename T>
-HRESULT CQZFile<T>::TrabalhaNoIndice(std::size_t uiCampo, std::uint32_t uiHash) {
+HRESULT CQZFile<T>::TrabalhaNoIndice(std::size_t uiCampo, std::uint64_t uiHash) {
   const CQZRastro rastro(this, Nome(">::Le"), kFonte);
   const plataforma::CQZTrava trava(Secao());
   QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
@@ -418,7 +418,7 @@ HRESULT CQZFile<T>::TrabalhaNoIndice(std::size_t uiCampo, std::uint32_t uiHash) 
 /// stays empty while the index has no answer yet.
 template <typename T>
 template <typename F>
-HRESULT CQZFile<T>::VisitaPorIndice(std::size_t uiCampo, std::uint32_t uiHash, std::uint64_t uiUltima, F &&visita,
+HRESULT CQZFile<T>::VisitaPorIndice(std::size_t uiCampo, std::uint64_t uiHash, std::uint64_t uiUltima, F &&visita,
                                     std::optional<std::uint64_t> *puiResto) {
   const CQZRastro rastro(this, Nome(">::Le"), kFonte);
   const Acesso acesso(*this);

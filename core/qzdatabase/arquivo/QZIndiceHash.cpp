@@ -34,19 +34,19 @@ std::uint64_t AteOZero(std::uint64_t uiPalavra, bool *pbAcabou) {
 
 }  // namespace
 
-std::uint32_t CQZIndiceHash::Hash(const char *lpCampo, std::size_t uiLargura) {
+std::uint64_t CQZIndiceHash::Hash(const char *lpCampo, std::size_t uiLargura) {
   std::uint64_t uiHash = kFator;
   bool bAcabou = false;
   for (std::size_t i = 0; i < uiLargura && !bAcabou; i += sizeof(std::uint64_t)) {
     uiHash = (uiHash ^ AteOZero(Palavra(lpCampo, uiLargura, i), &bAcabou)) * kFator;
     uiHash ^= uiHash >> 32;
   }
-  return static_cast<std::uint32_t>((uiHash * kFator) >> 32);
+  return (uiHash * kFator) >> 24;
 }
 
-/// Where the search for a hash begins. The parts have used up its upper eight bits.
+/// Where the search for a hash begins.
 std::uint32_t CQZIndiceHash::Parte::Lar(std::uint32_t uiHash) const {
-  return static_cast<std::uint32_t>((std::uint64_t{uiHash << 8} * uiCapacidade) >> 32);
+  return static_cast<std::uint32_t>((std::uint64_t{uiHash} * uiCapacidade) >> 32);
 }
 
 /// The entry of a hash, or the free one where it belongs.
@@ -85,20 +85,20 @@ void CQZIndiceHash::Parte::Apaga(Entrada *pEntrada) {
   --uiUsadas;
 }
 
-CQZIndiceHash::Entrada *CQZIndiceHash::Procura(std::uint32_t uiHash) const {
+CQZIndiceHash::Entrada *CQZIndiceHash::Procura(std::uint64_t uiHash) const {
   if (m_partes.empty() || m_partes[ParteDe(uiHash)].uiUsadas == 0) {
     return nullptr;
   }
-  Entrada *const pEntrada = m_partes[ParteDe(uiHash)].Lugar(uiHash);
+  Entrada *const pEntrada = m_partes[ParteDe(uiHash)].Lugar(static_cast<std::uint32_t>(uiHash));
   return pEntrada->uiPosicao != 0 ? pEntrada : nullptr;
 }
 
-CQZIndiceHash::Achado CQZIndiceHash::Acha(std::uint32_t uiHash) const {
+CQZIndiceHash::Achado CQZIndiceHash::Acha(std::uint64_t uiHash) const {
   const Entrada *const pEntrada = Procura(uiHash);
   return pEntrada == nullptr ? Achado{0, false} : Achado{pEntrada->uiPosicao, pEntrada->bOutros != 0};
 }
 
-void CQZIndiceHash::Reserva(std::uint32_t uiHash, std::size_t uiQuantos) {
+void CQZIndiceHash::Reserva(std::uint64_t uiHash, std::size_t uiQuantos) {
   if (m_partes.empty()) {
     m_partes.resize(kPartes);
   }
@@ -110,12 +110,12 @@ void CQZIndiceHash::Reserva(std::uint32_t uiHash, std::size_t uiQuantos) {
   }
 }
 
-void CQZIndiceHash::Acrescenta(std::uint32_t uiHash, std::uint64_t uiPosicao) {
+void CQZIndiceHash::Acrescenta(std::uint64_t uiHash, std::uint64_t uiPosicao) {
   Parte &parte = m_partes[ParteDe(uiHash)];
-  Entrada &entrada = *parte.Lugar(uiHash);
+  Entrada &entrada = *parte.Lugar(static_cast<std::uint32_t>(uiHash));
   const auto uiNova = static_cast<std::uint32_t>(uiPosicao);
   if (entrada.uiPosicao == 0) {
-    entrada = {uiHash, uiNova & kMaiorPosicao, 0};
+    entrada = {static_cast<std::uint32_t>(uiHash), uiNova & kMaiorPosicao, 0};
     ++parte.uiUsadas;
   } else if (entrada.uiPosicao != uiNova) {
     entrada.uiPosicao = std::min<std::uint32_t>(entrada.uiPosicao, uiNova) & kMaiorPosicao;
@@ -123,7 +123,7 @@ void CQZIndiceHash::Acrescenta(std::uint32_t uiHash, std::uint64_t uiPosicao) {
   }
 }
 
-void CQZIndiceHash::Retira(std::uint32_t uiHash, std::uint64_t uiPosicao) {
+void CQZIndiceHash::Retira(std::uint64_t uiHash, std::uint64_t uiPosicao) {
   Entrada *const pEntrada = Procura(uiHash);
   if (pEntrada == nullptr || pEntrada->uiPosicao != uiPosicao) {
     return;
@@ -135,11 +135,11 @@ void CQZIndiceHash::Retira(std::uint32_t uiHash, std::uint64_t uiPosicao) {
   }
 }
 
-void CQZIndiceHash::Avanca(std::uint32_t uiHash, std::uint64_t uiPosicao) {
+void CQZIndiceHash::Avanca(std::uint64_t uiHash, std::uint64_t uiPosicao) {
   Procura(uiHash)->uiPosicao = static_cast<std::uint32_t>(uiPosicao) & kMaiorPosicao;
 }
 
-void CQZIndiceHash::Apaga(std::uint32_t uiHash) {
+void CQZIndiceHash::Apaga(std::uint64_t uiHash) {
   if (Entrada *const pEntrada = Procura(uiHash)) {
     m_partes[ParteDe(uiHash)].Apaga(pEntrada);
   }

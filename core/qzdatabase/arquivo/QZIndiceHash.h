@@ -21,34 +21,35 @@ public:
   static constexpr std::uint32_t kMaiorPosicao = 0x7FFFFFFF;
   static constexpr std::size_t kPartes = 256;
 
-  /// Of a field's text, which ends at its first zero byte or with the field.
-  static std::uint32_t Hash(const char *lpCampo, std::size_t uiLargura);
-  static std::size_t ParteDe(std::uint32_t uiHash) { return uiHash >> 24; }
+  /// Of a field's text, which ends at its first zero byte or with the field: 40 bits, so that of a million texts hardly
+  /// any two share one.
+  static std::uint64_t Hash(const char *lpCampo, std::size_t uiLargura);
+  static std::size_t ParteDe(std::uint64_t uiHash) { return static_cast<std::size_t>(uiHash >> 32); }
 
   struct Achado {
     std::uint64_t uiPosicao;  ///< 0: nowhere
     bool bOutros;
   };
-  Achado Acha(std::uint32_t uiHash) const;
+  Achado Acha(std::uint64_t uiHash) const;
 
   /// Makes room for so many more hashes in the part of this one. Throws std::bad_alloc with everything as before.
-  void Reserva(std::uint32_t uiHash, std::size_t uiQuantos);
+  void Reserva(std::uint64_t uiHash, std::size_t uiQuantos);
 
   /// Enters a position, for which there is room. One that is entered already is no matter.
-  void Acrescenta(std::uint32_t uiHash, std::uint64_t uiPosicao);
+  void Acrescenta(std::uint64_t uiHash, std::uint64_t uiPosicao);
   /// A position that is entered with this hash does not have it any more.
-  void Retira(std::uint32_t uiHash, std::uint64_t uiPosicao);
+  void Retira(std::uint64_t uiHash, std::uint64_t uiPosicao);
   /// No position below this one has the hash, which has an entry.
-  void Avanca(std::uint32_t uiHash, std::uint64_t uiPosicao);
+  void Avanca(std::uint64_t uiHash, std::uint64_t uiPosicao);
   /// No position has the hash.
-  void Apaga(std::uint32_t uiHash);
+  void Apaga(std::uint64_t uiHash);
 
   /// Removes everything and gives the memory back.
   void Esvazia() { m_partes.clear(); }
 
 private:
   struct Entrada {
-    std::uint32_t uiHash;
+    std::uint32_t uiHash;          ///< its lower 32 bits: the part has the others
     std::uint32_t uiPosicao : 31;  ///< 0: no entry
     std::uint32_t bOutros : 1;
   };
@@ -69,7 +70,7 @@ private:
     void Apaga(Entrada *pEntrada);
   };
 
-  Entrada *Procura(std::uint32_t uiHash) const;
+  Entrada *Procura(std::uint64_t uiHash) const;
 
   std::vector<Parte> m_partes;  ///< kPartes of them, or none yet
 };

@@ -42,20 +42,20 @@ class CQZIndices {
   static constexpr auto &kCampos = CamposIndexados<T>::kCampos;
 
 public:
-  static std::uint32_t Hash(std::size_t uiCampo, const T &reg) {
+  static std::uint64_t Hash(std::size_t uiCampo, const T &reg) {
     const CampoIndexado &campo = kCampos[uiCampo];
     return CQZIndiceHash::Hash(reinterpret_cast<const char *>(&reg) + campo.uiDeslocamento, campo.uiLargura);
   }
 
   /// Of a text that fits into the field and holds no zero byte.
-  static std::uint32_t HashDoTexto(std::size_t uiCampo, std::string_view sTexto) {
+  static std::uint64_t HashDoTexto(std::size_t uiCampo, std::string_view sTexto) {
     T reg{};
     sTexto.copy(reinterpret_cast<char *>(&reg) + kCampos[uiCampo].uiDeslocamento, kCampos[uiCampo].uiLargura);
     return Hash(uiCampo, reg);
   }
 
   /// The records with a hash; `*puiPosicao`, from 1 on, is set for SoUm and Varios.
-  EResposta Procura(std::size_t uiCampo, std::uint32_t uiHash, const CQZBlocosRegistros<T> &registros,
+  EResposta Procura(std::size_t uiCampo, std::uint64_t uiHash, const CQZBlocosRegistros<T> &registros,
                     std::uint64_t *puiPosicao) const {
     const Indice &indice = m_indices[uiCampo];
     if (indice.bSemMemoria || registros.GetSize() > CQZIndiceHash::kMaiorPosicao) {
@@ -79,7 +79,7 @@ public:
 
   /// One step of what Procura has found missing: the next block of records is entered, or searched for the first that
   /// still has the hash.
-  void Trabalha(std::size_t uiCampo, std::uint32_t uiHash, const CQZBlocosRegistros<T> &registros) {
+  void Trabalha(std::size_t uiCampo, std::uint64_t uiHash, const CQZBlocosRegistros<T> &registros) {
     Comeca();
     Indice &indice = m_indices[uiCampo];
     if (indice.uiFeitos < registros.GetSize()) {
@@ -155,7 +155,7 @@ private:
     const auto trecho = registros.TrechoEm(indice.uiFeitos, registros.GetSize());
     try {
       for (std::size_t i = 0; i < trecho.qtd; ++i) {
-        const std::uint32_t uiHash = Hash(uiCampo, trecho.pRegistros[i]);
+        const std::uint64_t uiHash = Hash(uiCampo, trecho.pRegistros[i]);
         indice.hashes.Reserva(uiHash, 1);
         indice.hashes.Acrescenta(uiHash, ++indice.uiFeitos);
       }
@@ -164,7 +164,7 @@ private:
     }
   }
 
-  void AchaPrimeiro(std::size_t uiCampo, std::uint32_t uiHash, const CQZBlocosRegistros<T> &registros) {
+  void AchaPrimeiro(std::size_t uiCampo, std::uint64_t uiHash, const CQZBlocosRegistros<T> &registros) {
     CQZIndiceHash &hashes = m_indices[uiCampo].hashes;
     std::uint64_t uiPosicao = hashes.Acha(uiHash).uiPosicao;
     if (uiPosicao == 0) {
@@ -183,9 +183,13 @@ private:
 
   static void Reserva(Indice *pIndice, std::size_t uiCampo, const T *pNovos, std::size_t qtd) {
     try {
+      if (qtd == 1) {
+        pIndice->hashes.Reserva(Hash(uiCampo, *pNovos), 1);
+        return;
+      }
       std::array<std::uint32_t, CQZIndiceHash::kPartes> novos{};
       for (std::size_t i = 0; i < qtd; ++i) {
-        const std::uint32_t uiHash = Hash(uiCampo, pNovos[i]);
+        const std::uint64_t uiHash = Hash(uiCampo, pNovos[i]);
         pIndice->hashes.Reserva(uiHash, ++novos[CQZIndiceHash::ParteDe(uiHash)]);
       }
     } catch (const std::bad_alloc &) {
@@ -195,9 +199,9 @@ private:
 
   static void TrocaUm(Indice *pIndice, std::size_t uiCampo, const CQZBlocosRegistros<T> &registros,
                       std::size_t uiIndice, const T &novo) {
-    const std::uint32_t uiHash = Hash(uiCampo, novo);
+    const std::uint64_t uiHash = Hash(uiCampo, novo);
     if (uiIndice < pIndice->uiFeitos && uiIndice < registros.GetSize()) {
-      const std::uint32_t uiAntigo = Hash(uiCampo, registros[uiIndice]);
+      const std::uint64_t uiAntigo = Hash(uiCampo, registros[uiIndice]);
       if (uiAntigo != uiHash) {
         pIndice->hashes.Retira(uiAntigo, uiIndice + 1);
         pIndice->hashes.Acrescenta(uiHash, uiIndice + 1);

@@ -116,14 +116,14 @@ TEST_F(ArquivoDeRegistros, LeitoresEEscritoresAoMesmoTempo) {
     thread.join();
   }
   EXPECT_EQ(erros, 0);
-  std::vector<int> vezes(kEscritores * kPorEscritor, 0);
+  std::vector<int> vezes(std::size_t{kEscritores} * kPorEscritor, 0);
   EXPECT_EQ(Arquivo().Percorre(1, Quantidade(Arquivo()),
                                [&](std::uint64_t, const RegTeste &reg) {
                                  ++vezes.at(reg.uiNumero);
                                  return true;
                                }),
             codigos::kOk);
-  EXPECT_EQ(vezes, std::vector<int>(kEscritores * kPorEscritor, 1));
+  EXPECT_EQ(vezes, std::vector<int>(std::size_t{kEscritores} * kPorEscritor, 1));
 }
 
 /// Readers wait for no disk: while a write is at it, in another thread, each way of reading comes to its end.

@@ -1,16 +1,13 @@
 #include "client/Saida.h"
 
-#include <io.h>
-
 #include <algorithm>
 #include <array>
+#include <string_view>
 
 #include "client/Campos.h"
 #include "client/Codificacao.h"
 
 namespace {
-
-constexpr UINT kPaginaTextos = 1252;
 
 struct CColunaLista {
   std::string_view sNome;  // of CamposVeiculo; also the title
@@ -92,36 +89,6 @@ std::string LinhaDaLista(const std::string &sPosicao, F TextoDaColuna) {
 }
 
 }  // namespace
-
-bool EhConsole(std::FILE *pArquivo) {
-  DWORD uiModo = 0;
-  // NOLINTNEXTLINE(performance-no-int-to-ptr): the C runtime hands out handles as integers
-  return GetConsoleMode(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(pArquivo))), &uiModo) != 0;
-}
-
-CPaginaConsole::CPaginaConsole() {
-  if (EhConsole(stdout) || EhConsole(stderr)) {
-    m_uiAnterior = GetConsoleOutputCP();
-    SetConsoleOutputCP(kPaginaTextos);
-  }
-}
-
-CPaginaConsole::~CPaginaConsole() {
-  if (m_uiAnterior != 0) {
-    std::fflush(stdout);
-    SetConsoleOutputCP(m_uiAnterior);
-  }
-}
-
-void Escreve(std::string_view sTexto) {
-  std::fwrite(sTexto.data(), 1, sTexto.size(), stdout);
-}
-
-void EscreveErro(std::string_view sTexto) {
-  // What was written before the failure is shown before it.
-  std::fflush(stdout);
-  std::fwrite(sTexto.data(), 1, sTexto.size(), stderr);
-}
 
 std::string FichaVeiculo(std::int32_t lPosicao, const tagREG_VEICULOPS &veiculo) {
   std::string sFicha = LinhaFicha("Posição", std::to_string(lPosicao));

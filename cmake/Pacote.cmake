@@ -8,7 +8,8 @@ install(TARGETS Kalvo QZDF_VeiculosPS veiculos RUNTIME DESTINATION .)
 install(FILES ${KALVO_PROXY_X86} DESTINATION x86)
 install(FILES ${KALVO_TLB} ${CMAKE_BINARY_DIR}/Kalvo-exemplo.reg DESTINATION .)
 install(
-  FILES client/QZVeiculosCliente.h
+  FILES client/QZVeiculosCampos.h
+        client/QZVeiculosCliente.h
         client/QZVeiculosErros.h
         client/QZVeiculosMoeda.h
         client/QZVeiculosTextos.h

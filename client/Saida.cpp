@@ -46,37 +46,9 @@ constexpr std::array kRotulos{
     CRotulo{"transporte", "Tipo de transporte"},
 };
 
-std::string Ajusta(const std::string &sTexto, std::size_t uiLargura, bool bADireita) {
-  const std::string sBrancos(uiLargura > sTexto.size() ? uiLargura - sTexto.size() : 0, ' ');
-  return bADireita ? sBrancos + sTexto : sTexto + sBrancos;
-}
-
-// A record may hold any byte; control characters would break the lines or drive the terminal.
-std::string Visivel(std::string sTexto) {
-  std::replace_if(
-      sTexto.begin(), sTexto.end(),
-      [](char c) {
-        const auto uiByte = static_cast<unsigned char>(c);
-        return uiByte < 0x20 || uiByte == 0x7F;
-      },
-      '.');
-  return sTexto;
-}
-
 std::string LinhaFicha(std::string_view sRotuloUtf8, const std::string &sValor) {
   const std::string sRotulo = De8Para1252(sRotuloUtf8).value() + " ";
   return sRotulo + std::string(kLarguraRotulo - sRotulo.size(), '.') + ": " + sValor + "\n";
-}
-
-std::string CampoCsv(const std::string &sTexto) {
-  if (sTexto.find_first_of(";\"\r\n") == std::string::npos) {
-    return sTexto;
-  }
-  std::string sAspas = "\"";
-  for (const char c : sTexto) {
-    sAspas += c == '"' ? "\"\"" : std::string(1, c);
-  }
-  return sAspas + '"';
 }
 
 template <typename F>
@@ -90,8 +62,35 @@ std::string LinhaDaLista(const std::string &sPosicao, F TextoDaColuna) {
 
 }  // namespace
 
-std::string FichaVeiculo(std::int32_t lPosicao, const tagREG_VEICULOPS &veiculo) {
-  std::string sFicha = LinhaFicha("Posição", std::to_string(lPosicao));
+std::string Ajusta(const std::string &sTexto, std::size_t uiLargura, bool bADireita) {
+  const std::string sBrancos(uiLargura > sTexto.size() ? uiLargura - sTexto.size() : 0, ' ');
+  return bADireita ? sBrancos + sTexto : sTexto + sBrancos;
+}
+
+std::string Visivel(std::string sTexto) {
+  std::replace_if(
+      sTexto.begin(), sTexto.end(),
+      [](char c) {
+        const auto uiByte = static_cast<unsigned char>(c);
+        return uiByte < 0x20 || uiByte == 0x7F;
+      },
+      '.');
+  return sTexto;
+}
+
+std::string CampoCsv(const std::string &sTexto) {
+  if (sTexto.find_first_of(";\"\r\n") == std::string::npos) {
+    return sTexto;
+  }
+  std::string sAspas = "\"";
+  for (const char c : sTexto) {
+    sAspas += c == '"' ? "\"\"" : std::string(1, c);
+  }
+  return sAspas + '"';
+}
+
+std::string FichaVeiculo(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo) {
+  std::string sFicha = LinhaFicha("Posição", std::to_string(iPosicao));
   for (const CRotulo &rotulo : kRotulos) {
     const CCampo &campo = *ProcuraCampo(CamposVeiculo(), rotulo.sNome);
     sFicha += LinhaFicha(rotulo.sRotulo, Visivel(TextoCampo(campo, &veiculo)));
@@ -103,8 +102,8 @@ std::string TituloLista() {
   return LinhaDaLista("posicao", [](std::string_view sNome) { return std::string(sNome); });
 }
 
-std::string LinhaLista(std::int32_t lPosicao, const tagREG_VEICULOPS &veiculo) {
-  return LinhaDaLista(std::to_string(lPosicao), [&](std::string_view sNome) {
+std::string LinhaLista(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo) {
+  return LinhaDaLista(std::to_string(iPosicao), [&](std::string_view sNome) {
     return Visivel(TextoCampo(*ProcuraCampo(CamposVeiculo(), sNome), &veiculo));
   });
 }
@@ -118,8 +117,8 @@ std::string TituloCsv() {
   return sLinha + "\n";
 }
 
-std::string LinhaCsv(std::int32_t lPosicao, const tagREG_VEICULOPS &veiculo) {
-  std::string sLinha = std::to_string(lPosicao);
+std::string LinhaCsv(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo) {
+  std::string sLinha = std::to_string(iPosicao);
   for (const CCampo &campo : CamposVeiculo()) {
     sLinha += ';';
     sLinha += CampoCsv(TextoCampo(campo, &veiculo));

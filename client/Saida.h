@@ -8,15 +8,24 @@
 
 #include "vehicles/RegVeiculoPS.h"
 
+// A text of at least this width, filled up with blanks.
+std::string Ajusta(const std::string &sTexto, std::size_t uiLargura, bool bADireita);
+
+// Control characters, which would break lines or drive the terminal, as '.'.
+std::string Visivel(std::string sTexto);
+
+// A field of a CSV line, quoted where it must be.
+std::string CampoCsv(const std::string &sTexto);
+
 // One vehicle, a line per field: "Descrição .: Caminhão baú".
-std::string FichaVeiculo(std::int32_t lPosicao, const tagREG_VEICULOPS &veiculo);
+std::string FichaVeiculo(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo);
 
 // One vehicle per line under the titles.
 std::string TituloLista();
-std::string LinhaLista(std::int32_t lPosicao, const tagREG_VEICULOPS &veiculo);
+std::string LinhaLista(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo);
 
 // CSV that the program imports again.
 std::string TituloCsv();
-std::string LinhaCsv(std::int32_t lPosicao, const tagREG_VEICULOPS &veiculo);
+std::string LinhaCsv(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo);
 
 #endif

@@ -42,8 +42,8 @@ IdentidadeArquivo Identidade(const CArgumentos &argumentos, const CString &sCami
 CString PastaDe(const CString &sCaminho) {
   bool bExiste = false;
   const plataforma::FalhaArquivo falha = plataforma::Arquivos().Existe(sCaminho, &bExiste);
-  const CString sPasta =
-      sCaminho + (sCaminho.empty() || sCaminho.find_last_of("\\/") == sCaminho.size() - 1 ? "" : "\\");
+  const bool bTermina = sCaminho.empty() || sCaminho.find_last_of("\\/") == sCaminho.size() - 1;
+  const CString sPasta = sCaminho + (bTermina ? "" : sCaminho.find('/') != CString::npos ? "/" : "\\");
   std::vector<CString> nomes;
   const bool bPasta = falha && !plataforma::Arquivos().Lista(sPasta, "*", &nomes);
   return bPasta ? sPasta : CString();

@@ -62,9 +62,11 @@ void ExaminaCabecalho(ResultadoExame *pExame) {
 
 /// The CRC that the records had when the header was last written.
 std::optional<std::uint64_t> CrcEsperado(const CabecalhosLidos &lidos) {
-  return lidos.uiQuantos != 0 && lidos.ultimo.bRegistroConfere
-             ? std::optional<std::uint64_t>(lidos.ultimo.registro.uiCrcDados)
-             : std::nullopt;
+  if (lidos.uiQuantos == 0 || !lidos.ultimo.bRegistroConfere) {
+    return std::nullopt;
+  }
+  const std::uint64_t uiCrc = lidos.ultimo.registro.uiCrcDados;
+  return uiCrc;
 }
 
 /// CRC of all data, and, where the kind has records, up to which of them it is the expected one.
@@ -104,6 +106,7 @@ void ContaLinhas(CArquivoEmExame &arquivo, ResultadoExame *pExame) {
   CLeitorLinhas leitor(arquivo, pExame->cabecalhos.uiInicioDados, pExame->uiTamanho, 0);
   LinhaLida linha;
   bool bHa = true;
+  pExame->uiTamanhoInteiros = 0;
   Exige(leitor.Proxima(&linha, &bHa));
   while (bHa && linha.bInteira) {
     ++pExame->uiUnidades;

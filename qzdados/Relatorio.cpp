@@ -59,7 +59,8 @@ CString DetalhesCabecalho(const CabecalhosLidos &lidos) {
 CString LinhaRelatorio(const ResultadoExame &exame) {
   CString sLinha = NomeDoEstado(exame.eEstado);
   sLinha.resize(kLarguraEstado, ' ');
-  CString sTexto = exame.aAchados.empty() || exame.uiUnidades != 0 ? Conteudo(exame) : CString();
+  const bool bConteudo = exame.aAchados.empty() || exame.uiUnidades != 0 || exame.identidade.bSobra;
+  CString sTexto = bConteudo && exame.eEstado != EEstado::Ilegivel ? Conteudo(exame) : CString();
   for (const CString &sAchado : exame.aAchados) {
     sTexto += (sTexto.empty() ? "" : "; ") + sAchado;
   }

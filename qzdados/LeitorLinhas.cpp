@@ -7,9 +7,7 @@ using plataforma::FalhaArquivo;
 
 CLeitorLinhas::CLeitorLinhas(plataforma::IArquivoAberto &arquivo, std::uint64_t uiInicio, std::uint64_t uiFim,
                              std::size_t uiMaximo)
-    : m_arquivo(arquivo), m_uiProxima(std::min(uiInicio, uiFim)), m_uiFim(uiFim), m_uiMaximo(uiMaximo) {
-  m_leitor.emplace(arquivo, m_uiProxima, uiFim);
-}
+    : m_leitor(arquivo, uiInicio, uiFim), m_uiMaximo(uiMaximo) {}
 
 FalhaArquivo CLeitorLinhas::Proxima(LinhaLida *pLinha, bool *pbHa) {
   std::uint32_t uiDeclarado = 0;
@@ -17,19 +15,15 @@ FalhaArquivo CLeitorLinhas::Proxima(LinhaLida *pLinha, bool *pbHa) {
   if (!*pbHa) {
     return plataforma::kSemFalha;
   }
-  if (const FalhaArquivo falha = m_leitor->Le(&uiDeclarado, sizeof(uiDeclarado))) {
+  if (const FalhaArquivo falha = m_leitor.Le(&uiDeclarado, sizeof(uiDeclarado))) {
     return falha;
   }
-  m_uiProxima += sizeof(uiDeclarado);
   pLinha->uiTamanho = std::min<std::uint64_t>(uiDeclarado, Restam());
   pLinha->bInteira = pLinha->uiTamanho == uiDeclarado;
   const auto lidos = static_cast<std::size_t>(std::min<std::uint64_t>(pLinha->uiTamanho, m_uiMaximo));
   pLinha->sTexto.resize(lidos);
-  const FalhaArquivo falha = m_leitor->Le(pLinha->sTexto.data(), lidos);
-  m_uiProxima += pLinha->uiTamanho;
-  if (lidos < pLinha->uiTamanho) {
-    m_leitor.emplace(m_arquivo, m_uiProxima, m_uiFim);
-  }
+  const FalhaArquivo falha = m_leitor.Le(pLinha->sTexto.data(), lidos);
+  m_leitor.Pula(pLinha->uiTamanho - lidos);
   const std::size_t uiZero = pLinha->sTexto.find('\0');
   pLinha->bCortada = lidos < pLinha->uiTamanho && uiZero == CString::npos;
   pLinha->sTexto.resize(std::min(uiZero, lidos));

@@ -1,8 +1,6 @@
 #ifndef KALVO_QZDADOS_LEITORLINHAS_H
 #define KALVO_QZDADOS_LEITORLINHAS_H
 
-#include <optional>
-
 #include "core/qzdatabase/disco/QZLeitorSequencial.h"
 
 /// One line of a text file.
@@ -23,14 +21,11 @@ public:
   plataforma::FalhaArquivo Proxima(LinhaLida *pLinha, bool *pbHa);
 
   /// Bytes behind the lines read so far.
-  std::uint64_t Restam() const { return m_uiFim - m_uiProxima; }
+  std::uint64_t Restam() const { return m_leitor.Restam(); }
 
 private:
-  plataforma::IArquivoAberto &m_arquivo;
-  std::uint64_t m_uiProxima;  ///< place of the next line
-  std::uint64_t m_uiFim;
+  CQZLeitorSequencial m_leitor;
   std::size_t m_uiMaximo;
-  std::optional<CQZLeitorSequencial> m_leitor;
 };
 
 #endif

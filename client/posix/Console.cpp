@@ -20,7 +20,9 @@ bool EhConsole(std::FILE *pArquivo) {
 
 // Terminals show UTF-8; the conversion is made where texts are written.
 CPaginaConsole::CPaginaConsole() = default;
-CPaginaConsole::~CPaginaConsole() = default;
+CPaginaConsole::~CPaginaConsole() {
+  std::fflush(stdout);
+}
 
 void Escreve(std::string_view sTexto) {
   EscreveEm(stdout, sTexto);

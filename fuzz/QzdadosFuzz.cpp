@@ -107,10 +107,16 @@ private:
     }
   }
 
+  /// And takes away what else was written: by its own name it may be anything.
   void TrocaReparados() const {
     for (const std::string &sNome : m_reparados) {
       if (!IdentificaNome(sNome).bSobra) {
         m_empresa.Escreve(sNome, m_empresa.Le(sNome + ".novo"));
+      }
+    }
+    for (const auto &[sNome, sBytes] : m_antes) {
+      for (const char *lpFim : {".novo", ".com", ".sem"}) {
+        static_cast<void>(plataforma::Arquivos().Apaga(m_empresa.Caminho(sNome + lpFim)));
       }
     }
   }

@@ -19,6 +19,7 @@ CArquivoEmExame::CArquivoEmExame(const CString &sCaminho, FProgresso progresso)
     : m_sCaminho(sCaminho), m_progresso(std::move(progresso)) {
   Abre();
   Exige(m_abertura.Arquivo().Tamanho(&m_uiTamanho));
+  Exige(m_abertura.Arquivo().UltimaEscrita(&m_uiUltimaEscrita));
 }
 
 void CArquivoEmExame::Abre() {
@@ -33,10 +34,15 @@ void CArquivoEmExame::ConfereQueNaoMudou() {
 }
 
 void CArquivoEmExame::Cede(std::uint32_t uiPausaMs) {
-  m_abertura.FechaParaReabrir();
+  m_abertura.Fecha();
   plataforma::Relogio().Espera(uiPausaMs);
   Abre();
-  if (!m_abertura.MesmoArquivo()) {
+  // Held against the first look: others may have written while the file was open here too.
+  std::uint64_t uiTamanho = 0;
+  std::uint64_t uiUltimaEscrita = 0;
+  Exige(m_abertura.Arquivo().Tamanho(&uiTamanho));
+  Exige(m_abertura.Arquivo().UltimaEscrita(&uiUltimaEscrita));
+  if (uiTamanho != m_uiTamanho || uiUltimaEscrita != m_uiUltimaEscrita) {
     throw CErroArquivo("o arquivo mudou enquanto era lido");
   }
 }

@@ -14,7 +14,7 @@ using FProgresso = std::function<void(std::uint64_t, std::uint64_t)>;
 /// tries for a second; the intervals are shorter.
 ///
 /// All operations raise CErroArquivo. A file that another program took, or changed, between two readings is such an
-/// error: what was read before would not belong to what follows.
+/// error: what was read before would not belong to what follows. So is one that somebody changed while it was held.
 class CArquivoEmExame final : public plataforma::IArquivoAberto {
 public:
   /// How long the file is held at a time, and left alone after that.
@@ -47,6 +47,7 @@ private:
   CQZAberturaArquivo m_abertura;
   std::uint32_t m_uiDesde = 0;  ///< when it was last opened, in ticks
   std::uint64_t m_uiTamanho = 0;
+  std::uint64_t m_uiUltimaEscrita = 0;
 };
 
 #endif

@@ -82,32 +82,30 @@ bool EhListavel(const ResultadoExame &exame) {
 }
 
 /// What the server does with a journal that holds: nothing where the version is already there.
-void ConfereDiario(const ResultadoExame &diario, Exames &exames) {
+void ConfereDiario(const RegDiario &diario, Exames &exames) {
   ResultadoExame *const pVeiculos = ProcuraTipo(exames, ETipoArquivo::Veiculos);
   const ResultadoExame *const pVersao = ProcuraTipo(exames, ETipoArquivo::Versao);
-  if (!diario.diario || (pVersao != nullptr && pVersao->eEstado == EEstado::Sao && pVersao->aAchados.empty()) ||
-      pVeiculos == nullptr || pVeiculos->eEstado == EEstado::Ilegivel) {
+  if ((pVersao != nullptr && pVersao->eEstado == EEstado::Sao && pVersao->aAchados.empty()) || pVeiculos == nullptr ||
+      pVeiculos->eEstado == EEstado::Ilegivel) {
     return;
   }
   const std::uint64_t uiDados = pVeiculos->uiTamanho - pVeiculos->cabecalhos.uiInicioDados;
   const IdentidadeRegistros inteiros{uiDados, pVeiculos->uiCrcDados};
   const IdentidadeRegistros semPrimeiro{uiDados - std::min(uiDados, TamanhoRegistro(ETipoArquivo::Veiculos)),
                                         pVeiculos->uiCrcSemPrimeiro};
-  const bool bUmAMais = pVeiculos->uiUnidades != 0 && semPrimeiro == diario.diario->convertida;
-  if (inteiros != diario.diario->convertida && !bUmAMais) {
+  const bool bUmAMais = pVeiculos->uiUnidades != 0 && semPrimeiro == diario.convertida;
+  if (inteiros != diario.convertida && !bUmAMais) {
     pVeiculos->Acha(EEstado::Danificado, "não é a base cuja conversão o diário anota (0x810809D6)"_pt);
   }
 }
 
 /// Vehicles without a version are those of version 0, of which the server drops the first record.
-void ConfereVersaoAusente(const Conferencia &conferencia, Exames &exames) {
-  const auto bFalta = [&](const char *lpNome) {
-    return std::any_of(conferencia.faltas.begin(), conferencia.faltas.end(),
-                       [&](const ResultadoExame &falta) { return falta.identidade.sNome == lpNome; });
-  };
+void ConfereVersaoAusente(const Conferencia &conferencia, bool bDiario, Exames &exames) {
+  const bool bFalta = std::any_of(conferencia.faltas.begin(), conferencia.faltas.end(),
+                                  [](const auto &falta) { return falta.identidade.sNome == kArquivoVersao; });
   ResultadoExame *const pVeiculos = ProcuraTipo(exames, ETipoArquivo::Veiculos);
   if (pVeiculos != nullptr && pVeiculos->uiUnidades != 0 && ProcuraTipo(exames, ETipoArquivo::Versao) == nullptr &&
-      ProcuraTipo(exames, ETipoArquivo::Diario) == nullptr && !bFalta(kArquivoVersao)) {
+      !bDiario && !bFalta) {
     pVeiculos->Acha(EEstado::Sao,
                     "sem DFVEIVS.DAT a base é da versão 0: a próxima abertura retira o primeiro registro"_pt);
   }
@@ -127,15 +125,14 @@ std::vector<ResultadoExame> ExaminaPasta(const CString &sPasta, const FProgresso
   ResultadoExame *const pLista = ProcuraTipo(exames, ETipoArquivo::Lista);
   Conferencia conferencia = ConfereListaExaminada(sPasta, pLista, presentes);
   const ResultadoExame *const pDiario = ProcuraTipo(exames, ETipoArquivo::Diario);
-  if (pDiario != nullptr) {
-    ConfereDiario(*pDiario, exames);
-    if (pDiario->diario) {
-      // The next opening writes the version that a conversion still lacks.
-      std::erase_if(conferencia.faltas,
-                    [](const ResultadoExame &falta) { return falta.identidade.sNome == kArquivoVersao; });
-    }
+  const bool bDiario = pDiario != nullptr && pDiario->diario;
+  if (bDiario) {
+    ConfereDiario(*pDiario->diario, exames);
+    // The next opening writes the version that a conversion still lacks.
+    std::erase_if(conferencia.faltas,
+                  [](const ResultadoExame &falta) { return falta.identidade.sNome == kArquivoVersao; });
   }
-  ConfereVersaoAusente(conferencia, exames);
+  ConfereVersaoAusente(conferencia, bDiario, exames);
   for (ResultadoExame &exame : exames) {
     if (EhListavel(exame)) {
       const bool bListado = conferencia.listados.contains(exame.identidade.sNome);

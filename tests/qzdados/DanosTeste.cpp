@@ -142,6 +142,7 @@ TEST(Danos, OQueOServidorRecusaEDitoEOQueEReparadoElePodeAbrir) {
     const Rodada recuperada({"recupera", sArquivo, "--em", sNovo});
     EXPECT_EQ(empresa.Le(dano.lpArquivo), dano.sBytes);
     if (dano.sReparado.empty() && dano.iEstado != 1) {
+      EXPECT_EQ(Contem(recuperada.Saida(), "nada a recuperar"), dano.iEstado == 0) << recuperada.Saida();
       EXPECT_EQ(recuperada.iCodigo, dano.iEstado);
       EXPECT_FALSE(empresa.Existe("NOVO"));
       continue;
@@ -176,7 +177,7 @@ TEST(Cabecalho, PostoETirado) {
   empresa.Escreve(kVeiculos, Base("AB"));
   EXPECT_EQ(Rodada({"cabecalho", "poe", empresa.Caminho(kVeiculos), "--em", sCom}).iCodigo, 0);
   EXPECT_EQ(empresa.Le("COM"), Com(kVeiculos, Base("AB")));
-  EXPECT_EQ(Rodada({"cabecalho", "tira", sCom, "--em", sSem, "--como", kVeiculos}).iCodigo, 0);
+  EXPECT_EQ(Rodada({"cabecalho", "tira", sCom, "--em", sSem, "--como", "dfveic.dat"}).iCodigo, 0);
   EXPECT_EQ(empresa.Le("SEM"), Base("AB"));
 
   // What is there already, or must be repaired first, is not written.
@@ -203,6 +204,7 @@ TEST(Remedios, ArquivoListadoQueFalta) {
     const Rodada rodada({"verifica", pEmpresa->Caminho("")});
     EXPECT_EQ(rodada.iCodigo, 2);
     EXPECT_TRUE(Contem(rodada.Saida(), "0x81080A50")) << rodada.Saida();
+    EXPECT_FALSE(Contem(rodada.Saida(), "retira o primeiro")) << rodada.Saida();
     EXPECT_EQ(BitsResultado(Abre(*pEmpresa, &uiRegistros)), 0x81080A50U);
   }
   EXPECT_TRUE(Contem(Rodada({"verifica", vazia.Caminho("")}).Saida(), "FALTA.DAT: "));
@@ -235,7 +237,7 @@ TEST(Pasta, SobrasEDiario) {
       {"falta a versão, com cabeçalho", Com(kVeiculos, Base("AB")), diario(Base("AB")), false, 0, "com cabe"},
       {"outra base", Base("ZAC"), diario(Base("AB")), false, 2, "0x810809D6"},
       {"outra base, já convertida", Base("ZAC"), diario(Base("AB")), true, 0, "3 registros"},
-      {"diário rasgado", Base("ZAC"), Trocado(diario(Base("AB")), 9), false, 0, "3 registros"},
+      {"diário rasgado", Base("ZAC"), Trocado(diario(Base("AB")), 9), false, 0, "retira o primeiro"},
       {"versão 0", Base("ZAC"), "", false, 0, "retira o primeiro"},
       {"sem veículos", "", "", false, 0,
        "0 registros, sem cabe\xE7"
@@ -257,6 +259,7 @@ TEST(Pasta, SobrasEDiario) {
     const Rodada rodada({"verifica", empresa.Caminho("")});
     EXPECT_EQ(rodada.iCodigo, caso.iEstado) << rodada.Saida();
     EXPECT_TRUE(Contem(rodada.Saida(), caso.lpTrecho)) << rodada.Saida();
+    EXPECT_EQ(Contem(rodada.Saida(), "retira o primeiro"), std::string(caso.lpTrecho) == "retira o primeiro");
     EXPECT_TRUE(Contem(rodada.Saida(), "DFVEIC.INT: inten\xE7\xE3o de grava\xE7\xE3o; sobra")) << rodada.Saida();
     EXPECT_TRUE(Contem(rodada.Saida(), "leiame.txt: n\xE3o \xE9 arquivo")) << rodada.Saida();
   }

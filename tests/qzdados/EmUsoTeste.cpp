@@ -111,24 +111,34 @@ TEST(EmUso, NaPausaOutroPodeAbrirENadaMudaSemQueSeDiga) {
   }
 }
 
-TEST(EmUso, UmaCopiaInterrompidaNaoFica) {
+TEST(EmUso, OutrosLeemEGravamEnquantoEleLe) {
   const apoio::EmpresaTeste empresa;
-  const std::string sArquivo = empresa.Caminho("DFVEIC.DAT");
-  empresa.Escreve("DFVEIC.DAT", std::string(std::size_t{1024} * 1024, 'A') + "x");
-  bool bNovo = false;
-  RelogioLento relogio([&] {
-    // Once the copy has begun.
-    if (!bNovo && empresa.Existe("NOVO")) {
-      bNovo = true;
-      EXPECT_FALSE(Abre(sArquivo, Compartilhamento::NegaNada)->AjustaTamanho(512));
-    }
-  });
-  const apoio::ServicosTrocados servicos(nullptr, nullptr, &relogio);
-  const Rodada rodada({"recupera", sArquivo, "--em", empresa.Caminho("NOVO")});
-  EXPECT_EQ(rodada.iCodigo, 3);
-  EXPECT_TRUE(Contem(rodada.Erros(), "mudou enquanto")) << rodada.Erros();
-  EXPECT_TRUE(bNovo);
-  EXPECT_FALSE(empresa.Existe("NOVO"));
+  empresa.Escreve("DFVEIC.DAT", std::string(256, 'A'));
+  const Rodada rodada({"verifica", empresa.Caminho("DFVEIC.DAT")},
+                      [&] { EXPECT_TRUE(Abre(empresa.Caminho("DFVEIC.DAT"), Compartilhamento::NegaNada)); });
+  EXPECT_EQ(rodada.iCodigo, 0);
+  EXPECT_TRUE(rodada.tela.m_bChegouAoFim);
+}
+
+/// In its midst, and after its last reading.
+TEST(EmUso, UmaCopiaDoQueMudouNaoFica) {
+  for (const std::size_t uiRegistros : {4096U, 1U}) {
+    const apoio::EmpresaTeste empresa;
+    const std::string sArquivo = empresa.Caminho("DFVEIC.DAT");
+    empresa.Escreve("DFVEIC.DAT", std::string(uiRegistros * 256, 'A') + "x");
+    bool bMudou = false;
+    const Rodada rodada({"recupera", sArquivo, "--em", empresa.Caminho("NOVO")}, [&] {
+      // Once the copy has begun.
+      if (!bMudou && empresa.Existe("NOVO")) {
+        bMudou = true;
+        EXPECT_FALSE(Abre(sArquivo, Compartilhamento::NegaNada)->AjustaTamanho(uiRegistros * 256));
+      }
+    });
+    EXPECT_EQ(rodada.iCodigo, 3);
+    EXPECT_TRUE(Contem(rodada.Erros(), "mudou enquanto")) << rodada.Erros();
+    EXPECT_TRUE(bMudou);
+    EXPECT_FALSE(empresa.Existe("NOVO"));
+  }
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "client/Argumentos.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
 #include <optional>
 #include <utility>
@@ -12,8 +11,6 @@
 namespace {
 
 constexpr std::uint64_t kMaiorPosicao = std::numeric_limits<std::int32_t>::max();
-constexpr std::array kOpcoesGlobais{COpcaoConhecida{"empresa", true}, COpcaoConhecida{"usuario", true},
-                                    COpcaoConhecida{"sessao", true}};
 
 const COpcaoConhecida *ProcuraOpcao(std::span<const COpcaoConhecida> aOpcoes, std::string_view sNome) {
   const auto it = std::find_if(aOpcoes.begin(), aOpcoes.end(), [&](const auto &opcao) { return opcao.sNome == sNome; });
@@ -39,7 +36,7 @@ CArgumentos::CArgumentos(std::span<const std::string> aTextos, std::span<const C
   // The command decides which options exist, so the options are checked after the whole line was taken apart; whether
   // an option takes a value is the same for every command that knows it.
   const auto procura = [&](std::string_view sNome) {
-    const COpcaoConhecida *pOpcao = ProcuraOpcao(kOpcoesGlobais, sNome);
+    const COpcaoConhecida *pOpcao = nullptr;
     for (auto it = aComandos.begin(); pOpcao == nullptr && it != aComandos.end(); ++it) {
       pOpcao = ProcuraOpcao(it->aOpcoes, sNome);
     }
@@ -91,7 +88,7 @@ CArgumentos::CArgumentos(std::span<const std::string> aTextos, std::span<const C
   m_aValores.assign(std::make_move_iterator(aPalavras.begin() + 1), std::make_move_iterator(aPalavras.end()));
 
   for (const auto &[sNome, sValor] : m_mapOpcoes) {
-    if (ProcuraOpcao(kOpcoesGlobais, sNome) == nullptr && ProcuraOpcao(it->aOpcoes, sNome) == nullptr) {
+    if (ProcuraOpcao(it->aOpcoes, sNome) == nullptr) {
       throw CErroUso("--" + sNome + ": o comando "_pt + std::string(it->sNome) + " não tem esta opção"_pt);
     }
   }
@@ -101,17 +98,13 @@ CArgumentos::CArgumentos(std::span<const std::string> aTextos, std::span<const C
   if (m_aValores.size() > it->uiMaximoValores) {
     throw CErroUso("valor a mais para o comando " + std::string(it->sNome) + ": " + m_aValores[it->uiMaximoValores]);
   }
-  if (Tem("empresa") ? Empresa().empty() : it->bExigeEmpresa) {
-    throw CErroUso("--empresa: falta o código da empresa"_pt);
+  for (const COpcaoConhecida &opcao : it->aOpcoes) {
+    const std::string *const pValor = Opcao(opcao.sNome);
+    if (opcao.bObrigatoria && (pValor == nullptr || pValor->empty())) {
+      throw CErroUso("--" + std::string(opcao.sNome) + ": o comando "_pt + std::string(it->sNome) +
+                     " exige esta opção"_pt);
+    }
   }
-}
-
-std::uint16_t CArgumentos::Usuario() const {
-  return static_cast<std::uint16_t>(Numero("usuario", 0, std::numeric_limits<std::uint16_t>::max(), 1));
-}
-
-std::int32_t CArgumentos::Sessao() const {
-  return static_cast<std::int32_t>(Numero("sessao", 0, kMaiorPosicao, 1));
 }
 
 const std::string *CArgumentos::Opcao(std::string_view sNome) const {

@@ -1,8 +1,8 @@
 #ifndef KALVO_CLIENT_ARGUMENTOS_H
 #define KALVO_CLIENT_ARGUMENTOS_H
 
-// The command line of the program: "--empresa CODIGO [global options] COMANDO [options and values]", options and values
-// in any order.
+// The command line of a program: "COMANDO [options and values]", in any order; the first word that is no option is the
+// command.
 
 #include <cstddef>
 #include <cstdint>
@@ -22,14 +22,14 @@ public:
 struct COpcaoConhecida {
   std::string_view sNome;  // without "--"
   bool bComValor;
+  bool bObrigatoria = false;  // must be given, with a value that is not empty
 };
 
 struct CComandoConhecido {
   std::string_view sNome;
-  std::vector<COpcaoConhecida> aOpcoes;  // those of this command alone
+  std::vector<COpcaoConhecida> aOpcoes;
   std::size_t uiMinimoValores;
   std::size_t uiMaximoValores;
-  bool bExigeEmpresa = true;
 };
 
 class CArgumentos {
@@ -40,10 +40,6 @@ public:
 
   const CComandoConhecido &Comando() const { return *m_pComando; }
   const std::vector<std::string> &Valores() const { return m_aValores; }
-  // Only of a command that needs one.
-  const std::string &Empresa() const { return m_mapOpcoes.find("empresa")->second; }
-  std::uint16_t Usuario() const;
-  std::int32_t Sessao() const;
 
   bool Tem(std::string_view sNome) const { return m_mapOpcoes.find(sNome) != m_mapOpcoes.end(); }
   // Null when the option was not given.

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "client/Saida.h"
+#include "client/Console.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <cstring>
 
 #include "client/Codificacao.h"
+#include "client/QZVeiculosCampos.h"
 #include "client/QZVeiculosMoeda.h"
-#include "client/QZVeiculosTextos.h"
 #include "vehicles/RegVeiculoPS.h"
 
 namespace {

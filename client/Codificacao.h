@@ -1,17 +1,22 @@
 #ifndef KALVO_CLIENT_CODIFICACAO_H
 #define KALVO_CLIENT_CODIFICACAO_H
 
-// Character sets of the program. Inside it every text is Windows-1252, as in the records.
+// Character sets of the programs. Inside them every text is Windows-1252, as in the records. The five bytes without a
+// character there stand for the control characters of their numbers, so that any bytes come back as they were.
 
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
 
+// The Unicode character of a byte.
+char16_t De1252ParaUnicode(char c);
+
 // Nothing when the text is malformed or has a character without a Windows-1252 form; nothing is replaced by a
 // look-alike.
 std::optional<std::string> De8Para1252(std::string_view sUtf8);
 std::optional<std::string> De16Para1252(std::wstring_view sUtf16);
+std::string De1252Para8(std::string_view sTexto);
 std::wstring De1252Para16(std::string_view sTexto);
 
 // The program's own texts: written in UTF-8 in the sources, Windows-1252 at run time.

@@ -6,10 +6,12 @@
 #include <cstdio>
 #include <limits>
 #include <memory>
+#include <utility>
 
 #include "client/BarraProgresso.h"
 #include "client/Campos.h"
 #include "client/Codificacao.h"
+#include "client/Console.h"
 #include "client/Diagnostico.h"
 #include "client/Importacao.h"
 #include "client/QZVeiculosCliente.h"
@@ -51,7 +53,7 @@ bool DefineCampos(const CArgumentos &argumentos, std::span<const CCampo> aCampos
 class CServico {
 public:
   explicit CServico(const CArgumentos &argumentos)
-      : m_veiculos(argumentos.Empresa(), argumentos.Usuario(), argumentos.Sessao()) {}
+      : m_veiculos(*argumentos.Opcao("empresa"), UsuarioDeArgumentos(argumentos), SessaoDeArgumentos(argumentos)) {}
   CQZVeiculos *operator->() { return &m_veiculos; }
 
 private:
@@ -234,17 +236,25 @@ struct CComando {
   FComando Executa;
 };
 
+// A command on one company: its own options and those that say whose work it is.
+CComandoConhecido DaEmpresa(std::string_view sNome, std::vector<COpcaoConhecida> aOpcoes, std::size_t uiMinimoValores,
+                            std::size_t uiMaximoValores) {
+  aOpcoes.insert(aOpcoes.end(), {{"empresa", true, true}, {"usuario", true}, {"sessao", true}});
+  return {sNome, std::move(aOpcoes), uiMinimoValores, uiMaximoValores};
+}
+
 // The names and the functions, side by side; ComandosConhecidos hands out the first half.
 const std::vector<CComando> &Comandos() {
   static const std::vector<CComando> aComandos{
-      {{"grava", OpcoesDosCampos(CamposVeiculo(), {{"posicao", true}}), 0, 0}, Grava},
-      {{"le", {{"csv", false}}, 1, kSemLimite}, Le},
-      {{"existe", {{"csv", false}}, 1, 1}, Existe},
-      {{"busca", OpcoesDosCampos(CamposFiltro(), {{"csv", false}, {"so-posicoes", false}, {"limite", true}}), 0, 0},
+      {DaEmpresa("grava", OpcoesDosCampos(CamposVeiculo(), {{"posicao", true}}), 0, 0), Grava},
+      {DaEmpresa("le", {{"csv", false}}, 1, kSemLimite), Le},
+      {DaEmpresa("existe", {{"csv", false}}, 1, 1), Existe},
+      {DaEmpresa("busca", OpcoesDosCampos(CamposFiltro(), {{"csv", false}, {"so-posicoes", false}, {"limite", true}}),
+                 0, 0),
        Busca},
-      {{"conta", {}, 0, 0}, Conta},
-      {{"importa", {{"tudo-ou-nada", false}}, 1, 1}, Importa},
-      {{"diagnostico", {}, 0, 0, false}, Diagnostico},
+      {DaEmpresa("conta", {}, 0, 0), Conta},
+      {DaEmpresa("importa", {{"tudo-ou-nada", false}}, 1, 1), Importa},
+      {{"diagnostico", {{"empresa", true}, {"usuario", true}, {"sessao", true}}, 0, 0}, Diagnostico},
   };
   return aComandos;
 }
@@ -260,6 +270,14 @@ std::span<const CComandoConhecido> ComandosConhecidos() {
     return aLista;
   }();
   return aConhecidos;
+}
+
+std::uint16_t UsuarioDeArgumentos(const CArgumentos &argumentos) {
+  return static_cast<std::uint16_t>(argumentos.Numero("usuario", 0, std::numeric_limits<std::uint16_t>::max(), 1));
+}
+
+std::int32_t SessaoDeArgumentos(const CArgumentos &argumentos) {
+  return static_cast<std::int32_t>(argumentos.Numero("sessao", 0, std::numeric_limits<std::int32_t>::max(), 1));
 }
 
 tagREG_FILTRO_VEICULOSPS FiltroDeArgumentos(const CArgumentos &argumentos) {

@@ -1,6 +1,7 @@
 #ifndef KALVO_CLIENT_COMANDOS_H
 #define KALVO_CLIENT_COMANDOS_H
 
+#include <cstdint>
 #include <span>
 
 #include "client/Argumentos.h"
@@ -15,6 +16,10 @@ enum eSaida : int {
 };
 
 std::span<const CComandoConhecido> ComandosConhecidos();
+
+// The user and the session on whose behalf a command works, 1 when not given; raise CErroUso.
+std::uint16_t UsuarioDeArgumentos(const CArgumentos &argumentos);
+std::int32_t SessaoDeArgumentos(const CArgumentos &argumentos);
 
 // The options given as fields of the filter; raises CErroUso.
 tagREG_FILTRO_VEICULOSPS FiltroDeArgumentos(const CArgumentos &argumentos);

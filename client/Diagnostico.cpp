@@ -11,10 +11,10 @@
 #include <type_traits>
 
 #include "client/Codificacao.h"
+#include "client/Console.h"
 #include "client/ProcessosServidor.h"
 #include "client/QZVeiculosCliente.h"
 #include "client/RegistroClasses.h"
-#include "client/Saida.h"
 #include "core/env/QZPath.h"
 
 namespace {

@@ -1,8 +1,8 @@
 #ifndef KALVO_CLIENT_QZVEICULOSTEXTOS_H
 #define KALVO_CLIENT_QZVEICULOSTEXTOS_H
 
-// Texts of the vehicle interface: 8-bit (Windows-1252) everywhere, in fixed fields of the records and in the two text
-// parameters.
+// Texts of the vehicle interface: 8-bit (Windows-1252) everywhere, in fixed fields of the records (QZVeiculosCampos.h)
+// and in the two text parameters.
 
 #include <windows.h>
 
@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "QZVeiculosCampos.h"
 #include "QZVeiculosErros.h"
 
 // An 8-bit text as the interface's wide text parameters carry it. The marshaller copies up to the first wide zero, that
@@ -33,23 +34,6 @@ private:
   std::vector<wchar_t> m_aBuffer;
 };
 
-inline bool TextoSemZero(std::string_view sTexto) {
-  return sTexto.find('\0') == std::string_view::npos;
-}
-
-// Copies a text into a fixed field and zeroes the rest; a text that fills the field gets no terminator. A longer text,
-// or one with a zero byte inside, gives false and leaves the field alone: it is never cut.
-[[nodiscard]] inline bool CopiaCampo(char *pCampo, std::size_t uiLargura, std::string_view sTexto) {
-  if (sTexto.size() > uiLargura || !TextoSemZero(sTexto)) {
-    return false;
-  }
-  std::memset(pCampo, 0, uiLargura);
-  if (!sTexto.empty()) {
-    std::memcpy(pCampo, sTexto.data(), sTexto.size());
-  }
-  return true;
-}
-
 // The same for a field whose width the compiler knows; a text that does not fit raises E_INVALIDARG.
 template <std::size_t N>
 void PreencheCampo(char (&aCampo)[N], std::string_view sTexto) {
@@ -57,18 +41,6 @@ void PreencheCampo(char (&aCampo)[N], std::string_view sTexto) {
     throw CQZErroVeiculos(E_INVALIDARG,
                           "texto com byte zero ou mais longo que o campo de " + std::to_string(N) + " bytes");
   }
-}
-
-// The text of a fixed field, whether terminated or filling it.
-inline std::string LeCampo(const char *pCampo, std::size_t uiLargura) {
-  const void *pFim = std::memchr(pCampo, 0, uiLargura);
-  return std::string(pCampo,
-                     pFim == nullptr ? uiLargura : static_cast<std::size_t>(static_cast<const char *>(pFim) - pCampo));
-}
-
-template <std::size_t N>
-std::string LeCampo(const char (&aCampo)[N]) {
-  return LeCampo(aCampo, N);
 }
 
 #endif

@@ -1,16 +1,13 @@
 #include "client/Saida.h"
 
-#include <io.h>
-
 #include <algorithm>
 #include <array>
+#include <string_view>
 
 #include "client/Campos.h"
 #include "client/Codificacao.h"
 
 namespace {
-
-constexpr UINT kPaginaTextos = 1252;
 
 struct CColunaLista {
   std::string_view sNome;  // of CamposVeiculo; also the title
@@ -49,37 +46,9 @@ constexpr std::array kRotulos{
     CRotulo{"transporte", "Tipo de transporte"},
 };
 
-std::string Ajusta(const std::string &sTexto, std::size_t uiLargura, bool bADireita) {
-  const std::string sBrancos(uiLargura > sTexto.size() ? uiLargura - sTexto.size() : 0, ' ');
-  return bADireita ? sBrancos + sTexto : sTexto + sBrancos;
-}
-
-// A record may hold any byte; control characters would break the lines or drive the terminal.
-std::string Visivel(std::string sTexto) {
-  std::replace_if(
-      sTexto.begin(), sTexto.end(),
-      [](char c) {
-        const auto uiByte = static_cast<unsigned char>(c);
-        return uiByte < 0x20 || uiByte == 0x7F;
-      },
-      '.');
-  return sTexto;
-}
-
 std::string LinhaFicha(std::string_view sRotuloUtf8, const std::string &sValor) {
   const std::string sRotulo = De8Para1252(sRotuloUtf8).value() + " ";
   return sRotulo + std::string(kLarguraRotulo - sRotulo.size(), '.') + ": " + sValor + "\n";
-}
-
-std::string CampoCsv(const std::string &sTexto) {
-  if (sTexto.find_first_of(";\"\r\n") == std::string::npos) {
-    return sTexto;
-  }
-  std::string sAspas = "\"";
-  for (const char c : sTexto) {
-    sAspas += c == '"' ? "\"\"" : std::string(1, c);
-  }
-  return sAspas + '"';
 }
 
 template <typename F>
@@ -93,38 +62,35 @@ std::string LinhaDaLista(const std::string &sPosicao, F TextoDaColuna) {
 
 }  // namespace
 
-bool EhConsole(std::FILE *pArquivo) {
-  DWORD uiModo = 0;
-  // NOLINTNEXTLINE(performance-no-int-to-ptr): the C runtime hands out handles as integers
-  return GetConsoleMode(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(pArquivo))), &uiModo) != 0;
+std::string Ajusta(const std::string &sTexto, std::size_t uiLargura, bool bADireita) {
+  const std::string sBrancos(uiLargura > sTexto.size() ? uiLargura - sTexto.size() : 0, ' ');
+  return bADireita ? sBrancos + sTexto : sTexto + sBrancos;
 }
 
-CPaginaConsole::CPaginaConsole() {
-  if (EhConsole(stdout) || EhConsole(stderr)) {
-    m_uiAnterior = GetConsoleOutputCP();
-    SetConsoleOutputCP(kPaginaTextos);
+std::string Visivel(std::string sTexto) {
+  std::replace_if(
+      sTexto.begin(), sTexto.end(),
+      [](char c) {
+        const auto uiByte = static_cast<unsigned char>(c);
+        return uiByte < 0x20 || uiByte == 0x7F;
+      },
+      '.');
+  return sTexto;
+}
+
+std::string CampoCsv(const std::string &sTexto) {
+  if (sTexto.find_first_of(";\"\r\n") == std::string::npos) {
+    return sTexto;
   }
-}
-
-CPaginaConsole::~CPaginaConsole() {
-  if (m_uiAnterior != 0) {
-    std::fflush(stdout);
-    SetConsoleOutputCP(m_uiAnterior);
+  std::string sAspas = "\"";
+  for (const char c : sTexto) {
+    sAspas += c == '"' ? "\"\"" : std::string(1, c);
   }
+  return sAspas + '"';
 }
 
-void Escreve(std::string_view sTexto) {
-  std::fwrite(sTexto.data(), 1, sTexto.size(), stdout);
-}
-
-void EscreveErro(std::string_view sTexto) {
-  // What was written before the failure is shown before it.
-  std::fflush(stdout);
-  std::fwrite(sTexto.data(), 1, sTexto.size(), stderr);
-}
-
-std::string FichaVeiculo(std::int32_t lPosicao, const tagREG_VEICULOPS &veiculo) {
-  std::string sFicha = LinhaFicha("Posição", std::to_string(lPosicao));
+std::string FichaVeiculo(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo) {
+  std::string sFicha = LinhaFicha("Posição", std::to_string(iPosicao));
   for (const CRotulo &rotulo : kRotulos) {
     const CCampo &campo = *ProcuraCampo(CamposVeiculo(), rotulo.sNome);
     sFicha += LinhaFicha(rotulo.sRotulo, Visivel(TextoCampo(campo, &veiculo)));
@@ -136,8 +102,8 @@ std::string TituloLista() {
   return LinhaDaLista("posicao", [](std::string_view sNome) { return std::string(sNome); });
 }
 
-std::string LinhaLista(std::int32_t lPosicao, const tagREG_VEICULOPS &veiculo) {
-  return LinhaDaLista(std::to_string(lPosicao), [&](std::string_view sNome) {
+std::string LinhaLista(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo) {
+  return LinhaDaLista(std::to_string(iPosicao), [&](std::string_view sNome) {
     return Visivel(TextoCampo(*ProcuraCampo(CamposVeiculo(), sNome), &veiculo));
   });
 }
@@ -151,8 +117,8 @@ std::string TituloCsv() {
   return sLinha + "\n";
 }
 
-std::string LinhaCsv(std::int32_t lPosicao, const tagREG_VEICULOPS &veiculo) {
-  std::string sLinha = std::to_string(lPosicao);
+std::string LinhaCsv(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo) {
+  std::string sLinha = std::to_string(iPosicao);
   for (const CCampo &campo : CamposVeiculo()) {
     sLinha += ';';
     sLinha += CampoCsv(TextoCampo(campo, &veiculo));

@@ -1,12 +1,7 @@
 // veiculos.exe: the vehicle register from the command line, through the service interface.
 
-#include <windows.h>
-
-#include <shellapi.h>
-
 #include <cstdio>
 #include <exception>
-#include <memory>
 #include <new>
 #include <string>
 #include <vector>
@@ -15,26 +10,12 @@
 #include "client/Argumentos.h"
 #include "client/Codificacao.h"
 #include "client/Comandos.h"
-#include "client/Saida.h"
+#include "client/Console.h"
 
 namespace {
 
-// Taken from the system and not from main's parameters: those are in the process's code page, and the C runtime
-// replaces a pattern such as ABC* by the names of files.
-std::vector<std::wstring> PalavrasDaLinhaDeComando() {
-  struct CLibera {
-    void operator()(LPWSTR *pPalavras) const { LocalFree(pPalavras); }
-  };
-  int iPalavras = 0;
-  const std::unique_ptr<LPWSTR, CLibera> spPalavras(CommandLineToArgvW(GetCommandLineW(), &iPalavras));
-  if (!spPalavras) {
-    throw std::bad_alloc();
-  }
-  return {spPalavras.get() + 1, spPalavras.get() + iPalavras};
-}
-
-eSaida Executa() {
-  const std::vector<std::string> aTextos = TextosDaLinhaDeComando(PalavrasDaLinhaDeComando());
+eSaida Executa(int iPalavras, char **pPalavras) {
+  const std::vector<std::string> aTextos = PalavrasDoUsuario(iPalavras, pPalavras);
   if (aTextos.empty()) {
     EscreveErro(TextoAjuda());
     return kUsoErrado;
@@ -48,11 +29,11 @@ eSaida Executa() {
 
 }  // namespace
 
-int main() {
+int main(int argc, char **argv) {
   const CPaginaConsole pagina;
   eSaida eResultado = kOperacaoFalhou;
   try {
-    eResultado = Executa();
+    eResultado = Executa(argc, argv);
   } catch (const CErroUso &erro) {
     EscreveErro(std::string(erro.what()) + "\nUse \"veiculos --ajuda\" para ver o modo de usar.\n"_pt);
     eResultado = kUsoErrado;

@@ -4,11 +4,12 @@ set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 # The registry editor wants CR LF.
 configure_file(exemplos/Kalvo-exemplo.reg ${CMAKE_BINARY_DIR}/Kalvo-exemplo.reg @ONLY NEWLINE_STYLE CRLF)
 
-install(TARGETS Kalvo QZDF_VeiculosPS veiculos RUNTIME DESTINATION .)
+install(TARGETS Kalvo QZDF_VeiculosPS qzdados veiculos RUNTIME DESTINATION .)
 install(FILES ${KALVO_PROXY_X86} DESTINATION x86)
 install(FILES ${KALVO_TLB} ${CMAKE_BINARY_DIR}/Kalvo-exemplo.reg DESTINATION .)
 install(
-  FILES client/QZVeiculosCliente.h
+  FILES client/QZVeiculosCampos.h
+        client/QZVeiculosCliente.h
         client/QZVeiculosErros.h
         client/QZVeiculosMoeda.h
         client/QZVeiculosTextos.h
@@ -18,6 +19,7 @@ install(
   DESTINATION include)
 install(FILES server/idl/QZDF_Veiculos.idl vehicles/RegVeiculoPS.idl DESTINATION idl)
 install(FILES docs/client-guide.md docs/diagnosis.md docs/file-formats.md docs/installation.md docs/message-library.md
+        docs/offline-tool.md
         DESTINATION docs)
 
 set(CPACK_GENERATOR ZIP)

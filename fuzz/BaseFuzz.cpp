@@ -8,12 +8,10 @@
 #include "vehicles/BaseVeiculos.h"
 
 #include <algorithm>
-#include <array>
-#include <map>
 
-#include "core/qzdatabase/disco/CabecalhoArquivo.h"
 #include "fuzz/Entrada.h"
 #include "fuzz/Exige.h"
+#include "fuzz/PastaDaEntrada.h"
 #include "fuzz/Referencia.h"
 #include "tests/apoio/ChaveCabecalho.h"
 #include "tests/apoio/EmpresaTeste.h"
@@ -21,42 +19,7 @@
 
 namespace {
 
-using fuzz::Exige;
-using fuzz::ExigeCodigo;
-
-constexpr char kVeiculos[] = "DFVEIC.DAT";
-constexpr char kVersao[] = "DFVEIVS.DAT";
-constexpr char kControle[] = "QZDATABASE_FILE_CTRL.DAT";
-constexpr std::array kArquivos = {kVeiculos, kVersao, kControle};
-constexpr std::size_t kTamanhoVersao = 16;
-
-/// The files of the directory that are there, by name.
-using Pasta = std::map<std::string, std::string>;
-
-std::string VersaoUm() {
-  return '\1' + std::string(kTamanhoVersao - 1, '\0');
-}
-
-/// Any bytes, often filled up to whole records, in a fitting header, or with one byte changed afterwards.
-std::string Conteudo(fuzz::CEntrada *pEntrada, const std::string &sNome) {
-  const unsigned uiForma = pEntrada->Byte();
-  const std::uint8_t uiTroca = (uiForma & 8) != 0 ? pEntrada->Byte() : std::uint8_t{0};
-  const auto uiOnde = pEntrada->Valor<std::uint16_t>();
-  const auto iVersao = (uiForma & 48) == 48 ? pEntrada->Valor<std::uint16_t>() : std::uint16_t{1};
-  std::string sDados = pEntrada->Resto();
-  if ((uiForma & 1) != 0) {
-    const std::size_t uiUnidade = sNome == kVersao ? kTamanhoVersao : sizeof(RegVeiculo);
-    sDados.resize((sDados.size() + uiUnidade - 1) / uiUnidade * uiUnidade);
-  }
-  if ((uiForma & 2) != 0) {
-    const std::string sCabecalho = fuzz::Cabecalho((uiForma & 128) != 0 ? kControle : sNome, sDados, iVersao);
-    sDados.insert(0, sCabecalho.substr(0, (uiForma & 4) != 0 ? kPosicaoRegCabecalho : kTamanhoCabecalho));
-  }
-  if (!sDados.empty()) {
-    sDados[uiOnde % sDados.size()] = static_cast<char>(sDados[uiOnde % sDados.size()] ^ uiTroca);
-  }
-  return sDados;
-}
+using namespace fuzz;
 
 /// What the initialisation should answer, and the records that it should find.
 struct Esperado {
@@ -269,18 +232,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qt
   fuzz::CEntrada entrada(pBytes, qtd);
   const unsigned uiEscolha = entrada.Byte();
   const bool bCabecalhos = (uiEscolha & 1) != 0;
-  const std::string sNome = kArquivos[(uiEscolha >> 1) % kArquivos.size()];
-  Pasta pasta;
-  if ((uiEscolha & 16) != 0) {
-    pasta[kVersao] = VersaoUm();
-  }
-  if ((uiEscolha & 32) != 0) {
-    pasta[kVeiculos] = std::string(entrada.Ate(3) * sizeof(RegVeiculo), 'v');
-  }
-  if ((uiEscolha & 64) != 0) {
-    pasta[kControle] = fuzz::BytesDasLinhas({kVersao, kVeiculos});
-  }
-  pasta[sNome] = Conteudo(&entrada, sNome);
+  const Pasta pasta = PastaDaEntrada(uiEscolha, &entrada);
   Execucao(pasta, bCabecalhos).Roda();
   return 0;
 }

@@ -10,6 +10,7 @@
 #include "core/qzdatabase/disco/PercorreArquivo.h"
 #include "core/qzdatabase/disco/QZCrc64.h"
 #include "vehicles/BaseVeiculos.h"
+#include "vehicles/DiarioConversao.h"
 #include "vehicles/VersaoBaseVeiculos.h"
 
 // The step from version 0 to version 1 drops the record file's first record. Run twice it would drop a vehicle, so what
@@ -28,28 +29,10 @@
 namespace {
 
 constexpr char kFonte[] = "ConversaoVeiculos.cpp";
-constexpr char kArquivoVersao[] = "DFVEIVS.DAT";
-constexpr char kArquivoDiario[] = "DFVEIVSD.TRA";
 constexpr char kArquivoVeiculosTRA[] = "DFVEIC.TRA";
 
 /// How long one process waits for another that converts a base of the same directory.
 constexpr std::uint32_t kEsperaConversaoMs = 60000;
-
-/// What identifies the records of a file: its bytes behind the header, if it has one.
-struct Identidade {
-  std::uint64_t uiTamanho = 0;
-  std::uint64_t uiCrc = 0;
-  bool operator==(const Identidade &) const = default;
-};
-
-/// The journal's only record.
-struct RegDiario {
-  std::uint16_t iVersao;
-  std::uint8_t cReservado[6];
-  Identidade convertida;
-  std::uint64_t uiCrcDiario;  ///< of the bytes before: one that was not written whole counts as none
-};
-static_assert(sizeof(RegDiario) == 32 && offsetof(RegDiario, uiCrcDiario) == 24);
 
 /// How far an earlier run got.
 enum class EDiario {
@@ -80,8 +63,8 @@ plataforma::FalhaArquivo AbreParaVer(const CString &sCaminho, std::unique_ptr<pl
 }
 
 /// Identity of a record file's records, and what it would be without the first one; nothing for a missing file.
-plataforma::FalhaArquivo Identifica(const CString &sCaminho, std::optional<Identidade> *pTodos,
-                                    std::optional<Identidade> *pSemPrimeiro) {
+plataforma::FalhaArquivo Identifica(const CString &sCaminho, std::optional<IdentidadeRegistros> *pTodos,
+                                    std::optional<IdentidadeRegistros> *pSemPrimeiro) {
   constexpr std::uint64_t kUmRegistro = sizeof(RegVeiculo_V01);
   std::unique_ptr<plataforma::IArquivoAberto> aberto;
   plataforma::FalhaArquivo falha = AbreParaVer(sCaminho, &aberto);
@@ -97,8 +80,8 @@ plataforma::FalhaArquivo Identifica(const CString &sCaminho, std::optional<Ident
     falha = arquivo->Tamanho(&uiTamanho);
   }
   const std::uint64_t uiInicio = bCabecalho ? std::min<std::uint64_t>(kTamanhoCabecalho, uiTamanho) : 0;
-  const auto identifica = [&](std::uint64_t uiDe, std::optional<Identidade> *pIdentidade) {
-    Identidade identidade{uiTamanho - uiDe, 0};
+  const auto identifica = [&](std::uint64_t uiDe, std::optional<IdentidadeRegistros> *pIdentidade) {
+    IdentidadeRegistros identidade{uiTamanho - uiDe, 0};
     falha = PercorreArquivo(*arquivo, uiDe, [&](std::uint64_t, const char *pBytes, std::size_t qtd) {
       identidade.uiCrc = CalculaCrc64(pBytes, qtd, identidade.uiCrc);
       return plataforma::kSemFalha;
@@ -116,7 +99,7 @@ plataforma::FalhaArquivo Identifica(const CString &sCaminho, std::optional<Ident
 
 /// The journal's record; nothing where there is none, or a torn one: the swap comes after it. One that cannot be read
 /// is a failure, for taking it for none would drop a vehicle.
-plataforma::FalhaArquivo LeDiario(const CString &sEmpresa, std::optional<Identidade> *pConvertida) {
+plataforma::FalhaArquivo LeDiario(const CString &sEmpresa, std::optional<IdentidadeRegistros> *pConvertida) {
   std::unique_ptr<plataforma::IArquivoAberto> aberto;
   plataforma::FalhaArquivo falha = AbreParaVer(CaminhoDaBase(sEmpresa, kArquivoDiario), &aberto);
   if (falha || aberto == nullptr) {
@@ -140,7 +123,7 @@ plataforma::FalhaArquivo LeDiario(const CString &sEmpresa, std::optional<Identid
 /// explained and is left alone.
 HRESULT ExaminaDiario(const CString &sEmpresa, EDiario *peDiario) {
   *peDiario = EDiario::Nenhum;
-  std::optional<Identidade> convertida, base, baseSemPrimeiro, companheiro, semUso;
+  std::optional<IdentidadeRegistros> convertida, base, baseSemPrimeiro, companheiro, semUso;
   plataforma::FalhaArquivo falha = LeDiario(sEmpresa, &convertida);
   if (falha || !convertida) {
     return CQZFileBase::CatchInicializacao(falha);
@@ -152,7 +135,7 @@ HRESULT ExaminaDiario(const CString &sEmpresa, EDiario *peDiario) {
   if (falha) {
     return CQZFileBase::CatchInicializacao(falha);
   }
-  if (base.value_or(Identidade{}) == *convertida) {
+  if (base.value_or(IdentidadeRegistros{}) == *convertida) {
     *peDiario = EDiario::FaltaVersao;
   } else if (companheiro == convertida && (!base || baseSemPrimeiro == convertida)) {
     *peDiario = EDiario::FaltaTrocar;
@@ -162,7 +145,7 @@ HRESULT ExaminaDiario(const CString &sEmpresa, EDiario *peDiario) {
   return codigos::kOk;
 }
 
-plataforma::FalhaArquivo EscreveDiario(const CString &sEmpresa, const Identidade &convertida) {
+plataforma::FalhaArquivo EscreveDiario(const CString &sEmpresa, const IdentidadeRegistros &convertida) {
   using namespace plataforma;
   std::unique_ptr<IArquivoAberto> arquivo;
   RegDiario reg{kVersaoBaseVeiculos, {}, convertida, 0};
@@ -270,10 +253,10 @@ HRESULT CBaseVeiculos::ConverteBaseV01() {
   }
   bool bDiario = false;
   const auto gravaDiario = [&]() -> HRESULT {
-    std::optional<Identidade> companheiro, semUso;
+    std::optional<IdentidadeRegistros> companheiro, semUso;
     plataforma::FalhaArquivo falha = Identifica(CaminhoDaBase(sEmpresa, kArquivoVeiculosTRA), &companheiro, &semUso);
     if (!falha) {
-      falha = EscreveDiario(sEmpresa, companheiro.value_or(Identidade{}));
+      falha = EscreveDiario(sEmpresa, companheiro.value_or(IdentidadeRegistros{}));
     }
     bDiario = !falha;
     if (falha) {

@@ -5,6 +5,8 @@
 
 #include "core/qzdatabase/arquivo/QZFileBase.h"
 
+inline constexpr char kArquivoVersao[] = "DFVEIVS.DAT";
+
 /// The single record of "DFVEIVS.DAT": the version of a company's vehicle base. A missing file is version 0.
 struct REG_DF_VEICULO_VERSAO {
   std::uint16_t iVersao;

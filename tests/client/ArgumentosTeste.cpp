@@ -41,8 +41,8 @@ TEST(Argumentos, OptionsAndValuesInAnyOrder) {
   EXPECT_EQ(argumentos.Comando().sNome, "le");
   EXPECT_EQ(argumentos.Valores(), (CTextos{"3", "--csv"}));
   EXPECT_TRUE(argumentos.Tem("csv"));
-  EXPECT_EQ(argumentos.Sessao(), 7);
-  EXPECT_EQ(argumentos.Usuario(), 1);
+  EXPECT_EQ(SessaoDeArgumentos(argumentos), 7);
+  EXPECT_EQ(UsuarioDeArgumentos(argumentos), 1);
 }
 
 TEST(Argumentos, WrongUsageNamesTheOption) {
@@ -66,8 +66,11 @@ TEST(Argumentos, WrongUsageNamesTheOption) {
     EXPECT_NE(sErro.find(caso.pTrecho), std::string::npos) << caso.pTrecho << " / " << sErro;
   }
   EXPECT_NE(ErroUso([] { CArgumentos(CTextos{"conta"}, ComandosConhecidos()); }).find("--empresa"), std::string::npos);
-  EXPECT_NE(ErroUso([] { Le({"conta", "--usuario", "65536"}).Usuario(); }).find("--usuario"), std::string::npos);
-  EXPECT_EQ(Le({"conta", "--usuario", "65535"}).Usuario(), 65535);
+  EXPECT_NE(ErroUso([] {
+              UsuarioDeArgumentos(Le({"conta", "--usuario", "65536"}));
+            }).find("--usuario"),
+            std::string::npos);
+  EXPECT_EQ(UsuarioDeArgumentos(Le({"conta", "--usuario", "65535"})), 65535);
 }
 
 TEST(Argumentos, CharactersOutsideWindows1252) {

@@ -34,6 +34,13 @@ public:
     return plataforma::kSemFalha;
   }
 
+  /// Passes over the next `qtd` bytes, of which there must be as many; those behind the present piece are not read.
+  void Pula(std::uint64_t qtd) {
+    const std::uint64_t parte = std::min<std::uint64_t>(qtd, m_sPeca.size() - m_usados);
+    m_usados += static_cast<std::size_t>(parte);
+    m_uiProximo += qtd - parte;
+  }
+
 private:
   static constexpr std::uint64_t kTamanhoPeca = std::uint64_t{64} * 1024;
 

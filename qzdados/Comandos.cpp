@@ -1,0 +1,151 @@
+#include "qzdados/Comandos.h"
+
+#include <algorithm>
+#include <limits>
+#include <vector>
+
+#include "client/Argumentos.h"
+#include "client/Codificacao.h"
+#include "core/platform/Plataforma.h"
+#include "qzdados/Ajuda.h"
+#include "qzdados/Listagem.h"
+#include "qzdados/Pasta.h"
+#include "qzdados/Relatorio.h"
+#include "qzdados/Reparo.h"
+
+namespace {
+
+constexpr std::size_t kSemLimite = std::numeric_limits<std::size_t>::max();
+constexpr std::uint64_t kMaiorPosicao = std::numeric_limits<std::int64_t>::max();
+
+const std::vector<CComandoConhecido> &Comandos() {
+  static const std::vector<CComandoConhecido> aComandos{
+      {"verifica", {{"detalhes", false}, {"como", true}}, 1, kSemLimite},
+      {"lista", {{"de", true}, {"ate", true}, {"csv", false}, {"json", false}, {"como", true}}, 1, 1},
+      {"recupera", {{"em", true, true}, {"como", true}}, 1, 1},
+      {"cabecalho", {{"em", true, true}, {"como", true}}, 2, 2},
+      {"versao", {{"em", true, true}}, 0, 0},
+  };
+  return aComandos;
+}
+
+/// What a file is taken for: by its own name or by the one that the user gives it.
+IdentidadeArquivo Identidade(const CArgumentos &argumentos, const CString &sCaminho) {
+  const std::string *const pComo = argumentos.Opcao("como");
+  if (pComo != nullptr && (pComo->empty() || NomeDoCaminho(*pComo) != *pComo)) {
+    throw CErroUso("--como: um nome de arquivo, sem pasta");
+  }
+  return IdentificaNome(pComo != nullptr ? *pComo : NomeDoCaminho(sCaminho));
+}
+
+/// The directory that an argument names, ending with a separator; empty for anything else.
+CString PastaDe(const CString &sCaminho) {
+  bool bExiste = false;
+  const plataforma::FalhaArquivo falha = plataforma::Arquivos().Existe(sCaminho, &bExiste);
+  const bool bTermina = sCaminho.empty() || sCaminho.find_last_of("\\/") == sCaminho.size() - 1;
+  const CString sPasta = sCaminho + (bTermina ? "" : sCaminho.find('/') != CString::npos ? "/" : "\\");
+  std::vector<CString> nomes;
+  const bool bPasta = falha && !plataforma::Arquivos().Lista(sPasta, "*", &nomes);
+  return bPasta ? sPasta : CString();
+}
+
+FProgresso ProgressoNaTela(ITela &tela) {
+  return [&tela](std::uint64_t uiFeito, std::uint64_t uiTotal) { tela.Progresso(uiFeito, uiTotal); };
+}
+
+EEstado Relata(const std::vector<ResultadoExame> &exames, bool bDetalhes, ITela &tela) {
+  EEstado ePior = EEstado::Sao;
+  for (const ResultadoExame &exame : exames) {
+    tela.Escreve(LinhaRelatorio(exame) + (bDetalhes ? DetalhesRelatorio(exame) : CString()));
+    ePior = std::max(ePior, exame.eEstado);
+  }
+  return ePior;
+}
+
+EEstado Verifica(const CArgumentos &argumentos, ITela &tela) {
+  EEstado ePior = EEstado::Sao;
+  for (const std::string &sCaminho : argumentos.Valores()) {
+    const CString sPasta = PastaDe(sCaminho);
+    if (!sPasta.empty() && argumentos.Tem("como")) {
+      throw CErroUso("--como: vale para arquivos, não para uma pasta"_pt);
+    }
+    const std::vector<ResultadoExame> exames =
+        sPasta.empty() ? std::vector{ExaminaArquivo(sCaminho, Identidade(argumentos, sCaminho), ProgressoNaTela(tela))}
+                       : ExaminaPasta(sPasta, ProgressoNaTela(tela));
+    ePior = std::max(ePior, Relata(exames, argumentos.Tem("detalhes"), tela));
+  }
+  return ePior;
+}
+
+EEstado Lista(const CArgumentos &argumentos, ITela &tela) {
+  FaixaPosicoes faixa;
+  faixa.uiDe = argumentos.Numero("de", 1, kMaiorPosicao, 1);
+  faixa.uiAte = argumentos.Numero("ate", 1, kMaiorPosicao, kMaiorPosicao);
+  if (faixa.uiAte < faixa.uiDe) {
+    throw CErroUso("--ate: vem antes de --de");
+  }
+  if (argumentos.Tem("csv") && argumentos.Tem("json")) {
+    throw CErroUso("--csv e --json: só um dos dois"_pt);
+  }
+  const CString &sCaminho = argumentos.Valores().front();
+  const EFormato eFormato = argumentos.Tem("csv")    ? EFormato::Csv
+                            : argumentos.Tem("json") ? EFormato::Json
+                                                     : EFormato::Tabela;
+  ListaArquivo(sCaminho, Identidade(argumentos, sCaminho), eFormato, faixa, tela);
+  return EEstado::Sao;
+}
+
+EEstado Cabecalho(const CArgumentos &argumentos, ITela &tela) {
+  const std::string &sOque = argumentos.Valores().front();
+  const std::string &sCaminho = argumentos.Valores().back();
+  if (sOque != "poe" && sOque != "tira") {
+    throw CErroUso("cabecalho: poe ou tira, e não "_pt + sOque);
+  }
+  return (sOque == "poe" ? PoeCabecalho : TiraCabecalho)(sCaminho, Identidade(argumentos, sCaminho),
+                                                         *argumentos.Opcao("em"), tela);
+}
+
+EEstado Executa(const CArgumentos &argumentos, ITela &tela) {
+  const std::string_view sComando = argumentos.Comando().sNome;
+  if (sComando == "verifica") {
+    return Verifica(argumentos, tela);
+  }
+  if (sComando == "lista") {
+    return Lista(argumentos, tela);
+  }
+  if (sComando == "cabecalho") {
+    return Cabecalho(argumentos, tela);
+  }
+  if (sComando == "versao") {
+    CriaVersao(*argumentos.Opcao("em"), tela);
+    return EEstado::Sao;
+  }
+  const std::string &sCaminho = argumentos.Valores().front();
+  return Recupera(sCaminho, Identidade(argumentos, sCaminho), *argumentos.Opcao("em"), tela);
+}
+
+}  // namespace
+
+int ExecutaQzdados(std::span<const std::string> aTextos, ITela &tela) {
+  if (aTextos.empty()) {
+    tela.EscreveErro(TextoAjuda());
+    return kUsoErrado;
+  }
+  if (aTextos.size() == 1 && aTextos.front() == "--ajuda") {
+    tela.Escreve(TextoAjuda());
+    return 0;
+  }
+  if (aTextos.size() == 1 && aTextos.front() == "--versao") {
+    tela.Escreve("qzdados " KALVO_VERSAO "\n");
+    return 0;
+  }
+  try {
+    return static_cast<int>(Executa(CArgumentos(aTextos, Comandos()), tela));
+  } catch (const CErroUso &erro) {
+    tela.EscreveErro(std::string(erro.what()) + "\nUse \"qzdados --ajuda\" para ver o modo de usar.\n"_pt);
+    return kUsoErrado;
+  } catch (const CErroArquivo &erro) {
+    tela.EscreveErro(std::string(erro.what()) + "\n");
+    return static_cast<int>(EEstado::Ilegivel);
+  }
+}

@@ -1,0 +1,25 @@
+#ifndef KALVO_QZDADOS_TELA_H
+#define KALVO_QZDADOS_TELA_H
+
+#include <cstdint>
+#include <string_view>
+
+/// Where a command's texts go, Windows-1252.
+class ITela {
+public:
+  virtual ~ITela() = default;
+
+  virtual void Escreve(std::string_view sTexto) = 0;
+  virtual void EscreveErro(std::string_view sTexto) = 0;
+  /// True when the user sees what Escreve writes as it comes, so that long listings need no other sign of progress.
+  virtual bool SaidaVisivel() const = 0;
+  /// How far a long reading is.
+  virtual void Progresso(std::uint64_t uiFeito, std::uint64_t uiTotal) = 0;
+
+protected:
+  ITela() = default;
+  ITela(const ITela &) = default;
+  ITela &operator=(const ITela &) = default;
+};
+
+#endif

@@ -1,0 +1,283 @@
+// Damaged files: what the server says of each, what the tool says, and that the server opens what the tool repairs.
+
+#include "client/Codificacao.h"
+#include "tests/apoio/ChaveCabecalho.h"
+#include "tests/apoio/EmpresaComBase.h"
+#include "tests/qzdados/ApoioQzdados.h"
+#include "tests/vehicles/AmostraVeiculos.h"
+#include "vehicles/BaseVeiculos.h"
+#include "vehicles/DiarioConversao.h"
+#include "vehicles/QZDataBaseVeiculos.h"
+#include "vehicles/VersaoBaseVeiculos.h"
+
+namespace {
+
+using apoio::EmpresaTeste;
+using apoio::Linhas;
+
+constexpr char kVeiculos[] = "DFVEIC.DAT";
+constexpr char kLista[] = "QZDATABASE_FILE_CTRL.DAT";
+const std::string kCriados = Linhas({kArquivoVersao, "", kVeiculos});
+/// Bytes of a header, from its beginning.
+constexpr std::size_t kByteVersao = 8;
+constexpr std::size_t kByteRegistro = 84;
+
+/// A header for these data in front of them, from whichever program.
+std::string Com(const CString &sNome, const std::string &sDados, const std::string &sAnotados,
+                std::uint32_t uiInstalacao = 0) {
+  const RegCabecalhoArquivo reg =
+      MontaRegCabecalho(uiInstalacao, sNome, CalculaCrc64(sAnotados.data(), sAnotados.size()));
+  return Bytes(MontaRegVersao()) + Bytes(reg) + sDados;
+}
+
+std::string Com(const CString &sNome, const std::string &sDados) {
+  return Com(sNome, sDados, sDados);
+}
+
+std::string Trocado(std::string sBytes, std::size_t uiOnde) {
+  sBytes[uiOnde] = static_cast<char>(sBytes[uiOnde] ^ 0x20);
+  return sBytes;
+}
+
+/// The version record of a later program.
+std::string DeVersao2(std::string sBytes) {
+  RegVersaoArquivo reg = MontaRegVersao();
+  const std::uint16_t iVersao = 2;
+  reg.iVersao = iVersao;
+  reg.uiCrcVersao = CalculaCrc64(&iVersao, sizeof(iVersao));
+  const std::uint64_t uiCrc = reg.uiCrcVersao;
+  reg.uiCrcCrcVersao = CalculaCrc64(&uiCrc, sizeof(uiCrc));
+  return sBytes.replace(0, sizeof(reg), Bytes(reg));
+}
+
+void EscreveBase(const EmpresaTeste &empresa) {
+  empresa.Escreve(kVeiculos, Com(kVeiculos, Base("AB")));
+  empresa.Escreve(kArquivoVersao, Com(kArquivoVersao, kVersao1));
+  empresa.Escreve(kLista, Com(kLista, kCriados));
+}
+
+/// What the server answers to the opening of the company, and, when it opens, how many records there are.
+HRESULT Abre(const EmpresaTeste &empresa, std::uint32_t *puiRegistros) {
+  const apoio::ChaveCabecalho cabecalho(true);
+  CBaseVeiculos base;
+  const HRESULT hr = base.Inicializa(empresa.Codigo(), 7, 42);
+  *puiRegistros = 0;
+  EXPECT_TRUE(Falhou(hr) || !Falhou(base.GetQuantidadeRegistros(puiRegistros)));
+  return hr;
+}
+
+struct Dano {
+  const char *lpNome;  ///< of the case
+  const char *lpArquivo;
+  std::string sBytes;
+  std::uint32_t uiServidor;  ///< the server's code, headers on
+  int iEstado;
+  std::string sTrecho;
+  std::string sReparado;          ///< empty: cannot be repaired, or need not be
+  std::uint32_t uiRegistros = 2;  ///< that the server finds then
+};
+
+std::vector<Dano> Danos() {
+  const std::string sBase = Base("AB");
+  const std::string sTudo = Com(kVeiculos, sBase);
+  return {
+      {"são", kVeiculos, sTudo, 0, 0, "2 registros, com cabe", ""},
+      {"vazio", kVeiculos, "", 0, 0, "0 registros, sem cabe", "", 0},
+      {"registro em branco", kVeiculos, std::string(256, '\0'), 0, 0, "1 registro, sem cabe", "", 1},
+      {"anexado depois do cabeçalho", kVeiculos, Com(kVeiculos, Base("ABC"), sBase, 77), 0x81080A42, 1,
+       "conferem 2 de 3 registros", Com(kVeiculos, Base("ABC"), Base("ABC"), 77), 3},
+      {"primeiro depois do cabeçalho", kVeiculos, Com(kVeiculos, Base("A"), ""), 0x81080A42, 1,
+       "conferem 0 de 1 registro", Com(kVeiculos, Base("A")), 1},
+      {"regravado depois do cabeçalho", kVeiculos, Com(kVeiculos, Base("AX"), sBase), 0x81080A42, 1, "0x81080A42",
+       Com(kVeiculos, Base("AX"))},
+      {"sobra com cabeçalho", kVeiculos, sTudo + "abc", 0x81080A42, 1, "3 bytes a mais", sTudo},
+      {"sobra anotada", kVeiculos, Com(kVeiculos, sBase + "abc"), 0x810809D8, 1, "0x810809D8", sTudo},
+      {"sobra sem cabeçalho", kVeiculos, sBase + std::string(255, 'x'), 0x810809D8, 1, "255 bytes a mais", sBase},
+      {"só a sobra", kVeiculos, std::string(255, 'x'), 0x810809D8, 2, "255 bytes a mais", ""},
+      {"registro do cabeçalho", kVeiculos, Trocado(sTudo, kByteRegistro), 0x81080A3F, 1, "0x81080A3F", sTudo},
+      {"registro de versão", kVeiculos, Trocado(sTudo, kByteVersao), 0x810809D8, 1, "registro de vers", sTudo},
+      {"dois cabeçalhos", kVeiculos, Com(kVeiculos, Trocado(sTudo, kByteVersao)), 0x810809D8, 1, "2 cabe", sTudo},
+      {"só o nome confere", kVeiculos, Trocado(Trocado(sTudo, kByteVersao), kByteRegistro), 0x810809D8, 1,
+       "registro de vers", sTudo},
+      {"nome de outro", kVeiculos, Com("OUTRO.DAT", sBase), 0x81080A43, 2, "outro arquivo: OUTRO.DAT", ""},
+      {"versão 2", kVeiculos, DeVersao2(sTudo), 0x81080A3E, 2, "0x81080A3E", ""},
+      {"fim no cabeçalho", kVeiculos, sTudo.substr(0, 91), 0x81080A3F, 2, "termina dentro", ""},
+      {"registros sumidos", kVeiculos, sTudo.substr(0, 92), 0x81080A42, 2, "sumiram", ""},
+      {"versão curta", kArquivoVersao, kVersao1.substr(0, 15), 0x810809E7, 2, "0x810809E7", ""},
+      {"versão longa", kArquivoVersao, kVersao1 + "x", 0x810809E7, 1, "1 bytes a mais", kVersao1},
+      {"versão comprida", kArquivoVersao, kVersao1 + kVersao1, 0x810809E7, 1, "16 bytes a mais", kVersao1},
+      {"versão desmentida", kArquivoVersao, Com(kArquivoVersao, kVersao1, ""), 0x81080A42, 1, "0x81080A42",
+       Com(kArquivoVersao, kVersao1)},
+      {"base mais nova", kArquivoVersao, '\2' + kVersao1.substr(1), 0x810809C7, 2, "0x810809C7", ""},
+      {"lista desmentida", kLista, Com(kLista, kCriados, Linhas({kArquivoVersao})), 0x81080A42, 1, "3 linhas",
+       Com(kLista, kCriados)},
+      {"lista com dois cabeçalhos", kLista, Com(kLista, Trocado(Com(kLista, kCriados), kByteVersao)), 0, 1, "2 cabe",
+       Com(kLista, kCriados)},
+      {"lista cortada", kLista, kCriados + std::string("\x0A\0\0\0DFV", 7), 0, 1, "7 bytes a mais", kCriados},
+      {"lista cortada no tamanho", kLista, kCriados + std::string("\x0A\0", 2), 0, 1, "2 bytes a mais", kCriados},
+      {"tamanho sem fim", kLista, "\xFF\xFF\xFF\xFFxx", 0, 1, "6 bytes a mais", ""},
+      {"lista vazia", kLista, "", 0, 0, "0 linhas", ""},
+  };
+}
+
+TEST(Danos, OQueOServidorRecusaEDitoEOQueEReparadoElePodeAbrir) {
+  for (const Dano &dano : Danos()) {
+    SCOPED_TRACE(dano.lpNome);
+    std::uint32_t uiRegistros = 0;
+    const EmpresaTeste semReparo;
+    EscreveBase(semReparo);
+    semReparo.Escreve(dano.lpArquivo, dano.sBytes);
+    EXPECT_EQ(BitsResultado(Abre(semReparo, &uiRegistros)), dano.uiServidor);
+
+    const EmpresaTeste empresa;
+    EscreveBase(empresa);
+    empresa.Escreve(dano.lpArquivo, dano.sBytes);
+    const std::string sArquivo = empresa.Caminho(dano.lpArquivo);
+    const Rodada verificada({"verifica", sArquivo});
+    EXPECT_EQ(verificada.iCodigo, dano.iEstado) << verificada.Saida();
+    EXPECT_TRUE(Contem(verificada.Saida(), *De8Para1252(dano.sTrecho))) << verificada.Saida();
+    EXPECT_EQ(Rodada({"verifica", empresa.Caminho("")}).iCodigo, dano.iEstado);
+
+    const std::string sNovo = empresa.Caminho("NOVO");
+    const Rodada recuperada({"recupera", sArquivo, "--em", sNovo});
+    EXPECT_EQ(empresa.Le(dano.lpArquivo), dano.sBytes);
+    if (dano.sReparado.empty() && dano.iEstado != 1) {
+      EXPECT_EQ(Contem(recuperada.Saida(), "nada a recuperar"), dano.iEstado == 0) << recuperada.Saida();
+      EXPECT_EQ(recuperada.iCodigo, dano.iEstado);
+      EXPECT_FALSE(empresa.Existe("NOVO"));
+      continue;
+    }
+    EXPECT_EQ(recuperada.iCodigo, 0) << recuperada.Erros();
+    EXPECT_EQ(empresa.Le("NOVO"), dano.sReparado);
+    EXPECT_EQ(Rodada({"verifica", sNovo, "--como", dano.lpArquivo}).iCodigo, 0);
+    const Rodada outraVez({"recupera", sArquivo, "--em", sNovo});
+    EXPECT_EQ(outraVez.iCodigo, 3);
+    EXPECT_TRUE(Contem(outraVez.Erros(), "existe")) << outraVez.Erros();
+    EXPECT_EQ(empresa.Le("NOVO"), dano.sReparado);
+    empresa.Escreve(dano.lpArquivo, dano.sReparado);
+    EXPECT_EQ(BitsResultado(Abre(empresa, &uiRegistros)), 0U);
+    EXPECT_EQ(uiRegistros, dano.uiRegistros);
+  }
+}
+
+TEST(Reparo, DizOQueFez) {
+  const EmpresaTeste empresa;
+  empresa.Escreve(kVeiculos, Com(kVeiculos, Trocado(Com(kVeiculos, Base("ABC") + "xy", Base("AB")), kByteVersao)));
+  const Rodada rodada({"recupera", empresa.Caminho(kVeiculos), "--em", empresa.Caminho("NOVO")});
+  for (const char *lpTrecho : {"retirados: 2; posto um novo", "cortados 2 bytes", "3 registros", "antigo: 2, a contar",
+                               "NOVO: gravado, 860 bytes"}) {
+    EXPECT_TRUE(Contem(rodada.Saida(), lpTrecho)) << lpTrecho << "\n" << rodada.Saida();
+  }
+}
+
+TEST(Cabecalho, PostoETirado) {
+  const EmpresaTeste empresa;
+  const std::string sCom = empresa.Caminho("COM");
+  const std::string sSem = empresa.Caminho("SEM");
+  empresa.Escreve(kVeiculos, Base("AB"));
+  EXPECT_EQ(Rodada({"cabecalho", "poe", empresa.Caminho(kVeiculos), "--em", sCom}).iCodigo, 0);
+  EXPECT_EQ(empresa.Le("COM"), Com(kVeiculos, Base("AB")));
+  EXPECT_EQ(Rodada({"cabecalho", "tira", sCom, "--em", sSem, "--como", "dfveic.dat"}).iCodigo, 0);
+  EXPECT_EQ(empresa.Le("SEM"), Base("AB"));
+
+  // What is there already, or must be repaired first, is not written.
+  EXPECT_EQ(Rodada({"cabecalho", "tira", empresa.Caminho(kVeiculos), "--em", empresa.Caminho("X")}).iCodigo, 0);
+  EXPECT_EQ(Rodada({"cabecalho", "poe", sCom, "--em", empresa.Caminho("X"), "--como", kVeiculos}).iCodigo, 0);
+  empresa.Escreve(kVeiculos, Base("AB") + "x");
+  EXPECT_EQ(Rodada({"cabecalho", "poe", empresa.Caminho(kVeiculos), "--em", empresa.Caminho("X")}).iCodigo, 1);
+  EXPECT_FALSE(empresa.Existe("X"));
+}
+
+/// The remedy for a version file that is missing, and the one for vehicles that are to begin empty.
+TEST(Remedios, ArquivoListadoQueFalta) {
+  std::uint32_t uiRegistros = 0;
+  const EmpresaTeste empresa;
+  EscreveBase(empresa);
+  const EmpresaTeste vazia;
+  vazia.Escreve(kArquivoVersao, kVersao1);
+  vazia.Escreve(kLista, Linhas({kArquivoVersao, "FALTA.DAT", kVeiculos}));
+  const EmpresaTeste semVersao;
+  semVersao.Escreve(kVeiculos, Base("AB"));
+  semVersao.Escreve(kLista, kCriados);
+
+  for (const EmpresaTeste *pEmpresa : {&vazia, &semVersao}) {
+    const Rodada rodada({"verifica", pEmpresa->Caminho("")});
+    EXPECT_EQ(rodada.iCodigo, 2);
+    EXPECT_TRUE(Contem(rodada.Saida(), "0x81080A50")) << rodada.Saida();
+    EXPECT_FALSE(Contem(rodada.Saida(), "retira o primeiro")) << rodada.Saida();
+    EXPECT_EQ(BitsResultado(Abre(*pEmpresa, &uiRegistros)), 0x81080A50U);
+  }
+  EXPECT_TRUE(Contem(Rodada({"verifica", vazia.Caminho("")}).Saida(), "FALTA.DAT: "));
+  vazia.Escreve(kVeiculos, "");
+  EXPECT_EQ(BitsResultado(Abre(vazia, &uiRegistros)), 0U);
+  EXPECT_EQ(uiRegistros, 0U);
+  EXPECT_EQ(Rodada({"versao", "--em", semVersao.Caminho(kArquivoVersao)}).iCodigo, 0);
+  EXPECT_EQ(BitsResultado(Abre(semVersao, &uiRegistros)), 0U);
+  EXPECT_EQ(uiRegistros, 2U);
+  EXPECT_EQ(Rodada({"versao", "--em", semVersao.Caminho(kArquivoVersao)}).iCodigo, 3);
+}
+
+TEST(Pasta, SobrasEDiario) {
+  const auto diario = [](const std::string &sConvertidos) {
+    RegDiario reg{
+        kVersaoBaseVeiculos, {}, {sConvertidos.size(), CalculaCrc64(sConvertidos.data(), sConvertidos.size())}, 0};
+    reg.uiCrcDiario = CalculaCrc64(&reg, offsetof(RegDiario, uiCrcDiario));
+    return Bytes(reg);
+  };
+  const struct {
+    const char *lpNome;
+    std::string sVeiculos;
+    std::string sDiario;
+    bool bVersao;
+    int iEstado;
+    const char *lpTrecho;
+  } aCasos[] = {
+      {"falta trocar", Base("ZAB"), diario(Base("AB")), false, 0, "DFVEIVSD.TRA: "},
+      {"falta a versão", Base("AB"), diario(Base("AB")), false, 0, "DFVEIVSD.TRA: "},
+      {"falta a versão, com cabeçalho", Com(kVeiculos, Base("AB")), diario(Base("AB")), false, 0, "com cabe"},
+      {"outra base", Base("ZAC"), diario(Base("AB")), false, 2, "0x810809D6"},
+      {"outra base, já convertida", Base("ZAC"), diario(Base("AB")), true, 0, "3 registros"},
+      {"diário rasgado", Base("ZAC"), Trocado(diario(Base("AB")), 9), false, 0, "retira o primeiro"},
+      {"versão 0", Base("ZAC"), "", false, 0, "retira o primeiro"},
+      {"sem veículos", "", "", false, 0,
+       "0 registros, sem cabe\xE7"
+       "alho\n"},
+  };
+  for (const auto &caso : aCasos) {
+    SCOPED_TRACE(caso.lpNome);
+    const EmpresaTeste empresa;
+    empresa.Escreve(kVeiculos, caso.sVeiculos);
+    empresa.Escreve("DFVEIC.INT", "abc");
+    empresa.Escreve("DFVEIC.TRA", "abc");
+    empresa.Escreve("leiame.txt", "abc");
+    if (!caso.sDiario.empty()) {
+      empresa.Escreve(kArquivoDiario, caso.sDiario);
+    }
+    if (caso.bVersao) {
+      empresa.Escreve(kArquivoVersao, kVersao1);
+    }
+    const Rodada rodada({"verifica", empresa.Caminho("")});
+    EXPECT_EQ(rodada.iCodigo, caso.iEstado) << rodada.Saida();
+    EXPECT_TRUE(Contem(rodada.Saida(), caso.lpTrecho)) << rodada.Saida();
+    EXPECT_EQ(Contem(rodada.Saida(), "retira o primeiro"), std::string(caso.lpTrecho) == "retira o primeiro");
+    EXPECT_TRUE(Contem(rodada.Saida(), "DFVEIC.INT: inten\xE7\xE3o de grava\xE7\xE3o; sobra")) << rodada.Saida();
+    EXPECT_TRUE(Contem(rodada.Saida(), "leiame.txt: n\xE3o \xE9 arquivo")) << rodada.Saida();
+  }
+}
+
+TEST(Detalhes, CabecalhoECrcELista) {
+  const EmpresaTeste empresa;
+  empresa.Escreve(kVeiculos, Com(kVeiculos, "", "", 12345678));
+  empresa.Escreve(kArquivoVersao, Com(kArquivoVersao, kVersao1, "", 12345678));
+  empresa.Escreve(kLista, Linhas({kVeiculos}));
+  const std::string sSaida = Rodada({"verifica", empresa.Caminho(""), "--detalhes"}).Saida();
+  for (const char *lpTrecho : {"instala\xE7\xE3o: 12345678\n",
+                               "nome no cabe\xE7"
+                               "alho: DFVEIVS.DAT\n",
+                               "tamanho: 92 bytes\n", "vers\xE3o da base: 1\n", "CRC anotado: 0000000000000000\n",
+                               "nota: est\xE1 na lista", "nota: n\xE3o est\xE1 na lista"}) {
+    EXPECT_TRUE(Contem(sSaida, lpTrecho)) << lpTrecho << "\n" << sSaida;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,144 @@
+// The tool beside programs that use the files.
+
+#include <cstdio>
+#include <functional>
+
+#include "core/platform/Plataforma.h"
+#include "qzdados/ArquivoEmExame.h"
+#include "tests/apoio/EmpresaTeste.h"
+#include "tests/apoio/ProcessoFilho.h"
+#include "tests/apoio/ServicosTrocados.h"
+#include "tests/qzdados/ApoioQzdados.h"
+
+namespace {
+
+using namespace plataforma;
+
+std::unique_ptr<IArquivoAberto> Abre(const CString &sCaminho, Compartilhamento eCompartilhamento) {
+  std::unique_ptr<IArquivoAberto> arquivo;
+  static_cast<void>(
+      Arquivos().Abre(sCaminho, {Acesso::LeituraEscrita, eCompartilhamento, Criacao::SoExistente}, &arquivo));
+  return arquivo;
+}
+
+/// Holds a file exclusively, as the server does, until its input ends.
+int Segura(const std::vector<std::string> &argumentos) {
+  const auto arquivo = Abre(argumentos.at(0), Compartilhamento::Exclusivo);
+  std::puts(arquivo ? "pronto" : "falhou");
+  std::fflush(stdout);
+  while (std::getchar() != EOF) {
+  }
+  return 0;
+}
+const apoio::RegistraFilha kFilha("segura-arquivo", Segura);
+
+TEST(EmUso, OQueOutroProcessoSeguraEDito) {
+  const apoio::EmpresaTeste empresa;
+  const std::string sArquivo = empresa.Caminho("DFVEIC.DAT");
+  empresa.Escreve("DFVEIC.DAT", std::string(256, 'A') + "x");
+  empresa.Escreve("DFVEIVS.DAT", std::string(16, '\1'));
+  apoio::ProcessoFilho servidor("segura-arquivo", {sArquivo});
+  ASSERT_EQ(servidor.LeLinha(), "pronto");
+  const Rodada pasta({"verifica", empresa.Caminho("")});
+  EXPECT_EQ(pasta.iCodigo, 3);
+  EXPECT_TRUE(Contem(pasta.Saida(), "DFVEIC.DAT: o arquivo est\xE1 em uso\n")) << pasta.Saida();
+  EXPECT_TRUE(Contem(pasta.Saida(), "DFVEIVS.DAT: ")) << pasta.Saida();
+  for (const std::vector<std::string> &aTextos :
+       {std::vector<std::string>{"lista", sArquivo}, {"recupera", sArquivo, "--em", empresa.Caminho("NOVO")}}) {
+    const Rodada rodada(aTextos);
+    EXPECT_EQ(rodada.iCodigo, 3);
+    EXPECT_TRUE(Contem(rodada.Erros(), "em uso")) << rodada.Erros();
+  }
+  EXPECT_FALSE(empresa.Existe("NOVO"));
+  EXPECT_EQ(servidor.Espera(), 0);
+  EXPECT_EQ(Rodada({"verifica", sArquivo}).iCodigo, 1);
+}
+
+/// A clock on which every reading takes longer than the file may be held at a time.
+class RelogioLento final : public IRelogio {
+public:
+  explicit RelogioLento(std::function<void()> aoEsperar) : m_aoEsperar(std::move(aoEsperar)) {}
+
+  void Espera(std::uint32_t uiMilissegundos) override {
+    if (uiMilissegundos == CArquivoEmExame::kPausaMs) {
+      m_aoEsperar();
+    }
+  }
+  std::uint32_t Ticks() override { return m_uiTicks += CArquivoEmExame::kVezMs; }
+  CamposData HoraLocal() override { return {}; }
+  bool LocalParaUtc(std::uint64_t /*local*/, std::uint64_t * /*utc*/, std::uint32_t * /*erroSO*/) override {
+    return false;
+  }
+
+private:
+  std::function<void()> m_aoEsperar;
+  std::uint32_t m_uiTicks = 0;
+};
+
+TEST(EmUso, NaPausaOutroPodeAbrirENadaMudaSemQueSeDiga) {
+  const std::string sBytes(std::size_t{1024} * 1024, 'A');
+  std::unique_ptr<IArquivoAberto> preso;
+  int iPausas = 0;
+  const struct {
+    const char *lpNome;
+    std::function<void(const CString &)> naPausa;
+    int iCodigo;
+    const char *lpTrecho;
+  } aCasos[] = {
+      {"abre e solta", [](const CString &s) { EXPECT_TRUE(Abre(s, Compartilhamento::Exclusivo)); }, 0,
+       "4096 registros"},
+      {"fica com ele", [&](const CString &s) { preso = Abre(s, Compartilhamento::Exclusivo); }, 3, "em uso"},
+      {"muda", [](const CString &s) { EXPECT_FALSE(Abre(s, Compartilhamento::NegaNada)->AjustaTamanho(512)); }, 3,
+       "mudou enquanto"},
+  };
+  for (const auto &caso : aCasos) {
+    SCOPED_TRACE(caso.lpNome);
+    const apoio::EmpresaTeste empresa;
+    const std::string sArquivo = empresa.Caminho("DFVEIC.DAT");
+    empresa.Escreve("DFVEIC.DAT", sBytes);
+    iPausas = 0;
+    RelogioLento relogio([&] {
+      ++iPausas;
+      caso.naPausa(sArquivo);
+    });
+    const apoio::ServicosTrocados servicos(nullptr, nullptr, &relogio);
+    const Rodada rodada({"verifica", sArquivo});
+    preso.reset();
+    EXPECT_EQ(rodada.iCodigo, caso.iCodigo);
+    EXPECT_TRUE(Contem(rodada.Saida(), caso.lpTrecho)) << rodada.Saida();
+    EXPECT_GT(iPausas, 0);
+    EXPECT_EQ(rodada.tela.m_bChegouAoFim, caso.iCodigo == 0);
+  }
+}
+
+TEST(EmUso, OutrosLeemEGravamEnquantoEleLe) {
+  const apoio::EmpresaTeste empresa;
+  empresa.Escreve("DFVEIC.DAT", std::string(256, 'A'));
+  const Rodada rodada({"verifica", empresa.Caminho("DFVEIC.DAT")},
+                      [&] { EXPECT_TRUE(Abre(empresa.Caminho("DFVEIC.DAT"), Compartilhamento::NegaNada)); });
+  EXPECT_EQ(rodada.iCodigo, 0);
+  EXPECT_TRUE(rodada.tela.m_bChegouAoFim);
+}
+
+/// In its midst, and after its last reading.
+TEST(EmUso, UmaCopiaDoQueMudouNaoFica) {
+  for (const std::size_t uiRegistros : {4096U, 1U}) {
+    const apoio::EmpresaTeste empresa;
+    const std::string sArquivo = empresa.Caminho("DFVEIC.DAT");
+    empresa.Escreve("DFVEIC.DAT", std::string(uiRegistros * 256, 'A') + "x");
+    bool bMudou = false;
+    const Rodada rodada({"recupera", sArquivo, "--em", empresa.Caminho("NOVO")}, [&] {
+      // Once the copy has begun.
+      if (!bMudou && empresa.Existe("NOVO")) {
+        bMudou = true;
+        EXPECT_FALSE(Abre(sArquivo, Compartilhamento::NegaNada)->AjustaTamanho(uiRegistros * 256));
+      }
+    });
+    EXPECT_EQ(rodada.iCodigo, 3);
+    EXPECT_TRUE(Contem(rodada.Erros(), "mudou enquanto")) << rodada.Erros();
+    EXPECT_TRUE(bMudou);
+    EXPECT_FALSE(empresa.Existe("NOVO"));
+  }
+}
+
+}  // namespace

@@ -78,3 +78,7 @@ FalhaArquivo CArquivoEmExame::AjustaTamanho(std::uint64_t /*tamanho*/) {
 FalhaArquivo CArquivoEmExame::Descarrega() {
   return kRecusada;
 }
+
+FalhaArquivo CArquivoEmExame::Mapeia(std::size_t /*qtd*/, std::byte ** /*ppBytes*/) {
+  return kRecusada;
+}

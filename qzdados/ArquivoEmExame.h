@@ -36,6 +36,7 @@ public:
   plataforma::FalhaArquivo Grava(std::uint64_t posicao, const void *origem, std::size_t qtd) override;
   plataforma::FalhaArquivo AjustaTamanho(std::uint64_t tamanho) override;
   plataforma::FalhaArquivo Descarrega() override;
+  plataforma::FalhaArquivo Mapeia(std::size_t qtd, std::byte **ppBytes) override;
 
 private:
   void Abre();

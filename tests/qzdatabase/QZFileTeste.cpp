@@ -178,7 +178,7 @@ TEST_F(ArquivoDeRegistros, UmRegistroAusenteOuDeOutroTamanho) {
     Poe("UNICO.DAT", conteudo);
     EXPECT_EQ(Abre(), codigos::kTamanhoDiferente);
     EXPECT_FALSE(Arquivo().ExisteArquivo()) << "what was open already is closed";
-    EXPECT_EQ(m_empresa.Le("UNICO.DAT"), conteudo);
+    EXPECT_EQ(Inteiro("UNICO.DAT"), NoDisco("UNICO.DAT", conteudo));
   }
 }
 

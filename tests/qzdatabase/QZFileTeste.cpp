@@ -176,9 +176,12 @@ TEST_F(ArquivoDeRegistros, UmRegistroAusenteOuDeOutroTamanho) {
   Poe("TESTE.DAT", Bytes(1, 1));
   for (const char *conteudo : {"", "fifteen letters", "seventeen letters"}) {
     Poe("UNICO.DAT", conteudo);
-    EXPECT_EQ(Abre(), codigos::kTamanhoDiferente);
-    EXPECT_FALSE(Arquivo().ExisteArquivo()) << "what was open already is closed";
-    EXPECT_EQ(Inteiro("UNICO.DAT"), NoDisco("UNICO.DAT", conteudo));
+    {
+      BancoTeste banco;
+      EXPECT_EQ(banco.Inicializa(m_empresa.Dono()), codigos::kTamanhoDiferente);
+      EXPECT_FALSE(banco.m_Registros.ExisteArquivo()) << "what was open already is closed";
+    }
+    EXPECT_EQ(m_empresa.Le("UNICO.DAT"), conteudo);
   }
 }
 

@@ -52,7 +52,10 @@ public:
   template <typename F>
   [[nodiscard]] HRESULT Percorre(std::uint64_t uiPrimeira, std::uint64_t uiUltima, F &&visita);
 
-  /// The same by runs of records that lie together: `visita(uiPosicao, pRegistros, qtd)`.
+  using TrechoLido = typename CQZBlocosRegistros<T>::template Trecho<const T>;
+
+  /// The same by runs of records that lie together, with the digests of their block:
+  /// `visita(uiPosicao, const TrechoLido &)`.
   template <typename F>
   [[nodiscard]] HRESULT PercorreTrechos(std::uint64_t uiPrimeira, std::uint64_t uiUltima, F &&visita);
 
@@ -197,6 +200,9 @@ plataforma::FalhaArquivo CQZFile<T>::LeCarga(std::uint64_t *puiCrc) {
   for (std::size_t i = 0; !falha && i < m_aCarga.GetSize();) {
     const auto trecho = m_aCarga.TrechoEm(i, m_aCarga.GetSize());
     falha = Arquivo().Le(PosicaoNoArquivo(i), trecho.pRegistros, trecho.qtd * sizeof(T));
+    if (!falha) {
+      m_aCarga.Resume(i, trecho);
+    }
     uiCrc = falha || puiCrc == nullptr ? 0 : CalculaCrc64(trecho.pRegistros, trecho.qtd * sizeof(T), uiCrc);
     i += trecho.qtd;
   }
@@ -332,9 +338,9 @@ void CQZFile<T>::Antecipa(std::uint64_t uiPosicao) const {
 template <typename T>
 template <typename F>
 HRESULT CQZFile<T>::Percorre(std::uint64_t uiPrimeira, std::uint64_t uiUltima, F &&visita) {
-  return PercorreTrechos(uiPrimeira, uiUltima, [&](std::uint64_t uiPosicao, const T *pRegistros, std::size_t qtd) {
-    for (std::size_t i = 0; i < qtd; ++i) {
-      if (!visita(uiPosicao + i, pRegistros[i])) {
+  return PercorreTrechos(uiPrimeira, uiUltima, [&](std::uint64_t uiPosicao, const TrechoLido &trecho) {
+    for (std::size_t i = 0; i < trecho.qtd; ++i) {
+      if (!visita(uiPosicao + i, trecho.pRegistros[i])) {
         return false;
       }
     }
@@ -376,9 +382,9 @@ HRESULT CQZFile<T>::VisitaTrecho(std::uint64_t uiUltima, F &&visita, std::uint64
     return codigos::kOk;
   }
   const std::uint64_t uiFim = std::min<std::uint64_t>(uiUltima, m_aRegistros.GetSize());
-  const auto trecho =
+  const TrechoLido trecho =
       std::as_const(m_aRegistros).TrechoEm(static_cast<std::size_t>(*puiPosicao - 1), static_cast<std::size_t>(uiFim));
-  *pbFim = !visita(*puiPosicao, trecho.pRegistros, trecho.qtd);
+  *pbFim = !visita(*puiPosicao, trecho);
   *puiPosicao += trecho.qtd;
   return codigos::kOk;
 }
@@ -542,6 +548,7 @@ void CQZFile<T>::TomaRegistros(std::size_t indice, const T *pRegistros, std::siz
   const plataforma::CQZTravaEscrita trava(Leitores());
   m_indices.Troca(m_aRegistros, indice, pRegistros, qtd);
   m_aRegistros.Copia(indice, pRegistros, sobrepostos);
+  m_aRegistros.Abrange(indice, qtd);
   m_aRegistros.DefineTamanho(std::max(indice + qtd, m_aRegistros.GetSize()));
   Transacao().Confirma();
   PublicaQuantidade();

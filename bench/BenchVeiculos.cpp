@@ -10,13 +10,10 @@
 #include <vector>
 
 #include "bench/Amostra.h"
+#include "bench/BaseAmostra.h"
 #include "bench/ComparacaoSqlite.h"
-#include "bench/EmpresaBench.h"
 #include "core/platform/MemoriaTarefa.h"
 #include "core/platform/Plataforma.h"
-#include "core/qzdatabase/banco/QZDataBaseUtil.h"
-#include "vehicles/BaseVeiculos.h"
-#include "vehicles/VersaoBaseVeiculos.h"
 
 namespace {
 
@@ -30,42 +27,6 @@ RegVeiculo VeiculoAcentuado(std::uint32_t n) {
   }
   return reg;
 }
-
-/// A register over a temporary directory, filled with a sample.
-class Base {
-public:
-  Base(const char *lpEmpresa, std::uint32_t iRegistros, RegVeiculo (*veiculo)(std::uint32_t) = VeiculoDaAmostra)
-      : m_empresa(lpEmpresa), m_iRegistros(iRegistros) {
-    CQZProfilerEmpresa dono(lpEmpresa, 1, 1);
-    CQZDataBase_Veiculos banco;
-    Exige(banco.Inicializa(dono), "Inicializa");
-    CArray<RegVeiculo> aRegistros;
-    aRegistros.SetSize(iRegistros);
-    for (std::uint32_t n = 1; n <= iRegistros; ++n) {
-      aRegistros[n - 1] = veiculo(n);
-    }
-    std::uint64_t uiPosicao = 0;
-    Exige(banco.m_Veiculos.GravaColecao(uiPosicao, aRegistros), "GravaColecao");
-    Exige(banco.Finaliza(), "Finaliza");
-    Exige(CQZDataBaseUtil::GravaSingleReg(&dono, QZ_DF, REG_DF_VEICULO_VERSAO{kVersaoBaseVeiculos, {}}, "DFVEIVS.DAT"),
-          "GravaSingleReg");
-    Abre();
-  }
-  ~Base() { static_cast<void>(m_registro.Finaliza()); }
-  Base(const Base &) = delete;
-  Base &operator=(const Base &) = delete;
-
-  void Abre() { Exige(m_registro.Inicializa(m_empresa.Codigo(), 1, 1), "register"); }
-  void Fecha() { Exige(m_registro.Finaliza(), "Finaliza"); }
-  CBaseVeiculos &Registro() { return m_registro; }
-  std::uint32_t Registros() const { return m_iRegistros; }
-  CString CaminhoSolto() const { return m_empresa.Caminho("SOLTO.DAT"); }
-
-private:
-  EmpresaBench m_empresa;
-  std::uint32_t m_iRegistros;
-  CBaseVeiculos m_registro;
-};
 
 Base &BaseUnica() {
   static Base base("BENCH", kRegistrosAmostra);
@@ -86,19 +47,6 @@ Base &BaseAcentuada() {
 Base &BaseDe(const benchmark::State &estado) {
   return estado.range(0) == kPoucos ? BasePequena() : BaseUnica();
 }
-
-/// Made-up numbers, always the same.
-class Sorteio {
-public:
-  /// From 1 to `uiMaximo`.
-  std::uint32_t Ate(std::uint32_t uiMaximo) {
-    m_n = m_n * 1664525U + 1013904223U;
-    return static_cast<std::uint32_t>((std::uint64_t{m_n} * uiMaximo) >> 32) + 1;
-  }
-
-private:
-  std::uint32_t m_n = 1;
-};
 
 void Busca(benchmark::State &estado, Base &base, const tagREG_FILTRO_VEICULOSPS &filtro) {
   std::uint32_t iAchados = 0;

@@ -62,6 +62,13 @@ TEST_F(Controle, ArquivoListadoQueSumiuERelatado) {
   EXPECT_EQ(Abre(), codigos::kOk);
   ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
 
+  // A creation that was interrupted is none any more once the file has its content.
+  CQZIntencaoGravacao::AnotaCriacao(m_empresa.Caminho("TESTE.DAT"), "TESTE.DAT");
+  EXPECT_EQ(Abre(), codigos::kOk);
+  ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
+  Apaga("TESTE.DAT");
+  EXPECT_EQ(Abre(), codigos::kArquivoDesapareceu);
+
   // Names are compared with their letter case.
   m_empresa.Escreve(kArquivoControle, Linhas({"teste.dat", "TESTE.DA", "TESTE.DATX"}));
   Apaga("TESTE.DAT");

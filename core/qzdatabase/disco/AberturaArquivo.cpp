@@ -120,9 +120,6 @@ bool CQZAberturaArquivo::TrocaSeMorto(const CString &sCaminho) {
   if (m_eModo != eModoLeituraGravacao || plataforma::Arquivos().Abre(sCaminho, ModoDoSistema(m_eModo), &novo)) {
     return false;
   }
-  // The companion's handle lies on the same share.
-  m_intencao.Encerra();
-  m_intencao.Define(sCaminho);
   m_arquivo = std::move(novo);
   m_bMesmo = false;
   return true;

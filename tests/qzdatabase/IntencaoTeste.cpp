@@ -1,0 +1,148 @@
+// The note beside a file of a write that a process did not finish: what it explains, and what it does not.
+
+#include "core/qzdatabase/disco/IntencaoGravacao.h"
+
+#include "tests/apoio/ChaveCabecalho.h"
+#include "tests/qzdatabase/BancoTeste.h"
+
+namespace {
+
+using Criacao = CQZIntencaoGravacao::Criacao;
+
+class Intencao : public ComBanco {
+protected:
+  static RegCabecalhoArquivo CabecalhoSobre(const std::string &dados) {
+    return MontaRegCabecalho(0, "TESTE.DAT", CalculaCrc64(dados.data(), dados.size()));
+  }
+  static CQZIntencaoGravacao::Escrita Acrescimo(const std::string &antes, const std::string &novo) {
+    return {CabecalhoSobre(antes),
+            CabecalhoSobre(antes + novo),
+            kTamanhoCabecalho + antes.size(),
+            novo.data(),
+            novo.size(),
+            kTamanhoCabecalho + antes.size(),
+            kTamanhoCabecalho + antes.size() + novo.size()};
+  }
+  /// Leaves a note as a process does that ends now.
+  void Anota(const CQZIntencaoGravacao::Escrita &escrita) {
+    CQZIntencaoGravacao intencao;
+    intencao.Define(m_sCaminho);
+    intencao.Prepara();
+    intencao.Anuncia(escrita);
+  }
+  /// A header over some data in front of others.
+  static std::string Arquivo(const RegCabecalhoArquivo &cabecalho, const std::string &dados) {
+    std::string bytes = NoDisco("TESTE.DAT", "").substr(0, kPosicaoRegCabecalho);
+    bytes.append(reinterpret_cast<const char *>(&cabecalho), sizeof(cabecalho));
+    return bytes + dados;
+  }
+
+  apoio::ChaveCabecalho m_chave{true};
+  const CString m_sCaminho = m_empresa.Caminho("TESTE.DAT");
+};
+
+/// What the file is found to be, and what it comes to: nothing where the note does not explain it.
+TEST_F(Intencao, ExplicaExatamente) {
+  const std::string antes = Bytes(1, 2);
+  const std::string grande = Bytes(100, 6000);  // more than fits into a note
+  const std::string outros = Bytes(8, 9);
+  for (const std::string &novo : {Bytes(3, 3), grande}) {
+    const bool bCabe = novo != grande;
+    const std::string depois = antes + novo;
+    RegCabecalhoArquivo mistura = CabecalhoSobre(depois);
+    const RegCabecalhoArquivo anterior = CabecalhoSobre(antes);
+    std::memcpy(&mistura.uiCrcCabecalho, &anterior.uiCrcCabecalho, 4);
+    const struct {
+      const char *nome;
+      RegCabecalhoArquivo cabecalho;
+      std::string dados;
+      std::optional<std::string> reparado;
+    } casos[] = {
+        {"all there but the header", CabecalhoSobre(antes), depois, depois},
+        {"torn", CabecalhoSobre(antes), antes + novo.substr(0, 7), bCabe ? depois : antes},
+        {"torn header, records there", mistura, depois, depois},
+        {"torn header, records not there", mistura, antes, bCabe ? depois : antes},
+        {"header of other data", CabecalhoSobre(outros), antes + novo.substr(0, 7), std::nullopt},
+        {"other records before it", CabecalhoSobre(antes), outros + novo.substr(0, 7), std::nullopt},
+        {"shorter than before", CabecalhoSobre(antes), antes.substr(0, 16), std::nullopt},
+    };
+    for (const auto &caso : casos) {
+      SCOPED_TRACE(testing::Message() << caso.nome << ", " << novo.size());
+      Anota(Acrescimo(antes, novo));
+      const std::string disco = Arquivo(caso.cabecalho, caso.dados);
+      m_empresa.Escreve("TESTE.DAT", disco);
+      EXPECT_EQ(Falhou(Abre()), !caso.reparado);
+      EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
+      EXPECT_EQ(m_empresa.LeInteiro("TESTE.DAT"), caso.reparado ? NoDisco("TESTE.DAT", *caso.reparado) : disco);
+      EXPECT_EQ(m_empresa.Existe("TESTE.INT"), !caso.reparado);
+    }
+  }
+}
+
+/// A repair that fails half way is told as the damage that it is, and made by the next opening.
+TEST_F(Intencao, ReparoQueFalha) {
+  const std::string antes = Bytes(1, 2);
+  const std::string disco = Arquivo(CabecalhoSobre(antes), antes + "torn");
+  for (apoio::SerieFalhas serie(
+           m_falhas, Plano(apoio::kOpGrava | apoio::kOpAjustaTamanho | apoio::kOpDescarrega, "TESTE.DAT", 1117),
+           apoio::Duracao::Persistente);
+       serie.Proxima();) {
+    Anota(Acrescimo(antes, Bytes(3, 3)));
+    m_empresa.Escreve("TESTE.DAT", disco);
+    const HRESULT hr = serie.Roda([&] { return Abre(); });
+    EXPECT_EQ(hr, serie.Disparou() ? codigos::kDadosNaoConferem : codigos::kOk);
+    EXPECT_EQ(Abre(), codigos::kOk);
+    EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 3));
+  }
+}
+
+/// Only a whole note of a creation, under the file's name, is one.
+TEST_F(Intencao, Criacao) {
+  const auto anotada = [this] { return CQZIntencaoGravacao::CriacaoAnotada(m_sCaminho, "TESTE.DAT"); };
+  EXPECT_EQ(anotada(), Criacao::Nada);
+  CQZIntencaoGravacao::AnotaCriacao(m_sCaminho, "OUTRO.DAT");
+  EXPECT_EQ(anotada(), Criacao::Nada);
+  CQZIntencaoGravacao::AnotaCriacao(m_sCaminho, "TESTE.DAT");
+  EXPECT_EQ(anotada(), Criacao::Criacao);
+  std::string nota = m_empresa.LeInteiro("TESTE.INT");
+  nota[20] ^= 1;
+  m_empresa.Escreve("TESTE.INT", nota);
+  EXPECT_EQ(anotada(), Criacao::Nada);
+  Anota(Acrescimo("", Bytes(1, 1)));
+  EXPECT_EQ(anotada(), Criacao::PrimeiraGravacao);
+  Anota(Acrescimo(Bytes(1, 1), Bytes(2, 2)));
+  EXPECT_EQ(anotada(), Criacao::Nada);
+}
+
+/// The companion is there while the file is open and has been written to, notes nothing between two writes, and goes
+/// while the file still keeps others out.
+TEST_F(Intencao, VidaDoCompanheiro) {
+  Poe("TESTE.DAT", Bytes(1, 2));
+  ASSERT_EQ(Abre(), codigos::kOk);
+  std::uint64_t uiPosicao = 0;
+  EXPECT_FALSE(m_empresa.Existe("TESTE.INT"));
+  EXPECT_EQ(ComBanco::Arquivo().Grava(uiPosicao, Registro(3)), codigos::kOk);
+  EXPECT_EQ(Inteiro("TESTE.INT").value_or("").substr(0, 8), std::string(8, '\0'));
+  m_falhas.Arma({.operacoes = apoio::kOpApaga, .trecho = "TESTE.INT", .falha = {}, .aoFalhar = [this] {
+                   EXPECT_EQ(m_falhas.Abertos(), 1) << "the file itself";
+                 }});
+  EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
+  EXPECT_TRUE(m_falhas.Disparou());
+  EXPECT_FALSE(m_empresa.Existe("TESTE.INT"));
+}
+
+/// One that cannot be had is done without.
+TEST_F(Intencao, SemCompanheiro) {
+  Poe("TESTE.DAT", Bytes(1, 2));
+  for (const unsigned operacao : {apoio::kOpAbre, apoio::kOpAjustaTamanho}) {
+    ASSERT_EQ(Abre(), codigos::kOk);
+    Falha(operacao, "TESTE.INT", 5);
+    std::uint64_t uiPosicao = 1;
+    EXPECT_EQ(ComBanco::Arquivo().Grava(uiPosicao, Registro(operacao)), codigos::kOk);
+    m_falhas.Desarma();
+    EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
+    EXPECT_FALSE(m_empresa.Existe("TESTE.INT"));
+  }
+}
+
+}  // namespace

@@ -106,7 +106,7 @@ bool CResumosVeiculos::Acha(const CriterioResumo &criterio, std::size_t uiLugar,
     const auto passam = [uf = Quatro(criterio.uiUF)](__m128i ufs) { return _mm_cmpeq_epi32(ufs, uf); };
     Restringe(m_ufs, uiLugar, qtd, passam, &mascaras);
   }
-  for (std::size_t i = 0; i < m_assinaturas.size(); ++i) {
+  for (std::size_t i = 0; i < kMetades; ++i) {
     const auto uiMascara = static_cast<std::uint32_t>(criterio.uiMascaraAssinatura >> (32 * i));
     if (uiMascara != 0) {
       const __m128i mascara = Quatro(uiMascara);

@@ -49,6 +49,7 @@ public:
   bool Acha(const CriterioResumo &criterio, std::size_t uiLugar, std::size_t qtd, Candidatos *pCandidatos) const;
 
 private:
+  static constexpr std::size_t kMetades = 2;
   static constexpr std::size_t kPorGrupo = 16;
   /// Bit i of word j: record 16 j + i of a run.
   using Mascaras = std::array<std::uint16_t, kRegistrosPorBloco / kPorGrupo>;
@@ -59,7 +60,7 @@ private:
 
   Coluna m_anos;
   Coluna m_ufs;
-  std::array<Coluna, 2> m_assinaturas;  ///< lower and upper half
+  std::array<Coluna, kMetades> m_assinaturas;  ///< lower and upper half
   std::uint32_t m_iMenorAno = std::numeric_limits<std::uint32_t>::max();
   std::uint32_t m_iMaiorAno = 0;
 };

@@ -1,7 +1,7 @@
 // The wildcard matchers.
 //
 // Property: the mask matcher, the system's match and the search's own matcher give the answers of a definition by
-// recursion, each for the patterns that it takes.
+// recursion, each for the patterns that it takes; and a text that a pattern matches has its signature's bits.
 
 #include <algorithm>
 #include <string>
@@ -11,6 +11,7 @@
 #include "core/platform/Textos.h"
 #include "fuzz/Entrada.h"
 #include "fuzz/Exige.h"
+#include "vehicles/AssinaturaTexto.h"
 #include "vehicles/PadraoCuringa.h"
 
 namespace {
@@ -68,6 +69,9 @@ void ConferePadrao(const std::string &sTexto, const std::string &sPadrao, bool b
     sCampo.resize(std::max(sCampo.size(), uiLargura));
     sCampo.resize(CPadraoCuringa::kBytesLidos, sTexto.empty() ? 'a' : sTexto.back());
     Exige(padrao.Casa(sCampo.data(), uiLargura) == bEsperado, "the search's own match");
+    const std::uint64_t uiDoPadrao = CAssinaturaTexto::DoPadrao(sPadrao);
+    Exige(!bEsperado || (CAssinaturaTexto::DoCampo(sCampo.data(), uiLargura) & uiDoPadrao) == uiDoPadrao,
+          "the signature of a text that matches");
   }
 }
 

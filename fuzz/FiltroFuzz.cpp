@@ -3,7 +3,8 @@
 // Property: the prepared filter passes exactly the records that the criteria pass when they are examined one by one in
 // their order, the first pattern among the texts giving the verdict. Criteria are mostly taken from the record itself,
 // or hardly any record would get past the first. A text by which an index may look for records is one that every record
-// that passes holds, and both ways of hashing it agree.
+// that passes holds, and both ways of hashing it agree. Among other records, of which most are passed over by their
+// digests, a search finds those that pass.
 
 #include "vehicles/FiltroVeiculos.h"
 
@@ -156,6 +157,34 @@ bool Referencia(const RegVeiculo &reg, const Filtro &filtro) {
          NaMascara(filtro.iTipoTransporte, true, reg.iTipoTransporte == 0 ? 0 : 1);
 }
 
+/// A run of records, here and there this one.
+void ConfereBusca(fuzz::CEntrada *pEntrada, const RegVeiculo &reg, const Filtro &filtro,
+                  const CFiltroVeiculos &preparado) {
+  const std::size_t uiInicio = pEntrada->Ate(40);
+  const std::size_t uiQtd = uiInicio + 1 + pEntrada->Ate(40);
+  const std::size_t uiUmEm = 1 + pEntrada->Ate(9);
+  CQZBlocosRegistros<RegVeiculo> registros;
+  registros.DefineTamanho(uiQtd);
+  for (std::size_t i = 0; i < uiQtd; ++i) {
+    RegVeiculo outro{};
+    outro.iAno = static_cast<std::uint32_t>(i);
+    registros.Copia(i, i % uiUmEm == 0 ? &reg : &outro, 1);
+  }
+  registros.Abrange(0, uiQtd);
+  std::size_t uiProximo = uiInicio;
+  const auto pula = [&](std::size_t uiAte) {
+    for (; uiProximo < uiAte; ++uiProximo) {
+      fuzz::Exige(!Referencia(registros[uiProximo], filtro), "a record that is passed over");
+    }
+  };
+  preparado.Procura(std::as_const(registros).TrechoEm(uiInicio, uiQtd), [&](std::size_t i) {
+    pula(uiInicio + i);
+    fuzz::Exige(Referencia(registros[uiProximo++], filtro), "a record that is found");
+    return true;
+  });
+  pula(uiQtd);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qtd) {
@@ -169,6 +198,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qt
     DefineCriterio(&criterios, *reg, &filtro);
   }
   const CFiltroVeiculos preparado(filtro);
+  ConfereBusca(&entrada, *reg, filtro, preparado);
   const bool bPassa = preparado.Atende(*reg);
   fuzz::Exige(bPassa == Referencia(*reg, filtro), "the verdict on a record");
   fuzz::Exige(bPassa || !preparado.PassaTudo(), "a filter of no criterion");

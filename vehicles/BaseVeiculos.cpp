@@ -54,14 +54,6 @@ HRESULT CBaseVeiculos::Procura(const tagREG_FILTRO_VEICULOSPS &Filtro, std::uint
   }
   const CFiltroVeiculos filtro(Filtro);
   const bool bSoConta = puiTodas != nullptr && filtro.PassaTudo();
-  const auto visita = [&](std::uint64_t uiPosicao, const RegVeiculo *pRegistros, std::size_t qtd) {
-    for (std::size_t i = 0; i < qtd && !bSoConta; ++i) {
-      if (filtro.Atende(pRegistros[i]) && !acha(uiPosicao + i, pRegistros[i])) {
-        return false;
-      }
-    }
-    return true;
-  };
   std::uint64_t uiQtd = 0;
   const HRESULT hr = QuantidadeSobTrava(rastro, &uiQtd);
   if (Falhou(hr)) {
@@ -71,9 +63,13 @@ HRESULT CBaseVeiculos::Procura(const tagREG_FILTRO_VEICULOSPS &Filtro, std::uint
     if (const auto chave = filtro.ChaveExata()) {
       return m_pDataBase->m_Veiculos.PercorreTexto(
           chave->uiCampo, chave->sTexto, uiQtd,
-          [&](std::uint64_t uiPosicao, const RegVeiculo &reg) { return visita(uiPosicao, &reg, 1); });
+          [&](std::uint64_t uiPosicao, const RegVeiculo &reg) { return !filtro.Atende(reg) || acha(uiPosicao, reg); });
     }
-    return m_pDataBase->m_Veiculos.PercorreTrechos(1, uiQtd, visita);
+    return m_pDataBase->m_Veiculos.PercorreTrechos(
+        1, uiQtd, [&](std::uint64_t uiPosicao, const CFiltroVeiculos::Trecho &trecho) {
+          return bSoConta ||
+                 filtro.Procura(trecho, [&](std::size_t i) { return acha(uiPosicao + i, trecho.pRegistros[i]); });
+        });
   };
   QZ_VERIFICA(rastro, "m_pDataBase->m_Veiculos.Le(idx, &RegVei)", percorre());
   if (puiTodas != nullptr && bSoConta) {

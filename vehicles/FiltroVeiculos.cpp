@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "core/platform/Textos.h"
+#include "vehicles/AssinaturaTexto.h"
 
 namespace {
 
@@ -26,17 +27,6 @@ bool AtendeMascaraFaixa(std::uint8_t iTipo, std::uint8_t iMascara, unsigned iPri
   return ((iMascara >> (iTipo - iPrimeiro)) & 1U) != 0;
 }
 
-/// A scan looks at the same field of record after record. Matching takes too many steps for the processor to see the
-/// next records coming, so it is told of the field some records ahead; past the end the hint is void.
-void Antecipa(const char *lpCampo, std::size_t uiLargura) {
-  constexpr std::size_t kRegistrosAdiante = 8;
-  const auto uiEndereco = reinterpret_cast<std::uintptr_t>(lpCampo) + kRegistrosAdiante * sizeof(RegVeiculo);
-  // NOLINTBEGIN(performance-no-int-to-ptr): an address that is never read through
-  __builtin_prefetch(reinterpret_cast<const void *>(uiEndereco));
-  __builtin_prefetch(reinterpret_cast<const void *>(uiEndereco + uiLargura));
-  // NOLINTEND(performance-no-int-to-ptr)
-}
-
 }  // namespace
 
 /// A bound of zero or below is none.
@@ -56,6 +46,7 @@ CFiltroVeiculos::CFiltroVeiculos(const tagREG_FILTRO_VEICULOSPS &Filtro)
               Filtro.vCapacidadeKgFinal > 0 || Filtro.vCapacidadeM3Inicial > 0 || Filtro.vCapacidadeM3Final > 0;
   m_bFaixas = m_bMoedas || Filtro.iAnoInicial != 0 || Filtro.iAnoFinal != 0 || Filtro.iPonteiroCliente != 0;
   CompilaTextos();
+  CompilaResumo();
   m_bTextosOuMascaras = m_uiTextos > 0 || Filtro.iTipoCarroceria != 0 || Filtro.iTipoRodado != 0 ||
                         Filtro.iTipoVeiculo != 0 || Filtro.iTipoTransporte != 0;
 }
@@ -88,6 +79,28 @@ void CFiltroVeiculos::CompilaTextos() {
   AcrescentaTexto(m_Filtro.szUF, offsetof(RegVeiculo, szUF), sizeof(m_Filtro.szUF));
 }
 
+/// What a text criterion does not name, and a pattern that the system matches, the digest says nothing of.
+void CFiltroVeiculos::CompilaResumo() {
+  m_resumo.iAnoInicial = m_iAnoInicial;
+  m_resumo.iAnoFinal = m_iAnoFinal;
+  for (std::size_t i = 0; i < m_uiTextos; ++i) {
+    const CriterioTexto &criterio = m_textos[i];
+    const std::string_view sTexto(criterio.texto.data(), criterio.uiTamanho);
+    if (criterio.uiDeslocamento == offsetof(RegVeiculo, szUF)) {
+      m_resumo.bUF = true;
+      m_resumo.uiUF = CResumosVeiculos::ResumoDaUF(sTexto);
+    } else if (criterio.uiDeslocamento == offsetof(RegVeiculo, szDescricao)) {
+      CAssinaturaTexto::Prepara();
+      if (!m_bCuringa || i + 1 < m_uiTextos) {
+        m_resumo.uiMascaraAssinatura = ~std::uint64_t{0};
+        m_resumo.uiAssinatura = CAssinaturaTexto::DoCampo(sTexto.data(), sTexto.size());
+      } else if (m_bPadrao) {
+        m_resumo.uiMascaraAssinatura = m_resumo.uiAssinatura = CAssinaturaTexto::DoPadrao(sTexto);
+      }
+    }
+  }
+}
+
 /// Adds a text criterion; an empty text is none and gives false.
 bool CFiltroVeiculos::AcrescentaTexto(const char *lpTexto, std::size_t uiDeslocamento, std::size_t uiLargura) {
   const std::size_t uiTamanho = TamanhoTexto(lpTexto, uiLargura);
@@ -101,6 +114,25 @@ bool CFiltroVeiculos::AcrescentaTexto(const char *lpTexto, std::size_t uiDesloca
   std::copy(lpTexto, lpTexto + uiTamanho, criterio.texto.begin());
   criterio.texto[uiTamanho] = '\0';
   return true;
+}
+
+/// The fields of a record that criteria look at most; the others are fetched with these.
+void CFiltroVeiculos::Antecipa(const RegVeiculo &reg) {
+  __builtin_prefetch(&reg);
+  __builtin_prefetch(&reg.iAno);
+  __builtin_prefetch(&reg.vCapacidadeM3);
+}
+
+/// Matching takes too many steps for the processor to see the next records coming, so it is told of the field some
+/// records ahead; past the end the hint is void.
+void CFiltroVeiculos::AntecipaTexto(const RegVeiculo *pRegistro) const {
+  const CriterioTexto &criterio = m_textos[m_uiTextos - 1];
+  const auto uiEndereco =
+      reinterpret_cast<std::uintptr_t>(pRegistro) + kAdiante * sizeof(RegVeiculo) + criterio.uiDeslocamento;
+  // NOLINTBEGIN(performance-no-int-to-ptr): an address that is never read through
+  __builtin_prefetch(reinterpret_cast<const void *>(uiEndereco));
+  __builtin_prefetch(reinterpret_cast<const void *>(uiEndereco + criterio.uiLargura));
+  // NOLINTEND(performance-no-int-to-ptr)
 }
 
 std::optional<CFiltroVeiculos::Chave> CFiltroVeiculos::ChaveExata() const {
@@ -143,7 +175,6 @@ bool CFiltroVeiculos::Igual(const CriterioTexto &criterio, const char *lpCampo) 
 }
 
 bool CFiltroVeiculos::Casa(const CriterioTexto &criterio, const char *lpCampo) const {
-  Antecipa(lpCampo, criterio.uiLargura);
   if (m_bPadrao) {
     return m_padrao.Casa(lpCampo, criterio.uiLargura);
   }

@@ -1,14 +1,17 @@
 #ifndef KALVO_VEHICLES_FILTROVEICULOS_H
 #define KALVO_VEHICLES_FILTROVEICULOS_H
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string_view>
 
+#include "core/qzdatabase/arquivo/QZFile.h"
 #include "vehicles/PadraoCuringa.h"
 #include "vehicles/RegVeiculo.h"
+#include "vehicles/ResumosVeiculos.h"
 
 /// A filter prepared for many records. Only the criteria that are in force are kept, in the order in which they are
 /// examined; the first that fails rejects the record.
@@ -27,6 +30,17 @@ public:
   /// True when no criterion is in force: every record passes.
   bool PassaTudo() const { return !m_bFaixas && !m_bTextosOuMascaras; }
 
+  using Trecho = CQZFile<RegVeiculo>::TrechoLido;
+
+  /// Calls `acha(i)` for the records of a run that pass, in order, i counting from the first of them, until it returns
+  /// false, which it then returns. Where few records can pass by their digests it looks only at those.
+  template <typename F>
+  bool Procura(const Trecho &trecho, F &&acha) const {
+    CResumosVeiculos::Candidatos candidatos;
+    const bool bPoucos = m_resumo.EmVigor() && trecho.pResumos->Acha(m_resumo, trecho.uiLugar, trecho.qtd, &candidatos);
+    return bPoucos ? ProcuraEntre(candidatos, trecho.pRegistros, acha) : ProcuraEmTodos(trecho, acha);
+  }
+
   /// A criterion that only records with exactly this text in this field (of CamposIndexados) can meet.
   struct Chave {
     std::size_t uiCampo;
@@ -35,6 +49,7 @@ public:
   std::optional<Chave> ChaveExata() const;
 
 private:
+  static constexpr std::size_t kAdiante = 8;  ///< so many records before it is looked at, one is fetched
   static constexpr std::size_t kMaiorTexto = sizeof(RegVeiculo::szDescricao);
 
   /// A text of the filter against a field of the record, up to the field's first zero byte.
@@ -63,7 +78,38 @@ private:
   }
   bool AtendeTextosEMascaras(const RegVeiculo &reg) const;
   bool AtendeMascaras(const RegVeiculo &reg) const;
+  template <typename F>
+  bool ProcuraEmTodos(const Trecho &trecho, F &&acha) const {
+    for (std::size_t i = 0; i < trecho.qtd; ++i) {
+      if (m_bCuringa) {
+        AntecipaTexto(trecho.pRegistros + i);
+      }
+      if (Atende(trecho.pRegistros[i]) && !acha(i)) {
+        return false;
+      }
+    }
+    return true;
+  }
+  template <typename F>
+  bool ProcuraEntre(const CResumosVeiculos::Candidatos &candidatos, const RegVeiculo *pRegistros, F &&acha) const {
+    for (std::size_t i = 0; i < std::min(candidatos.qtd, kAdiante); ++i) {
+      Antecipa(pRegistros[candidatos.lugares[i]]);
+    }
+    for (std::size_t i = 0; i < candidatos.qtd; ++i) {
+      if (i + kAdiante < candidatos.qtd) {
+        Antecipa(pRegistros[candidatos.lugares[i + kAdiante]]);
+      }
+      if (Atende(pRegistros[candidatos.lugares[i]]) && !acha(candidatos.lugares[i])) {
+        return false;
+      }
+    }
+    return true;
+  }
+  static void Antecipa(const RegVeiculo &reg);
+  void AntecipaTexto(const RegVeiculo *pRegistro) const;
+
   void CompilaTextos();
+  void CompilaResumo();
   bool AcrescentaTexto(const char *lpTexto, std::size_t uiDeslocamento, std::size_t uiLargura);
   static bool Igual(const CriterioTexto &criterio, const char *lpCampo);
   bool Casa(const CriterioTexto &criterio, const char *lpCampo) const;
@@ -82,6 +128,7 @@ private:
   bool m_bCuringa = false;  ///< the last text criterion is a pattern
   bool m_bPadrao = false;   ///< `m_padrao` holds it; else the system matches
   CPadraoCuringa m_padrao;
+  CriterioResumo m_resumo;  ///< holds for every record that passes
 };
 
 #endif

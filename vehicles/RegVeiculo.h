@@ -8,6 +8,7 @@
 #include "core/qzdatabase/arquivo/QZFileBase.h"
 #include "core/qzdatabase/arquivo/QZIndices.h"
 #include "vehicles/RegVeiculoPS.h"
+#include "vehicles/ResumosVeiculos.h"
 
 /// One vehicle as stored in "DFVEIC.DAT". Texts are zero-terminated when shorter than their field and not terminated
 /// when they fill it; currency fields are counts of ten-thousandths.
@@ -49,6 +50,12 @@ struct CamposIndexados<RegVeiculo> {
   static constexpr std::array<CampoIndexado, 2> kCampos = {
       {{offsetof(RegVeiculo, szCodigo), sizeof(RegVeiculo::szCodigo)},
        {offsetof(RegVeiculo, szPlaca), sizeof(RegVeiculo::szPlaca)}}};
+};
+
+/// Most searches look at a vehicle's digest first.
+template <>
+struct ResumosDeRegistros<RegVeiculo> {
+  using Bloco = CResumosVeiculos;
 };
 
 /// Builds the stored record from the interface record: all texts cut at their terminator, everything else of the record

@@ -72,7 +72,7 @@ public:
   HRESULT Muda(std::uint32_t n) override { return Grava(1, n); }
   HRESULT Acrescenta(std::uint32_t n) override { return Grava(0, n); }
   std::vector<Gravacao> Gravacoes() override {
-    constexpr std::uint32_t kBloco = CQZBlocosRegistros<RegTeste>::kRegistrosPorBloco;
+    constexpr std::uint32_t kBloco = kRegistrosPorBloco;
     return {
         {"create", {}, [this] { return Grava(0, 1); }, Bytes(1, 1)},
         {"append", Bytes(1, 3), [this] { return Grava(0, 9); }, Bytes(1, 3) + Bytes(9, 9)},

@@ -138,7 +138,7 @@ protected:
   std::size_t m_visitados = 0;
 };
 
-constexpr std::uint32_t kTresBlocos = 2 * CQZBlocosRegistros<RegTeste>::kRegistrosPorBloco + 500;
+constexpr std::uint32_t kTresBlocos = 2 * kRegistrosPorBloco + 500;
 
 TEST_F(Indice, SoOlhaOndePodeEstar) {
   ASSERT_EQ(Abre(), codigos::kOk);

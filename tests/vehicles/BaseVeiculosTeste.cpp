@@ -14,6 +14,7 @@
 #include "tests/apoio/SerieFalhas.h"
 #include "tests/apoio/ServicosTrocados.h"
 #include "tests/vehicles/AmostraVeiculos.h"
+#include "vehicles/FiltroVeiculos.h"
 
 namespace {
 
@@ -34,18 +35,39 @@ protected:
     return posicoes;
   }
 
+  /// What Busca is to find: the answer of looking at every vehicle.
+  std::vector<LONG> Examina(const tagREG_FILTRO_VEICULOSPS &filtro) const {
+    const CFiltroVeiculos preparado(filtro);
+    std::vector<LONG> posicoes;
+    for (std::size_t i = 0; i < m_modelo.size(); ++i) {
+      if (preparado.Atende(m_modelo[i])) {
+        posicoes.push_back(static_cast<LONG>(i + 1));
+      }
+    }
+    return posicoes;
+  }
+  /// Writes, and into the model too where that succeeds; position 0 appends.
+  HRESULT GravaComModelo(LONG lPos, const tagREG_VEICULOPS &v) {
+    const HRESULT hr = m_base.Grava(&lPos, v);
+    if (!Falhou(hr)) {
+      m_modelo.resize(std::max(m_modelo.size(), static_cast<std::size_t>(lPos)));
+      CopiaParaRegistro(v, &m_modelo[static_cast<std::size_t>(lPos - 1)]);
+    }
+    return hr;
+  }
+
+  std::vector<RegVeiculo> m_modelo;
   apoio::EmpresaComBase m_empresa;
   apoio::RelogioFalso m_relogio;
-  apoio::ServicosTrocados m_servicos{nullptr, nullptr, &m_relogio};
+  apoio::ArquivosComFalha m_falhas{*plataforma::ServicosDoSistema().arquivos};
+  apoio::ServicosTrocados m_servicos{&m_falhas, nullptr, &m_relogio};
   CBaseVeiculos m_base;
 };
 
 /// Wherever the process ends while it writes the version file, the next start makes it anew.
 TEST_F(Registro, EmpresaNova) {
-  apoio::ArquivosComFalha arquivos(*plataforma::ServicosDoSistema().arquivos);
-  const apoio::ServicosTrocados servicos(&arquivos);
   const apoio::PlanoFalha plano{.trecho = "DFVEIVS.DAT", .gravaAntes = 8};
-  for (apoio::SerieFalhas serie(arquivos, plano, apoio::Duracao::Persistente); serie.Proxima();) {
+  for (apoio::SerieFalhas serie(m_falhas, plano, apoio::Duracao::Persistente); serie.Proxima();) {
     const apoio::EmpresaComBase empresa;
     static_cast<void>(serie.Roda([&] { return CBaseVeiculos().Inicializa(empresa.Codigo(), 7, 42); }));
     ASSERT_EQ(m_base.Inicializa(empresa.Codigo(), 7, 42), codigos::kOk);
@@ -264,38 +286,25 @@ TEST_F(Registro, BuscasComoPeloExameDeTodos) {
   std::mt19937 gerador(3);
   const auto sorteia = [&](std::size_t n) { return static_cast<std::size_t>(gerador() % n); };
   const auto texto = [&] { return kTextos[sorteia(std::size(kTextos))]; };
-  std::vector<RegVeiculo> modelo;
-  const auto examina = [&](const tagREG_FILTRO_VEICULOSPS &filtro) {
-    std::vector<LONG> posicoes;
-    for (std::size_t i = 0; i < modelo.size(); ++i) {
-      if (CBaseVeiculos::AtendeFiltro(modelo[i], filtro)) {
-        posicoes.push_back(static_cast<LONG>(i + 1));
-      }
-    }
-    return posicoes;
-  };
   ASSERT_EQ(Abre(), codigos::kOk);
   for (int i = 0; i < 500; ++i) {
     tagREG_VEICULOPS v = Veiculo(texto(), texto());
     v.iAno = static_cast<std::uint32_t>(2000 + sorteia(2));
-    auto lPos = static_cast<LONG>(sorteia(3) == 0 ? 0 : sorteia(modelo.size() + 1));
-    modelo.resize(std::max(modelo.size(), lPos == 0 ? modelo.size() + 1 : 0));
-    CopiaParaRegistro(v, &modelo[lPos == 0 ? modelo.size() - 1 : static_cast<std::size_t>(lPos - 1)]);
-    ASSERT_EQ(m_base.Grava(&lPos, v), codigos::kOk);
+    ASSERT_EQ(GravaComModelo(static_cast<LONG>(sorteia(3) == 0 ? 0 : sorteia(m_modelo.size() + 1)), v), codigos::kOk);
 
     const char *const lpTexto = texto();
     tagREG_FILTRO_VEICULOSPS porCodigo{};
     tagREG_FILTRO_VEICULOSPS porPlaca{};
     Preenche(porCodigo.szCodigo, lpTexto);
     Preenche(porPlaca.szPlaca, lpTexto);
-    std::vector<LONG> esperadas = examina(porCodigo);
-    esperadas = esperadas.empty() ? examina(porPlaca) : esperadas;
+    std::vector<LONG> esperadas = Examina(porCodigo);
+    esperadas = esperadas.empty() ? Examina(porPlaca) : esperadas;
     std::uint32_t iPos = 77;
     ASSERT_EQ(m_base.Existe(lpTexto, &iPos, &v), codigos::kOk);
     ASSERT_EQ(iPos, esperadas.empty() ? 0U : static_cast<std::uint32_t>(esperadas[0])) << lpTexto;
     tagREG_VEICULOPS vEsperado{};
     if (iPos != 0) {
-      CopiaParaInterface(modelo[iPos - 1], &vEsperado);
+      CopiaParaInterface(m_modelo[iPos - 1], &vEsperado);
     }
     ASSERT_EQ(Bytes(v), Bytes(vEsperado));
 
@@ -303,15 +312,97 @@ TEST_F(Registro, BuscasComoPeloExameDeTodos) {
     Preenche(filtro.szPlaca, texto());
     Preenche(filtro.szDescricao, i % 7 == 0 ? "*" : i % 5 == 0 ? "CAMINHAO TOCO" : "");
     filtro.iAnoInicial = i % 3 == 0 ? 2001 : 0;
-    ASSERT_EQ(Busca(filtro), examina(filtro)) << filtro.szCodigo << '|' << filtro.szPlaca;
-    ASSERT_EQ(Busca(porPlaca), examina(porPlaca)) << lpTexto;
+    ASSERT_EQ(Busca(filtro), Examina(filtro)) << filtro.szCodigo << '|' << filtro.szPlaca;
+    ASSERT_EQ(Busca(porPlaca), Examina(porPlaca)) << lpTexto;
+  }
+}
+
+/// What a search passes over by the digests is nothing that looking at every vehicle finds: in several blocks, after
+/// writes that succeed and that fail, and after loads.
+TEST_F(Registro, BuscasPelosResumos) {
+  static const char *const kPalavras[] = {"SILO", "silo", "S\xC3O", "s\xE3o", "TRUCK", "LO", "A", " ", "1 2", "*?"};
+  static const char *const kPadroes[] = {"*SILO*", "*s\xE3o*", "S?LO*", "*CK",     "*TR?CK*1*", "*LOA*",
+                                         "*",      "*?",       "*.*",   " *SILO*", "*A;*SILO*", "*SILOS\xC3OSILO*"};
+  static const char *const kUFs[] = {"SP", "PS", "S", "", "SPA", "sp", "RJ"};
+  static const std::uint32_t kAnos[] = {0, 1, 1995, 2000, 2001, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF};
+  std::mt19937 gerador(5);
+  const auto sorteia = [&](std::size_t n) { return static_cast<std::uint32_t>(gerador() % n); };
+  const auto um = [&](const auto &deles) { return deles[sorteia(std::size(deles))]; };
+  const auto veiculo = [&](std::uint32_t iAno) {
+    tagREG_VEICULOPS v = VeiculoCompleto();
+    std::string descricao;
+    for (std::uint32_t n = sorteia(sorteia(10) == 0 ? 25 : 5); n != 0; --n) {
+      descricao += um(kPalavras);
+    }
+    Preenche(v.szDescricao, descricao);
+    Preenche(v.szUF, um(kUFs));
+    v.iAno = iAno;
+    v.vTara = sorteia(4);
+    return v;
+  };
+  const auto filtroPara = [&](const RegVeiculo &reg) {
+    tagREG_FILTRO_VEICULOSPS filtro{};
+    filtro.iAnoInicial = sorteia(2) == 0 ? reg.iAno : sorteia(3) == 0 ? um(kAnos) : 0;
+    filtro.iAnoFinal = sorteia(2) == 0 ? reg.iAno : sorteia(3) == 0 ? um(kAnos) : 0;
+    filtro.vTaraInicial = sorteia(3) == 0 ? reg.vTara : 0;
+    if (sorteia(2) == 0) {
+      std::memcpy(filtro.szUF, reg.szUF, sizeof(filtro.szUF));
+    }
+    if (const std::uint32_t uiTexto = sorteia(4); uiTexto == 0) {
+      std::memcpy(filtro.szDescricao, reg.szDescricao, sizeof(filtro.szDescricao));
+    } else if (uiTexto < 3) {
+      Preenche(filtro.szDescricao, um(kPadroes));
+    }
+    Preenche(filtro.szCodigo, sorteia(5) == 0 ? "V00*" : "");
+    return filtro;
+  };
+  const auto abreComModelo = [&] {
+    std::string bytes;
+    for (const RegVeiculo &reg : m_modelo) {
+      bytes += Bytes(reg);
+    }
+    m_empresa.Escreve("DFVEIC.DAT", apoio::NoDisco("DFVEIC.DAT", bytes));
+    ASSERT_EQ(Abre(), codigos::kOk);
+  };
+  ASSERT_EQ(Abre(), codigos::kOk);
+  // Years that rise, so that blocks differ in them.
+  for (std::uint32_t n = 0; n < 2 * kRegistrosPorBloco + 300; ++n) {
+    RegVeiculo reg;
+    CopiaParaRegistro(veiculo(1000 + n), &reg);
+    m_modelo.push_back(reg);
+  }
+  ASSERT_EQ(m_base.Finaliza(), codigos::kOk);
+  abreComModelo();
+  for (int i = 0; i < 300; ++i) {
+    SCOPED_TRACE(i);
+    const std::uint32_t uiOp = sorteia(20);
+    const auto uiIndice = sorteia(m_modelo.size());
+    const RegVeiculo antigo = m_modelo[uiIndice];
+    if (uiOp == 0) {
+      ASSERT_EQ(m_base.Finaliza(), codigos::kOk);
+      m_modelo.erase(m_modelo.begin(), m_modelo.begin() + sorteia(100));
+      abreComModelo();
+    } else {
+      apoio::PlanoFalha plano{.operacoes = apoio::kOpGrava, .trecho = "DFVEIC.DAT", .enesima = 1 + sorteia(2)};
+      plano.bPersistente = true;
+      plano.gravaAntes = sorteia(257);
+      if (uiOp < 5) {
+        m_falhas.Arma(plano);
+      }
+      static_cast<void>(GravaComModelo(sorteia(3) == 0 ? 0 : static_cast<LONG>(uiIndice + 1), veiculo(um(kAnos))));
+      m_falhas.Desarma();
+    }
+    for (const RegVeiculo &reg : {antigo, m_modelo[std::min<std::size_t>(uiIndice, m_modelo.size() - 1)],
+                                  m_modelo.back(), m_modelo[sorteia(m_modelo.size())]}) {
+      const tagREG_FILTRO_VEICULOSPS filtro = filtroPara(reg);
+      ASSERT_EQ(Busca(filtro), Examina(filtro)) << filtro.iAnoInicial << '-' << filtro.iAnoFinal << ' '
+                                                << std::string(filtro.szDescricao, sizeof(filtro.szDescricao));
+    }
   }
 }
 
 /// Every operation before Inicializa and while another program holds the file: its code, and what administrators find.
 TEST_F(Registro, CodigosECadeiasDoRastro) {
-  apoio::ArquivosComFalha arquivos(*plataforma::ServicosDoSistema().arquivos);
-  const apoio::ServicosTrocados servicos(&arquivos);
   const std::string sSemBanco = "|BaseVeiculos.cpp|((HRESULT)0x810809E3L)";
   apoio::ColetorRastro rastro;
   LONG lPos = 1;
@@ -333,7 +424,7 @@ TEST_F(Registro, CodigosECadeiasDoRastro) {
   m_empresa.Escreve("DFVEIC.DAT", std::string(512, 'a'));
   ASSERT_EQ(Abre(), codigos::kOk);  // and is left open for writing where it gets its header
   ASSERT_EQ(Abre(), codigos::kOk);
-  arquivos.Arma({apoio::kOpAbre, "DFVEIC.DAT", 1, true, plataforma::FalhaWin32(32), {}});
+  m_falhas.Arma({apoio::kOpAbre, "DFVEIC.DAT", 1, true, plataforma::FalhaWin32(32), {}});
   ASSERT_EQ(m_base.Grava(&lPos, v), codigos::kArqCompartilhamento);
   EXPECT_EQ(rastro.Toma().back(),
             "CBaseVeiculos::Grava|BaseVeiculos.cpp|m_pDataBase->m_Veiculos.Grava(uiPosicao, RegVei)");
@@ -356,8 +447,16 @@ TEST_F(Registro, VariosRegistrosDaMesmaEmpresaAoMesmoTempo) {
         LONG lPos = 0;
         std::uint32_t iAchado = 0;
         tagREG_VEICULOPS v;
-        falhas += Falhou(base.Grava(&lPos, Veiculo(codigo))) || Falhou(base.Existe(codigo.c_str(), &iAchado, &v)) ||
+        tagREG_VEICULOPS novo = Veiculo(codigo);
+        novo.iAno = static_cast<std::uint32_t>(3000 + t);
+        falhas += Falhou(base.Grava(&lPos, novo)) || Falhou(base.Existe(codigo.c_str(), &iAchado, &v)) ||
                   static_cast<LONG>(iAchado) != lPos;
+        tagREG_FILTRO_VEICULOSPS destaThread{};
+        destaThread.iAnoInicial = destaThread.iAnoFinal = novo.iAno;
+        Preenche(destaThread.szDescricao, "*toco");
+        CArray<LONG> aAchadas;
+        falhas += Falhou(base.InternalGetRegs(destaThread, &aAchadas, nullptr)) ||
+                  aAchadas.GetSize() != static_cast<std::size_t>(i + 1);
       }
     });
   }

@@ -12,21 +12,29 @@
 #include <vector>
 
 #include "core/platform/CException.h"
+#include "core/qzdatabase/arquivo/QZResumos.h"
 
 /// The records of a file in memory, in blocks of fixed size: growing never copies a record, and neighbouring records
-/// lie together so that a scan runs at memory speed. Indices are 0-based. Not synchronised.
+/// lie together so that a scan runs at memory speed. Beside each block stand the digests of its records
+/// (ResumosDeRegistros). Indices are 0-based. Not synchronised.
 template <typename T>
 class CQZBlocosRegistros {
   static_assert(std::is_trivially_copyable_v<T>, "records are copied and compared as bytes");
 
-public:
-  static constexpr std::size_t kRegistrosPorBloco = 1024;
+  using Resumos = typename ResumosDeRegistros<T>::Bloco;
+  struct Bloco {
+    T registros[kRegistrosPorBloco];
+    Resumos resumos;
+  };
 
+public:
   /// A run of records that lie together.
   template <typename U>
   struct Trecho {
     U *pRegistros;
     std::size_t qtd;
+    const Resumos *pResumos;  ///< of the block
+    std::size_t uiLugar;      ///< of the first record in the block
   };
 
   std::size_t GetSize() const { return m_qtd; }
@@ -34,19 +42,20 @@ public:
   /// Room that was made beside the records, for Adota.
   class Espaco {
     friend CQZBlocosRegistros;
-    std::vector<std::unique_ptr<T[]>> m_novos;   ///< blocks behind those that there are
-    std::vector<std::unique_ptr<T[]>> m_tabela;  ///< empty, for all of them; unless the present table has room
+    std::vector<std::unique_ptr<Bloco>> m_novos;   ///< blocks behind those that there are
+    std::vector<std::unique_ptr<Bloco>> m_tabela;  ///< empty, for all of them; unless the present table has room
   };
 
   /// Makes room for `qtd` records, the present ones included, without touching these. Throws std::bad_alloc.
   Espaco PreparaEspaco(std::size_t qtd) const {
+    Resumos::Prepara();
     const std::size_t blocos = (qtd + kRegistrosPorBloco - 1) / kRegistrosPorBloco;
     Espaco espaco;
     if (blocos > m_blocos.capacity()) {
       espaco.m_tabela.reserve(std::max(blocos, m_blocos.capacity() * 2));
     }
     while (m_blocos.size() + espaco.m_novos.size() < blocos) {
-      espaco.m_novos.push_back(std::make_unique_for_overwrite<T[]>(kRegistrosPorBloco));
+      espaco.m_novos.push_back(std::make_unique_for_overwrite<Bloco>());
     }
     return espaco;
   }
@@ -63,7 +72,7 @@ public:
   /// Makes room for `qtd` records without changing their number. Throws std::bad_alloc with everything as before.
   void Reserva(std::size_t qtd) { Adota(PreparaEspaco(qtd)); }
 
-  /// Sets the number of records; the content of added ones is undefined.
+  /// Sets the number of records; the content of added ones is undefined, that of their digests too.
   void DefineTamanho(std::size_t qtd) {
     Reserva(qtd);
     m_qtd = qtd;
@@ -85,29 +94,45 @@ public:
     if (indice >= m_qtd) {
       LancaArgumentoInvalido();
     }
-    return m_blocos[indice / kRegistrosPorBloco][indice % kRegistrosPorBloco];
+    return m_blocos[indice / kRegistrosPorBloco]->registros[indice % kRegistrosPorBloco];
   }
 
   /// The run that starts at `indice` (below `fim`) and ends with its block or before `fim`, whichever comes first.
   Trecho<T> TrechoEm(std::size_t indice, std::size_t fim) {
-    const std::size_t deslocamento = indice % kRegistrosPorBloco;
-    return {&m_blocos[indice / kRegistrosPorBloco][deslocamento],
-            std::min(fim - indice, kRegistrosPorBloco - deslocamento)};
+    const std::size_t uiLugar = indice % kRegistrosPorBloco;
+    Bloco &bloco = *m_blocos[indice / kRegistrosPorBloco];
+    return {&bloco.registros[uiLugar], std::min(fim - indice, kRegistrosPorBloco - uiLugar), &bloco.resumos, uiLugar};
   }
   Trecho<const T> TrechoEm(std::size_t indice, std::size_t fim) const {
     const Trecho<T> trecho = const_cast<CQZBlocosRegistros *>(this)->TrechoEm(indice, fim);
-    return {trecho.pRegistros, trecho.qtd};
+    return {trecho.pRegistros, trecho.qtd, trecho.pResumos, trecho.uiLugar};
   }
 
-  /// Copies `qtd` records over those from `indice` on, for which there must be room. Behind the last record nobody
-  /// looks at what is copied until DefineTamanho.
+  /// Copies `qtd` records over those from `indice` on, for which there must be room, and computes their digests. Behind
+  /// the last record nobody looks at what is copied until DefineTamanho. Abrange is to follow.
   void Copia(std::size_t indice, const T *pOrigem, std::size_t qtd) {
     for (const std::size_t fim = indice + qtd; indice < fim;) {
       const Trecho<T> trecho = TrechoEm(indice, fim);
       std::memcpy(trecho.pRegistros, pOrigem, trecho.qtd * sizeof(T));
+      ResumosEm(indice).Define(trecho.uiLugar, pOrigem, trecho.qtd);
       pOrigem += trecho.qtd;
       indice += trecho.qtd;
     }
+  }
+
+  /// Lets the blocks' summaries take in `qtd` records from `indice` on, whose digests are computed.
+  void Abrange(std::size_t indice, std::size_t qtd) {
+    for (const std::size_t fim = indice + qtd; indice < fim;) {
+      const Trecho<T> trecho = TrechoEm(indice, fim);
+      ResumosEm(indice).Abrange(trecho.uiLugar, trecho.qtd);
+      indice += trecho.qtd;
+    }
+  }
+
+  /// Computes the digests of a run of records that was filled through TrechoEm, and lets the summary take them in.
+  void Resume(std::size_t indice, const Trecho<T> &trecho) {
+    ResumosEm(indice).Define(trecho.uiLugar, trecho.pRegistros, trecho.qtd);
+    ResumosEm(indice).Abrange(trecho.uiLugar, trecho.qtd);
   }
 
   /// True when the `qtd` records from `indice` on, which must exist, equal the given ones byte for byte.
@@ -124,7 +149,9 @@ public:
   }
 
 private:
-  std::vector<std::unique_ptr<T[]>> m_blocos;
+  Resumos &ResumosEm(std::size_t indice) { return m_blocos[indice / kRegistrosPorBloco]->resumos; }
+
+  std::vector<std::unique_ptr<Bloco>> m_blocos;
   std::size_t m_qtd = 0;
 };
 

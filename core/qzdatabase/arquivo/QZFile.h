@@ -52,7 +52,10 @@ public:
   template <typename F>
   [[nodiscard]] HRESULT Percorre(std::uint64_t uiPrimeira, std::uint64_t uiUltima, F &&visita);
 
-  /// The same by runs of records that lie together: `visita(uiPosicao, pRegistros, qtd)`.
+  using TrechoLido = typename CQZBlocosRegistros<T>::template Trecho<const T>;
+
+  /// The same by runs of records that lie together, with the digests of their block:
+  /// `visita(uiPosicao, const TrechoLido &)`.
   template <typename F>
   [[nodiscard]] HRESULT PercorreTrechos(std::uint64_t uiPrimeira, std::uint64_t uiUltima, F &&visita);
 
@@ -83,8 +86,8 @@ private:
   static constexpr char kFonte[] = "QZFile.h";
   static constexpr NomeFuncao Nome(const char *lpMetodo) { return {"CQZFile<", NomeTipoRegistro<T>::kNome, lpMetodo}; }
 
-  static constexpr std::size_t kLote = 64;    ///< records read under one lock
-  static constexpr std::size_t kAdiante = 8;  ///< so many records before it is read, one is fetched
+  static constexpr std::size_t kLote = 64;     ///< records read under one lock
+  static constexpr std::size_t kAdiante = 16;  ///< records fetched at a time before they are read
   /// As much of a record as is worth fetching ahead: what lies further behind is fetched by reading what lies here.
   static constexpr std::size_t kBytesAdiante = std::min<std::size_t>(sizeof(T), 192);
 
@@ -109,7 +112,8 @@ private:
   [[nodiscard]] HRESULT Examina(std::uint64_t uiPosicao, T *pReg) const;
   template <typename P, typename F>
   [[nodiscard]] std::size_t LeLote(std::size_t inicio, std::size_t qtd, P &&posicao, F &&entrega);
-  void Antecipa(std::uint64_t uiPosicao) const;
+  template <typename P>
+  void Antecipa(std::size_t inicio, std::size_t qtd, P &&posicao) const;
   plataforma::FalhaArquivo LeCarga(std::uint64_t *puiCrc);
 
   template <typename F>
@@ -197,6 +201,9 @@ plataforma::FalhaArquivo CQZFile<T>::LeCarga(std::uint64_t *puiCrc) {
   for (std::size_t i = 0; !falha && i < m_aCarga.GetSize();) {
     const auto trecho = m_aCarga.TrechoEm(i, m_aCarga.GetSize());
     falha = Arquivo().Le(PosicaoNoArquivo(i), trecho.pRegistros, trecho.qtd * sizeof(T));
+    if (!falha) {
+      m_aCarga.Resume(i, trecho);
+    }
     uiCrc = falha || puiCrc == nullptr ? 0 : CalculaCrc64(trecho.pRegistros, trecho.qtd * sizeof(T), uiCrc);
     i += trecho.qtd;
   }
@@ -301,12 +308,9 @@ std::size_t CQZFile<T>::LeLote(std::size_t inicio, std::size_t qtd, P &&posicao,
   if (!MemoriaIgual()) {
     return 0;
   }
-  for (std::size_t i = 0; i < std::min(qtd, kAdiante); ++i) {
-    Antecipa(posicao(inicio + i));
-  }
   for (std::size_t i = 0; i < qtd; ++i) {
-    if (i + kAdiante < qtd) {
-      Antecipa(posicao(inicio + i + kAdiante));
+    if (i % kAdiante == 0) {
+      Antecipa(inicio + i, std::min(kAdiante, qtd - i), posicao);
     }
     const std::uint64_t uiPosicao = posicao(inicio + i);
     if (uiPosicao == 0 || uiPosicao > m_aRegistros.GetSize()) {
@@ -317,24 +321,29 @@ std::size_t CQZFile<T>::LeLote(std::size_t inicio, std::size_t qtd, P &&posicao,
   return qtd;
 }
 
+/// Fetches records that lie anywhere, by reading from each line: the processor waits for many reads at the same time,
+/// but drops mere hints for pages that it would have to look up first.
 template <typename T>
-void CQZFile<T>::Antecipa(std::uint64_t uiPosicao) const {
+template <typename P>
+void CQZFile<T>::Antecipa(std::size_t inicio, std::size_t qtd, P &&posicao) const {
   constexpr std::size_t kLinha = 64;
-  if (uiPosicao == 0 || uiPosicao > m_aRegistros.GetSize()) {
-    return;
-  }
-  const auto *pBytes = reinterpret_cast<const char *>(&m_aRegistros[static_cast<std::size_t>(uiPosicao - 1)]);
-  for (std::size_t i = 0; i < kBytesAdiante; i += kLinha) {
-    __builtin_prefetch(pBytes + i);
+  for (std::size_t i = inicio; i < inicio + qtd; ++i) {
+    const std::uint64_t uiPosicao = posicao(i);
+    if (uiPosicao != 0 && uiPosicao <= m_aRegistros.GetSize()) {
+      const auto *pBytes = reinterpret_cast<const char *>(&m_aRegistros[static_cast<std::size_t>(uiPosicao - 1)]);
+      for (std::size_t j = 0; j < kBytesAdiante; j += kLinha) {
+        static_cast<void>(*static_cast<const volatile char *>(pBytes + j));
+      }
+    }
   }
 }
 
 template <typename T>
 template <typename F>
 HRESULT CQZFile<T>::Percorre(std::uint64_t uiPrimeira, std::uint64_t uiUltima, F &&visita) {
-  return PercorreTrechos(uiPrimeira, uiUltima, [&](std::uint64_t uiPosicao, const T *pRegistros, std::size_t qtd) {
-    for (std::size_t i = 0; i < qtd; ++i) {
-      if (!visita(uiPosicao + i, pRegistros[i])) {
+  return PercorreTrechos(uiPrimeira, uiUltima, [&](std::uint64_t uiPosicao, const TrechoLido &trecho) {
+    for (std::size_t i = 0; i < trecho.qtd; ++i) {
+      if (!visita(uiPosicao + i, trecho.pRegistros[i])) {
         return false;
       }
     }
@@ -376,9 +385,9 @@ HRESULT CQZFile<T>::VisitaTrecho(std::uint64_t uiUltima, F &&visita, std::uint64
     return codigos::kOk;
   }
   const std::uint64_t uiFim = std::min<std::uint64_t>(uiUltima, m_aRegistros.GetSize());
-  const auto trecho =
+  const TrechoLido trecho =
       std::as_const(m_aRegistros).TrechoEm(static_cast<std::size_t>(*puiPosicao - 1), static_cast<std::size_t>(uiFim));
-  *pbFim = !visita(*puiPosicao, trecho.pRegistros, trecho.qtd);
+  *pbFim = !visita(*puiPosicao, trecho);
   *puiPosicao += trecho.qtd;
   return codigos::kOk;
 }
@@ -542,6 +551,7 @@ void CQZFile<T>::TomaRegistros(std::size_t indice, const T *pRegistros, std::siz
   const plataforma::CQZTravaEscrita trava(Leitores());
   m_indices.Troca(m_aRegistros, indice, pRegistros, qtd);
   m_aRegistros.Copia(indice, pRegistros, sobrepostos);
+  m_aRegistros.Abrange(indice, qtd);
   m_aRegistros.DefineTamanho(std::max(indice + qtd, m_aRegistros.GetSize()));
   Transacao().Confirma();
   PublicaQuantidade();

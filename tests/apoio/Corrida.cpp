@@ -61,12 +61,12 @@ constexpr int kTentativas = 30;
 /// Enough for the last child to have its order before the gate opens.
 constexpr long long kAntecedencia = 2000000;
 
+}  // namespace
+
 unsigned Rodadas() {
   const char *const lpRodadas = std::getenv("KALVO_RODADAS");
   return lpRodadas != nullptr ? static_cast<unsigned>(std::max(1, std::atoi(lpRodadas))) : 6;
 }
-
-}  // namespace
 
 std::string LinhaDaLista(const CString &nome) {
   return std::string(1, static_cast<char>(nome.size())) + std::string(3, '\0') + nome;

@@ -14,6 +14,9 @@
 
 namespace apoio {
 
+/// How often what depends on chance is tried: as the environment's KALVO_RODADAS says, or a few times.
+unsigned Rodadas();
+
 /// A line of the list of created files.
 std::string LinhaDaLista(const CString &nome);
 
@@ -26,8 +29,7 @@ public:
   Corrida(const std::string &nome, const EmpresaTeste &empresa, unsigned uiProcessos, const std::string &sConfiguracao);
   ~Corrida();
 
-  /// False when the rounds are over: as many as the environment's KALVO_RODADAS says, or a few. Else the company's
-  /// directory is empty and a new round begins.
+  /// False when the rounds are over (Rodadas). Else the company's directory is empty and a new round begins.
   bool Proxima();
   /// Opens the gate. How many steps of its part each child was told done.
   std::vector<unsigned> Roda();

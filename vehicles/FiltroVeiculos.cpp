@@ -123,18 +123,6 @@ void CFiltroVeiculos::Antecipa(const RegVeiculo &reg) {
   __builtin_prefetch(&reg.vCapacidadeM3);
 }
 
-/// Matching takes too many steps for the processor to see the next records coming, so it is told of the field some
-/// records ahead; past the end the hint is void.
-void CFiltroVeiculos::AntecipaTexto(const RegVeiculo *pRegistro) const {
-  const CriterioTexto &criterio = m_textos[m_uiTextos - 1];
-  const auto uiEndereco =
-      reinterpret_cast<std::uintptr_t>(pRegistro) + kAdiante * sizeof(RegVeiculo) + criterio.uiDeslocamento;
-  // NOLINTBEGIN(performance-no-int-to-ptr): an address that is never read through
-  __builtin_prefetch(reinterpret_cast<const void *>(uiEndereco));
-  __builtin_prefetch(reinterpret_cast<const void *>(uiEndereco + criterio.uiLargura));
-  // NOLINTEND(performance-no-int-to-ptr)
-}
-
 std::optional<CFiltroVeiculos::Chave> CFiltroVeiculos::ChaveExata() const {
   const std::size_t uiExatos = m_bCuringa ? m_uiTextos - 1 : m_uiTextos;
   for (std::size_t i = 0; i < uiExatos; ++i) {

@@ -106,7 +106,17 @@ private:
     return true;
   }
   static void Antecipa(const RegVeiculo &reg);
-  void AntecipaTexto(const RegVeiculo *pRegistro) const;
+  /// Matching takes too many steps for the processor to see the next records coming, so it is told of the field some
+  /// records ahead; past the end the hint is void.
+  void AntecipaTexto(const RegVeiculo *pRegistro) const {
+    const CriterioTexto &criterio = m_textos[m_uiTextos - 1];
+    const auto uiEndereco =
+        reinterpret_cast<std::uintptr_t>(pRegistro) + kAdiante * sizeof(RegVeiculo) + criterio.uiDeslocamento;
+    // NOLINTBEGIN(performance-no-int-to-ptr): an address that is never read through
+    __builtin_prefetch(reinterpret_cast<const void *>(uiEndereco));
+    __builtin_prefetch(reinterpret_cast<const void *>(uiEndereco + criterio.uiLargura));
+    // NOLINTEND(performance-no-int-to-ptr)
+  }
 
   void CompilaTextos();
   void CompilaResumo();

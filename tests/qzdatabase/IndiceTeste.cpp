@@ -160,6 +160,9 @@ TEST_F(Indice, SoOlhaOndePodeEstar) {
   EXPECT_EQ(m_visitados, 1U);
   EXPECT_EQ(PeloIndice("P7"), (Posicoes{2400, 2500}));
   // All go: no entry is left that would have to be followed.
+  ASSERT_EQ(Grava(9, Com(1, "Q")), codigos::kOk);
+  EXPECT_EQ(PeloIndice("P9"), Posicoes());
+  EXPECT_EQ(m_visitados, 0U);
   ASSERT_EQ(Grava(2400, Com(1, "R1")), codigos::kOk);
   ASSERT_EQ(Grava(2500, Com(1, "R2")), codigos::kOk);
   EXPECT_EQ(PeloIndice("P7"), Posicoes());
@@ -191,6 +194,9 @@ TEST_F(Indice, AteAUltima) {
   apoio::ColetorRastro rastro;
   EXPECT_EQ(Arquivo().PercorreTexto(0, "P1", 11, visita(&visitados)), codigos::kPosicaoAlemDoFim);
   EXPECT_EQ(rastro.Toma(), std::vector<std::string>{"CQZFile<struct RegTeste>::Le|QZFile.h|((HRESULT)0x810809DAL)"});
+  // More new texts at once than there are entries.
+  EnchecomTextosProprios(kTresBlocos);
+  Confere("P2000");
 }
 
 /// Writes, collections, writes that fail and are undone, handles that die, other files in the place of this one.

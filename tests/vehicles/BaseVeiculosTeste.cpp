@@ -233,6 +233,10 @@ TEST_F(Registro, GravaLeEBusca) {
   tagREG_FILTRO_VEICULOSPS filtro{};
   Preenche(filtro.szCodigo, "A");
   EXPECT_EQ(Busca(filtro), (std::vector<LONG>{1, 3}));
+  CArray<RegVeiculo> aRegistros;
+  EXPECT_EQ(m_base.InternalGetRegs(filtro, nullptr, &aRegistros), codigos::kOk);
+  ASSERT_EQ(aRegistros.GetSize(), 2U);
+  EXPECT_STREQ(aRegistros[1].szPlaca, "PLA0003");
 
   tagREG_VEICULOPS lidos[2];
   const LONG posicoes[] = {3, 2};
@@ -366,7 +370,7 @@ TEST_F(Registro, BuscasPelosResumos) {
   };
   ASSERT_EQ(Abre(), codigos::kOk);
   // Years that rise, so that blocks differ in them.
-  for (std::uint32_t n = 0; n < 2 * kRegistrosPorBloco + 300; ++n) {
+  for (std::uint32_t n = 0; n < 4 * kRegistrosPorBloco + 300; ++n) {
     RegVeiculo reg;
     CopiaParaRegistro(veiculo(1000 + n), &reg);
     m_modelo.push_back(reg);

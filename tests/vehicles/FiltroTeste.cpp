@@ -6,6 +6,7 @@
 #include "core/platform/Textos.h"
 #include "tests/vehicles/AmostraVeiculos.h"
 #include "vehicles/BaseVeiculos.h"
+#include "vehicles/FiltroVeiculos.h"
 
 namespace {
 
@@ -165,6 +166,25 @@ TEST(Filtro, CuringaIgualAoDoSistema) {
           << "text '" << cortado << "' pattern '" << padrao << "'";
     }
   }
+}
+
+/// A run that begins and ends anywhere in its block: the places found are those of its records.
+TEST(Filtro, TrechoDeUmBloco) {
+  CQZBlocosRegistros<RegVeiculo> registros;
+  registros.DefineTamanho(100);
+  for (std::size_t i = 0; i < 100; ++i) {
+    const RegVeiculo reg = RegistroCom([i](auto &v) { v.iAno = static_cast<std::uint32_t>(2000 + i % 10); });
+    registros.Copia(i, &reg, 1);
+  }
+  registros.Abrange(0, 100);
+  Filtro filtro{};
+  filtro.iAnoInicial = filtro.iAnoFinal = 2005;
+  std::vector<std::size_t> achados;
+  CFiltroVeiculos(filtro).Procura(std::as_const(registros).TrechoEm(13, 46), [&](std::size_t i) {
+    achados.push_back(i);
+    return true;
+  });
+  EXPECT_EQ(achados, (std::vector<std::size_t>{2, 12, 22, 32}));
 }
 
 }  // namespace

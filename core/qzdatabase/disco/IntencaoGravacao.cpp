@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/env/QZPath.h"
+#include "core/platform/ArquivoNoLivro.h"
 #include "core/platform/CodigoEstrangeiro.h"
 #include "core/platform/Plataforma.h"
 #include "core/qzdatabase/disco/PercorreArquivo.h"
@@ -71,9 +72,13 @@ struct Nota {
 
 /// False when nothing is noted there for a file of this name.
 bool LeNota(const CString &sCaminho, const CString &sNomeArquivo, Nota *pNota) {
-  std::unique_ptr<IArquivoAberto> companheiro;
+  std::unique_ptr<IArquivoAberto> aberto;
   std::vector<char> tudo(kTamanhoCompanheiro);
-  if (plataforma::Arquivos().Abre(sCaminho, {}, &companheiro) || companheiro->Le(0, tudo.data(), tudo.size())) {
+  if (plataforma::Arquivos().Abre(sCaminho, {}, &aberto)) {
+    return false;
+  }
+  const plataforma::CQZArquivoNoLivro companheiro(std::move(aberto));
+  if (companheiro->Le(0, tudo.data(), tudo.size())) {
     return false;
   }
   std::memcpy(&pNota->reg, tudo.data(), sizeof(pNota->reg));
@@ -200,9 +205,10 @@ void CQZIntencaoGravacao::AnotaCriacao(const CString &sCaminhoArquivo, const CSt
   std::memcpy(tudo.data(), &reg, sizeof(reg));
   reg.uiSelo = Selo(tudo.data(), 0);
   std::memcpy(tudo.data(), &reg, sizeof(reg));
-  std::unique_ptr<IArquivoAberto> companheiro;
+  std::unique_ptr<IArquivoAberto> aberto;
   const ModoAbertura modo{Acesso::Escrita, Compartilhamento::Exclusivo, plataforma::Criacao::CriaVazio};
-  if (!Arquivos().Abre(Caminho(sCaminhoArquivo), modo, &companheiro)) {
+  if (!Arquivos().Abre(Caminho(sCaminhoArquivo), modo, &aberto)) {
+    const CQZArquivoNoLivro companheiro(std::move(aberto));
     static_cast<void>(companheiro->Grava(0, tudo.data(), tudo.size()));
   }
 }

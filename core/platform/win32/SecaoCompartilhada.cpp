@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <memory>
 #include <new>
 
 namespace plataforma {
@@ -18,7 +19,9 @@ SecaoCompartilhada::SecaoCompartilhada() {
   ::InitializeSRWLock(new (m_area) SRWLOCK);
 }
 
-SecaoCompartilhada::~SecaoCompartilhada() = default;
+SecaoCompartilhada::~SecaoCompartilhada() {
+  std::destroy_at(Trava(m_area));
+}
 
 void SecaoCompartilhada::lock() {
   ::AcquireSRWLockExclusive(Trava(m_area));

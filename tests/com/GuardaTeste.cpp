@@ -10,6 +10,7 @@
 
 #include "core/errors/guard/win32/ChamadaSEH.h"
 #include "core/platform/LivroTravas.h"
+#include "core/platform/MemoriaMapeada.h"
 #include "tests/apoio/ProcessoFilho.h"
 
 // Real faults of the processor and the system under the call guard. The faulting statements are plain ones on values
@@ -238,6 +239,21 @@ TEST(Guarda, QuemESaltadoPorOutroSoltaTudoEAbandona) {
   s_marcas.clear();
   EXPECT_EQ(BitsResultado(plataforma::ChamaEmQuadroSEH(sobGuarda, nullptr, tomaTudo).hr), 0x8004EAC5U);
   EXPECT_TRUE(s_marcas.empty());
+}
+
+/// Memory that its file's device fails under is one thing, a fault of ours another.
+TEST(Guarda, MemoriaMapeadaTomaSoAFalhaDoDispositivo) {
+  static DWORD s_codigo;
+  const auto levanta = [](void *pbTocou) -> HRESULT {
+    *static_cast<bool *>(pbTocou) = plataforma::TocaMemoriaMapeada([] { RaiseException(s_codigo, 0, 0, nullptr); });
+    return 0;
+  };
+  bool bTocou = true;
+  s_codigo = 0xC0000006;
+  EXPECT_EQ(Guarda([&] { return levanta(&bTocou); }), 0U);
+  EXPECT_FALSE(bTocou);
+  s_codigo = 0xC0000005;
+  EXPECT_EQ(Guarda([&] { return levanta(&bTocou); }), 0x8004EAC5U);
 }
 
 TEST(Guarda, QuadroInternoSoltaSoOSeu) {

@@ -16,7 +16,8 @@ protected:
   }
   static CQZIntencaoGravacao::Escrita Acrescimo(const std::string &antes, const std::string &novo) {
     return {CabecalhoSobre(antes),
-            CabecalhoSobre(antes + novo),
+            CabecalhoSobre(antes).uiCrcDados,
+            CabecalhoSobre(antes + novo).uiCrcDados,
             kTamanhoCabecalho + antes.size(),
             novo.data(),
             novo.size(),
@@ -105,7 +106,7 @@ TEST_F(Intencao, Criacao) {
   CQZIntencaoGravacao::AnotaCriacao(m_sCaminho, "TESTE.DAT");
   EXPECT_EQ(anotada(), Criacao::Criacao);
   std::string nota = m_empresa.LeInteiro("TESTE.INT");
-  nota[20] ^= 1;
+  nota[12] ^= 1;
   m_empresa.Escreve("TESTE.INT", nota);
   EXPECT_EQ(anotada(), Criacao::Nada);
   Anota(Acrescimo("", Bytes(1, 1)));

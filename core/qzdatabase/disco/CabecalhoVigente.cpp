@@ -103,12 +103,6 @@ FalhaArquivo CQZCabecalhoVigente::GravaCopia(IArquivoAberto &origem, const RegVe
   return falha ? falha : destino.Descarrega();
 }
 
-RegCabecalhoArquivo CQZCabecalhoVigente::RegistroPara(std::uint64_t uiCrcDados) const {
-  RegCabecalhoArquivo reg = m_reg;
-  DefineCrcDados(uiCrcDados, &reg);
-  return reg;
-}
-
 FalhaArquivo CQZCabecalhoVigente::Atualiza(IArquivoAberto &arquivo) {
   if (!m_bTem || (m_bNoDisco && m_reg.uiCrcDados == m_uiCrcDados)) {
     return plataforma::kSemFalha;

@@ -48,8 +48,8 @@ public:
   static plataforma::FalhaArquivo GravaCopia(plataforma::IArquivoAberto &origem, const RegVersaoArquivo &versao,
                                              const RegCabecalhoArquivo &cabecalho, plataforma::IArquivoAberto &destino);
 
-  /// The header record of this file over data with that CRC.
-  RegCabecalhoArquivo RegistroPara(std::uint64_t uiCrcDados) const;
+  /// The header record as it was last read or written.
+  const RegCabecalhoArquivo &Registro() const { return m_reg; }
 
   std::uint64_t CrcDados() const { return m_uiCrcDados; }
   void SegueDados(std::uint64_t uiCrcDados) { m_uiCrcDados = uiCrcDados; }
@@ -62,8 +62,8 @@ private:
   CString m_sNomeArquivo;
   std::uint32_t m_uiCodigoInstalacao = 0;
   bool m_bConferido = false;
-  RegCabecalhoArquivo m_reg{};  ///< as it was last read or written
-  bool m_bNoDisco = false;      ///< false while a write of it has not succeeded
+  RegCabecalhoArquivo m_reg{};
+  bool m_bNoDisco = false;  ///< false while a write of it has not succeeded
   std::uint64_t m_uiCrcDados = 0;
 };
 

@@ -8,6 +8,7 @@
 #include "core/env/QZPath.h"
 #include "core/platform/ArquivoNoLivro.h"
 #include "core/platform/CodigoEstrangeiro.h"
+#include "core/platform/MemoriaMapeada.h"
 #include "core/platform/Plataforma.h"
 #include "core/qzdatabase/disco/PercorreArquivo.h"
 #include "core/qzdatabase/disco/QZCrc64.h"
@@ -26,9 +27,10 @@ constexpr std::size_t kTamanhoCompanheiro = 65536;
 /// The note as it stands at the start of the companion; integers are little-endian.
 struct RegIntencao {
   std::uint64_t uiSelo;  ///< CRC of everything behind it, the write's bytes included; 0: nothing is noted
-  std::uint64_t uiTipo;
-  RegCabecalhoArquivo antes;
-  RegCabecalhoArquivo depois;  ///< of a creation this alone, for its name
+  std::uint32_t uiTipo;
+  RegCabecalhoArquivo cabecalho;  ///< its two CRCs do not count; of a creation nothing but the name does
+  std::uint64_t uiCrcAntes;
+  std::uint64_t uiCrcDepois;
   std::uint64_t uiOnde;
   std::uint64_t cb;
   std::uint64_t cbGuardados;  ///< `cb`, or 0 for a write that does not fit
@@ -38,10 +40,10 @@ struct RegIntencao {
 
 #pragma pack(pop)
 
-static_assert(sizeof(RegIntencao) == 192);
+static_assert(sizeof(RegIntencao) == 136);
 
-constexpr std::uint64_t kTipoGravacao = 1;
-constexpr std::uint64_t kTipoCriacao = 2;
+constexpr std::uint32_t kTipoGravacao = 1;
+constexpr std::uint32_t kTipoCriacao = 2;
 
 constexpr std::size_t kMaiorGuardado = kTamanhoCompanheiro - sizeof(RegIntencao);
 
@@ -52,16 +54,12 @@ std::uint64_t Selo(const char *pCompanheiro, std::size_t cbGuardados) {
   return uiCrc != 0 ? uiCrc : 1;
 }
 
-/// The compiler moves nothing across; the processor's own order of stores is what the operating system finds after the
-/// process is gone.
-void Cerca() {
-  std::atomic_thread_fence(std::memory_order_seq_cst);
-}
-
+/// The compiler moves no store across, and this processor lets none overtake another: what the operating system finds
+/// after the process is gone was written in this order.
 void EscreveSelo(std::byte *pMapa, std::uint64_t uiSelo) {
-  Cerca();
+  std::atomic_signal_fence(std::memory_order_seq_cst);
   std::memcpy(pMapa, &uiSelo, sizeof(uiSelo));
-  Cerca();
+  std::atomic_signal_fence(std::memory_order_seq_cst);
 }
 
 /// A note read from a companion.
@@ -83,7 +81,7 @@ bool LeNota(const CString &sCaminho, const CString &sNomeArquivo, Nota *pNota) {
   }
   std::memcpy(&pNota->reg, tudo.data(), sizeof(pNota->reg));
   const RegIntencao &reg = pNota->reg;
-  if (!NomeConfere(reg.depois, sNomeArquivo) || reg.cbGuardados > kMaiorGuardado ||
+  if (!NomeConfere(reg.cabecalho, sNomeArquivo) || reg.cbGuardados > kMaiorGuardado ||
       (reg.cbGuardados != 0 && reg.cbGuardados != reg.cb) ||
       reg.uiSelo != Selo(tudo.data(), static_cast<std::size_t>(reg.cbGuardados))) {
     return false;
@@ -103,7 +101,11 @@ struct Reparo {
 /// Compares an open file with a note.
 class CExplicacao {
 public:
-  CExplicacao(IArquivoAberto &arquivo, const Nota &nota) : m_arquivo(arquivo), m_nota(nota), m_reg(nota.reg) {}
+  CExplicacao(IArquivoAberto &arquivo, const Nota &nota)
+      : m_arquivo(arquivo), m_nota(nota), m_reg(nota.reg), m_antes(nota.reg.cabecalho), m_depois(nota.reg.cabecalho) {
+    DefineCrcDados(m_reg.uiCrcAntes, &m_antes);
+    DefineCrcDados(m_reg.uiCrcDepois, &m_depois);
+  }
 
   /// `*pbExplica` tells whether `*pReparo` puts the file right.
   FalhaArquivo Procura(Reparo *pReparo, bool *pbExplica) {
@@ -117,9 +119,9 @@ public:
       return falha;
     }
     // The write may be all there although its bytes did not fit into the note.
-    const Reparo reparos[] = {{false, m_reg.uiTamanhoDepois, m_reg.depois},
-                              {true, m_reg.uiTamanhoDepois, m_reg.depois},
-                              {false, m_reg.uiTamanhoAntes, m_reg.antes}};
+    const Reparo reparos[] = {{false, m_reg.uiTamanhoDepois, m_depois},
+                              {true, m_reg.uiTamanhoDepois, m_depois},
+                              {false, m_reg.uiTamanhoAntes, m_antes}};
     for (const Reparo &reparo : reparos) {
       if (const FalhaArquivo falhaCrc = Confere(reparo, pbExplica); falhaCrc || *pbExplica) {
         *pReparo = reparo;
@@ -134,8 +136,8 @@ private:
   FalhaArquivo CabecalhoEUmDosDois(bool *pbSim) {
     char agora[sizeof(RegCabecalhoArquivo)];
     const FalhaArquivo falha = m_arquivo.Le(kPosicaoRegCabecalho, agora, sizeof(agora));
-    const auto *pAntes = reinterpret_cast<const char *>(&m_reg.antes);
-    const auto *pDepois = reinterpret_cast<const char *>(&m_reg.depois);
+    const auto *pAntes = reinterpret_cast<const char *>(&m_antes);
+    const auto *pDepois = reinterpret_cast<const char *>(&m_depois);
     *pbSim = !falha;
     for (std::size_t i = 0; *pbSim && i < sizeof(agora); ++i) {
       *pbSim = agora[i] == pAntes[i] || agora[i] == pDepois[i];
@@ -173,6 +175,8 @@ private:
   IArquivoAberto &m_arquivo;
   const Nota &m_nota;
   const RegIntencao &m_reg;
+  RegCabecalhoArquivo m_antes;  ///< the header record before the write
+  RegCabecalhoArquivo m_depois;
   std::uint64_t m_uiTamanho = 0;
 };
 
@@ -200,7 +204,7 @@ void CQZIntencaoGravacao::AnotaCriacao(const CString &sCaminhoArquivo, const CSt
   using namespace plataforma;
   RegIntencao reg{};
   reg.uiTipo = kTipoCriacao;
-  reg.depois = MontaRegCabecalho(0, sNomeArquivo, 0);
+  reg.cabecalho = MontaRegCabecalho(0, sNomeArquivo, 0);
   std::vector<char> tudo(kTamanhoCompanheiro);
   std::memcpy(tudo.data(), &reg, sizeof(reg));
   reg.uiSelo = Selo(tudo.data(), 0);
@@ -261,10 +265,19 @@ void CQZIntencaoGravacao::Anuncia(const Escrita &escrita) noexcept {
   }
   m_bAnunciada = true;
   const std::size_t cbGuardados = escrita.cb <= kMaiorGuardado ? escrita.cb : 0;
-  const RegIntencao reg{0,          kTipoGravacao, escrita.antes,          escrita.depois,         escrita.uiOnde,
-                        escrita.cb, cbGuardados,   escrita.uiTamanhoAntes, escrita.uiTamanhoDepois};
-  // The companion's device may fail under the memory, as a network share does.
-  const bool bFeito = plataforma::ChamaCodigoEstrangeiro([&] {
+  const RegIntencao reg{
+      .uiSelo = 0,
+      .uiTipo = kTipoGravacao,
+      .cabecalho = escrita.cabecalho,
+      .uiCrcAntes = escrita.uiCrcAntes,
+      .uiCrcDepois = escrita.uiCrcDepois,
+      .uiOnde = escrita.uiOnde,
+      .cb = escrita.cb,
+      .cbGuardados = cbGuardados,
+      .uiTamanhoAntes = escrita.uiTamanhoAntes,
+      .uiTamanhoDepois = escrita.uiTamanhoDepois,
+  };
+  const bool bFeito = plataforma::TocaMemoriaMapeada([&] {
     EscreveSelo(m_pMapa, 0);
     std::memcpy(m_pMapa, &reg, sizeof(reg));
     if (cbGuardados != 0) {
@@ -281,7 +294,7 @@ void CQZIntencaoGravacao::Anuncia(const Escrita &escrita) noexcept {
 void CQZIntencaoGravacao::Retira() noexcept {
   if (m_bAnunciada) {
     m_bAnunciada = false;
-    if (!plataforma::ChamaCodigoEstrangeiro([&] { EscreveSelo(m_pMapa, 0); })) {
+    if (!plataforma::TocaMemoriaMapeada([&] { EscreveSelo(m_pMapa, 0); })) {
       Encerra();
     }
   }

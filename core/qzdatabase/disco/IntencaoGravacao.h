@@ -18,11 +18,11 @@
 /// done without. Not synchronised.
 class CQZIntencaoGravacao {
 public:
-  /// A write, and the header records with which the file agrees before and after it. Places and lengths are counted
-  /// from the file's first byte.
+  /// A write. Places and lengths are counted from the file's first byte.
   struct Escrita {
-    RegCabecalhoArquivo antes;
-    RegCabecalhoArquivo depois;
+    RegCabecalhoArquivo cabecalho;  ///< of the file; its two CRCs do not count
+    std::uint64_t uiCrcAntes;       ///< of the data, before the write and after it
+    std::uint64_t uiCrcDepois;
     std::uint64_t uiOnde;
     const char *pBytes;
     std::size_t cb;

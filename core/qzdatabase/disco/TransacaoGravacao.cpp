@@ -48,16 +48,16 @@ FalhaArquivo CQZTransacaoGravacao::Grava(IArquivoAberto &arquivo, const void *pB
 void CQZTransacaoGravacao::AnunciaGravacao(const char *pBytes, std::size_t cb) {
   if (m_cabecalho.Tem()) {
     m_intencao.Prepara();
-    m_intencao.Anuncia({m_cabecalho.RegistroPara(m_uiCrcAntes), m_cabecalho.RegistroPara(m_uiCrcDepois), m_uiOnde,
-                        pBytes, cb, m_uiTamanho, m_uiTamanhoNovo});
+    m_intencao.Anuncia(
+        {m_cabecalho.Registro(), m_uiCrcAntes, m_uiCrcDepois, m_uiOnde, pBytes, cb, m_uiTamanho, m_uiTamanhoNovo});
   }
 }
 
 /// Once undoing has begun the write is not to be completed any more: its caller was told that it failed.
 void CQZTransacaoGravacao::AnunciaVolta() {
   if (m_cabecalho.Tem()) {
-    m_intencao.Anuncia({m_cabecalho.RegistroPara(m_uiCrcDepois), m_cabecalho.RegistroPara(m_uiCrcAntes), m_uiOnde,
-                        m_sAntes.data(), m_sAntes.size(), m_uiTamanhoNovo, m_uiTamanho});
+    m_intencao.Anuncia({m_cabecalho.Registro(), m_uiCrcDepois, m_uiCrcAntes, m_uiOnde, m_sAntes.data(), m_sAntes.size(),
+                        m_uiTamanhoNovo, m_uiTamanho});
   }
 }
 

@@ -37,7 +37,8 @@ public:
   template <typename F>
   bool Procura(const Trecho &trecho, F &&acha) const {
     CResumosVeiculos::Candidatos candidatos;
-    const bool bPoucos = m_resumo.EmVigor() && trecho.pResumos->Acha(m_resumo, trecho.uiLugar, trecho.qtd, &candidatos);
+    const bool bPoucos = m_resumo.EmVigor() &&
+                         trecho.pResumos->Acha(m_resumo, trecho.uiLugar, trecho.pRegistros, trecho.qtd, &candidatos);
     return bPoucos ? ProcuraEntre(candidatos, trecho.pRegistros, acha) : ProcuraEmTodos(trecho, acha);
   }
 

@@ -39,15 +39,46 @@ void CResumosVeiculos::Prepara() {
   CAssinaturaTexto::Prepara();
 }
 
+void CResumosVeiculos::Carrega(const RegVeiculo *pRegistros, std::size_t qtd) noexcept {
+  for (std::size_t i = 0; i < qtd; ++i) {
+    DefineAnoEUF(i, pRegistros[i]);
+  }
+  m_uiSemAssinatura.store(static_cast<std::uint32_t>(qtd), std::memory_order_relaxed);
+  Abrange(0, qtd);
+}
+
 void CResumosVeiculos::Define(std::size_t uiLugar, const RegVeiculo *pRegistros, std::size_t qtd) noexcept {
   for (std::size_t i = 0; i < qtd; ++i) {
-    const RegVeiculo &reg = pRegistros[i];
-    const std::uint64_t uiAssinatura = CAssinaturaTexto::DoCampo(reg.szDescricao, sizeof(reg.szDescricao));
-    m_anos[uiLugar + i] = reg.iAno;
-    m_ufs[uiLugar + i] = ResumoDaUF({reg.szUF, sizeof(reg.szUF)});
-    m_assinaturas[0][uiLugar + i] = static_cast<std::uint32_t>(uiAssinatura);
-    m_assinaturas[1][uiLugar + i] = static_cast<std::uint32_t>(uiAssinatura >> 32);
+    DefineAnoEUF(uiLugar + i, pRegistros[i]);
+    DefineAssinatura(uiLugar + i, pRegistros[i]);
   }
+}
+
+void CResumosVeiculos::DefineAnoEUF(std::size_t uiLugar, const RegVeiculo &reg) {
+  m_anos[uiLugar] = reg.iAno;
+  m_ufs[uiLugar] = ResumoDaUF({reg.szUF, sizeof(reg.szUF)});
+}
+
+void CResumosVeiculos::DefineAssinatura(std::size_t uiLugar, const RegVeiculo &reg) const {
+  const std::uint64_t uiAssinatura = CAssinaturaTexto::DoCampo(reg.szDescricao, sizeof(reg.szDescricao));
+  m_assinaturas[0][uiLugar] = static_cast<std::uint32_t>(uiAssinatura);
+  m_assinaturas[1][uiLugar] = static_cast<std::uint32_t>(uiAssinatura >> 32);
+}
+
+/// False while another search makes them. No writer is at the records that lack them: it would keep readers out.
+bool CResumosVeiculos::AsseguraAssinaturas(const RegVeiculo *pBloco) const {
+  std::uint32_t qtd = m_uiSemAssinatura.load(std::memory_order_acquire);
+  if (qtd == 0) {
+    return true;
+  }
+  if (qtd == kFazendo || !m_uiSemAssinatura.compare_exchange_strong(qtd, kFazendo, std::memory_order_relaxed)) {
+    return false;
+  }
+  for (std::size_t i = 0; i < qtd; ++i) {
+    DefineAssinatura(i, pBloco[i]);
+  }
+  m_uiSemAssinatura.store(0, std::memory_order_release);
+  return true;
 }
 
 void CResumosVeiculos::Abrange(std::size_t uiLugar, std::size_t qtd) noexcept {
@@ -82,11 +113,14 @@ void CResumosVeiculos::Restringe(const Coluna &coluna, std::size_t uiLugar, std:
   }
 }
 
-bool CResumosVeiculos::Acha(const CriterioResumo &criterio, std::size_t uiLugar, std::size_t qtd,
-                            Candidatos *pCandidatos) const {
+bool CResumosVeiculos::Acha(const CriterioResumo &criterio, std::size_t uiLugar, const RegVeiculo *pRegistros,
+                            std::size_t qtd, Candidatos *pCandidatos) const {
   pCandidatos->qtd = 0;
   if (m_iMaiorAno < criterio.iAnoInicial || m_iMenorAno > criterio.iAnoFinal) {
     return true;
+  }
+  if (criterio.uiMascaraAssinatura != 0 && !AsseguraAssinaturas(pRegistros - uiLugar)) {
+    return false;
   }
   Mascaras mascaras;
   mascaras.fill(0xFFFF);

@@ -129,11 +129,8 @@ public:
     }
   }
 
-  /// Computes the digests of a run of records that was filled through TrechoEm, and lets the summary take them in.
-  void Resume(std::size_t indice, const Trecho<T> &trecho) {
-    ResumosEm(indice).Define(trecho.uiLugar, trecho.pRegistros, trecho.qtd);
-    ResumosEm(indice).Abrange(trecho.uiLugar, trecho.qtd);
-  }
+  /// Makes the digests of a run of records from a block's first on that was filled through TrechoEm.
+  void Resume(std::size_t indice, const Trecho<T> &trecho) { ResumosEm(indice).Carrega(trecho.pRegistros, trecho.qtd); }
 
   /// True when the `qtd` records from `indice` on, which must exist, equal the given ones byte for byte.
   bool Iguais(std::size_t indice, const T *pOutros, std::size_t qtd) const {

@@ -18,6 +18,9 @@ struct ResumosDeRegistros {
   struct Bloco {
     /// Makes ready what Define needs. Before any other use; may throw.
     static void Prepara() {}
+    /// Makes the digests of the `qtd` records with which the block begins, which were loaded and are in no use yet.
+    /// What only some searches ask for may be left to the first of them. Abrange is done with that.
+    void Carrega(const T * /*pRegistros*/, std::size_t /*qtd*/) noexcept {}
     /// Computes the digests of the records that stand, or are about to, at the places from `uiLugar` on.
     void Define(std::size_t /*uiLugar*/, const T * /*pRegistros*/, std::size_t /*qtd*/) noexcept {}
     /// Takes digests that Define has computed into what is kept for the block as a whole. What was taken in before

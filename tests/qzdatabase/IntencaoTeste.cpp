@@ -131,6 +131,20 @@ TEST_F(Intencao, VidaDoCompanheiro) {
   EXPECT_FALSE(m_empresa.Existe("TESTE.INT"));
 }
 
+/// A handle that dies takes the companion along, with what it notes. Whoever then undoes the write takes it back.
+TEST_F(Intencao, GravacaoDesfeitaPorOutraAbertura) {
+  Poe("TESTE.DAT", Bytes(1, 2));
+  ASSERT_EQ(Abre(), codigos::kOk);
+  apoio::PlanoFalha plano = Plano(apoio::kOpGrava, "TESTE.DAT", 1117);
+  plano.morte = 0;
+  m_falhas.Arma(plano);
+  std::uint64_t uiPosicao = 1;
+  EXPECT_EQ(ComBanco::Arquivo().Grava(uiPosicao, Registro(9)), codigos::kArqErroFisico);
+  m_falhas.Desarma();
+  EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 2));
+  EXPECT_FALSE(m_empresa.Existe("TESTE.INT"));
+}
+
 /// One that cannot be had is done without.
 TEST_F(Intencao, SemCompanheiro) {
   Poe("TESTE.DAT", Bytes(1, 2));

@@ -96,7 +96,12 @@ FalhaArquivo CQZTransacaoGravacao::Desfaz(IArquivoAberto &arquivo) {
   return falha;
 }
 
+/// The companion was let go of with the handle, its note in it: it is taken back, to be told what happens now and to go
+/// with the file.
 FalhaArquivo CQZTransacaoGravacao::DesfazSeNossa(IArquivoAberto &arquivo) {
+  if (m_cabecalho.Tem()) {
+    m_intencao.Prepara();
+  }
   bool bFoi = false;
   FalhaArquivo falha = FoiDeixadoAssim(arquivo, &bFoi);
   if (!falha && bFoi) {

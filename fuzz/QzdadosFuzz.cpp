@@ -2,12 +2,16 @@
 // leftovers.
 //
 // Property: every command comes to one of its exit codes and no original changes; what "recupera" and "cabecalho" write
-// is sound, keeps the whole records and is undone by the opposite command; and a directory that is found sound, or is
-// after every repairable file was replaced by its repaired copy, opens as a register of vehicles.
+// is sound, keeps the whole records and is undone by the opposite command; a sound file is listed as its records; a
+// directory is no better than any of its files, or than a list that names a missing one; and one that is found sound,
+// or is after every repairable file was replaced by its repaired copy, opens as a register of vehicles.
 
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
+#include "client/Saida.h"
+#include "core/platform/Textos.h"
 #include "fuzz/Exige.h"
 #include "fuzz/PastaDaEntrada.h"
 #include "fuzz/Referencia.h"
@@ -34,9 +38,26 @@ public:
   std::string m_sTexto;
 };
 
-int Roda(const std::vector<std::string> &aTextos) {
+int Roda(const std::vector<std::string> &aTextos, std::string *psSaida = nullptr) {
   TelaMuda tela;
-  return ExecutaQzdados(aTextos, tela);
+  const int iCodigo = ExecutaQzdados(aTextos, tela);
+  if (psSaida != nullptr) {
+    *psSaida = tela.m_sTexto;
+  }
+  return iCodigo;
+}
+
+/// The CSV listing of vehicles.
+std::string CsvDe(const std::string &sRegistros) {
+  std::string sCsv = TituloCsv();
+  for (std::size_t i = 0; i < sRegistros.size() / sizeof(RegVeiculo); ++i) {
+    RegVeiculo reg;
+    std::memcpy(&reg, sRegistros.data() + i * sizeof(reg), sizeof(reg));
+    tagREG_VEICULOPS veiculo;
+    CopiaParaInterface(reg, &veiculo);
+    sCsv += LinhaCsv(static_cast<std::int64_t>(i + 1), veiculo);
+  }
+  return sCsv;
 }
 
 class Execucao {
@@ -49,7 +70,7 @@ public:
 
   void Roda() {
     const int iEstado = ::Roda({"verifica", m_empresa.Caminho(""), "--detalhes"});
-    Exige(iEstado >= 0 && iEstado <= 2, "the exit code for a directory");
+    Exige(iEstado >= PiorArquivo() && iEstado <= 2, "the exit code for a directory");
     bool bReparados = true;
     for (const auto &[sNome, sBytes] : m_antes) {
       Lista(sNome);
@@ -66,10 +87,38 @@ public:
   }
 
 private:
+  /// The worst of the files alone, or that of a list which does not agree with the directory.
+  int PiorArquivo() const {
+    int iPior = FaltaListado() ? 2 : 0;
+    for (const auto &[sNome, sBytes] : m_antes) {
+      iPior = std::max(iPior, ::Roda({"verifica", m_empresa.Caminho(sNome)}));
+    }
+    return iPior;
+  }
+  /// A journal may stand for the version file.
+  bool FaltaListado() const {
+    const auto lista = m_antes.find(kControle);
+    const ArquivoExaminado exame =
+        lista != m_antes.end() ? Examina(kControle, lista->second, true) : ArquivoExaminado();
+    const std::vector<std::string> nomes = LinhasDoTexto(exame.sDados);
+    if (Falhou(exame.hr) || BytesDasLinhas(nomes) != exame.sDados) {
+      return false;
+    }
+    return std::any_of(nomes.begin(), nomes.end(), [this](const std::string &sNome) {
+      const std::string sMaiusculo = plataforma::Maiusculas(sNome);
+      return !sNome.empty() && sMaiusculo != kVersao && !m_antes.contains(sMaiusculo);
+    });
+  }
+
   void Lista(const std::string &sNome) const {
     for (const char *lpFormato : {"--csv", "--json", "--ate=2"}) {
-      const int iCodigo = ::Roda({"lista", m_empresa.Caminho(sNome), lpFormato});
+      std::string sSaida;
+      const int iCodigo = ::Roda({"lista", m_empresa.Caminho(sNome), lpFormato}, &sSaida);
       Exige(iCodigo == 0 || iCodigo == 3, "the exit code of a listing");
+      const bool bCsv = std::string_view(lpFormato) == "--csv";
+      if (bCsv && sNome == kVeiculos && ::Roda({"verifica", m_empresa.Caminho(sNome)}) == 0) {
+        Exige(iCodigo == 0 && sSaida == CsvDe(Examina(sNome, m_antes.at(sNome), true).sDados), "the records listed");
+      }
     }
   }
 

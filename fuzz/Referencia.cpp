@@ -70,12 +70,19 @@ ArquivoExaminado Examina(const std::string &sNome, const std::string &sBytes, bo
   return exame;
 }
 
-std::vector<std::string> LinhasDoTexto(std::string_view sDados) {
+std::vector<std::string> LinhasInteiras(std::string_view sDados) {
   std::vector<std::string> textos;
   while (sDados.size() >= sizeof(std::uint32_t)) {
-    const std::string_view sTexto = sDados.substr(sizeof(std::uint32_t), Numero<std::uint32_t>(sDados, 0));
-    textos.emplace_back(sTexto.substr(0, sTexto.find('\0')));
-    sDados.remove_prefix(sizeof(std::uint32_t) + sTexto.size());
+    textos.emplace_back(sDados.substr(sizeof(std::uint32_t), Numero<std::uint32_t>(sDados, 0)));
+    sDados.remove_prefix(sizeof(std::uint32_t) + textos.back().size());
+  }
+  return textos;
+}
+
+std::vector<std::string> LinhasDoTexto(std::string_view sDados) {
+  std::vector<std::string> textos = LinhasInteiras(sDados);
+  for (std::string &sTexto : textos) {
+    sTexto.resize(std::min(sTexto.find('\0'), sTexto.size()));
   }
   return textos;
 }

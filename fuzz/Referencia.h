@@ -24,7 +24,10 @@ struct ArquivoExaminado {
 
 ArquivoExaminado Examina(const std::string &sNome, const std::string &sBytes, bool bCabecalhos);
 
-/// The lines of a text file: each ends at its first zero byte, and one whose length reaches past the end ends there.
+/// The bytes of each line of a text file; one whose length reaches past the end ends there.
+std::vector<std::string> LinhasInteiras(std::string_view sDados);
+
+/// The same lines as they are loaded: each ends at its first zero byte.
 std::vector<std::string> LinhasDoTexto(std::string_view sDados);
 
 /// The bytes of lines on disk.

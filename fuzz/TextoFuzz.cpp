@@ -37,9 +37,16 @@ public:
   CQZTextFile m_Texto{kNome, this};
 };
 
-/// The lines that memory should hold.
+/// The lines that memory and the disk should hold. A line on disk is longer where it goes on behind a zero byte.
 struct Modelo {
+  explicit Modelo(const std::string &sDados)
+      : memoria(fuzz::LinhasDoTexto(sDados)),
+        disco(fuzz::LinhasInteiras(sDados)),
+        bInteiro(fuzz::BytesDasLinhas(disco) == sDados) {}
+
   Textos memoria;
+  Textos disco;
+  bool bInteiro;  ///< no line of the file as it was loaded reached past its end
 
   /// Takes a write and returns the position that it should hand back.
   std::uint64_t Grava(std::uint64_t uiPosicao, const Textos &textos) {
@@ -47,13 +54,25 @@ struct Modelo {
     const std::size_t inicio = uiPosicao != 0 ? uiPosicao - 1 : linhas;
     const std::size_t fim = inicio + textos.size();
     bool bMaior = false;
+    bool bMenor = false;
+    bool bIguais = fim <= linhas;
     for (std::size_t idx = inicio; idx < std::min(fim, linhas); ++idx) {
-      bMaior = bMaior || textos[idx - inicio].size() > memoria[idx].size();
+      const std::string &sNovo = textos[idx - inicio];
+      bMaior = bMaior || sNovo.size() > memoria[idx].size();
+      bMenor = bMenor || sNovo.size() < memoria[idx].size() || disco[idx].size() != memoria[idx].size();
+      bIguais = bIguais && sNovo == memoria[idx];
     }
     const bool bNoFinal = uiPosicao == 0 || (bMaior && fim <= linhas);
-    const std::size_t onde = bNoFinal ? linhas : inicio;
-    memoria.resize(std::max(linhas, onde + textos.size()));
-    std::copy(textos.begin(), textos.end(), memoria.begin() + static_cast<std::ptrdiff_t>(onde));
+    if (bNoFinal || !bIguais) {
+      for (Textos *pLinhas : {&memoria, &disco}) {
+        const std::size_t onde = bNoFinal ? linhas : inicio;
+        pLinhas->resize(std::max(linhas, onde + textos.size()));
+        std::copy(textos.begin(), textos.end(), pLinhas->begin() + static_cast<std::ptrdiff_t>(onde));
+      }
+    }
+    if (bMenor && !bNoFinal && !bIguais) {
+      disco = memoria;  // all lines are written anew
+    }
     return bNoFinal ? memoria.size() : uiPosicao;
   }
 };
@@ -70,7 +89,7 @@ public:
       Exige(m_empresa.Le(kNome) == sArquivo, "a refused file stays as it is");
       return;
     }
-    Modelo modelo{fuzz::LinhasDoTexto(exame.sDados)};
+    Modelo modelo(exame.sDados);
     ConfereMemoria(modelo);
     for (int i = 0; i < kMaximoOperacoes && !pEntrada->Acabou(); ++i) {
       const bool bNoFinal = Grava(pEntrada, &modelo);
@@ -144,11 +163,12 @@ private:
     const fuzz::ArquivoExaminado exame = fuzz::Examina(kNome, m_empresa.Le(kNome), m_bCabecalhos);
     ExigeCodigo(exame.hr, codigos::kOk, "the header on disk");
     Exige(!m_bCabecalhos || exame.bTemCabecalho, "a header on disk");
-    const Modelo doDisco{fuzz::LinhasDoTexto(exame.sDados)};
+    const Modelo doDisco(exame.sDados);
     for (std::string &sTexto : pModelo->memoria) {
       sTexto.resize(std::min(sTexto.find('\0'), sTexto.size()));
     }
     Exige(doDisco.memoria == pModelo->memoria, "the lines on disk are those of memory");
+    Exige(!pModelo->bInteiro || (doDisco.bInteiro && doDisco.disco == pModelo->disco), "the bytes on disk");
     *pModelo = doDisco;
     ExigeCodigo(Inicia(), codigos::kOk, "loading again");
     ConfereMemoria(*pModelo);

@@ -132,6 +132,25 @@ TEST_F(Intencao, VidaDoCompanheiro) {
   EXPECT_FALSE(m_empresa.Existe("TESTE.INT"));
 }
 
+/// A handle that dies takes the companion along, with what it notes. Whoever then undoes the write takes it back. Zeros
+/// behind nothing are undone too, over which the header holds.
+TEST_F(Intencao, GravacaoDesfeitaPorOutraAbertura) {
+  for (const std::string &antes : {Bytes(1, 2), std::string()}) {
+    SCOPED_TRACE(antes.size());
+    Poe("TESTE.DAT", antes);
+    ASSERT_EQ(Abre(), codigos::kOk);
+    apoio::PlanoFalha plano = Plano(apoio::kOpGrava, "TESTE.DAT", 1117, true, 4);
+    plano.morte = 0;
+    m_falhas.Arma(plano);
+    std::uint64_t uiPosicao = antes.empty() ? 0 : 1;
+    EXPECT_EQ(ComBanco::Arquivo().Grava(uiPosicao, Registro(0, "x")), codigos::kArqErroFisico);
+    m_falhas.Desarma();
+    EXPECT_EQ(Quantidade(ComBanco::Arquivo()), antes.size() / sizeof(RegTeste));
+    EXPECT_EQ(Disco("TESTE.DAT"), antes);
+    EXPECT_FALSE(m_empresa.Existe("TESTE.INT"));
+  }
+}
+
 /// One that cannot be had is done without.
 TEST_F(Intencao, SemCompanheiro) {
   Poe("TESTE.DAT", Bytes(1, 2));

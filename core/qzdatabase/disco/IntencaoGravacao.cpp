@@ -81,14 +81,21 @@ bool LeNota(const CString &sCaminho, const CString &sNomeArquivo, Nota *pNota) {
   }
   std::memcpy(&pNota->reg, tudo.data(), sizeof(pNota->reg));
   const RegIntencao &reg = pNota->reg;
-  if (!NomeConfere(reg.cabecalho, sNomeArquivo) || reg.cbGuardados > kMaiorGuardado ||
-      (reg.cbGuardados != 0 && reg.cbGuardados != reg.cb) ||
+  if ((reg.uiTipo != kTipoGravacao && reg.uiTipo != kTipoCriacao) || !NomeConfere(reg.cabecalho, sNomeArquivo) ||
+      reg.cbGuardados > kMaiorGuardado || (reg.cbGuardados != 0 && reg.cbGuardados != reg.cb) ||
       reg.uiSelo != Selo(tudo.data(), static_cast<std::size_t>(reg.cbGuardados))) {
     return false;
   }
   const char *const pBytes = tudo.data() + sizeof(RegIntencao);
   pNota->bytes.assign(pBytes, pBytes + reg.cbGuardados);
   return true;
+}
+
+/// Whether a note is one of a write, within the file as it was to be.
+bool EDeEscrita(const RegIntencao &reg) {
+  return reg.uiTipo == kTipoGravacao &&
+         std::min({reg.uiOnde, reg.uiTamanhoAntes, reg.uiTamanhoDepois}) >= kTamanhoCabecalho &&
+         reg.uiOnde + reg.cb >= reg.uiOnde;
 }
 
 /// How the file is put right.
@@ -152,7 +159,8 @@ private:
     const std::uint64_t uiDe = reparo.bCompleta ? uiFimEscrita : reparo.uiTamanho;
     // What is not written must be there already.
     const bool bFalta = uiAte > m_uiTamanho || (uiDe < reparo.uiTamanho && reparo.uiTamanho > m_uiTamanho);
-    if (bFalta || uiFimEscrita < m_reg.uiOnde || (reparo.bCompleta && m_nota.bytes.size() != m_reg.cb)) {
+    const bool bCabe = m_nota.bytes.size() == m_reg.cb && uiFimEscrita <= reparo.uiTamanho;
+    if (bFalta || (reparo.bCompleta && !bCabe)) {
       return plataforma::kSemFalha;
     }
     std::uint64_t uiCrc = 0;
@@ -316,8 +324,7 @@ FalhaArquivo CQZIntencaoGravacao::Repara(IArquivoAberto &arquivo, const CString 
                                          const CString &sNomeArquivo, bool *pbReparado) {
   *pbReparado = false;
   Nota nota{};
-  if (!LeNota(Caminho(sCaminhoArquivo), sNomeArquivo, &nota) || nota.reg.uiTipo != kTipoGravacao ||
-      std::min({nota.reg.uiOnde, nota.reg.uiTamanhoAntes, nota.reg.uiTamanhoDepois}) < kTamanhoCabecalho) {
+  if (!LeNota(Caminho(sCaminhoArquivo), sNomeArquivo, &nota) || !EDeEscrita(nota.reg)) {
     return plataforma::kSemFalha;
   }
   Reparo reparo{};

@@ -96,7 +96,12 @@ FalhaArquivo CQZTransacaoGravacao::Desfaz(IArquivoAberto &arquivo) {
   return falha;
 }
 
+/// The companion was let go of with the handle, its note in it: it is taken back, to be told what happens now and to go
+/// with the file.
 FalhaArquivo CQZTransacaoGravacao::DesfazSeNossa(IArquivoAberto &arquivo) {
+  if (m_cabecalho.Tem()) {
+    m_intencao.Prepara();
+  }
   bool bFoi = false;
   FalhaArquivo falha = FoiDeixadoAssim(arquivo, &bFoi);
   if (!falha && bFoi) {
@@ -111,13 +116,19 @@ FalhaArquivo CQZTransacaoGravacao::DesfazSeNossa(IArquivoAberto &arquivo) {
   return falha;
 }
 
-/// Where the header holds its CRC tells at once: before the write, after it, or somebody else's.
+/// Where the header holds its CRC tells at once: before the write, after it, or somebody else's. Before and after only
+/// with the length: the header of an empty file holds over any number of zeros.
 FalhaArquivo CQZTransacaoGravacao::FoiDeixadoAssim(IArquivoAberto &arquivo, bool *pbFoi) {
   if (m_cabecalho.Tem()) {
     HRESULT hr = codigos::kOk;
-    const FalhaArquivo falha = m_cabecalho.Examina(arquivo, &hr);
-    if (falha || !Falhou(hr)) {
-      *pbFoi = m_cabecalho.CrcDados() == m_uiCrcDepois;
+    std::uint64_t uiTamanho = 0;
+    FalhaArquivo falha = m_cabecalho.Examina(arquivo, &hr);
+    falha = falha ? falha : arquivo.Tamanho(&uiTamanho);
+    const std::uint64_t uiCrc = m_cabecalho.CrcDados();
+    const bool bOutro = uiCrc != m_uiCrcAntes && uiCrc != m_uiCrcDepois;
+    const bool bDepois = uiCrc == m_uiCrcDepois && uiTamanho == m_uiTamanhoNovo;
+    if (falha || (!Falhou(hr) && (bOutro || bDepois || uiTamanho == m_uiTamanho))) {
+      *pbFoi = bDepois;
       return falha;
     }
   }

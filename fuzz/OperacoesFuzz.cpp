@@ -1,0 +1,371 @@
+// A company's register of vehicles through any run of operations of two objects that share it, some of them on a disk
+// that fails, with headers off or on.
+//
+// Property: every answer is the one of a plain list of the records, which only writes that succeed have changed; what
+// stands on disk whenever all objects are closed is that list, behind a header that holds, and nothing is left beside
+// it.
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <limits>
+#include <optional>
+#include <vector>
+
+#include "core/platform/MemoriaTarefa.h"
+#include "fuzz/CriteriosDaEntrada.h"
+#include "fuzz/Exige.h"
+#include "fuzz/PastaDaEntrada.h"
+#include "fuzz/Referencia.h"
+#include "tests/apoio/ArquivosDecorado.h"
+#include "tests/apoio/ChaveCabecalho.h"
+#include "tests/apoio/EmpresaTeste.h"
+#include "tests/apoio/RelogioFalso.h"
+#include "vehicles/BaseVeiculos.h"
+
+namespace {
+
+using fuzz::CEntrada;
+using fuzz::Exige;
+using fuzz::ExigeCodigo;
+using Filtro = tagREG_FILTRO_VEICULOSPS;
+using Veiculo = tagREG_VEICULOPS;
+
+constexpr int kMaximoOperacoes = 32;
+constexpr std::size_t kMaisLidos = 150;
+/// More than a block of records in memory holds.
+constexpr std::size_t kMuitos = kRegistrosPorBloco + 90;
+
+template <typename T>
+std::string_view Bytes(const T &valor) {
+  return {reinterpret_cast<const char *>(&valor), sizeof(valor)};
+}
+
+template <std::size_t N>
+void Preenche(std::string_view sTexto, char (&campo)[N]) {
+  std::memset(campo, 0, N);
+  sTexto.copy(campo, N);
+}
+
+/// The stored record of an interface record, or the other way round, field by field: texts end at their first zero
+/// byte, and everything that has no field is zero.
+template <typename Para, typename De>
+Para Copia(const De &de) {
+  Para para;
+  std::memset(&para, 0, sizeof(para));
+  const auto texto = [](const auto &origem, auto *pDestino) {
+    Preenche(std::string_view(origem, strnlen(origem, sizeof(origem))), *pDestino);
+  };
+  texto(de.szCodigo, &para.szCodigo);
+  texto(de.szPlaca, &para.szPlaca);
+  texto(de.szUF, &para.szUF);
+  texto(de.szDescricao, &para.szDescricao);
+  texto(de.szCodigoANTT, &para.szCodigoANTT);
+  texto(de.szRENAVAM, &para.szRENAVAM);
+  para.iAno = de.iAno;
+  para.vTara = de.vTara;
+  para.vCapacidadeKg = de.vCapacidadeKg;
+  para.vCapacidadeM3 = de.vCapacidadeM3;
+  para.iPonteiroCliente = de.iPonteiroCliente;
+  para.iTipoCarroceria = de.iTipoCarroceria;
+  para.iTipoRodado = de.iTipoRodado;
+  para.iTipoVeiculo = de.iTipoVeiculo;
+  para.iTipoTransporte = de.iTipoTransporte;
+  return para;
+}
+
+/// Texts that meet each other: some fill a field, look like a pattern or differ in letter case alone.
+std::string Texto(CEntrada *pEntrada) {
+  static const char *const kTextos[] = {"",
+                                        "A",
+                                        "a",
+                                        "B",
+                                        "AB",
+                                        "A*",
+                                        "*",
+                                        "?",
+                                        "B?",
+                                        "AB\xE3",
+                                        "SILO S\xC3O",
+                                        "silo s\xE3o",
+                                        "123456789",
+                                        "1234567890",
+                                        "123456789012",
+                                        "1234567890123",
+                                        "*s\xE3o*",
+                                        "*.*",
+                                        "*A;*SILO*",
+                                        "12345678901234"};
+  const std::size_t uiEscolha = pEntrada->Ate(std::size(kTextos));
+  return uiEscolha < std::size(kTextos) ? kTextos[uiEscolha] : pEntrada->Bytes(pEntrada->Ate(20));
+}
+
+/// Any bytes, or a vehicle that resembles others.
+Veiculo VeiculoDaEntrada(CEntrada *pEntrada) {
+  const unsigned uiForma = pEntrada->Byte();
+  if (uiForma % 4 == 0) {
+    return pEntrada->Valor<Veiculo>();
+  }
+  Veiculo v{};
+  Preenche(Texto(pEntrada), v.szCodigo);
+  Preenche(Texto(pEntrada), v.szPlaca);
+  Preenche(Texto(pEntrada), v.szDescricao);
+  Preenche((uiForma & 4) != 0 ? "SP" : "RJX", v.szUF);
+  v.iAno = (uiForma & 8) != 0 ? std::numeric_limits<std::uint32_t>::max() : 2000 + (uiForma >> 6);
+  v.vTara = uiForma >> 4;
+  return v;
+}
+
+class Execucao {
+public:
+  explicit Execucao(bool bCabecalhos) : m_bCabecalhos(bCabecalhos), m_cabecalho(bCabecalhos) { AbreTodos(); }
+
+  void Roda(CEntrada *pEntrada) {
+    for (int i = 0; i < kMaximoOperacoes && !pEntrada->Acabou(); ++i) {
+      Opera(pEntrada);
+    }
+    Recarrega("");
+  }
+
+private:
+  HRESULT Inicia(CBaseVeiculos *pBase) { return pBase->Inicializa(m_empresa.Codigo(), 7, 42); }
+  void AbreTodos() {
+    for (CBaseVeiculos &base : m_bases) {
+      ExigeCodigo(Inicia(&base), codigos::kOk, "opening");
+    }
+  }
+
+  void Opera(CEntrada *pEntrada) {
+    const unsigned uiEscolha = pEntrada->Byte();
+    CBaseVeiculos &base = m_bases[uiEscolha % m_bases.size()];
+    switch (uiEscolha / m_bases.size() % 12) {
+      case 0:
+      case 1:
+      case 2:
+        return Grava(&base, pEntrada);
+      case 3:
+      case 4:
+        return GravaComFalha(&base, pEntrada);
+      case 5:
+        return LeMuitos(&base, pEntrada);
+      case 6:
+      case 7:
+        return Procura(&base, Texto(pEntrada));
+      case 8:
+      case 9:
+        return Busca(&base, FiltroDaEntrada(pEntrada));
+      case 10:
+        ExigeCodigo(base.Finaliza(), codigos::kOk, "closing one of two");
+        return ExigeCodigo(Inicia(&base), codigos::kOk, "opening one of two");
+      default:
+        return Recarrega(m_modelo.size() < kMuitos / 2 && pEntrada->Ate(3) == 0 ? Muitos(pEntrada) : "");
+    }
+  }
+
+  /// A position: of a record or of none, mostly one that is there.
+  LONG Posicao(CEntrada *pEntrada) const {
+    const auto lQtd = static_cast<LONG>(m_modelo.size());
+    const LONG outras[] = {
+        0, lQtd + 1, lQtd + 2, -1, std::numeric_limits<LONG>::min(), std::numeric_limits<LONG>::max()};
+    const std::size_t uiEscolha = pEntrada->Ate(31);
+    return uiEscolha < std::size(outras) ? outras[uiEscolha] : lQtd == 0 ? 0 : 1 + pEntrada->Byte() % lQtd;
+  }
+  bool Existe(LONG lPos) const { return lPos > 0 && static_cast<std::size_t>(lPos) <= m_modelo.size(); }
+
+  void Anota(LONG lPos, const Veiculo &v) {
+    m_modelo.resize(std::max(m_modelo.size(), static_cast<std::size_t>(lPos)));
+    m_modelo[static_cast<std::size_t>(lPos - 1)] = Copia<RegVeiculo>(v);
+  }
+
+  void Grava(CBaseVeiculos *pBase, CEntrada *pEntrada) {
+    const LONG lPedida = Posicao(pEntrada);
+    const Veiculo v = VeiculoDaEntrada(pEntrada);
+    LONG lPos = lPedida;
+    const HRESULT hr = pBase->Grava(&lPos, v);
+    if (lPedida != 0 && !Existe(lPedida)) {
+      ExigeCodigo(hr, codigos::kGravacaoAlemDoFim, "a write to no record");
+      return Exige(lPos == lPedida, "its position");
+    }
+    ExigeCodigo(hr, codigos::kOk, "a write");
+    Exige(lPos == (lPedida != 0 ? lPedida : static_cast<LONG>(m_modelo.size() + 1)), "the position of a write");
+    Anota(lPos, v);
+  }
+
+  /// Whatever the disk does, a write has happened or it has not, as its code says.
+  void GravaComFalha(CBaseVeiculos *pBase, CEntrada *pEntrada) {
+    const unsigned uiForma = pEntrada->Byte();
+    apoio::PlanoFalha plano{.trecho = (uiForma & 1) != 0 ? "DFVEIC.DAT" : ""};
+    plano.operacoes = (uiForma & 2) != 0 ? apoio::kOpGrava : apoio::kOpTodas & ~apoio::kOpDescarrega;
+    plano.enesima = 1 + pEntrada->Ate(7);
+    plano.bPersistente = (uiForma & 4) != 0;
+    if ((uiForma & 8) != 0) {
+      plano.gravaAntes = pEntrada->Byte();
+    }
+    if ((uiForma & 48) == 48) {
+      plano.morte = 0;
+    }
+    const LONG lPedida = Existe(1) && (uiForma & 64) != 0 ? static_cast<LONG>(m_modelo.size()) : 0;
+    const Veiculo v = VeiculoDaEntrada(pEntrada);
+    LONG lPos = lPedida;
+    m_falhas.Arma(plano);
+    const HRESULT hr = pBase->Grava(&lPos, v);
+    m_falhas.Desarma();
+    m_bCompanheirosFalharam = m_bCompanheirosFalharam || (plano.trecho.empty() && m_falhas.Disparou());
+    if (Falhou(hr)) {
+      Exige(m_falhas.Disparou() && lPos == lPedida, "a write that fails");
+    } else {
+      Exige(lPos == (lPedida != 0 ? lPedida : static_cast<LONG>(m_modelo.size() + 1)), "the position of a write");
+      Anota(lPos, v);
+    }
+    std::uint32_t iQtd = 0;
+    ExigeCodigo(pBase->GetQuantidadeRegistros(&iQtd), codigos::kOk, "the number of records");
+    Exige(iQtd == m_modelo.size(), "as many records as were written");
+  }
+
+  /// Up to the first bad position.
+  void LeMuitos(CBaseVeiculos *pBase, CEntrada *pEntrada) {
+    std::vector<LONG> posicoes(pEntrada->Ate(kMaisLidos));
+    const std::size_t uiIguais = 1 + pEntrada->Ate(40);
+    for (std::size_t i = 0; i < posicoes.size(); ++i) {
+      posicoes[i] = i % uiIguais == 0 ? Posicao(pEntrada) : posicoes[i - 1];
+    }
+    const Veiculo antes = VeiculoDaEntrada(pEntrada);
+    std::vector<Veiculo> lidos(posicoes.size(), antes);
+    const HRESULT hr = pBase->LePonteiros(static_cast<std::uint32_t>(posicoes.size()), posicoes.data(), lidos.data());
+    const auto ruim = std::find_if_not(posicoes.begin(), posicoes.end(), [this](LONG lPos) { return Existe(lPos); });
+    if (ruim == posicoes.end()) {
+      ExigeCodigo(hr, codigos::kOk, "reading");
+    } else if (m_modelo.empty() && *ruim != 0) {
+      Exige(hr == codigos::kArquivoNaoAberto || hr == codigos::kPosicaoAlemDoFim, "reading where there is nothing");
+    } else {
+      ExigeCodigo(hr, *ruim == 0 ? codigos::kPosicaoZero : codigos::kPosicaoAlemDoFim, "reading a bad position");
+    }
+    const auto uiBons = static_cast<std::size_t>(ruim - posicoes.begin());
+    for (std::size_t i = 0; i < lidos.size(); ++i) {
+      const Veiculo esperado =
+          i < uiBons ? Copia<Veiculo>(m_modelo[static_cast<std::size_t>(posicoes[i] - 1)]) : Veiculo{};
+      Exige(Bytes(lidos[i]) == Bytes(esperado), "the vehicles read");
+    }
+  }
+
+  /// The first that passes, from 1; 0 for none.
+  std::size_t Primeiro(const Filtro &filtro) const {
+    const auto achado = std::find_if(m_modelo.begin(), m_modelo.end(),
+                                     [&](const RegVeiculo &reg) { return fuzz::PassaPorTodos(reg, filtro); });
+    return achado == m_modelo.end() ? 0 : static_cast<std::size_t>(achado - m_modelo.begin()) + 1;
+  }
+
+  void Procura(CBaseVeiculos *pBase, const std::string &sTexto) const {
+    Filtro porCodigo{};
+    Filtro porPlaca{};
+    Preenche(sTexto.c_str(), porCodigo.szCodigo);
+    Preenche(sTexto.c_str(), porPlaca.szPlaca);
+    std::size_t uiEsperada = Primeiro(porCodigo);
+    uiEsperada = uiEsperada != 0 ? uiEsperada : Primeiro(porPlaca);
+    std::uint32_t iPos = 77;
+    Veiculo v{};
+    std::memset(&v, 'x', sizeof(v));
+    ExigeCodigo(pBase->Existe(sTexto.c_str(), &iPos, &v), codigos::kOk, "looking for a code or a plate");
+    Exige(iPos == uiEsperada, "the first with a code, or else with a plate");
+    Exige(Bytes(v) == Bytes(iPos != 0 ? Copia<Veiculo>(m_modelo[iPos - 1]) : Veiculo{}), "the vehicle found");
+  }
+
+  /// Criteria for a record that is there.
+  Filtro FiltroDaEntrada(CEntrada *pEntrada) const {
+    Filtro filtro{};
+    const RegVeiculo reg = m_modelo.empty() ? RegVeiculo{} : m_modelo[pEntrada->Byte() % m_modelo.size()];
+    for (std::size_t criterios = pEntrada->Ate(3); criterios > 0; --criterios) {
+      fuzz::DefineCriterio(pEntrada, reg, &filtro);
+    }
+    return filtro;
+  }
+
+  void Busca(CBaseVeiculos *pBase, const Filtro &filtro) const {
+    std::vector<LONG> esperadas;
+    std::string sEsperados;
+    for (std::size_t i = 0; i < m_modelo.size(); ++i) {
+      if (fuzz::PassaPorTodos(m_modelo[i], filtro)) {
+        esperadas.push_back(static_cast<LONG>(i + 1));
+        sEsperados += Bytes(m_modelo[i]);
+      }
+    }
+    tagRESULTADO_BUSCA_VEICULOS resultado;
+    ExigeCodigo(pBase->BuscaPonteiros(filtro, &resultado), codigos::kOk, "a search");
+    const std::vector<LONG> achadas(resultado.Ponteiros, resultado.Ponteiros + resultado.iQtd);
+    Exige((resultado.Ponteiros == nullptr) == achadas.empty() && resultado.pFiller == nullptr, "a search's result");
+    plataforma::LiberaTarefa(resultado.Ponteiros);
+    Exige(achadas == esperadas, "the vehicles that a search finds");
+
+    CArray<LONG> aPonteiros;
+    CArray<RegVeiculo> aRegistros;
+    ExigeCodigo(pBase->InternalGetRegs(filtro, &aPonteiros, &aRegistros), codigos::kOk, "a search for records");
+    Exige(std::equal(esperadas.begin(), esperadas.end(), aPonteiros.GetData(),
+                     aPonteiros.GetData() + aPonteiros.GetSize()),
+          "the positions of records found");
+    Exige(std::string_view(reinterpret_cast<const char *>(aRegistros.GetData()),
+                           aRegistros.GetSize() * sizeof(RegVeiculo)) == sEsperados,
+          "the records found");
+  }
+
+  /// Vehicles in number, with years that rise.
+  static std::string Muitos(CEntrada *pEntrada) {
+    const auto modelo = Copia<RegVeiculo>(VeiculoDaEntrada(pEntrada));
+    std::string sRegistros;
+    for (std::size_t i = 0; i < kMuitos; ++i) {
+      RegVeiculo reg = modelo;
+      reg.iAno += static_cast<std::uint32_t>(i);
+      sRegistros += Bytes(reg);
+    }
+    return sRegistros;
+  }
+
+  /// Closes both, looks at the disk, adds records to the file and opens it again.
+  void Recarrega(const std::string &sMais) {
+    for (CBaseVeiculos &base : m_bases) {
+      ExigeCodigo(base.Finaliza(), codigos::kOk, "closing");
+    }
+    Exige(!m_empresa.Existe("DFVEIC.INT") || m_modelo.empty() || m_bCompanheirosFalharam,
+          "no note but that of a creation stays");
+    Exige(!m_empresa.Existe("DFVEIC.TRA") || m_bCompanheirosFalharam, "no unfinished copy stays");
+    std::string sRegistros;
+    for (const RegVeiculo &reg : m_modelo) {
+      sRegistros += Bytes(reg);
+    }
+    const bool bExiste = m_empresa.Existe(fuzz::kVeiculos);
+    Exige(bExiste || m_modelo.empty(), "a file for the records");
+    if (bExiste) {
+      const std::string sDisco = m_empresa.Le(fuzz::kVeiculos);
+      const fuzz::ArquivoExaminado exame = fuzz::Examina(fuzz::kVeiculos, sDisco, m_bCabecalhos);
+      ExigeCodigo(exame.hr, codigos::kOk, "the header on disk");
+      Exige(exame.bTemCabecalho == m_bCabecalhos || sDisco.empty(), "a header on disk");
+      Exige(exame.sDados == sRegistros, "the records on disk");
+    }
+    if (!sMais.empty()) {
+      sRegistros += sMais;
+      m_modelo.resize(sRegistros.size() / sizeof(RegVeiculo));
+      std::memcpy(m_modelo.data(), sRegistros.data(), sRegistros.size());
+      m_empresa.Escreve(fuzz::kVeiculos,
+                        (m_bCabecalhos ? fuzz::Cabecalho(fuzz::kVeiculos, sRegistros) : "") + sRegistros);
+    }
+    AbreTodos();
+  }
+
+  bool m_bCabecalhos;
+  apoio::EmpresaTeste m_empresa;
+  apoio::ChaveCabecalho m_cabecalho;
+  apoio::RelogioFalso m_relogio;
+  apoio::ArquivosComFalha m_falhas{*plataforma::ServicosDoSistema().arquivos};
+  apoio::ServicosTrocados m_servicos{&m_falhas, nullptr, &m_relogio};
+  std::array<CBaseVeiculos, 2> m_bases;
+  std::vector<RegVeiculo> m_modelo;
+  bool m_bCompanheirosFalharam = false;  ///< what is beside the data file may not have been deleted
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qtd) {
+  CEntrada entrada(pBytes, qtd);
+  const bool bCabecalhos = entrada.Ate(1) != 0;
+  Execucao(bCabecalhos).Roda(&entrada);
+  return 0;
+}

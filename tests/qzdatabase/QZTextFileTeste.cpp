@@ -1,7 +1,5 @@
 #include "core/qzdatabase/arquivo/QZTextFile.h"
 
-#include <cstdlib>
-#include <random>
 #include <sstream>
 
 #include "tests/qzdatabase/BancoTeste.h"
@@ -207,81 +205,6 @@ TEST_F(ArquivoTexto, ArquivosQuaisquer) {
     EXPECT_EQ(Offsets().back(), m_uiCabecalho + Linhas(depois).size()) << "appended: the end is damaged no more";
     ASSERT_EQ(Disco(), Linhas(Junta(depois, {"fim"})));
   }
-}
-
-/// Ten thousand random calls against the lines that memory and disk should hold. Rerun a failure with KALVO_SEMENTE set
-/// to its seed.
-TEST_F(ArquivoTexto, OperacoesAleatorias) {
-  const char *lpSemente = std::getenv("KALVO_SEMENTE");
-  const unsigned semente = lpSemente != nullptr ? static_cast<unsigned>(std::stoul(lpSemente)) : std::random_device()();
-  SCOPED_TRACE(testing::Message() << "seed " << semente);
-  std::mt19937 gerador(semente);
-  const auto sorteia = [&](std::size_t ate) { return gerador() % (ate + 1); };
-  Textos memoria;
-  Textos disco;  // a line may be longer here, from a zero byte on
-  const auto recarrega = [&] {
-    ASSERT_EQ(Disco(), Linhas(disco));
-    ASSERT_EQ(Inicia(), codigos::kOk);
-    memoria = disco;
-    for (std::string &texto : memoria) {
-      texto = texto.c_str();
-    }
-  };
-  const auto grava = [&](std::uint64_t uiPosicao, const Textos &textos) {
-    std::uint64_t uiDepois = uiPosicao;
-    const std::size_t linhas = memoria.size();
-    const std::size_t indice = uiPosicao != 0 ? uiPosicao - 1 : linhas;
-    const std::size_t fim = indice + textos.size();
-    const bool bAtras = uiPosicao > linhas && !textos.empty();
-    ASSERT_EQ(Grava(&uiDepois, textos), bAtras ? codigos::kGravacaoAlemDoFim : codigos::kOk);
-    bool bIguais = true;
-    bool bMaior = false;
-    bool bMenor = false;
-    for (std::size_t idx = indice; idx < std::min(fim, linhas); ++idx) {
-      const std::string &novo = textos[idx - indice];
-      bIguais = bIguais && novo == memoria[idx];
-      bMaior = bMaior || novo.size() > memoria[idx].size();
-      bMenor = bMenor || novo.size() < memoria[idx].size() || disco[idx].size() != memoria[idx].size();
-    }
-    const bool bNoFinal = !bAtras && !textos.empty() && (uiPosicao == 0 || (bMaior && fim <= linhas));
-    if (bNoFinal) {
-      memoria = Junta(memoria, textos);
-      disco = Junta(disco, textos);
-    } else if (!bAtras && (!bIguais || fim > linhas)) {
-      for (Textos *destino : {&memoria, &disco}) {
-        destino->resize(std::max(linhas, fim));
-        std::copy(textos.begin(), textos.end(), destino->begin() + static_cast<std::ptrdiff_t>(indice));
-      }
-      disco = bMenor ? memoria : disco;
-    }
-    ASSERT_EQ(uiDepois, bNoFinal ? memoria.size() : uiPosicao);
-    if (bNoFinal && m_uiCabecalho != 0) {
-      recarrega();  // until then a write over the new lines would be misplaced
-    }
-  };
-  Prepara("");
-  for (int i = 0; i < 10000; ++i) {
-    if (memoria.size() > 40) {
-      Prepara("");
-      memoria.clear();
-      disco.clear();
-    } else if (sorteia(19) == 0) {
-      recarrega();
-    }
-    Textos textos(sorteia(3));
-    const std::uint64_t uiPosicao = sorteia(memoria.size() + 1);
-    for (std::size_t t = 0; t < textos.size(); ++t) {
-      // Half of the lines keep their lengths, which random texts rarely do.
-      const std::size_t idx = uiPosicao + t - 1;
-      const bool bMantem = idx < memoria.size() && sorteia(1) == 0;
-      textos[t].resize(bMantem ? memoria[idx].size() : sorteia(4));
-      std::generate(textos[t].begin(), textos[t].end(), [&] { return "ab\0"[sorteia(2)]; });
-    }
-    grava(uiPosicao, textos);
-    ASSERT_EQ(Lidas(), memoria) << "operation " << i;
-    ASSERT_FALSE(HasFatalFailure()) << "operation " << i;
-  }
-  recarrega();
 }
 
 TEST_F(ArquivoTexto, RastroDeUmaFalha) {

@@ -25,7 +25,7 @@ public:
 
   void TearDown() override {
     campanha::MataServidores();
-    campanha::EsqueceServidores();
+    apoiocom::EsqueceServidores();
     RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, kChave, apoio::kValorCabecalho);
     std::string sErro;
     EXPECT_EQ(apoiocom::ExecutaKalvo("/UnregServer", &sErro), 0U) << sErro;

@@ -72,8 +72,8 @@ TEST_F(MorteNaConversao, SoOPrimeiroRegistroSaiEUmaVez) {
       EsqueceServidores();  // each client gets a server of its own
       ASSERT_EQ(clientes.emplace_back("campanha-abre", std::vector<std::string>{empresa.Codigo()}).LeLinha(), "pronto");
     }
-    const std::vector<DWORD> ids = IdsDosServidores();
-    ASSERT_EQ(ids.size(), uiServidores);
+    const std::vector<Handle> servidores = Servidores();
+    ASSERT_EQ(servidores.size(), uiServidores);
     for (apoio::ProcessoFilho &cliente : clientes) {
       cliente.EnviaLinha("vai");
     }
@@ -83,7 +83,7 @@ TEST_F(MorteNaConversao, SoOPrimeiroRegistroSaiEUmaVez) {
         EsperaMudanca(empresa);
       }
       Espera(Sorteia(bCedo ? kAberturaMs : kDepoisMs));
-      MataServidor(ids[m_gerador() % ids.size()]);
+      Mata(servidores[m_gerador() % servidores.size()].get());
       ++uiMortas;
     }
     for (apoio::ProcessoFilho &cliente : clientes) {

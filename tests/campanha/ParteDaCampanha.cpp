@@ -36,7 +36,7 @@ ParteDaCampanha::ParteDaCampanha() : m_uiSemente(DoAmbiente("KALVO_SEMENTE", std
 void ParteDaCampanha::SetUp() {
   std::cout << "seed " << m_uiSemente << std::endl;
   MataServidores();
-  EsqueceServidores();
+  apoiocom::EsqueceServidores();
   m_registro.DefineTexto(CString(kChaveSuite) + "Miran Empresarial", "Path", m_instalacao.Caminho());
 }
 

@@ -112,8 +112,8 @@ TEST_F(Resistencia, MemoriaHandlesThreadsEDemoraNaoCrescem) {
     empresas.push_back(MaisUmaEmpresa().Codigo());
   }
   ASSERT_EQ(apoio::ProcessoFilho("campanha-povoa", empresas).Espera(), 0);
-  const std::vector<DWORD> ids = IdsDosServidores();
-  ASSERT_EQ(ids.size(), 1U);
+  const std::vector<Handle> servidores = Servidores();
+  ASSERT_EQ(servidores.size(), 1U);
 
   const unsigned uiSegundos = Segundos(6);
   std::vector<std::string> argumentos{"", std::to_string(static_cast<double>(uiSegundos) / kFatias)};
@@ -141,9 +141,8 @@ TEST_F(Resistencia, MemoriaHandlesThreadsEDemoraNaoCrescem) {
       uiChamadas += uiDele;
       dTempo += dDele;
     }
-    ASSERT_EQ(IdsDosServidores(), ids);
     uiTotal += uiChamadas;
-    recursos.push_back(RecursosDe(ids[0]));
+    recursos.push_back(RecursosDe(servidores[0].get()));
     demoras.push_back(dTempo / std::max(uiChamadas, 1U));
     std::printf("%6.1f s: %7u calls, %7.0f us each; server %6.1f MB, %4zu handles, %3zu threads\n",
                 static_cast<double>(uiSegundos * (uiFatia + 1)) / kFatias, uiChamadas, demoras.back(),
@@ -153,6 +152,7 @@ TEST_F(Resistencia, MemoriaHandlesThreadsEDemoraNaoCrescem) {
   for (apoio::ProcessoFilho &cliente : clientes) {
     EXPECT_EQ(cliente.Espera(), 0);
   }
+  EXPECT_EQ(WaitForSingleObject(servidores[0].get(), 0), static_cast<DWORD>(WAIT_TIMEOUT)) << "the server has ended";
   std::cout << uiTotal << " calls of " << kClientes << " clients on " << kEmpresas << " companies, 0 failed"
             << std::endl;
   // Companies come and go, and threads with them: from the second slice on the most that was in use is looked at.

@@ -5,8 +5,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
-#include <functional>
 #include <stdexcept>
 
 #include "tests/com/ApoioCom.h"
@@ -15,17 +13,6 @@ using apoiocom::Handle;
 
 namespace campanha {
 namespace {
-
-void ParaCadaServidor(const std::function<void(const PROCESSENTRY32 &)> &faz) {
-  const Handle hRetrato(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
-  PROCESSENTRY32 processo{};
-  processo.dwSize = sizeof(processo);
-  for (BOOL bHa = Process32First(hRetrato.get(), &processo); bHa; bHa = Process32Next(hRetrato.get(), &processo)) {
-    if (lstrcmpiA(processo.szExeFile, "Kalvo.exe") == 0) {
-      faz(processo);
-    }
-  }
-}
 
 /// The system's table of all handles, which Windows and Wine both have; Wine does not count those of a process.
 std::size_t HandlesDe(DWORD idProcesso) {
@@ -57,48 +44,47 @@ std::size_t HandlesDe(DWORD idProcesso) {
                                                 [&](const Entrada &entrada) { return entrada.idDono == idProcesso; }));
 }
 
+std::size_t ThreadsDe(DWORD idProcesso) {
+  const Handle hRetrato(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
+  THREADENTRY32 thread{};
+  thread.dwSize = sizeof(thread);
+  std::size_t uiQtd = 0;
+  for (BOOL bHa = Thread32First(hRetrato.get(), &thread); bHa; bHa = Thread32Next(hRetrato.get(), &thread)) {
+    uiQtd += thread.th32OwnerProcessID == idProcesso ? 1 : 0;
+  }
+  return uiQtd;
+}
+
 }  // namespace
 
 std::vector<DWORD> IdsDosServidores() {
   std::vector<DWORD> ids;
-  ParaCadaServidor([&](const PROCESSENTRY32 &processo) { ids.push_back(processo.th32ProcessID); });
+  for (const Handle &hServidor : apoiocom::Servidores()) {
+    ids.push_back(GetProcessId(hServidor.get()));
+  }
   return ids;
 }
 
-void MataServidor(DWORD idProcesso) {
-  const Handle hServidor(OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, idProcesso));
-  if (hServidor) {
-    TerminateProcess(hServidor.get(), 1);
-    if (WaitForSingleObject(hServidor.get(), apoiocom::kPrazo) != WAIT_OBJECT_0) {
-      throw std::runtime_error("a server cannot be ended");
-    }
+void Mata(HANDLE hServidor) {
+  TerminateProcess(hServidor, 1);
+  if (WaitForSingleObject(hServidor, apoiocom::kPrazo) != WAIT_OBJECT_0) {
+    throw std::runtime_error("a server cannot be ended");
   }
 }
 
 void MataServidores() {
-  for (const DWORD idProcesso : IdsDosServidores()) {
-    MataServidor(idProcesso);
+  for (const Handle &hServidor : apoiocom::Servidores()) {
+    Mata(hServidor.get());
   }
 }
 
-void EsqueceServidores() {
-  // On Windows there is nothing to forget, and the service refuses to stop.
-  std::system("net stop RpcSs >NUL 2>&1");
-}
-
-Recursos RecursosDe(DWORD idProcesso) {
-  Recursos recursos;
-  ParaCadaServidor([&](const PROCESSENTRY32 &processo) {
-    recursos.uiThreads += processo.th32ProcessID == idProcesso ? processo.cntThreads : 0;
-  });
-  const Handle hServidor(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, idProcesso));
+Recursos RecursosDe(HANDLE hServidor) {
   PROCESS_MEMORY_COUNTERS memoria{};
-  if (!hServidor || !GetProcessMemoryInfo(hServidor.get(), &memoria, sizeof(memoria))) {
+  if (!GetProcessMemoryInfo(hServidor, &memoria, sizeof(memoria))) {
     throw std::runtime_error("the server cannot be examined");
   }
-  recursos.dMemoriaMB = static_cast<double>(memoria.WorkingSetSize) / 1048576;
-  recursos.uiHandles = HandlesDe(idProcesso);
-  return recursos;
+  const DWORD idProcesso = GetProcessId(hServidor);
+  return {static_cast<double>(memoria.WorkingSetSize) / 1048576, HandlesDe(idProcesso), ThreadsDe(idProcesso)};
 }
 
 }  // namespace campanha

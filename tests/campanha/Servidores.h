@@ -12,12 +12,8 @@ namespace campanha {
 std::vector<DWORD> IdsDosServidores();
 
 /// Ends a server as a crash would; it is gone on return.
-void MataServidor(DWORD idProcesso);
+void Mata(HANDLE hServidor);
 void MataServidores();
-
-/// Lets the component platform forget servers that were ended by force: under Wine every activation fails otherwise.
-/// Objects that clients hold stay, but the servers they are of are found by no activation any more.
-void EsqueceServidores();
 
 /// What a server uses.
 struct Recursos {
@@ -25,7 +21,7 @@ struct Recursos {
   std::size_t uiHandles = 0;
   std::size_t uiThreads = 0;
 };
-Recursos RecursosDe(DWORD idProcesso);
+Recursos RecursosDe(HANDLE hServidor);
 
 }  // namespace campanha
 

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <memory>
 
 #include "tests/com/ApoioCom.h"
@@ -11,9 +10,7 @@ namespace {
 class AmbienteCom : public testing::Environment {
 public:
   void SetUp() override {
-    // A server that an earlier run ended by force leaves an entry behind under which every activation fails; Wine drops
-    // it with the service that keeps the entries. On Windows there is no such entry and the service refuses to stop.
-    std::system("net stop RpcSs >NUL 2>&1");
+    apoiocom::EsqueceServidores();  // an earlier run may have ended one
     std::string sErro;
     ASSERT_EQ(apoiocom::ExecutaKalvo("/RegServer", &sErro), 0U) << sErro;
     m_spApartamento = std::make_unique<apoiocom::Apartamento>();

@@ -6,6 +6,7 @@
 #include <array>
 #include <atomic>
 #include <cstdio>
+#include <cstdlib>
 
 namespace apoiocom {
 namespace {
@@ -193,18 +194,23 @@ DWORD Executa(const std::string &sPrograma, const std::string &sArgumentos, std:
 }
 
 std::vector<Handle> Servidores() {
+  constexpr DWORD kAcesso = SYNCHRONIZE | PROCESS_TERMINATE | PROCESS_QUERY_INFORMATION | PROCESS_VM_READ;
   std::vector<Handle> servidores;
   const Handle hRetrato(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
   PROCESSENTRY32 processo{};
   processo.dwSize = sizeof(processo);
   for (BOOL bHa = Process32First(hRetrato.get(), &processo); bHa; bHa = Process32Next(hRetrato.get(), &processo)) {
     if (lstrcmpiA(processo.szExeFile, "Kalvo.exe") == 0) {
-      if (HANDLE h = OpenProcess(SYNCHRONIZE, FALSE, processo.th32ProcessID)) {
+      if (HANDLE h = OpenProcess(kAcesso, FALSE, processo.th32ProcessID)) {
         servidores.emplace_back(h);
       }
     }
   }
   return servidores;
+}
+
+void EsqueceServidores() {
+  std::system("net stop RpcSs >NUL 2>&1");
 }
 
 long EsperaServidorTerminar() {

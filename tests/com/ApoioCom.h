@@ -121,8 +121,13 @@ Handle IniciaKalvo();
 /// and standard error goes to `*psSaida`.
 DWORD Executa(const std::string &sPrograma, const std::string &sArgumentos, std::string *psSaida);
 
-/// Handles of the running Kalvo.exe processes.
+/// Handles of the running Kalvo.exe processes, with which they can be examined and ended.
 std::vector<Handle> Servidores();
+
+/// Lets the component platform forget servers that were ended by force: under Wine, where it keeps an entry of them,
+/// every activation fails until the service that does so has been restarted. On Windows there is no such entry, and the
+/// service refuses to stop. Objects that clients have stay, but no activation finds their servers any more.
+void EsqueceServidores();
 
 /// Waits until no server runs; the milliseconds that took, or -1 past the time limit.
 long EsperaServidorTerminar();

@@ -1,0 +1,108 @@
+// A base of version 0 loses its first record exactly once, whoever converts it and whenever that is killed.
+
+#include <iostream>
+#include <sstream>
+
+#include "tests/apoio/Corrida.h"
+#include "tests/apoio/ProcessoFilho.h"
+#include "tests/campanha/Clientes.h"
+#include "tests/campanha/ParteDaCampanha.h"
+#include "tests/campanha/Servidores.h"
+
+using namespace apoiocom;
+
+namespace campanha {
+namespace {
+
+/// A third of the kills fall somewhere into the opening, the others into what follows the first file that it makes.
+constexpr unsigned kAberturaMs = 80;
+constexpr unsigned kDepoisMs = 4;
+
+/// Has an object, opens the company when told to, and tells the result.
+int Abridor(const std::vector<std::string> &argumentos) {
+  const Apartamento apartamento;
+  const Veiculos spVeiculos = Cria();
+  std::cout << (spVeiculos ? "pronto" : "") << std::endl;
+  std::string sLinha;
+  if (std::getline(std::cin, sLinha)) {
+    std::cout << Bits(Inicializa(*spVeiculos, argumentos[0])) << std::endl;
+  }
+  return 0;
+}
+const apoio::RegistraFilha kAbridor("campanha-abre", Abridor);
+
+/// Records that are told apart, 256 bytes each.
+std::string Base(char cPrimeiro, char cFim) {
+  std::string bytes;
+  for (char c = cPrimeiro; c < cFim; ++c) {
+    bytes += std::string(256, c);
+  }
+  return bytes;
+}
+constexpr char kPrimeiro = '0';
+constexpr char kFim = kPrimeiro + 50;
+
+class MorteNaConversao : public ParteDaCampanha {
+protected:
+  /// Waits until a file of the company is made, or a second.
+  static void EsperaMudanca(const Empresa &empresa) {
+    const auto fim = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+    while (!apoio::ExisteNoDisco(empresa.Arquivo("DFVEIC.TRA")) &&
+           !apoio::ExisteNoDisco(empresa.Arquivo("QZDATABASE_FILE_CTRL.DAT")) &&
+           std::chrono::steady_clock::now() < fim) {
+    }
+  }
+};
+
+// In turn: one server, which is killed; two, of which one is killed; two that are left alone.
+TEST_F(MorteNaConversao, SoOPrimeiroRegistroSaiEUmaVez) {
+  LigaLogs();
+  const unsigned uiRodadas = apoio::Rodadas();
+  unsigned uiMortas = 0;
+  unsigned uiNoMeio = 0;
+  unsigned uiConvertidas = 0;
+  for (unsigned uiRodada = 0; uiRodada < uiRodadas; ++uiRodada) {
+    SCOPED_TRACE(testing::Message() << "round " << uiRodada);
+    const Empresa &empresa = OutraEmpresa();
+    apoio::EscreveArquivo(empresa.Arquivo("DFVEIC.DAT"), Base(kPrimeiro, kFim));
+    MataServidores();
+    const unsigned uiServidores = uiRodada % 3 == 0 ? 1 : 2;
+    std::deque<apoio::ProcessoFilho> clientes;
+    for (unsigned i = 0; i < uiServidores; ++i) {
+      EsqueceServidores();  // each client gets a server of its own
+      ASSERT_EQ(clientes.emplace_back("campanha-abre", std::vector<std::string>{empresa.Codigo()}).LeLinha(), "pronto");
+    }
+    const std::vector<Handle> servidores = Servidores();
+    ASSERT_EQ(servidores.size(), uiServidores);
+    for (apoio::ProcessoFilho &cliente : clientes) {
+      cliente.EnviaLinha("vai");
+    }
+    if (uiRodada % 3 != 2) {
+      const bool bCedo = m_gerador() % 3 == 0;
+      if (!bCedo) {
+        EsperaMudanca(empresa);
+      }
+      Espera(Sorteia(bCedo ? kAberturaMs : kDepoisMs));
+      Mata(servidores[m_gerador() % servidores.size()].get());
+      ++uiMortas;
+    }
+    for (apoio::ProcessoFilho &cliente : clientes) {
+      uiConvertidas += cliente.LeLinha() == "0" ? 1U : 0U;
+      cliente.Espera();
+    }
+    MataServidores();
+    EsqueceServidores();
+    uiNoMeio += Sobras(empresa.Arquivo(""), ".TRA").empty() ? 0U : 1U;
+
+    const Leitura leitura = LeEmpresa(empresa.Codigo());
+    ASSERT_EQ(Bits(leitura.hr), Bits(S_OK)) << "the company does not open";
+    ASSERT_EQ(Registros(empresa), Base(kPrimeiro + 1, kFim));
+    ASSERT_EQ(Sobras(empresa.Arquivo(""), ".TRA"), std::vector<std::string>());
+  }
+  std::cout << uiRodadas << " conversions, " << uiMortas << " with a kill, of which " << uiNoMeio
+            << " left companions of files; " << uiConvertidas << " clients were told that it was done; one record went"
+            << " every time" << std::endl;
+}
+
+}  // namespace
+}  // namespace campanha

@@ -58,6 +58,7 @@ constexpr std::array kRemedios{
     CRemedio{0x810809F2U, 0x810809F2U, kOutroPrograma},
     CRemedio{0x81080A3EU, 0x81080A3EU, kAtualize},
     CRemedio{0x81080A3FU, 0x81080A3FU, kCopiaReparada},
+    CRemedio{0x81080A40U, 0x81080A40U, kRelate},
     CRemedio{0x81080A42U, 0x81080A42U, kCopiaReparada},
     CRemedio{0x81080A43U, 0x81080A43U, "ponha o arquivo certo no seu lugar"},
     CRemedio{0x81080A50U, 0x81080A50U, kRestaure},

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "client/QZVeiculosCliente.h"
 #include "core/platform/ServicosSistema.h"
 #include "server/ClasseVeiculos.h"
 #include "tests/apoio/ArquivosDecorado.h"
@@ -55,10 +56,10 @@ int ServeAteAGravacao(const std::vector<std::string> &argumentos) {
   const Apartamento apartamento;
   apoio::ArquivosComFalha arquivos(plataforma::ArquivosDoSistema());
   const apoio::ServicosTrocados servicos(&arquivos);
-  arquivos.Arma({.operacoes = apoio::kOpGrava,
-                 .trecho = "DFVEIC.DAT",
-                 .enesima = std::stoul(argumentos[0]),
-                 .aoFalhar = [] { ExitProcess(0); }});
+  arquivos.Arma(
+      {.operacoes = apoio::kOpGrava, .trecho = "DFVEIC.DAT", .enesima = std::stoul(argumentos[0]), .aoFalhar = [] {
+         ExitProcess(0);
+       }});
   CClasseVeiculos classe;
   const CRegistroClasse registro(classe);
   if (FAILED(registro.Resultado()) || FAILED(CoResumeClassObjects())) {
@@ -195,7 +196,7 @@ TEST_F(VeiculosCom, ExportaEImportaNadaPerdem) {
   {
     const Veiculos spVeiculos = Abre(m_empresa.Codigo());
     ASSERT_TRUE(spVeiculos);
-    for (int i = 0; i < 1100; ++i) {
+    for (int i = 0; i < 520; ++i) {
       LONG lPos = 0;
       ASSERT_EQ(spVeiculos->Grava(&lPos, Sorteia(sorteio)), S_OK);
     }
@@ -205,7 +206,7 @@ TEST_F(VeiculosCom, ExportaEImportaNadaPerdem) {
     const Empresa outra;
     ASSERT_EQ(Roda("exporta --substitui " + sCodificacao + " " + Novo("tudo.csv")), 0U) << m_sSaida;
     EXPECT_EQ(Roda(outra, "importa " + sCodificacao + " " + Novo("tudo.csv")), 0U) << m_sSaida;
-    EXPECT_TRUE(Contem(m_sSaida, "Gravados: 1100  Recusados: 0")) << m_sSaida;
+    EXPECT_TRUE(Contem(m_sSaida, "Gravados: 520  Recusados: 0")) << m_sSaida;
     EXPECT_TRUE(Registros(outra) == sRegistros) << sCodificacao;
   }
   const Empresa outra;
@@ -249,4 +250,36 @@ TEST_F(VeiculosCom, ImportacaoSemServidorDizOndeSeContinua) {
   EXPECT_TRUE(Contem(m_sSaida, "gravada: 5. Para continuar: --desde-linha 6\n")) << m_sSaida;
   EXPECT_EQ(Roda("importa --sem-repetir --desde-linha 6 " + sArquivo), 0U) << m_sSaida;
   EXPECT_EQ(Codigos(m_empresa), sEsperados);
+}
+
+// The wrapper that clients compile: what it refuses itself, and what it leaves in outputs of calls that fail.
+TEST(ClienteCom, RecusaAntesDaChamadaEEsvaziaSaidas) {
+  const Empresa empresa;
+  CQZVeiculosHR veiculos;
+  unsigned uiQtd = 9;
+  EXPECT_EQ(veiculos.GetQuantidadeRegistros(uiQtd), E_POINTER);
+  EXPECT_EQ(uiQtd, 0U);
+  ASSERT_EQ(veiculos.Cria(), S_OK);
+  std::vector<LONG> posicoes{7};
+  EXPECT_TRUE(FAILED(veiculos.BuscaPonteiros({}, posicoes)));
+  EXPECT_TRUE(posicoes.empty());
+  EXPECT_EQ(veiculos.Inicializa(std::string_view("A\0B", 3), 1, 1), E_INVALIDARG);
+  ASSERT_EQ(veiculos.Inicializa(empresa.Codigo(), 1, 1), S_OK);
+
+  LONG lPos = 0;
+  ASSERT_EQ(veiculos.Grava(lPos, Veiculo("ABCDEFGHIJKLM")), S_OK);
+  tagREG_VEICULOPS veiculo{};
+  EXPECT_EQ(veiculos.Existe("ABCDEFGHIJKLM", lPos, veiculo), S_OK);
+  EXPECT_EQ(lPos, 1);
+  EXPECT_EQ(veiculos.Existe("ABCDEFGHIJKLMN", lPos, veiculo), E_INVALIDARG);
+  EXPECT_EQ(lPos, 0);
+  veiculo = Veiculo("RESTO");
+  EXPECT_EQ(Bits(veiculos.Le(2, veiculo)), 0x810809DAU);
+  EXPECT_EQ(CodigoDe(veiculo), "");
+  try {
+    const CQZVeiculos excecoes("", 1, 1);
+    ADD_FAILURE();
+  } catch (const CQZErroVeiculos &erro) {
+    EXPECT_EQ(Bits(erro.GetHR()), 0x810809CFU);
+  }
 }

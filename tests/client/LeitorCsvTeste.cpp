@@ -120,6 +120,8 @@ TEST(Codificacao, MarkDecidesThenTheUserThenTheBytes) {
     EXPECT_EQ(LeCampo(LeTudo(caso.sBytes, caso.eDada).at(0).veiculo.szDescricao), "ba\xFA \x80") << caso.sBytes;
     EXPECT_EQ(Decodifica(caso.sBytes, caso.eDada).sAviso.empty(), !caso.bAviso) << caso.sBytes;
   }
+  EXPECT_EQ(Codifica(s1252, eCodificacao::utf8), s8);
+  EXPECT_EQ(Codifica(s1252, eCodificacao::utf16be), Em16(s16, true));
   EXPECT_NE(Decodifica(s1252 + s8, std::nullopt).sAviso, "");
   EXPECT_FALSE(Decodifica(s1252 + s8, std::nullopt).bUtf8);
   EXPECT_EQ(LeCampo(LeTudo(s8, eCodificacao::windows1252)[0].veiculo.szDescricao), "ba\xC3\xBA \xE2\x82\xAC");

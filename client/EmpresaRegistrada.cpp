@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "client/Codificacao.h"
+#include "client/Saida.h"
 #include "client/Sugestao.h"
 #include "core/env/QZPath.h"
 
@@ -59,8 +60,9 @@ void ExigeCodigo(const std::string &sCodigo) {
   const auto it = std::find_if(aCodigos.begin(), aCodigos.end(), igual);
   if (it == aCodigos.end()) {
     const std::vector<std::string_view> aCandidatos(aCodigos.begin(), aCodigos.end());
-    throw CErroEmpresa("a empresa \"" + sCodigo + "\" não está registrada: não há a chave HKLM\\"_pt + ChaveEmpresas() +
-                       "\\" + sCodigo + Sugestao(sCodigo, aCandidatos) + Registradas(aCodigos));
+    const std::string sVisivel = Visivel(sCodigo);
+    throw CErroEmpresa("a empresa \"" + sVisivel + "\" não está registrada: não há a chave HKLM\\"_pt +
+                       ChaveEmpresas() + "\\" + sVisivel + Sugestao(sCodigo, aCandidatos) + Registradas(aCodigos));
   }
   // For the server another spelling is another company, with the same files.
   if (*it != sCodigo) {

@@ -13,6 +13,7 @@
 #include "client/Comandos.h"
 #include "client/Console.h"
 #include "client/Interrupcao.h"
+#include "client/Servico.h"
 
 namespace {
 

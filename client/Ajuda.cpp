@@ -1,56 +1,98 @@
 #include "client/Ajuda.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
 #include "client/Codificacao.h"
+#include "client/Saida.h"
 
-std::string TextoAjuda() {
-  return R"(Uso: veiculos --empresa CODIGO [--usuario N] [--sessao N] COMANDO ...
+namespace {
 
-Comandos:
-  grava [campos]            inclui um veículo
-  grava --posicao N [campos]
-                            regrava a posição N, trocando só os campos dados
-  le POSICAO...             mostra os veículos das posições
-  existe TEXTO              procura pelo código ou, se não houver, pela placa
-  busca [filtros]           lista os veículos que passam por todos os filtros
-  conta                     mostra a quantidade de registros
-  importa ARQUIVO.csv       inclui os veículos de um arquivo CSV
-  diagnostico               confere a instalação: registro, diretórios, ativação
+constexpr std::size_t kLarguraTela = 79;
+constexpr std::size_t kColunaTexto = 26;
 
-Opções globais:
-  --empresa CODIGO          empresa dona da base (obrigatória, menos para
-                            diagnostico)
-  --usuario N               usuário, 0 a 65535 (padrão 1)
-  --sessao N                sessão (padrão 1)
-  --ajuda                   mostra este texto
+std::string Texto(std::string_view sUtf8) {
+  return De8Para1252(sUtf8).value();
+}
 
-Campos de grava (e colunas do CSV):
-  --codigo T --placa T --uf T --descricao T --ano N --antt T --carroceria N
-  --rodado N --tipo N --tara V --kg V --m3 V --renavam T --cliente N
-  --transporte N
+// "  title   text": the text in a column of its own, broken between words; under a title that does not leave room for
+// it from the next line on.
+std::string Verbete(const std::string &sTitulo, std::string_view sTextoUtf8) {
+  const std::string sTexto = Texto(sTextoUtf8);
+  std::string sLinha = "  " + sTitulo;
+  std::string sVerbete;
+  if (sLinha.size() + 2 > kColunaTexto) {
+    sVerbete = sLinha + "\n";
+    sLinha.clear();
+  }
+  sLinha.resize(kColunaTexto, ' ');
+  for (std::size_t uiInicio = 0; uiInicio < sTexto.size();) {
+    const std::size_t uiFim = std::min(sTexto.find(' ', uiInicio), sTexto.size());
+    const std::string sPalavra = sTexto.substr(uiInicio, uiFim - uiInicio);
+    if (sLinha.size() > kColunaTexto && sLinha.size() + 1 + sPalavra.size() > kLarguraTela) {
+      sVerbete += sLinha + "\n";
+      sLinha.assign(kColunaTexto, ' ');
+    }
+    sLinha += (sLinha.size() > kColunaTexto ? " " : "") + sPalavra;
+    uiInicio = uiFim + 1;
+  }
+  return sVerbete + sLinha + "\n";
+}
 
-Filtros de busca:
-  --tara-min V --tara-max V --kg-min V --kg-max V --m3-min V --m3-max V
-  --ano-min N --ano-max N --cliente N
-  --descricao T --antt T --codigo T --renavam T --placa T --uf T
-                            texto exato, ou com * e ? (menos --uf). O primeiro
-                            texto com * ou ?, na ordem acima, decide sozinho:
-                            os de texto seguintes e os de tipo não são olhados
-  --carrocerias 0,2         tipos de carroceria aceitos, 0 a 5
-  --rodados 1,3             tipos de rodado aceitos, 1 a 6
-  --tipos 0,1               tipos de veículo aceitos (1: qualquer um menos 0)
-  --transportes 0,1         tipos de transporte aceitos (1: qualquer um menos 0)
-  --so-posicoes             mostra só as posições
-  --limite N                mostra no máximo N veículos
+std::string ComValor(const COpcaoConhecida &opcao) {
+  return "--" + std::string(opcao.sNome) + (opcao.sValor.empty() ? "" : " " + Texto(opcao.sValor));
+}
 
-Outras opções:
-  --csv                     le, existe e busca: saída em CSV
-  --tudo-ou-nada            importa: confere todas as linhas antes e não grava
-                            nada se houver linha ruim
+std::string Trecho(std::string_view sUtf8) {
+  return sUtf8.empty() ? std::string() : "\n" + Texto(sUtf8);
+}
 
-Valores V têm até 4 casas decimais, com vírgula ou ponto e sem separador de
-milhar.
+}  // namespace
 
-Código de saída: 0 sucesso; 1 a operação falhou; 2 uso errado; 3 não encontrado
-(existe); 4 houve linhas recusadas (importa).
-)"_pt;
+std::string TextoAjuda(const CProgramaConhecido &programa) {
+  const std::string sNome(programa.sNome);
+  std::string sAjuda = "Uso: " + sNome + " " + Texto(programa.sUso) + "\n\nComandos:\n";
+  for (const CComandoConhecido &comando : programa.aComandos) {
+    sAjuda += Verbete(std::string(comando.sNome) + " " + Texto(comando.sValores), comando.sResumo);
+  }
+  sAjuda += "\n" + sNome + " COMANDO --ajuda mostra as opções de um comando, com exemplos;\n"_pt + sNome +
+            " --versao, a versão do programa.\n"_pt;
+  return sAjuda + Trecho(programa.sNotas);
+}
+
+std::string TextoAjuda(const CProgramaConhecido &programa, const CComandoConhecido &comando) {
+  const std::string sNome(programa.sNome);
+  std::string sUso = "Uso: " + sNome + " " + std::string(comando.sNome);
+  sUso += comando.sValores.empty() ? "" : " " + Texto(comando.sValores);
+  std::string sOpcoes;
+  for (const COpcaoConhecida &opcao : comando.aOpcoes) {
+    sUso += opcao.bObrigatoria ? " " + ComValor(opcao) : "";
+    sOpcoes += Verbete(ComValor(opcao), opcao.sTexto);
+  }
+  std::string sAjuda = sUso + " [opções]\n\n"_pt + Texto(comando.sResumo) + "\n\nOpções:\n"_pt + sOpcoes;
+  sAjuda += Trecho(comando.sNotas) + "\nExemplos:\n";
+  for (const std::string_view sExemplo : comando.aExemplos) {
+    sAjuda += "  " + sNome + " " + Texto(sExemplo) + "\n";
+  }
+  return sAjuda;
+}
+
+std::optional<std::string> TextoPedido(std::span<const std::string> aTextos, const CProgramaConhecido &programa) {
+  const std::vector<CParteLinha> aPartes = SeparaLinha(aTextos, programa);
+  const auto tem = [&](std::string_view sNome) {
+    return std::any_of(aPartes.begin(), aPartes.end(),
+                       [&](const CParteLinha &parte) { return parte.bOpcao && parte.sTexto == sNome; });
+  };
+  if (tem("ajuda")) {
+    const auto comando = std::find_if(aPartes.begin(), aPartes.end(), [](const auto &parte) { return !parte.bOpcao; });
+    const CComandoConhecido *const pComando =
+        comando == aPartes.end() ? nullptr : ProcuraComando(programa, comando->sTexto);
+    return pComando != nullptr ? TextoAjuda(programa, *pComando) : TextoAjuda(programa);
+  }
+  if (tem("versao")) {
+    return std::string(programa.sNome) + " " + std::string(programa.sVersao) + "\n";
+  }
+  return std::nullopt;
 }

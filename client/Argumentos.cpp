@@ -1,20 +1,45 @@
 #include "client/Argumentos.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <utility>
 
 #include "client/Campos.h"
 #include "client/Codificacao.h"
+#include "client/Sugestao.h"
 
 namespace {
 
 constexpr std::uint64_t kMaiorPosicao = std::numeric_limits<std::int32_t>::max();
+constexpr std::string_view kTracos = "--";
 
 const COpcaoConhecida *ProcuraOpcao(std::span<const COpcaoConhecida> aOpcoes, std::string_view sNome) {
   const auto it = std::find_if(aOpcoes.begin(), aOpcoes.end(), [&](const auto &opcao) { return opcao.sNome == sNome; });
   return it == aOpcoes.end() ? nullptr : &*it;
+}
+
+// The option as any command knows it: whether it takes a value is the same for all that do.
+const COpcaoConhecida *ProcuraOpcao(const CProgramaConhecido &programa, std::string_view sNome) {
+  for (const CComandoConhecido &comando : programa.aComandos) {
+    if (const COpcaoConhecida *const pOpcao = ProcuraOpcao(comando.aOpcoes, sNome)) {
+      return pOpcao;
+    }
+  }
+  return nullptr;
+}
+
+template <typename C>
+std::string SugestaoDeNome(std::string_view sPalavra, const C &aConhecidos) {
+  std::vector<std::string_view> aNomes;
+  std::transform(aConhecidos.begin(), aConhecidos.end(), std::back_inserter(aNomes),
+                 [](const auto &conhecido) { return conhecido.sNome; });
+  return Sugestao(sPalavra, aNomes);
+}
+
+bool PedeAjuda(std::string_view sTexto) {
+  return sTexto == "-h" || sTexto == "/?";
 }
 
 std::uint64_t NumeroDaOpcao(std::string_view sNome, std::string_view sValor, std::uint64_t uiMinimo,
@@ -32,78 +57,103 @@ std::uint64_t NumeroDaOpcao(std::string_view sNome, std::string_view sValor, std
 
 }  // namespace
 
-CArgumentos::CArgumentos(std::span<const std::string> aTextos, std::span<const CComandoConhecido> aComandos) {
-  // The command decides which options exist, so the options are checked after the whole line was taken apart; whether
-  // an option takes a value is the same for every command that knows it.
-  const auto procura = [&](std::string_view sNome) {
-    const COpcaoConhecida *pOpcao = nullptr;
-    for (auto it = aComandos.begin(); pOpcao == nullptr && it != aComandos.end(); ++it) {
-      pOpcao = ProcuraOpcao(it->aOpcoes, sNome);
-    }
-    return pOpcao;
-  };
-
-  bool bSoValores = false;
-  std::vector<std::string> aPalavras;
+std::vector<CParteLinha> SeparaLinha(std::span<const std::string> aTextos, const CProgramaConhecido &programa) {
+  std::vector<CParteLinha> aPartes;
+  bool bSoPalavras = false;
   for (std::size_t i = 0; i < aTextos.size(); ++i) {
     const std::string &sTexto = aTextos[i];
-    if (bSoValores || sTexto.substr(0, 2) != "--") {
-      aPalavras.push_back(sTexto);
-      continue;
-    }
-    if (sTexto == "--") {
-      bSoValores = true;
-      continue;
-    }
-    const std::size_t uiIgual = sTexto.find('=');
-    const bool bValorJunto = uiIgual != std::string::npos;
-    const std::string sNome = sTexto.substr(2, bValorJunto ? uiIgual - 2 : std::string::npos);
-    const COpcaoConhecida *const pOpcao = procura(sNome);
-    if (pOpcao == nullptr) {
-      throw CErroUso("opção desconhecida: --"_pt + sNome);
-    }
-    std::string sValor;
-    if (pOpcao->bComValor) {
-      if (!bValorJunto && i + 1 == aTextos.size()) {
-        throw CErroUso("--" + sNome + ": falta o valor");
+    if (!bSoPalavras && sTexto == kTracos) {
+      bSoPalavras = true;
+    } else if (!bSoPalavras && PedeAjuda(sTexto)) {
+      aPartes.push_back({true, "ajuda", std::nullopt});
+    } else if (bSoPalavras || !sTexto.starts_with(kTracos)) {
+      aPartes.push_back({false, sTexto, std::nullopt});
+    } else {
+      const std::size_t uiIgual = sTexto.find('=');
+      CParteLinha parte{true, sTexto.substr(2, uiIgual == std::string::npos ? uiIgual : uiIgual - 2), std::nullopt};
+      const COpcaoConhecida *const pOpcao = ProcuraOpcao(programa, parte.sTexto);
+      const bool bComValor = pOpcao != nullptr && !pOpcao->sValor.empty();
+      if (uiIgual != std::string::npos) {
+        parte.sValor = sTexto.substr(uiIgual + 1);
+      } else if (bComValor && i + 1 < aTextos.size() && !aTextos[i + 1].starts_with(kTracos)) {
+        parte.sValor = aTextos[++i];
       }
-      sValor = bValorJunto ? sTexto.substr(uiIgual + 1) : aTextos[++i];
-    } else if (bValorJunto) {
-      throw CErroUso("--" + sNome + ": esta opção não aceita valor"_pt);
-    }
-    if (!m_mapOpcoes.emplace(sNome, std::move(sValor)).second) {
-      throw CErroUso("--" + sNome + ": opção repetida"_pt);
+      aPartes.push_back(std::move(parte));
     }
   }
+  return aPartes;
+}
 
-  if (aPalavras.empty()) {
+const CComandoConhecido *ProcuraComando(const CProgramaConhecido &programa, std::string_view sNome) {
+  const auto it = std::find_if(programa.aComandos.begin(), programa.aComandos.end(),
+                               [&](const CComandoConhecido &comando) { return comando.sNome == sNome; });
+  return it == programa.aComandos.end() ? nullptr : &*it;
+}
+
+CArgumentos::CArgumentos(std::span<const std::string> aTextos, const CProgramaConhecido &programa) {
+  std::vector<CParteLinha> aPartes = SeparaLinha(aTextos, programa);
+  // The command decides which options exist, wherever it stands.
+  const auto comando = std::find_if(aPartes.begin(), aPartes.end(), [](const auto &parte) { return !parte.bOpcao; });
+  if (comando != aPartes.end()) {
+    m_pComando = ProcuraComando(programa, comando->sTexto);
+    if (m_pComando == nullptr) {
+      throw CErroUso("comando desconhecido: " + comando->sTexto + SugestaoDeNome(comando->sTexto, programa.aComandos));
+    }
+    aPartes.erase(comando);
+  }
+  for (CParteLinha &parte : aPartes) {
+    if (parte.bOpcao) {
+      GuardaOpcao(std::move(parte), programa);
+    } else {
+      m_aValores.push_back(std::move(parte.sTexto));
+    }
+  }
+  if (m_pComando == nullptr) {
     throw CErroUso("falta o comando");
   }
-  const auto it = std::find_if(aComandos.begin(), aComandos.end(),
-                               [&](const CComandoConhecido &comando) { return comando.sNome == aPalavras.front(); });
-  if (it == aComandos.end()) {
-    throw CErroUso("comando desconhecido: " + aPalavras.front());
-  }
-  m_pComando = &*it;
-  m_aValores.assign(std::make_move_iterator(aPalavras.begin() + 1), std::make_move_iterator(aPalavras.end()));
+  Confere();
+}
 
-  for (const auto &[sNome, sValor] : m_mapOpcoes) {
-    if (ProcuraOpcao(it->aOpcoes, sNome) == nullptr) {
-      throw CErroUso("--" + sNome + ": o comando "_pt + std::string(it->sNome) + " não tem esta opção"_pt);
-    }
+void CArgumentos::GuardaOpcao(CParteLinha parte, const CProgramaConhecido &programa) {
+  const std::string sNome = std::string(kTracos) + parte.sTexto;
+  const COpcaoConhecida *const pOpcao = ProcuraOpcao(programa, parte.sTexto);
+  if (pOpcao == nullptr) {
+    throw CErroUso("opção desconhecida: "_pt + sNome +
+                   (m_pComando != nullptr ? SugestaoDeNome(parte.sTexto, m_pComando->aOpcoes) : std::string()));
   }
-  if (m_aValores.size() < it->uiMinimoValores) {
-    throw CErroUso("faltam valores para o comando " + std::string(it->sNome));
+  if (m_pComando != nullptr && ProcuraOpcao(m_pComando->aOpcoes, parte.sTexto) == nullptr) {
+    throw CErroUso(sNome + ": o comando "_pt + std::string(m_pComando->sNome) + " não tem esta opção"_pt);
   }
-  if (m_aValores.size() > it->uiMaximoValores) {
-    throw CErroUso("valor a mais para o comando " + std::string(it->sNome) + ": " + m_aValores[it->uiMaximoValores]);
+  if (!pOpcao->sValor.empty() && !parte.sValor) {
+    throw CErroUso(sNome + ": falta o valor (um que comece com -- escreve-se "_pt + sNome + "=VALOR)");
   }
-  for (const COpcaoConhecida &opcao : it->aOpcoes) {
+  if (pOpcao->sValor.empty() && parte.sValor) {
+    throw CErroUso(sNome + ": esta opção não aceita valor"_pt);
+  }
+  if (!m_mapOpcoes.emplace(parte.sTexto, parte.sValor.value_or("")).second) {
+    throw CErroUso(sNome + ": opção repetida"_pt);
+  }
+}
+
+void CArgumentos::Confere() const {
+  const std::string sComando(m_pComando->sNome);
+  if (m_aValores.size() < m_pComando->uiMinimoValores) {
+    throw CErroUso("faltam valores para o comando " + sComando + ": " + De8Para1252(m_pComando->sValores).value());
+  }
+  if (m_aValores.size() > m_pComando->uiMaximoValores) {
+    throw CErroUso("valor a mais para o comando " + sComando + ": " + m_aValores[m_pComando->uiMaximoValores]);
+  }
+  for (const COpcaoConhecida &opcao : m_pComando->aOpcoes) {
     const std::string *const pValor = Opcao(opcao.sNome);
     if (opcao.bObrigatoria && (pValor == nullptr || pValor->empty())) {
-      throw CErroUso("--" + std::string(opcao.sNome) + ": o comando "_pt + std::string(it->sNome) +
-                     " exige esta opção"_pt);
+      throw CErroUso("--" + std::string(opcao.sNome) + ": o comando "_pt + sComando + " exige esta opção"_pt);
     }
+  }
+}
+
+void CArgumentos::SoUma(std::string_view sUma, std::string_view sOutra) const {
+  if (Tem(sUma) && Tem(sOutra)) {
+    throw CErroUso("--" + std::string(sUma) + " e --" + std::string(sOutra) + ": só um dos dois"_pt);
   }
 }
 

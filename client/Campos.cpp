@@ -18,44 +18,50 @@ using F = tagREG_FILTRO_VEICULOSPS;
 
 // In the order in which they are shown.
 constexpr std::array kCamposVeiculo{
-    CCampo{"codigo", texto, offsetof(V, szCodigo), sizeof(V::szCodigo)},
-    CCampo{"placa", texto, offsetof(V, szPlaca), sizeof(V::szPlaca)},
-    CCampo{"uf", texto, offsetof(V, szUF), sizeof(V::szUF)},
-    CCampo{"descricao", texto, offsetof(V, szDescricao), sizeof(V::szDescricao)},
-    CCampo{"ano", numero, offsetof(V, iAno), sizeof(V::iAno)},
-    CCampo{"antt", texto, offsetof(V, szCodigoANTT), sizeof(V::szCodigoANTT)},
-    CCampo{"carroceria", numero, offsetof(V, iTipoCarroceria), sizeof(V::iTipoCarroceria)},
-    CCampo{"rodado", numero, offsetof(V, iTipoRodado), sizeof(V::iTipoRodado)},
-    CCampo{"tipo", numero, offsetof(V, iTipoVeiculo), sizeof(V::iTipoVeiculo)},
-    CCampo{"tara", moeda, offsetof(V, vTara), sizeof(V::vTara)},
-    CCampo{"kg", moeda, offsetof(V, vCapacidadeKg), sizeof(V::vCapacidadeKg)},
-    CCampo{"m3", moeda, offsetof(V, vCapacidadeM3), sizeof(V::vCapacidadeM3)},
-    CCampo{"renavam", texto, offsetof(V, szRENAVAM), sizeof(V::szRENAVAM)},
-    CCampo{"cliente", numero, offsetof(V, iPonteiroCliente), sizeof(V::iPonteiroCliente)},
-    CCampo{"transporte", numero, offsetof(V, iTipoTransporte), sizeof(V::iTipoTransporte)},
+    CCampo{"codigo", texto, offsetof(V, szCodigo), sizeof(V::szCodigo), "Código"},
+    CCampo{"placa", texto, offsetof(V, szPlaca), sizeof(V::szPlaca), "Placa"},
+    CCampo{"uf", texto, offsetof(V, szUF), sizeof(V::szUF), "UF"},
+    CCampo{"descricao", texto, offsetof(V, szDescricao), sizeof(V::szDescricao), "Descrição"},
+    CCampo{"ano", numero, offsetof(V, iAno), sizeof(V::iAno), "Ano"},
+    CCampo{"antt", texto, offsetof(V, szCodigoANTT), sizeof(V::szCodigoANTT), "Código ANTT"},
+    CCampo{"carroceria", numero, offsetof(V, iTipoCarroceria), sizeof(V::iTipoCarroceria), "Tipo de carroceria"},
+    CCampo{"rodado", numero, offsetof(V, iTipoRodado), sizeof(V::iTipoRodado), "Tipo de rodado"},
+    CCampo{"tipo", numero, offsetof(V, iTipoVeiculo), sizeof(V::iTipoVeiculo), "Tipo de veículo"},
+    CCampo{"tara", moeda, offsetof(V, vTara), sizeof(V::vTara), "Tara (kg)"},
+    CCampo{"kg", moeda, offsetof(V, vCapacidadeKg), sizeof(V::vCapacidadeKg), "Capacidade (kg)"},
+    CCampo{"m3", moeda, offsetof(V, vCapacidadeM3), sizeof(V::vCapacidadeM3), "Capacidade (m³)"},
+    CCampo{"renavam", texto, offsetof(V, szRENAVAM), sizeof(V::szRENAVAM), "RENAVAM"},
+    CCampo{"cliente", numero, offsetof(V, iPonteiroCliente), sizeof(V::iPonteiroCliente), "Cliente"},
+    CCampo{"transporte", numero, offsetof(V, iTipoTransporte), sizeof(V::iTipoTransporte), "Tipo de transporte"},
 };
 
 constexpr std::array kCamposFiltro{
-    CCampo{"tara-min", moeda, offsetof(F, vTaraInicial), sizeof(F::vTaraInicial)},
-    CCampo{"tara-max", moeda, offsetof(F, vTaraFinal), sizeof(F::vTaraFinal)},
-    CCampo{"kg-min", moeda, offsetof(F, vCapacidadeKgInicial), sizeof(F::vCapacidadeKgInicial)},
-    CCampo{"kg-max", moeda, offsetof(F, vCapacidadeKgFinal), sizeof(F::vCapacidadeKgFinal)},
-    CCampo{"m3-min", moeda, offsetof(F, vCapacidadeM3Inicial), sizeof(F::vCapacidadeM3Inicial)},
-    CCampo{"m3-max", moeda, offsetof(F, vCapacidadeM3Final), sizeof(F::vCapacidadeM3Final)},
-    CCampo{"ano-min", numero, offsetof(F, iAnoInicial), sizeof(F::iAnoInicial)},
-    CCampo{"ano-max", numero, offsetof(F, iAnoFinal), sizeof(F::iAnoFinal)},
-    CCampo{"cliente", numero, offsetof(F, iPonteiroCliente), sizeof(F::iPonteiroCliente)},
-    CCampo{"descricao", texto, offsetof(F, szDescricao), sizeof(F::szDescricao)},
-    CCampo{"antt", texto, offsetof(F, szCodigoANTT), sizeof(F::szCodigoANTT)},
-    CCampo{"codigo", texto, offsetof(F, szCodigo), sizeof(F::szCodigo)},
-    CCampo{"renavam", texto, offsetof(F, szRENAVAM), sizeof(F::szRENAVAM)},
-    CCampo{"placa", texto, offsetof(F, szPlaca), sizeof(F::szPlaca)},
-    CCampo{"uf", texto, offsetof(F, szUF), sizeof(F::szUF)},
+    CCampo{"tara-min", limite, offsetof(F, vTaraInicial), sizeof(F::vTaraInicial), "menor tara (kg)"},
+    CCampo{"tara-max", limite, offsetof(F, vTaraFinal), sizeof(F::vTaraFinal), "maior tara (kg)"},
+    CCampo{"kg-min", limite, offsetof(F, vCapacidadeKgInicial), sizeof(F::vCapacidadeKgInicial),
+           "menor capacidade em kg"},
+    CCampo{"kg-max", limite, offsetof(F, vCapacidadeKgFinal), sizeof(F::vCapacidadeKgFinal), "maior capacidade em kg"},
+    CCampo{"m3-min", limite, offsetof(F, vCapacidadeM3Inicial), sizeof(F::vCapacidadeM3Inicial),
+           "menor capacidade em m³"},
+    CCampo{"m3-max", limite, offsetof(F, vCapacidadeM3Final), sizeof(F::vCapacidadeM3Final), "maior capacidade em m³"},
+    CCampo{"ano-min", numero, offsetof(F, iAnoInicial), sizeof(F::iAnoInicial), "menor ano"},
+    CCampo{"ano-max", numero, offsetof(F, iAnoFinal), sizeof(F::iAnoFinal), "maior ano"},
+    CCampo{"cliente", numero, offsetof(F, iPonteiroCliente), sizeof(F::iPonteiroCliente), "cliente"},
+    CCampo{"descricao", texto, offsetof(F, szDescricao), sizeof(F::szDescricao), "descrição"},
+    CCampo{"antt", texto, offsetof(F, szCodigoANTT), sizeof(F::szCodigoANTT), "código ANTT"},
+    CCampo{"codigo", texto, offsetof(F, szCodigo), sizeof(F::szCodigo), "código"},
+    CCampo{"renavam", texto, offsetof(F, szRENAVAM), sizeof(F::szRENAVAM), "RENAVAM"},
+    CCampo{"placa", texto, offsetof(F, szPlaca), sizeof(F::szPlaca), "placa"},
+    CCampo{"uf", texto, offsetof(F, szUF), sizeof(F::szUF), "UF, sem * nem ?"},
     // Body types count from 0 and wheel-set types from 1. Of the two kinds only zero or not matters.
-    CCampo{"carrocerias", mascara, offsetof(F, iTipoCarroceria), sizeof(F::iTipoCarroceria), 0, 5},
-    CCampo{"rodados", mascara, offsetof(F, iTipoRodado), sizeof(F::iTipoRodado), 1, 6},
-    CCampo{"tipos", mascara, offsetof(F, iTipoVeiculo), sizeof(F::iTipoVeiculo), 0, 1},
-    CCampo{"transportes", mascara, offsetof(F, iTipoTransporte), sizeof(F::iTipoTransporte), 0, 1},
+    CCampo{"carrocerias", mascara, offsetof(F, iTipoCarroceria), sizeof(F::iTipoCarroceria),
+           "tipos de carroceria aceitos, 0 a 5", 0, 5},
+    CCampo{"rodados", mascara, offsetof(F, iTipoRodado), sizeof(F::iTipoRodado), "tipos de rodado aceitos, 1 a 6", 1,
+           6},
+    CCampo{"tipos", mascara, offsetof(F, iTipoVeiculo), sizeof(F::iTipoVeiculo),
+           "tipos de veículo aceitos (1: qualquer um menos 0)", 0, 1},
+    CCampo{"transportes", mascara, offsetof(F, iTipoTransporte), sizeof(F::iTipoTransporte),
+           "tipos de transporte aceitos (1: qualquer um menos 0)", 0, 1},
 };
 
 // The machine is little-endian, so the low bytes of the value are the field.
@@ -91,9 +97,6 @@ std::int64_t MoedaDoCampo(std::string_view sValor) {
   std::int64_t vValor = 0;
   if (!MoedaDeTexto(sValor, vValor)) {
     throw CErroCampo("\"" + std::string(sValor) + "\" não é um valor com até 4 casas decimais"_pt);
-  }
-  if (vValor < 0) {
-    throw CErroCampo("o valor não pode ser negativo"_pt);
   }
   return vValor;
 }
@@ -143,6 +146,14 @@ void DefineCampo(const CCampo &campo, std::string_view sValor, void *pRegistro) 
     case moeda:
       GravaInteiro(campo, static_cast<std::uint64_t>(MoedaDoCampo(sValor)), pRegistro);
       return;
+    case limite: {
+      const std::int64_t vLimite = MoedaDoCampo(sValor);
+      if (vLimite < 0) {
+        throw CErroCampo("o valor não pode ser negativo"_pt);
+      }
+      GravaInteiro(campo, static_cast<std::uint64_t>(vLimite), pRegistro);
+      return;
+    }
     case numero:
       GravaInteiro(campo, NumeroDeTexto(sValor, MaximoDaLargura(campo.uiLargura)), pRegistro);
       return;

@@ -13,7 +13,8 @@
 
 enum class eCampo {
   texto,    // fixed 8-bit field
-  moeda,    // ten-thousandths, zero or more
+  moeda,    // ten-thousandths
+  limite,   // ten-thousandths, zero or more: a bound of zero is none
   numero,   // unsigned integer as wide as the field
   mascara,  // list of type values, one bit each, bit 0 for uiPrimeiroValor
 };
@@ -21,8 +22,9 @@ enum class eCampo {
 struct CCampo {
   std::string_view sNome;
   eCampo eTipo;
-  std::size_t uiPosicao;  // byte offset in the record
-  std::size_t uiLargura;  // bytes
+  std::size_t uiPosicao;     // byte offset in the record
+  std::size_t uiLargura;     // bytes
+  std::string_view sRotulo;  // what it is, UTF-8
   unsigned uiPrimeiroValor = 0;
   unsigned uiUltimoValor = 0;
 };

@@ -23,33 +23,6 @@ std::optional<char> DeUnicodePara1252(std::uint32_t uiCaractere) {
   return uiCaractere > 0xFF || bProprio ? std::nullopt : std::optional(static_cast<char>(uiCaractere));
 }
 
-// The character at the beginning of a text of up to three bytes, which it is taken from; nothing when it is malformed.
-// Longer forms are those of characters that Windows-1252 does not have.
-std::optional<std::uint32_t> TiraCaractere(std::string_view &sUtf8) {
-  struct CForma {
-    std::uint8_t uiMascara, uiMarca;
-    std::size_t uiBytes;
-    std::uint32_t uiMenor;
-  };
-  static constexpr std::array kFormas{CForma{0x80, 0x00, 1, 0}, CForma{0xE0, 0xC0, 2, 0x80},
-                                      CForma{0xF0, 0xE0, 3, 0x800}};
-  const auto uiPrimeiro = static_cast<std::uint8_t>(sUtf8.front());
-  const auto forma = std::find_if(kFormas.begin(), kFormas.end(),
-                                  [&](const CForma &f) { return (uiPrimeiro & f.uiMascara) == f.uiMarca; });
-  if (forma == kFormas.end() || sUtf8.size() < forma->uiBytes) {
-    return std::nullopt;
-  }
-  std::uint32_t uiCaractere = uiPrimeiro & static_cast<std::uint8_t>(~forma->uiMascara);
-  for (const char c : sUtf8.substr(1, forma->uiBytes - 1)) {
-    if ((static_cast<std::uint8_t>(c) & 0xC0) != 0x80) {
-      return std::nullopt;
-    }
-    uiCaractere = uiCaractere << 6 | (static_cast<std::uint8_t>(c) & 0x3FU);
-  }
-  sUtf8.remove_prefix(forma->uiBytes);
-  return uiCaractere < forma->uiMenor ? std::nullopt : std::optional(uiCaractere);
-}
-
 }  // namespace
 
 char16_t De1252ParaUnicode(char c) {
@@ -58,10 +31,55 @@ char16_t De1252ParaUnicode(char c) {
   return bProprio ? kProprios[uiByte - kPrimeiroProprio] : uiByte;
 }
 
+std::optional<char32_t> TiraCaractere(std::string_view &sUtf8) {
+  struct CForma {
+    std::uint8_t uiMascara, uiMarca;
+    std::size_t uiBytes;
+    char32_t uiMenor;
+  };
+  static constexpr std::array kFormas{CForma{0x80, 0x00, 1, 0}, CForma{0xE0, 0xC0, 2, 0x80},
+                                      CForma{0xF0, 0xE0, 3, 0x800}, CForma{0xF8, 0xF0, 4, 0x10000}};
+  if (sUtf8.empty()) {
+    return std::nullopt;
+  }
+  const auto uiPrimeiro = static_cast<std::uint8_t>(sUtf8.front());
+  const auto forma = std::find_if(kFormas.begin(), kFormas.end(),
+                                  [&](const CForma &f) { return (uiPrimeiro & f.uiMascara) == f.uiMarca; });
+  if (forma == kFormas.end() || sUtf8.size() < forma->uiBytes) {
+    return std::nullopt;
+  }
+  char32_t uiCaractere = uiPrimeiro & static_cast<std::uint8_t>(~forma->uiMascara);
+  for (const char c : sUtf8.substr(1, forma->uiBytes - 1)) {
+    if ((static_cast<std::uint8_t>(c) & 0xC0) != 0x80) {
+      return std::nullopt;
+    }
+    uiCaractere = uiCaractere << 6 | (static_cast<std::uint8_t>(c) & 0x3FU);
+  }
+  const bool bMetade = uiCaractere >= 0xD800 && uiCaractere < 0xE000;
+  if (uiCaractere < forma->uiMenor || uiCaractere > 0x10FFFF || bMetade) {
+    return std::nullopt;
+  }
+  sUtf8.remove_prefix(forma->uiBytes);
+  return uiCaractere;
+}
+
+void AcrescentaCaractere(std::string &sUtf8, char32_t uiCaractere) {
+  if (uiCaractere < 0x80) {
+    sUtf8 += static_cast<char>(uiCaractere);
+    return;
+  }
+  const int iSeguintes = uiCaractere < 0x800 ? 1 : uiCaractere < 0x10000 ? 2 : 3;
+  constexpr std::array<std::uint8_t, 4> kMarcas{0x00, 0xC0, 0xE0, 0xF0};
+  sUtf8 += static_cast<char>(kMarcas[static_cast<std::size_t>(iSeguintes)] | uiCaractere >> (6 * iSeguintes));
+  for (int i = iSeguintes - 1; i >= 0; --i) {
+    sUtf8 += static_cast<char>(0x80 | (uiCaractere >> (6 * i) & 0x3F));
+  }
+}
+
 std::optional<std::string> De8Para1252(std::string_view sUtf8) {
   std::string sDestino;
   while (!sUtf8.empty()) {
-    const std::optional<std::uint32_t> uiCaractere = TiraCaractere(sUtf8);
+    const std::optional<char32_t> uiCaractere = TiraCaractere(sUtf8);
     const std::optional<char> c = uiCaractere ? DeUnicodePara1252(*uiCaractere) : std::nullopt;
     if (!c) {
       return std::nullopt;
@@ -86,15 +104,7 @@ std::optional<std::string> De16Para1252(std::wstring_view sUtf16) {
 std::string De1252Para8(std::string_view sTexto) {
   std::string sDestino;
   for (const char c : sTexto) {
-    const std::uint32_t uiCaractere = De1252ParaUnicode(c);
-    if (uiCaractere < 0x80) {
-      sDestino += c;
-    } else if (uiCaractere < 0x800) {
-      sDestino += {static_cast<char>(0xC0 | uiCaractere >> 6), static_cast<char>(0x80 | (uiCaractere & 0x3F))};
-    } else {
-      sDestino += {static_cast<char>(0xE0 | uiCaractere >> 12), static_cast<char>(0x80 | (uiCaractere >> 6 & 0x3F)),
-                   static_cast<char>(0x80 | (uiCaractere & 0x3F))};
-    }
+    AcrescentaCaractere(sDestino, De1252ParaUnicode(c));
   }
   return sDestino;
 }

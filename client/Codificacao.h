@@ -12,6 +12,11 @@
 // The Unicode character of a byte.
 char16_t De1252ParaUnicode(char c);
 
+// The character at the beginning of a UTF-8 text, which it is taken from; nothing, and nothing taken, when the text
+// does not begin with a well-formed one.
+std::optional<char32_t> TiraCaractere(std::string_view &sUtf8);
+void AcrescentaCaractere(std::string &sUtf8, char32_t uiCaractere);
+
 // Nothing when the text is malformed or has a character without a Windows-1252 form; nothing is replaced by a
 // look-alike.
 std::optional<std::string> De8Para1252(std::string_view sUtf8);

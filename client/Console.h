@@ -21,12 +21,16 @@ public:
   CPaginaConsole(const CPaginaConsole &) = delete;
   CPaginaConsole &operator=(const CPaginaConsole &) = delete;
 
-private:
-  unsigned m_uiAnterior = 0;  // 0: nothing to put back
+  // Puts the code page back at once, for a process that is about to be ended. Any thread may call.
+  static void Restaura();
 };
 
 void Escreve(std::string_view sTexto);      // standard output
 void EscreveErro(std::string_view sTexto);  // standard error
+
+// From here on standard output, or standard input, carries every byte as it is; the platform's text mode does not.
+void SaidaEmBytes();
+void EntradaEmBytes();
 
 // The words of the command line behind the program's name; main's parameters are given for platforms where they are
 // what the user typed. Raises CErroUso for a character without a Windows-1252 form.

@@ -12,10 +12,13 @@
 
 #include "client/Codificacao.h"
 #include "client/Console.h"
+#include "client/EmpresaRegistrada.h"
 #include "client/ProcessosServidor.h"
 #include "client/QZVeiculosCliente.h"
 #include "client/RegistroClasses.h"
+#include "client/Remedios.h"
 #include "core/env/QZPath.h"
+#include "core/platform/Plataforma.h"
 
 namespace {
 
@@ -36,13 +39,33 @@ public:
   }
   void Bom(std::string_view sRotulo, const std::string &sTexto) { Anota(eAchado::bom, sRotulo, sTexto); }
   void Aviso(std::string_view sRotulo, const std::string &sTexto) { Anota(eAchado::aviso, sRotulo, sTexto); }
-  void Falha(std::string_view sRotulo, const std::string &sTexto) { Anota(eAchado::falha, sRotulo, sTexto); }
+  // sRemedio is what to do.
+  void Falha(std::string_view sRotulo, const std::string &sTexto, const std::string &sRemedio) {
+    Anota(eAchado::falha, sRotulo, sTexto);
+    if (!sRemedio.empty()) {
+      Escreve("          o que fazer: " + sRemedio + "\n");
+    }
+  }
+  void Falha(std::string_view sRotulo, HRESULT hr) {
+    Falha(sRotulo, CQZErroVeiculos(hr).what(), RemedioDoErro(static_cast<std::uint32_t>(hr)));
+  }
 
   unsigned Falhas() const { return m_uiFalhas; }
 
 private:
   unsigned m_uiFalhas = 0;
 };
+
+constexpr char kRegistre[] = "registre: Kalvo.exe /RegServer, como administrador";
+constexpr char kRegistreDaqui[] =
+    "a pasta foi movida ou apagada; registre de onde o arquivo está agora: Kalvo.exe /RegServer";
+constexpr char kRegistreComProxy[] = "registre de novo, com QZDF_VeiculosPS.dll ao lado de Kalvo.exe";
+constexpr char kRegistreComProxy32[] = "registre de novo, com x86\\QZDF_VeiculosPS.dll ao lado de Kalvo.exe";
+
+// The program's own texts, UTF-8 in the source.
+std::string Pt(std::string_view sUtf8) {
+  return De8Para1252(sUtf8).value();
+}
 
 std::string Texto(const std::wstring &sTexto) {
   return De16Para1252(sTexto).value_or("(nome fora do Windows-1252)");
@@ -60,17 +83,19 @@ std::wstring ChaveClasse() {
   return L"CLSID\\" + TextoGuid(CLSID_CQZDF_Veiculos);
 }
 
-// The file that a key names; a fault and nothing when it is not registered or not there.
-std::optional<CValorClasse> ConfereArquivo(CRelatorio &relatorio, std::string_view sRotulo,
-                                           const std::wstring &sChave) {
+// The file that a key names; a fault and nothing when it is not registered or not there. sRegistre is how to register
+// it.
+std::optional<CValorClasse> ConfereArquivo(CRelatorio &relatorio, std::string_view sRotulo, const std::wstring &sChave,
+                                           std::string_view sRegistre = kRegistre) {
   std::optional<CValorClasse> valor = ProcuraClasse(sChave);
   if (!valor) {
-    relatorio.Falha(sRotulo, Falta(sChave));
+    relatorio.Falha(sRotulo, Falta(sChave), Pt(sRegistre));
     return std::nullopt;
   }
   valor->sTexto = ProgramaDaLinha(valor->sTexto);
   if (!ExisteArquivo(valor->sTexto)) {
-    relatorio.Falha(sRotulo, Texto(valor->sTexto) + ComRaiz(*valor) + ": o arquivo não existe"_pt);
+    relatorio.Falha(sRotulo, Texto(valor->sTexto) + ComRaiz(*valor) + ": o arquivo não existe"_pt,
+                    Pt(sRegistre == kRegistre ? kRegistreDaqui : sRegistre));
     return std::nullopt;
   }
   return valor;
@@ -82,13 +107,13 @@ void ConfereClasse(CRelatorio &relatorio) {
   if (classe) {
     relatorio.Bom("classe ", Texto(TextoGuid(CLSID_CQZDF_Veiculos)) + ComRaiz(*classe));
   } else {
-    relatorio.Falha("classe ", Falta(ChaveClasse()));
+    relatorio.Falha("classe ", Falta(ChaveClasse()), kRegistre);
   }
   const std::optional<CValorClasse> progId = ProcuraClasse(sProgId + L"\\CLSID");
   if (!progId) {
-    relatorio.Falha("ProgID ", Falta(sProgId));
+    relatorio.Falha("ProgID ", Falta(sProgId), kRegistre);
   } else if (lstrcmpiW(progId->sTexto.c_str(), TextoGuid(CLSID_CQZDF_Veiculos).c_str()) != 0) {
-    relatorio.Falha("ProgID ", Texto(sProgId) + " é de outra classe: "_pt + Texto(progId->sTexto));
+    relatorio.Falha("ProgID ", Texto(sProgId) + " é de outra classe: "_pt + Texto(progId->sTexto), kRegistre);
   } else {
     relatorio.Bom("ProgID ", Texto(sProgId) + ComRaiz(*progId));
   }
@@ -117,7 +142,7 @@ void ConfereBiblioteca(CRelatorio &relatorio) {
   ITypeLib *pBiblioteca = nullptr;
   const HRESULT hr = LoadTypeLibEx(biblioteca->sTexto.c_str(), REGKIND_NONE, &pBiblioteca);
   if (FAILED(hr)) {
-    relatorio.Falha("biblioteca de tipos ", Texto(biblioteca->sTexto) + ": " + CQZErroVeiculos(hr).what());
+    relatorio.Falha("biblioteca de tipos ", Texto(biblioteca->sTexto) + ": " + CQZErroVeiculos(hr).what(), kRegistre);
     return;
   }
   pBiblioteca->Release();
@@ -131,11 +156,11 @@ void ConfereProxy32(CRelatorio &relatorio) {
   const std::wstring sInterface = sVisao + L"Interface\\" + TextoGuid(IID_IQZDF_Veiculos) + L"\\ProxyStubClsid32";
   const std::optional<CValorClasse> interface_ = ProcuraClasse(sInterface);
   if (!interface_) {
-    relatorio.Falha(kRotulo, Falta(sInterface));
+    relatorio.Falha(kRotulo, Falta(sInterface), kRegistreComProxy32);
     return;
   }
-  if (const auto proxy =
-          ConfereArquivo(relatorio, kRotulo, sVisao + L"CLSID\\" + interface_->sTexto + L"\\InProcServer32")) {
+  if (const auto proxy = ConfereArquivo(
+          relatorio, kRotulo, sVisao + L"CLSID\\" + interface_->sTexto + L"\\InProcServer32", kRegistreComProxy32)) {
     relatorio.Bom(kRotulo, Texto(proxy->sTexto) + ", versão "_pt + VersaoDoArquivo(proxy->sTexto) + ComRaiz(*proxy));
   }
 }
@@ -144,11 +169,12 @@ void ConfereProxy(CRelatorio &relatorio) {
   const std::wstring sInterface = L"Interface\\" + TextoGuid(IID_IQZDF_Veiculos) + L"\\ProxyStubClsid32";
   const std::optional<CValorClasse> interface_ = ProcuraClasse(sInterface);
   if (!interface_) {
-    relatorio.Falha("interface ", Falta(sInterface));
+    relatorio.Falha("interface ", Falta(sInterface), kRegistreComProxy);
     return;
   }
   relatorio.Bom("interface ", Texto(TextoGuid(IID_IQZDF_Veiculos)) + ComRaiz(*interface_));
-  const auto proxy = ConfereArquivo(relatorio, "proxy ", L"CLSID\\" + interface_->sTexto + L"\\InProcServer32");
+  const auto proxy =
+      ConfereArquivo(relatorio, "proxy ", L"CLSID\\" + interface_->sTexto + L"\\InProcServer32", kRegistreComProxy);
   if (!proxy) {
     return;
   }
@@ -159,70 +185,106 @@ void ConfereProxy(CRelatorio &relatorio) {
       LoadLibraryExW(proxy->sTexto.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
   if (!spModulo) {
     const HRESULT hr = HRESULT_FROM_WIN32(GetLastError());
-    relatorio.Falha("proxy ", Texto(proxy->sTexto) + " não pode ser carregado: "_pt + TextoCodigoErro(hr));
+    relatorio.Falha("proxy ", Texto(proxy->sTexto) + " não pode ser carregado: "_pt + TextoCodigoErro(hr),
+                    kRegistreComProxy);
     return;
   }
   relatorio.Bom("proxy ", Texto(proxy->sTexto) + ", versão "_pt + VersaoDoArquivo(proxy->sTexto) + ComRaiz(*proxy));
 }
 
-void ConfereDiretorio(CRelatorio &relatorio, std::string_view sRotulo, const CString &sDiretorio,
-                      const std::string &sValor) {
+void ConfereInstalacao(CRelatorio &relatorio) {
+  constexpr std::string_view kRotulo = "instalação ";
+  const std::string sValor = "valor Path de HKLM\\" + std::string(kChaveSuite) + "Miran Empresarial";
+  const std::string sRemedio = "o instalador da suíte grava este valor; sem ele, adapte e importe Kalvo-exemplo.reg"_pt;
+  const CString sDiretorio = CQZPath::DiretorioInstalacao(QZ_DF);
   if (sDiretorio.empty()) {
-    relatorio.Falha(sRotulo, "falta o valor " + sValor);
+    relatorio.Falha(kRotulo, "falta o " + sValor, sRemedio);
     return;
   }
   const DWORD dwAtributos = GetFileAttributesA(sDiretorio.c_str());
   if (dwAtributos == INVALID_FILE_ATTRIBUTES || (dwAtributos & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-    relatorio.Falha(sRotulo, sDiretorio + ": o diretório não existe (valor "_pt + sValor + ")");
+    relatorio.Falha(kRotulo, sDiretorio + ": o diretório não existe ("_pt + sValor + ")",
+                    "crie o diretório ou corrija o valor"_pt);
     return;
   }
-  relatorio.Bom(sRotulo, sDiretorio);
+  relatorio.Bom(kRotulo, sDiretorio);
 }
 
-void ConfereDiretorios(CRelatorio &relatorio, const std::string &sEmpresa) {
-  const std::string sSuite = std::string("HKLM\\") + kChaveSuite;
-  ConfereDiretorio(relatorio, "instalação ", CQZPath::DiretorioInstalacao(QZ_DF),
-                   "Path de " + sSuite + "Miran Empresarial");
-  if (sEmpresa.empty()) {
-    return;
+// True when the server may be asked to open the company.
+bool ConfereEmpresa(CRelatorio &relatorio, const std::string &sEmpresa) {
+  constexpr std::string_view kRotulo = "empresa ";
+  try {
+    ExigeEmpresa(sEmpresa);
+  } catch (const CErroEmpresa &erro) {
+    relatorio.Falha(
+        kRotulo, erro.what(),
+        "confira o código; se está certo, crie o diretório da empresa ou corrija o valor DF do registro"_pt);
+    return false;
   }
-  ConfereDiretorio(relatorio, "empresa ", CQZPath::DiretorioEmpresa(QZ_DF, sEmpresa),
-                   "DF de " + sSuite + "Empresas\\" + sEmpresa);
+  relatorio.Bom(kRotulo, CQZPath::DiretorioEmpresa(QZ_DF, sEmpresa));
+  return true;
+}
+
+void ConfereCabecalhos(CRelatorio &relatorio) {
+  const bool bLigados = plataforma::Registro().LeNumero(kChaveSuite, "QZDataBase_HabilitarCabecalho").value_or(0) != 0;
+  relatorio.Bom("cabeçalhos ", bLigados ? "ligados" : "desligados");
 }
 
 void ConfereProcessos(CRelatorio &relatorio) {
+  constexpr std::string_view kRotulo = "servidores ";
   const CProcessosServidor processos = ContaProcessosServidor();
   if (processos.uiMeus > 1) {
-    relatorio.Aviso("processos ", std::to_string(processos.uiMeus) +
-                                      " servidores desta conta e sessão: os que uma ativação simultânea deixou sem "
-                                      "cliente terminam em 30 segundos, os iniciados à mão ficam"_pt);
+    relatorio.Aviso(kRotulo, std::to_string(processos.uiMeus) +
+                                 " desta conta e sessão: os que uma ativação simultânea deixou sem cliente terminam em "
+                                 "30 segundos, os iniciados à mão ficam"_pt);
+  } else if (processos.uiMeus == 1) {
+    relatorio.Bom(kRotulo, "1 desta conta e sessão"_pt);
   }
-  if (processos.Todos() > 1 && processos.uiOutros > 0) {
-    relatorio.Aviso("processos ", std::to_string(processos.uiOutros) +
-                                      " de outra conta, sessão ou elevação: cada uma tem o seu servidor, e só um abre "
-                                      "uma empresa"_pt);
+  if (processos.uiOutros == 0) {
+    return;
+  }
+  const std::string sOutros = std::to_string(processos.uiOutros) + " de outra conta, sessão ou elevação"_pt;
+  if (processos.uiMeus == 0) {
+    relatorio.Bom(kRotulo, sOutros);
+  } else {
+    relatorio.Aviso(kRotulo, sOutros + ": cada uma tem o seu servidor, e só um abre uma empresa"_pt);
   }
 }
 
-void ConfereAtivacao(CRelatorio &relatorio) {
+// True when a service object could be made.
+bool ConfereAtivacao(CRelatorio &relatorio, CQZVeiculosHR &veiculos) {
   const bool bJaExecutava = ContaProcessosServidor().Todos() != 0;
-  const CQZApartamento apartamento;
-  CQZVeiculosHR veiculos;
   const auto tInicio = std::chrono::steady_clock::now();
   const HRESULT hr = veiculos.Cria();
   const auto tempo = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - tInicio);
   if (FAILED(hr)) {
-    relatorio.Falha("ativação ", CQZErroVeiculos(hr).what());
-    return;
+    relatorio.Falha("ativação ", hr);
+    return false;
   }
   relatorio.Bom("ativação ", std::to_string(tempo.count()) + (bJaExecutava ? " ms (o servidor já estava em execução)"_pt
                                                                            : " ms (o servidor foi iniciado agora)"));
-  ConfereProcessos(relatorio);
+  return true;
+}
+
+// True when the company is open.
+bool ConfereBase(CRelatorio &relatorio, CQZVeiculosHR &veiculos, const CAbertura &abertura) {
+  constexpr std::string_view kRotulo = "base ";
+  unsigned uiQtd = 0;
+  HRESULT hr = veiculos.Inicializa(abertura.sEmpresa, abertura.iUsuario, abertura.iSessao);
+  if (SUCCEEDED(hr)) {
+    hr = veiculos.GetQuantidadeRegistros(uiQtd);
+  }
+  if (FAILED(hr)) {
+    relatorio.Falha(kRotulo, hr);
+    return false;
+  }
+  relatorio.Bom(kRotulo, "aberta, " + std::to_string(uiQtd) + (uiQtd == 1 ? " registro" : " registros"));
+  return true;
 }
 
 }  // namespace
 
-bool Diagnostica(const std::string &sEmpresa) {
+bool Diagnostica(const CAbertura &abertura, bool bAbre) {
   CRelatorio relatorio;
   CRelatorio::Titulo("Registro");
   ConfereClasse(relatorio);
@@ -231,10 +293,17 @@ bool Diagnostica(const std::string &sEmpresa) {
   ConfereProxy(relatorio);
   ConfereProxy32(relatorio);
   CRelatorio::Titulo("Diretórios"_pt);
-  ConfereDiretorios(relatorio, sEmpresa);
-  CRelatorio::Titulo("Ativação"_pt);
-  ConfereAtivacao(relatorio);
-  Escreve(relatorio.Falhas() == 0 ? std::string("Tudo em ordem.\n")
-                                  : "Falhas encontradas: " + std::to_string(relatorio.Falhas()) + "\n");
+  ConfereInstalacao(relatorio);
+  const bool bEmpresa = !abertura.sEmpresa.empty() && ConfereEmpresa(relatorio, abertura.sEmpresa);
+  ConfereCabecalhos(relatorio);
+  CRelatorio::Titulo("Servidor");
+  const CQZApartamento apartamento;
+  CQZVeiculosHR veiculos;
+  const bool bAtivo = ConfereAtivacao(relatorio, veiculos);
+  const bool bAberta = bAtivo && bAbre && bEmpresa && ConfereBase(relatorio, veiculos, abertura);
+  ConfereProcessos(relatorio);
+  Escreve(relatorio.Falhas() != 0 ? "Falhas encontradas: " + std::to_string(relatorio.Falhas()) + "\n"
+          : bAberta               ? std::string("Tudo em ordem.\n")
+                    : "Nenhuma falha; se a base abre, mostra veiculos --empresa CODIGO diagnostico --abre.\n");
   return relatorio.Falhas() == 0;
 }

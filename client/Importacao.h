@@ -3,6 +3,8 @@
 
 #include <cstddef>
 #include <functional>
+#include <string>
+#include <unordered_set>
 
 #include "client/LeitorCsv.h"
 
@@ -10,21 +12,33 @@ struct CPassosImportacao {
   std::function<void(const tagREG_VEICULOPS &)> Grava;            // what it raises ends the import
   std::function<void(const CLinhaCsv &)> Recusa;                  // a bad line
   std::function<void(std::size_t, std::size_t)> MostraProgresso;  // bytes done, bytes in all
+  std::function<bool()> Parar;                                    // asked before each line: true ends the import
 };
 
 // Kept up to date during the import, so that it tells what was done when Grava raises.
 struct CResultadoImportacao {
   std::size_t uiGravados = 0;
   std::size_t uiRecusados = 0;
-  std::size_t uiLinha = 0;  // the last one looked at
+  std::size_t uiRepetidos = 0;
+  std::size_t uiUltimaGravada = 0;  // line; 0: none
+  std::size_t uiProximaLinha = 0;   // where to go on: the line that Grava raised for, or the first not looked at
+  bool bParada = false;             // Parar asked for it
 };
 
-// Both work on a copy of the reader, so that a file can be validated and then imported.
+// The codes that exist already. A vehicle without a code repeats none.
+class CCodigosConhecidos {
+public:
+  // False when the vehicle's code was known before.
+  bool Acrescenta(const tagREG_VEICULOPS &veiculo);
 
-// Hands every bad line to Recusa without writing anything; their number.
-std::size_t ValidaCsv(CLeitorCsv leitor, const std::function<void(const CLinhaCsv &)> &Recusa);
+private:
+  std::unordered_set<std::string> m_codigos;
+};
 
-// Writes the good lines and hands the bad ones to Recusa, in the order of the file.
-void ImportaCsv(CLeitorCsv leitor, const CPassosImportacao &passos, CResultadoImportacao &resultado);
+// Writes the good lines from uiDesdeLinha on and hands the bad ones to Recusa, in the order of the file. With
+// pConhecidos, vehicles whose code is among them are counted and not written; a written one's joins them. Works on a
+// copy of the reader, so that a file can be gone through without writing first.
+void ImportaCsv(CLeitorCsv leitor, std::size_t uiDesdeLinha, CCodigosConhecidos *pConhecidos,
+                const CPassosImportacao &passos, CResultadoImportacao &resultado);
 
 #endif

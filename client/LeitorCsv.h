@@ -4,9 +4,11 @@
 // Vehicles from CSV text.
 //
 // The first line names the columns, in any order, by the field names of CamposVeiculo. The separator is ';'; a field
-// may be quoted, with quotes inside it doubled; a field does not reach over the end of its line. Lines end with CR LF
-// or LF and empty ones are skipped. The text is Windows-1252, or UTF-8 when it begins with the UTF-8 byte-order mark.
-// A column "posicao", which the program's own CSV output has, is taken and not used.
+// may be quoted, with quotes inside it doubled, and may then hold separators and line ends. Lines end with CR LF or LF
+// and empty ones are skipped. A column "posicao", which the program's own CSV output has, is taken and not used.
+//
+// A line that cannot be used is told and does not disturb the next one: quotes that do not close within a few hundred
+// bytes of further lines spoil the line on which they open, and no other.
 
 #include <cstddef>
 #include <optional>
@@ -16,6 +18,7 @@
 #include <vector>
 
 #include "client/Campos.h"
+#include "client/ConteudoTexto.h"
 #include "vehicles/RegVeiculoPS.h"
 
 // A header that cannot be used; the text is Windows-1252.
@@ -25,15 +28,16 @@ public:
 };
 
 struct CLinhaCsv {
-  std::size_t uiLinha = 0;  // 1-based line of the file
+  std::size_t uiLinha = 0;    // 1-based line of the file, the first one of several
+  std::size_t uiProxima = 0;  // the line behind it
   tagREG_VEICULOPS veiculo{};
   std::string sErro;  // empty when the vehicle is good
 };
 
 class CLeitorCsv {
 public:
-  // sConteudo must outlive the reader. Raises CErroCsv.
-  explicit CLeitorCsv(std::string_view sConteudo);
+  // conteudo must outlive the reader. Raises CErroCsv.
+  explicit CLeitorCsv(const CConteudoTexto &conteudo);
 
   // Nothing at the end.
   std::optional<CLinhaCsv> Proxima();
@@ -43,13 +47,14 @@ public:
   std::size_t Lidos() const { return m_uiInicio; }
 
 private:
-  std::optional<std::string_view> ProximaLinha();
-  std::vector<std::string> Separa(std::string_view sLinha) const;
+  void PulaVazias();
+  std::vector<std::string> ProximasPartes();
+  void Avanca(std::size_t uiBytes);
 
   std::string_view m_sConteudo;
+  bool m_bUtf8;
   std::size_t m_uiInicio = 0;
-  std::size_t m_uiLinha = 0;
-  bool m_bUtf8 = false;
+  std::size_t m_uiLinha = 1;               // of m_uiInicio
   std::vector<const CCampo *> m_aColunas;  // null: column not used
 };
 

@@ -49,6 +49,47 @@ inline constexpr std::array kTextosErro{
     CQZTextoErro{0x8004EA64U, "o servidor ficou sem mem\363ria"},
     CQZTextoErro{0x8004EA65U, "exce\347\343o padr\343o no servidor"},
     CQZTextoErro{0x8004EA66U, "exce\347\343o desconhecida no servidor"},
+    CQZTextoErro{0x8004EAC5U,
+                 "falha de m\341quina no servidor (viola\347\343o de acesso); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EAC6U,
+                 "falha de m\341quina no servidor (limite de vetor excedido); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EAC7U, "falha de m\341quina no servidor (ponto de parada); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EAC8U, "falha de m\341quina no servidor (dado desalinhado); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EAC9U, "falha de m\341quina no servidor (operando denormal); solte o objeto e crie outro"},
+    CQZTextoErro{
+        0x8004EACAU,
+        "falha de m\341quina no servidor (divis\343o por zero em ponto flutuante); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EACBU,
+                 "falha de m\341quina no servidor (resultado inexato em ponto flutuante); solte o objeto e crie outro"},
+    CQZTextoErro{
+        0x8004EACCU,
+        "falha de m\341quina no servidor (opera\347\343o inv\341lida em ponto flutuante); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EACDU,
+                 "falha de m\341quina no servidor (estouro em ponto flutuante); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EACEU,
+                 "falha de m\341quina no servidor (pilha de ponto flutuante); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EACFU,
+                 "falha de m\341quina no servidor (estouro negativo em ponto flutuante); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EAD0U, "falha de m\341quina no servidor (p\341gina de guarda); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EAD1U, "falha de m\341quina no servidor (instru\347\343o ilegal); solte o objeto e crie outro"},
+    CQZTextoErro{
+        0x8004EAD2U,
+        "falha de m\341quina no servidor (falha ao ler uma p\341gina de mem\363ria); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EAD3U, "falha de m\341quina no servidor (divis\343o por zero); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EAD4U, "falha de m\341quina no servidor (estouro de inteiro); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EAD5U,
+                 "falha de m\341quina no servidor (disposi\347\343o inv\341lida); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EAD6U,
+                 "falha de m\341quina no servidor (identificador inv\341lido); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EAD7U,
+                 "falha de m\341quina no servidor (exce\347\343o sem continua\347\343o); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EAD8U,
+                 "falha de m\341quina no servidor (instru\347\343o privilegiada); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EAD9U, "falha de m\341quina no servidor (passo a passo); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EADAU, "falha de m\341quina no servidor (estouro da pilha); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EADBU,
+                 "falha de m\341quina no servidor (consolida\347\343o da pilha); solte o objeto e crie outro"},
+    CQZTextoErro{0x8004EE47U, "falha de m\341quina no servidor; solte o objeto e crie outro"},
     CQZTextoErro{0x80070005U, "acesso negado"},
     CQZTextoErro{0x8007000EU, "mem\363ria insuficiente"},
     CQZTextoErro{0x80070057U, "par\342metro inv\341lido"},
@@ -56,6 +97,7 @@ inline constexpr std::array kTextosErro{
     CQZTextoErro{0x800706BEU, "o servidor terminou durante a chamada"},
     CQZTextoErro{0x800706F4U, "ponteiro nulo em um par\342metro"},
     CQZTextoErro{0x80080005U, "o servidor de ve\355culos n\343o p\364de ser iniciado"},
+    CQZTextoErro{0x80080008U, "o servidor de ve\355culos estava terminando; crie o objeto de novo"},
     CQZTextoErro{0x810809C7U, "a base de ve\355culos foi gravada por uma vers\343o mais nova do servidor"},
     CQZTextoErro{0x810809CFU, "o c\363digo da empresa est\341 vazio"},
     CQZTextoErro{0x810809D6U, "o arquivo reescrito n\343o p\364de ser posto no lugar do original"},
@@ -83,7 +125,21 @@ inline bool EhFalhaDeMaquina(HRESULT hr) {
   return (uiCodigo >= 0x8004EAC5U && uiCodigo <= 0x8004EADBU) || uiCodigo == 0x8004EE47U;
 }
 
-// Portuguese, Windows-1252, one sentence without a final period.
+// What the operating system says of a result code or of one of its error numbers, Windows-1252, in the user's language;
+// empty when it does not know it.
+inline std::string TextoDoSistema(std::uint32_t uiCodigo) {
+  std::array<wchar_t, 512> aTexto{};
+  std::array<char, aTexto.size()> a1252{};
+  FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK, nullptr,
+                 uiCodigo, 0, aTexto.data(), static_cast<DWORD>(aTexto.size()), nullptr);
+  WideCharToMultiByte(1252, 0, aTexto.data(), -1, a1252.data(), static_cast<int>(a1252.size()), nullptr, nullptr);
+  std::string sTexto = a1252.data();
+  sTexto.erase(sTexto.find_last_not_of(" .\r\n") + 1);
+  return sTexto;
+}
+
+// One sentence without a final period, Windows-1252: Portuguese for the codes of the table, for others what the system
+// says.
 inline std::string DescricaoErroVeiculos(HRESULT hr) {
   const auto uiCodigo = static_cast<std::uint32_t>(hr);
   for (const CQZTextoErro &erro : kTextosErro) {
@@ -91,14 +147,14 @@ inline std::string DescricaoErroVeiculos(HRESULT hr) {
       return erro.pTexto;
     }
   }
-  if (EhFalhaDeMaquina(hr)) {
-    return "falha de m\341quina dentro do servidor; solte o objeto e crie outro";
-  }
   // What is left of 0x8004xxxx below the server's own ranges carries an operating-system error number.
   if ((uiCodigo & 0xFFFF0000U) == 0x80040000U && (uiCodigo & 0xFFFFU) < 0x3E80U) {
-    return "erro " + std::to_string(uiCodigo & 0xFFFFU) + " do sistema operacional no servidor";
+    const std::string sTexto = TextoDoSistema(uiCodigo & 0xFFFFU);
+    return "erro " + std::to_string(uiCodigo & 0xFFFFU) + " do sistema operacional no servidor" +
+           (sTexto.empty() ? "" : ": " + sTexto);
   }
-  return "c\363digo de resultado sem descri\347\343o";
+  const std::string sTexto = TextoDoSistema(uiCodigo);
+  return sTexto.empty() ? "c\363digo de resultado sem descri\347\343o" : sTexto;
 }
 
 // "0x810809DA"

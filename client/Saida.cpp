@@ -6,6 +6,7 @@
 
 #include "client/Campos.h"
 #include "client/Codificacao.h"
+#include "client/Json.h"
 
 namespace {
 
@@ -22,29 +23,7 @@ constexpr std::array kColunasLista{
     CColunaLista{"m3", 8, true},       CColunaLista{"descricao", 0, false},
 };
 
-struct CRotulo {
-  std::string_view sNome;    // of CamposVeiculo
-  std::string_view sRotulo;  // UTF-8
-};
-
 constexpr std::size_t kLarguraRotulo = 20;
-constexpr std::array kRotulos{
-    CRotulo{"codigo", "Código"},
-    CRotulo{"placa", "Placa"},
-    CRotulo{"uf", "UF"},
-    CRotulo{"descricao", "Descrição"},
-    CRotulo{"ano", "Ano"},
-    CRotulo{"antt", "Código ANTT"},
-    CRotulo{"carroceria", "Tipo de carroceria"},
-    CRotulo{"rodado", "Tipo de rodado"},
-    CRotulo{"tipo", "Tipo de veículo"},
-    CRotulo{"tara", "Tara (kg)"},
-    CRotulo{"kg", "Capacidade (kg)"},
-    CRotulo{"m3", "Capacidade (m³)"},
-    CRotulo{"renavam", "RENAVAM"},
-    CRotulo{"cliente", "Cliente"},
-    CRotulo{"transporte", "Tipo de transporte"},
-};
 
 std::string LinhaFicha(std::string_view sRotuloUtf8, const std::string &sValor) {
   const std::string sRotulo = De8Para1252(sRotuloUtf8).value() + " ";
@@ -57,7 +36,7 @@ std::string LinhaDaLista(const std::string &sPosicao, F TextoDaColuna) {
   for (const CColunaLista &coluna : kColunasLista) {
     sLinha += "  " + Ajusta(TextoDaColuna(coluna.sNome), coluna.uiLargura, coluna.bADireita);
   }
-  return sLinha + "\n";
+  return sLinha;
 }
 
 }  // namespace
@@ -91,9 +70,8 @@ std::string CampoCsv(const std::string &sTexto) {
 
 std::string FichaVeiculo(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo) {
   std::string sFicha = LinhaFicha("Posição", std::to_string(iPosicao));
-  for (const CRotulo &rotulo : kRotulos) {
-    const CCampo &campo = *ProcuraCampo(CamposVeiculo(), rotulo.sNome);
-    sFicha += LinhaFicha(rotulo.sRotulo, Visivel(TextoCampo(campo, &veiculo)));
+  for (const CCampo &campo : CamposVeiculo()) {
+    sFicha += LinhaFicha(campo.sRotulo, Visivel(TextoCampo(campo, &veiculo)));
   }
   return sFicha;
 }
@@ -114,7 +92,7 @@ std::string TituloCsv() {
     sLinha += ';';
     sLinha += campo.sNome;
   }
-  return sLinha + "\n";
+  return sLinha;
 }
 
 std::string LinhaCsv(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo) {
@@ -123,5 +101,17 @@ std::string LinhaCsv(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo) {
     sLinha += ';';
     sLinha += CampoCsv(TextoCampo(campo, &veiculo));
   }
-  return sLinha + "\n";
+  return sLinha;
+}
+
+std::string JsonVeiculo(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo) {
+  std::string sJson = "{\"posicao\":" + std::to_string(iPosicao);
+  for (const CCampo &campo : CamposVeiculo()) {
+    std::string sValor = TextoCampo(campo, &veiculo);
+    if (campo.eTipo == eCampo::moeda) {
+      std::replace(sValor.begin(), sValor.end(), ',', '.');
+    }
+    sJson += ",\"" + std::string(campo.sNome) + "\":" + (campo.eTipo == eCampo::texto ? TextoJson(sValor) : sValor);
+  }
+  return sJson + "}";
 }

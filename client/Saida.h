@@ -20,12 +20,15 @@ std::string CampoCsv(const std::string &sTexto);
 // One vehicle, a line per field: "Descrição .: Caminhão baú".
 std::string FichaVeiculo(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo);
 
-// One vehicle per line under the titles.
+// One vehicle per line under the titles; without line ends.
 std::string TituloLista();
 std::string LinhaLista(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo);
 
-// CSV that the program imports again.
+// CSV that the program imports again; without line ends.
 std::string TituloCsv();
 std::string LinhaCsv(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo);
+
+// One vehicle as a JSON object without a line end: texts as strings, values as numbers with a decimal point.
+std::string JsonVeiculo(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo);
 
 #endif

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <exception>
 #include <new>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,32 +12,41 @@
 #include "client/Codificacao.h"
 #include "client/Comandos.h"
 #include "client/Console.h"
+#include "client/Interrupcao.h"
+#include "client/Servico.h"
 
 namespace {
 
 eSaida Executa(int iPalavras, char **pPalavras) {
   const std::vector<std::string> aTextos = PalavrasDoUsuario(iPalavras, pPalavras);
+  const CProgramaConhecido &programa = ProgramaVeiculos();
   if (aTextos.empty()) {
-    EscreveErro(TextoAjuda());
+    EscreveErro(TextoAjuda(programa));
     return kUsoErrado;
   }
-  if (aTextos.size() == 1 && aTextos.front() == "--ajuda") {
-    Escreve(TextoAjuda());
+  if (const std::optional<std::string> sPedido = TextoPedido(aTextos, programa)) {
+    Escreve(*sPedido);
     return kSucesso;
   }
-  return ExecutaComando(CArgumentos(aTextos, ComandosConhecidos()));
+  return ExecutaComando(CArgumentos(aTextos, programa));
 }
 
 }  // namespace
 
 int main(int argc, char **argv) {
   const CPaginaConsole pagina;
+  ObedeceInterrupcao();
   eSaida eResultado = kOperacaoFalhou;
   try {
     eResultado = Executa(argc, argv);
   } catch (const CErroUso &erro) {
     EscreveErro(std::string(erro.what()) + "\nUse \"veiculos --ajuda\" para ver o modo de usar.\n"_pt);
     eResultado = kUsoErrado;
+  } catch (const CQZErroVeiculos &erro) {
+    EscreveErro(TextoDaFalha(erro));
+  } catch (const CInterrompido &erro) {
+    EscreveErro(std::string(erro.what()) + "\n");
+    eResultado = kInterrompida;
   } catch (const std::bad_alloc &) {
     EscreveErro("memória insuficiente\n"_pt);
   } catch (const std::exception &erro) {

@@ -29,6 +29,7 @@ using namespace fuzz;
 class TelaMuda final : public ITela {
 public:
   void Escreve(std::string_view sTexto) override { m_sTexto += sTexto; }
+  void SaidaEmBytes() override {}
   void EscreveErro(std::string_view /*sTexto*/) override {}
   bool SaidaVisivel() const override { return false; }
   void Progresso(std::uint64_t uiFeito, std::uint64_t uiTotal) override {

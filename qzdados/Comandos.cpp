@@ -4,10 +4,10 @@
 #include <limits>
 #include <vector>
 
+#include "client/Ajuda.h"
 #include "client/Argumentos.h"
 #include "client/Codificacao.h"
 #include "core/platform/Plataforma.h"
-#include "qzdados/Ajuda.h"
 #include "qzdados/Listagem.h"
 #include "qzdados/Pasta.h"
 #include "qzdados/Relatorio.h"
@@ -18,15 +18,67 @@ namespace {
 constexpr std::size_t kSemLimite = std::numeric_limits<std::size_t>::max();
 constexpr std::uint64_t kMaiorPosicao = std::numeric_limits<std::int64_t>::max();
 
-const std::vector<CComandoConhecido> &Comandos() {
-  static const std::vector<CComandoConhecido> aComandos{
-      {"verifica", {{"detalhes", false}, {"como", true}}, 1, kSemLimite},
-      {"lista", {{"de", true}, {"ate", true}, {"csv", false}, {"json", false}, {"como", true}}, 1, 1},
-      {"recupera", {{"em", true, true}, {"como", true}}, 1, 1},
-      {"cabecalho", {{"em", true, true}, {"como", true}}, 2, 2},
-      {"versao", {{"em", true, true}}, 0, 0},
-  };
-  return aComandos;
+constexpr COpcaoConhecida kComo{"como", "NOME",
+                                "toma o arquivo pelo que tem este nome no servidor, por exemplo DFVEIC.DAT para uma "
+                                "cópia dele"};
+constexpr COpcaoConhecida kEm{"em", "NOVO", "o arquivo a gravar, que não pode existir", true};
+
+const CProgramaConhecido &Programa() {
+  static const CProgramaConhecido programa{
+      "qzdados",
+      KALVO_VERSAO,
+      "COMANDO [opções e valores]\n\n"
+      "Examina os arquivos de dados de uma empresa sem o servidor. Só lê os arquivos\n"
+      "que recebe; o que grava é sempre um arquivo novo.",
+      "Código de saída: 0 são; 1 reparável; 2 danificado; 3 não pôde ser lido ou\n"
+      "gravado; 4 uso errado. De vários arquivos vale o pior.\n",
+      {
+          {"verifica",
+           "PASTA|ARQUIVO...",
+           1,
+           kSemLimite,
+           "examina cada arquivo e escreve uma linha de cada um",
+           "",
+           {{"detalhes", "", "tudo o que se sabe de cada arquivo"}, kComo},
+           {"verifica D:\\Dados\\0001", "verifica --detalhes D:\\Copia\\DFVEIC.DAT"}},
+          {"lista",
+           "ARQUIVO",
+           1,
+           1,
+           "mostra os registros, ou as linhas de um texto",
+           "",
+           {{"de", "N", "da posição N em diante"},
+            {"ate", "N", "até a posição N"},
+            {"csv", "", "saída em CSV, e não em tabela"},
+            {"json", "", "saída em JSON, e não em tabela"},
+            kComo},
+           {"lista DFVEIC.DAT --de 1200", "lista copia.bin --como DFVEIC.DAT --csv"}},
+          {"recupera",
+           "ARQUIVO",
+           1,
+           1,
+           "grava uma cópia reparada: cabeçalho refeito, sobra do fim cortada, registros inteiros nas suas posições",
+           "",
+           {kEm, kComo},
+           {"recupera DFVEIC.DAT --em DFVEIC.novo"}},
+          {"cabecalho",
+           "poe|tira ARQUIVO",
+           2,
+           2,
+           "grava uma cópia com, ou sem, cabeçalho",
+           "",
+           {kEm, kComo},
+           {"cabecalho poe DFVEIC.DAT --em DFVEIC.com"}},
+          {"versao",
+           "",
+           0,
+           0,
+           "grava o DFVEIVS.DAT de uma base já convertida que perdeu o seu",
+           "",
+           {kEm},
+           {"versao --em DFVEIVS.DAT"}},
+      }};
+  return programa;
 }
 
 /// What a file is taken for: by its own name or by the one that the user gives it.
@@ -84,9 +136,7 @@ EEstado Lista(const CArgumentos &argumentos, ITela &tela) {
   if (faixa.uiAte < faixa.uiDe) {
     throw CErroUso("--ate: vem antes de --de");
   }
-  if (argumentos.Tem("csv") && argumentos.Tem("json")) {
-    throw CErroUso("--csv e --json: só um dos dois"_pt);
-  }
+  argumentos.SoUma("csv", "json");
   const CString &sCaminho = argumentos.Valores().front();
   const EFormato eFormato = argumentos.Tem("csv")    ? EFormato::Csv
                             : argumentos.Tem("json") ? EFormato::Json
@@ -128,19 +178,15 @@ EEstado Executa(const CArgumentos &argumentos, ITela &tela) {
 
 int ExecutaQzdados(std::span<const std::string> aTextos, ITela &tela) {
   if (aTextos.empty()) {
-    tela.EscreveErro(TextoAjuda());
+    tela.EscreveErro(TextoAjuda(Programa()));
     return kUsoErrado;
   }
-  if (aTextos.size() == 1 && aTextos.front() == "--ajuda") {
-    tela.Escreve(TextoAjuda());
-    return 0;
-  }
-  if (aTextos.size() == 1 && aTextos.front() == "--versao") {
-    tela.Escreve("qzdados " KALVO_VERSAO "\n");
+  if (const std::optional<std::string> sPedido = TextoPedido(aTextos, Programa())) {
+    tela.Escreve(*sPedido);
     return 0;
   }
   try {
-    return static_cast<int>(Executa(CArgumentos(aTextos, Comandos()), tela));
+    return static_cast<int>(Executa(CArgumentos(aTextos, Programa()), tela));
   } catch (const CErroUso &erro) {
     tela.EscreveErro(std::string(erro.what()) + "\nUse \"qzdados --ajuda\" para ver o modo de usar.\n"_pt);
     return kUsoErrado;

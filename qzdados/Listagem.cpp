@@ -3,13 +3,12 @@
 #include <algorithm>
 #include <cstring>
 
-#include "client/Campos.h"
 #include "client/Codificacao.h"
+#include "client/Json.h"
 #include "client/Saida.h"
 #include "core/qzdatabase/disco/QZLeitorSequencial.h"
 #include "qzdados/Cabecalhos.h"
 #include "qzdados/Exame.h"
-#include "qzdados/Json.h"
 #include "qzdados/LeitorLinhas.h"
 #include "vehicles/RegVeiculo.h"
 #include "vehicles/VersaoBaseVeiculos.h"
@@ -25,17 +24,18 @@ public:
   CListagem(EFormato eFormato, ITela &tela) : m_eFormato(eFormato), m_tela(tela) {}
 
   void Comeca(const CString &sTituloTabela, const CString &sTituloCsv) {
+    if (m_eFormato != EFormato::Tabela) {
+      m_tela.SaidaEmBytes();
+    }
     m_tela.Escreve(m_eFormato == EFormato::Json  ? CString("[")
-                   : m_eFormato == EFormato::Csv ? sTituloCsv
-                                                 : sTituloTabela);
+                   : m_eFormato == EFormato::Csv ? sTituloCsv + "\n"
+                                                 : sTituloTabela + "\n");
   }
-  /// `fTexto(eFormato)` is the row, with its line end but for JSON.
+  /// `fTexto(eFormato)` is the row, without its line end.
   template <typename F>
   void Linha(F fTexto) {
-    if (m_eFormato == EFormato::Json) {
-      m_tela.Escreve(m_bAlguma ? ",\n" : "\n");
-    }
-    m_tela.Escreve(fTexto(m_eFormato));
+    const CString sLinha = fTexto(m_eFormato);
+    m_tela.Escreve(m_eFormato == EFormato::Json ? (m_bAlguma ? ",\n" : "\n") + sLinha : sLinha + "\n");
     m_bAlguma = true;
   }
   void Acaba() {
@@ -50,24 +50,13 @@ private:
   bool m_bAlguma = false;
 };
 
-CString JsonDoVeiculo(std::uint64_t uiPosicao, const tagREG_VEICULOPS &veiculo) {
-  CString sJson = "{\"posicao\":" + std::to_string(uiPosicao);
-  for (const CCampo &campo : CamposVeiculo()) {
-    CString sValor = TextoCampo(campo, &veiculo);
-    if (campo.eTipo == eCampo::moeda) {
-      std::replace(sValor.begin(), sValor.end(), ',', '.');
-    }
-    sJson += ",\"" + CString(campo.sNome) + "\":" + (campo.eTipo == eCampo::texto ? TextoJson(sValor) : sValor);
-  }
-  return sJson + "}";
-}
-
 CString LinhaDoVeiculo(EFormato eFormato, std::uint64_t uiPosicao, const RegVeiculo &reg) {
   tagREG_VEICULOPS veiculo{};
   CopiaParaInterface(reg, &veiculo);
-  return eFormato == EFormato::Json  ? JsonDoVeiculo(uiPosicao, veiculo)
-         : eFormato == EFormato::Csv ? LinhaCsv(static_cast<std::int64_t>(uiPosicao), veiculo)
-                                     : LinhaLista(static_cast<std::int64_t>(uiPosicao), veiculo);
+  const auto iPosicao = static_cast<std::int64_t>(uiPosicao);
+  return eFormato == EFormato::Json  ? JsonVeiculo(iPosicao, veiculo)
+         : eFormato == EFormato::Csv ? LinhaCsv(iPosicao, veiculo)
+                                     : LinhaLista(iPosicao, veiculo);
 }
 
 void DizResto(std::uint64_t uiResto, const CString &sDoQue, ITela &tela) {
@@ -97,7 +86,7 @@ void ListaLinhas(CArquivoEmExame &arquivo, std::uint64_t uiInicio, EFormato eFor
                  ITela &tela) {
   CLeitorLinhas leitor(arquivo, uiInicio, arquivo.Tamanho(), kMaiorLinha);
   CListagem listagem(eFormato, tela);
-  listagem.Comeca("   linha  texto\n", "linha;texto\n");
+  listagem.Comeca("   linha  texto", "linha;texto");
   LinhaLida linha;
   bool bHa = true;
   std::uint64_t uiPosicao = 1;
@@ -106,8 +95,8 @@ void ListaLinhas(CArquivoEmExame &arquivo, std::uint64_t uiInicio, EFormato eFor
       listagem.Linha([&](EFormato e) {
         const CString sPosicao = std::to_string(uiPosicao);
         return e == EFormato::Json  ? "{\"linha\":" + sPosicao + ",\"texto\":" + TextoJson(linha.sTexto) + "}"
-               : e == EFormato::Csv ? sPosicao + ";" + CampoCsv(linha.sTexto) + "\n"
-                                    : Ajusta(sPosicao, 8, true) + "  " + Visivel(linha.sTexto) + "\n";
+               : e == EFormato::Csv ? sPosicao + ";" + CampoCsv(linha.sTexto)
+                                    : Ajusta(sPosicao, 8, true) + "  " + Visivel(linha.sTexto);
       });
       if (linha.bCortada) {
         tela.EscreveErro("linha " + std::to_string(uiPosicao) + ": mostrados só os primeiros "_pt +
@@ -127,12 +116,12 @@ void ListaVersao(CArquivoEmExame &arquivo, std::uint64_t uiInicio, EFormato eFor
   REG_DF_VEICULO_VERSAO reg{};
   const std::uint64_t uiDados = arquivo.Tamanho() - uiInicio;
   CListagem listagem(eFormato, tela);
-  listagem.Comeca("versao\n", "versao\n");
+  listagem.Comeca("versao", "versao");
   if (uiDados >= sizeof(reg) && faixa.uiDe == 1) {
     Exige(arquivo.Le(uiInicio, &reg, sizeof(reg)));
     const std::uint16_t iVersao = reg.iVersao;
     listagem.Linha([&](EFormato e) {
-      return e == EFormato::Json ? "{\"versao\":" + std::to_string(iVersao) + "}" : std::to_string(iVersao) + "\n";
+      return e == EFormato::Json ? "{\"versao\":" + std::to_string(iVersao) + "}" : std::to_string(iVersao);
     });
   }
   listagem.Acaba();

@@ -10,6 +10,8 @@ public:
   virtual ~ITela() = default;
 
   virtual void Escreve(std::string_view sTexto) = 0;
+  /// From here on Escreve carries every byte as it is; the platform's text mode does not.
+  virtual void SaidaEmBytes() = 0;
   virtual void EscreveErro(std::string_view sTexto) = 0;
   /// True when the user sees what Escreve writes as it comes, so that long listings need no other sign of progress.
   virtual bool SaidaVisivel() const = 0;

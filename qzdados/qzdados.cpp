@@ -21,6 +21,7 @@ public:
     m_barra.Limpa();
     ::Escreve(sTexto);
   }
+  void SaidaEmBytes() override { ::SaidaEmBytes(); }
   void EscreveErro(std::string_view sTexto) override {
     m_barra.Limpa();
     ::EscreveErro(sTexto);

@@ -23,6 +23,11 @@ CPaginaConsole::CPaginaConsole() = default;
 CPaginaConsole::~CPaginaConsole() {
   std::fflush(stdout);
 }
+void CPaginaConsole::Restaura() {}
+
+// There is no text mode here.
+void SaidaEmBytes() {}
+void EntradaEmBytes() {}
 
 void Escreve(std::string_view sTexto) {
   EscreveEm(stdout, sTexto);

@@ -1,10 +1,12 @@
 #include "client/Console.h"
 
+#include <fcntl.h>
 #include <io.h>
 #include <windows.h>
 
 #include <shellapi.h>
 
+#include <atomic>
 #include <memory>
 #include <new>
 
@@ -13,6 +15,8 @@
 namespace {
 
 constexpr UINT kPaginaTextos = 1252;
+
+std::atomic<UINT> g_uiPaginaAnterior{0};  // 0: nothing to put back
 
 }  // namespace
 
@@ -24,16 +28,29 @@ bool EhConsole(std::FILE *pArquivo) {
 
 CPaginaConsole::CPaginaConsole() {
   if (EhConsole(stdout) || EhConsole(stderr)) {
-    m_uiAnterior = GetConsoleOutputCP();
+    g_uiPaginaAnterior = GetConsoleOutputCP();
     SetConsoleOutputCP(kPaginaTextos);
   }
 }
 
 CPaginaConsole::~CPaginaConsole() {
-  if (m_uiAnterior != 0) {
-    std::fflush(stdout);
-    SetConsoleOutputCP(m_uiAnterior);
+  std::fflush(stdout);
+  Restaura();
+}
+
+void CPaginaConsole::Restaura() {
+  if (const UINT uiAnterior = g_uiPaginaAnterior.exchange(0)) {
+    SetConsoleOutputCP(uiAnterior);
   }
+}
+
+void SaidaEmBytes() {
+  std::fflush(stdout);
+  _setmode(_fileno(stdout), _O_BINARY);
+}
+
+void EntradaEmBytes() {
+  _setmode(_fileno(stdin), _O_BINARY);
 }
 
 void Escreve(std::string_view sTexto) {

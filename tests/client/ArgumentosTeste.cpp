@@ -1,13 +1,15 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "client/Ajuda.h"
 #include "client/Argumentos.h"
 #include "client/BarraProgresso.h"
-#include "client/Comandos.h"
-#include "client/QZVeiculosTextos.h"
+#include "client/Programa.h"
+#include "client/QZVeiculosCampos.h"
 
 namespace {
 
@@ -15,7 +17,7 @@ using CTextos = std::vector<std::string>;
 
 CArgumentos Le(CTextos aTextos) {
   aTextos.insert(aTextos.begin(), {"--empresa", "0001"});
-  return CArgumentos(aTextos, ComandosConhecidos());
+  return CArgumentos(aTextos, ProgramaVeiculos());
 }
 
 tagREG_FILTRO_VEICULOSPS Filtro(const CTextos &aOpcoes) {
@@ -37,7 +39,7 @@ std::string ErroUso(F Executa) {
 
 TEST(Argumentos, OptionsAndValuesInAnyOrder) {
   const CTextos aTextos{"le", "3", "--csv", "--sessao=7", "--empresa", "0001", "--", "--csv"};
-  const CArgumentos argumentos(aTextos, ComandosConhecidos());
+  const CArgumentos argumentos(aTextos, ProgramaVeiculos());
   EXPECT_EQ(argumentos.Comando().sNome, "le");
   EXPECT_EQ(argumentos.Valores(), (CTextos{"3", "--csv"}));
   EXPECT_TRUE(argumentos.Tem("csv"));
@@ -51,10 +53,14 @@ TEST(Argumentos, WrongUsageNamesTheOption) {
     const char *pTrecho;
   } aCasos[] = {
       {{}, "falta o comando"},
-      {{"apaga"}, "apaga"},
+      {{"apaga"}, "desconhecido: apaga"},
+      {{"inporta", "x"}, "\"importa\""},
+      {{"diag"}, "\"diagnostico\""},
+      {{"grava", "--renavan", "1"}, "\"renavam\""},
       {{"busca", "--cor", "azul"}, "--cor"},
       {{"le", "1", "--placa", "X"}, "--placa"},
       {{"busca", "--placa"}, "--placa: falta"},
+      {{"busca", "--placa", "--uf", "SP"}, "--placa: falta"},
       {{"busca", "--csv=1"}, "--csv: "},
       {{"busca", "--uf", "SP", "--uf", "RJ"}, "--uf: "},
       {{"busca", "1"}, "valor a mais"},
@@ -65,12 +71,42 @@ TEST(Argumentos, WrongUsageNamesTheOption) {
     const std::string sErro = ErroUso([&] { Le(caso.aTextos); });
     EXPECT_NE(sErro.find(caso.pTrecho), std::string::npos) << caso.pTrecho << " / " << sErro;
   }
-  EXPECT_NE(ErroUso([] { CArgumentos(CTextos{"conta"}, ComandosConhecidos()); }).find("--empresa"), std::string::npos);
+  EXPECT_NE(ErroUso([] { CArgumentos(CTextos{"conta"}, ProgramaVeiculos()); }).find("--empresa"), std::string::npos);
   EXPECT_NE(ErroUso([] {
               UsuarioDeArgumentos(Le({"conta", "--usuario", "65536"}));
             }).find("--usuario"),
             std::string::npos);
   EXPECT_EQ(UsuarioDeArgumentos(Le({"conta", "--usuario", "65535"})), 65535);
+}
+
+TEST(Ajuda, AskedForAnywhereButNotWithinAValue) {
+  const struct {
+    CTextos aTextos;
+    const char *pTrecho;  // of the text; empty: none is asked for
+  } aCasos[] = {
+      {{"--ajuda"}, "\nComandos:\n"},
+      {{"-h", "apaga", "--cor"}, "\nComandos:\n"},
+      {{"--empresa", "0001", "importa", "x", "/?"}, "Uso: veiculos importa ARQUIVO|- --empresa CODIGO"},
+      {{"--ajuda", "importa"}, "  veiculos --empresa 0001 importa frota.csv --ensaio\n"},
+      {{"busca", "-h"}, "  --carrocerias N,N...    tipos de carroceria aceitos, 0 a 5\n"},
+      {{"conta", "--versao"}, "veiculos "},
+      {{"grava", "--descricao", "-h"}, ""},
+      {{"existe", "--", "/?"}, ""},
+  };
+  for (const auto &caso : aCasos) {
+    const std::optional<std::string> sTexto = TextoPedido(caso.aTextos, ProgramaVeiculos());
+    EXPECT_EQ(sTexto.has_value(), *caso.pTrecho != '\0') << caso.aTextos.front();
+    EXPECT_NE(sTexto.value_or("").find(caso.pTrecho), std::string::npos) << caso.pTrecho;
+  }
+  for (const CComandoConhecido &comando : ProgramaVeiculos().aComandos) {
+    const std::string sAjuda = TextoAjuda(ProgramaVeiculos(), comando);
+    for (std::size_t i = 0, uiFim = 0; (uiFim = sAjuda.find('\n', i)) != std::string::npos; i = uiFim + 1) {
+      EXPECT_LE(uiFim - i, 80U) << sAjuda.substr(i, uiFim - i);
+    }
+    for (const std::string_view sExemplo : comando.aExemplos) {
+      EXPECT_NE(sExemplo.find(comando.sNome), std::string_view::npos) << sExemplo;
+    }
+  }
 }
 
 TEST(Argumentos, CharactersOutsideWindows1252) {

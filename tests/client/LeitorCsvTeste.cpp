@@ -1,22 +1,20 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "client/Importacao.h"
 #include "client/LeitorCsv.h"
-#include "client/QZVeiculosErros.h"
-#include "client/QZVeiculosTextos.h"
-#include "client/Saida.h"
+#include "client/QZVeiculosCampos.h"
 
 namespace {
 
-constexpr std::string_view kMarca = "\xEF\xBB\xBF";
-
-std::vector<CLinhaCsv> LeTudo(const std::string &sTexto) {
-  CLeitorCsv leitor(sTexto);
+std::vector<CLinhaCsv> LeTudo(const std::string &sBytes, std::optional<eCodificacao> eDada = std::nullopt) {
+  const CConteudoTexto conteudo = Decodifica(sBytes, eDada);
+  CLeitorCsv leitor(conteudo);
   std::vector<CLinhaCsv> aLinhas;
   while (std::optional<CLinhaCsv> linha = leitor.Proxima()) {
     aLinhas.push_back(*linha);
@@ -30,8 +28,10 @@ TEST(LeitorCsv, ColumnsInAnyOrderQuotesAndLineEnds) {
       "\"a;\"\"b\"\"\";1234,5;\"X1\";2020;9\r\n"
       "\n"
       "\xE7;;Y2;;\n"
-      ";\"10.5\";Z3;4294967295;x");
-  ASSERT_EQ(aLinhas.size(), 3U);
+      ";\"10.5\";Z3;4294967295;x\n"
+      "\"a\r\nb\n\";-0,0001;W4;;\n"
+      ";;V5;;");
+  ASSERT_EQ(aLinhas.size(), 5U);
   for (const CLinhaCsv &linha : aLinhas) {
     EXPECT_EQ(linha.sErro, "");
   }
@@ -45,6 +45,11 @@ TEST(LeitorCsv, ColumnsInAnyOrderQuotesAndLineEnds) {
   EXPECT_EQ(LeCampo(aLinhas[1].veiculo.szDescricao), "\xE7");
   EXPECT_EQ(aLinhas[1].veiculo.vTara, 0);
   EXPECT_EQ(aLinhas[2].veiculo.iAno, 4294967295U);
+  EXPECT_EQ(LeCampo(aLinhas[3].veiculo.szDescricao), "a\r\nb\n");
+  EXPECT_EQ(aLinhas[3].veiculo.vTara, -1);
+  EXPECT_EQ(aLinhas[3].uiLinha, 6U);
+  EXPECT_EQ(aLinhas[3].uiProxima, 9U);
+  EXPECT_EQ(aLinhas[4].uiLinha, 9U);
 }
 
 TEST(LeitorCsv, BadLinesAreToldAndDoNotDisturbTheNext) {
@@ -59,7 +64,7 @@ TEST(LeitorCsv, BadLinesAreToldAndDoNotDisturbTheNext) {
       {"A\"B;1;2", "no meio de um campo"},
       {"ABCDEFGHIJKLMN;1;2", "codigo: o texto tem 14"},
       {std::string("A\0B;1;2", 7), "codigo: o texto cont"},
-      {"A;-1;2", "tara: o valor"},
+      {"A;-;2", "tara: "},
       {"A;1;256", "rodado: \"256\" passa"},
       {"A;1; 2", "rodado: \" 2\""},
   };
@@ -72,27 +77,82 @@ TEST(LeitorCsv, BadLinesAreToldAndDoNotDisturbTheNext) {
   }
 }
 
-TEST(LeitorCsv, Utf8OnlyBehindTheByteOrderMark) {
-  const std::string sDados = "codigo;descricao\nA;ba\xC3\xBA \xE2\x82\xAC\n";
-  EXPECT_EQ(LeCampo(LeTudo(std::string(kMarca) + sDados)[0].veiculo.szDescricao), "ba\xFA \x80");
-  EXPECT_EQ(LeCampo(LeTudo(sDados)[0].veiculo.szDescricao), "ba\xC3\xBA \xE2\x82\xAC");
-  // No Windows-1252 form, a look-alike that must not be taken for a letter, and malformed UTF-8.
-  for (const std::string sRuim : {"\xE6\x97\xA5", "\xC4\x81", "\xFA", "\xC3"}) {
-    const auto aLinhas = LeTudo(std::string(kMarca) + "codigo\n" + sRuim + "\nB\n");
+TEST(LeitorCsv, QuotesThatNeverCloseSpoilTheirLineAlone) {
+  const std::string sTexto =
+      "codigo;descricao\nA;\"aberta\n" + std::string(300, 'x') + ";1\nB;2\n" + std::string(300, 'y') + ";1\nC;\"3\"\n";
+  std::string sBons;
+  for (const CLinhaCsv &linha : LeTudo(sTexto)) {
+    sBons += linha.sErro.empty() ? LeCampo(linha.veiculo.szCodigo) : "!";
+  }
+  EXPECT_EQ(sBons, "!!B!C");
+}
+
+std::string Em16(const std::u16string &sTexto, bool bMaiorPrimeiro) {
+  std::string sBytes;
+  for (const char16_t c : sTexto) {
+    const char aBytes[] = {static_cast<char>(c & 0xFF), static_cast<char>(c >> 8)};
+    sBytes += {aBytes[bMaiorPrimeiro ? 1 : 0], aBytes[bMaiorPrimeiro ? 0 : 1]};
+  }
+  return sBytes;
+}
+
+TEST(Codificacao, MarkDecidesThenTheUserThenTheBytes) {
+  using namespace std::string_literals;
+  const std::string s1252 = "codigo;descricao\nA;ba\xFA \x80\n";
+  const std::string s8 = "codigo;descricao\nA;ba\xC3\xBA \xE2\x82\xAC\n";
+  const std::u16string s16 = u"codigo;descricao\nA;ba\u00FA \u20AC\n";
+  const struct {
+    std::string sBytes;
+    std::optional<eCodificacao> eDada;
+    bool bAviso;
+  } aBons[] = {
+      {s1252, std::nullopt, false},
+      {s1252, eCodificacao::windows1252, false},
+      {s8, std::nullopt, true},
+      {s8, eCodificacao::utf8, false},
+      {"\xEF\xBB\xBF" + s8, std::nullopt, false},
+      {Em16(u"\uFEFF" + s16, false), std::nullopt, false},
+      {Em16(u"\uFEFF" + s16, true), eCodificacao::utf16le, false},
+      {Em16(s16, false), eCodificacao::utf16le, false},
+      {Em16(s16, true), eCodificacao::utf16be, false},
+  };
+  for (const auto &caso : aBons) {
+    EXPECT_EQ(LeCampo(LeTudo(caso.sBytes, caso.eDada).at(0).veiculo.szDescricao), "ba\xFA \x80") << caso.sBytes;
+    EXPECT_EQ(Decodifica(caso.sBytes, caso.eDada).sAviso.empty(), !caso.bAviso) << caso.sBytes;
+  }
+  EXPECT_EQ(Codifica(s1252, eCodificacao::utf8), s8);
+  EXPECT_EQ(Codifica(s1252, eCodificacao::utf16be), Em16(s16, true));
+  EXPECT_NE(Decodifica(s1252 + s8, std::nullopt).sAviso, "");
+  EXPECT_FALSE(Decodifica(s1252 + s8, std::nullopt).bUtf8);
+  EXPECT_EQ(LeCampo(LeTudo(s8, eCodificacao::windows1252)[0].veiculo.szDescricao), "ba\xC3\xBA \xE2\x82\xAC");
+
+  // Told otherwise than marked, UTF-16 without a mark, half a character, UTF-32.
+  EXPECT_THROW(Decodifica("\xEF\xBB\xBF" + s8, eCodificacao::windows1252), CErroCodificacao);
+  EXPECT_THROW(Decodifica(Em16(s16, false), std::nullopt), CErroCodificacao);
+  EXPECT_THROW(Decodifica(Em16(s16, true), std::nullopt), CErroCodificacao);
+  EXPECT_THROW(Decodifica(Em16(s16, true) + "x", eCodificacao::utf16be), CErroCodificacao);
+  EXPECT_THROW(Decodifica("\xFF\xFE\0\0c\0\0\0"s, std::nullopt), CErroCodificacao);
+
+  // No Windows-1252 form, a look-alike that must not be taken for a letter, beyond 16 bits, malformed UTF-8.
+  for (const std::string sRuim : {"\xE6\x97\xA5", "\xC4\x81", "\xF0\x9F\x9A\x9A", "\xFA", "\xC3", "\xC0\xAF"}) {
+    const auto aLinhas = LeTudo("codigo\n" + sRuim + "\nB\n", eCodificacao::utf8);
     ASSERT_EQ(aLinhas.size(), 2U);
     EXPECT_NE(aLinhas[0].sErro, "");
     EXPECT_EQ(LeCampo(aLinhas[1].veiculo.szCodigo), "B");
   }
+  EXPECT_NE(LeTudo(Em16(u"codigo\n\xD83D\xDE9A\n", false), eCodificacao::utf16le)[0].sErro, "");
 }
 
 TEST(LeitorCsv, BadHeaderNamesTheColumn) {
   for (const auto &[sTexto, sTrecho] :
        std::vector<std::pair<std::string, std::string>>{{"codigo;cor\n", "\"cor\""},
+                                                        {"codigo;descrisao\n", "\"descricao\""},
+                                                        {"codigo,ano\n", "separador"},
                                                         {"codigo;placa;codigo\n", "\"codigo\""},
                                                         {"", "vazio"},
                                                         {"codigo;\n", "\"\""}}) {
     try {
-      CLeitorCsv leitor(sTexto);
+      LeTudo(sTexto);
       ADD_FAILURE() << sTexto;
     } catch (const CErroCsv &erro) {
       EXPECT_NE(std::string(erro.what()).find(sTrecho), std::string::npos) << erro.what();
@@ -100,60 +160,60 @@ TEST(LeitorCsv, BadHeaderNamesTheColumn) {
   }
 }
 
-TEST(LeitorCsv, TakesTheOutputOfTheProgramBack) {
-  tagREG_VEICULOPS veiculo{};
-  PreencheCampo(veiculo.szCodigo, "ABCDEFGHIJKLM");
-  PreencheCampo(veiculo.szDescricao, "ba\xFA; \"novo\"");
-  PreencheCampo(veiculo.szUF, "SP");
-  veiculo.vTara = 1;
-  veiculo.vCapacidadeM3 = 905000;
-  veiculo.iAno = 1999;
-  veiculo.iPonteiroCliente = 65535;
-  veiculo.iTipoCarroceria = 7;
-  veiculo.iTipoTransporte = 255;
-  const auto aLinhas = LeTudo(TituloCsv() + LinhaCsv(12, veiculo));
-  ASSERT_EQ(aLinhas.size(), 1U);
-  EXPECT_EQ(aLinhas[0].sErro, "");
-  EXPECT_EQ(std::memcmp(&aLinhas[0].veiculo, &veiculo, sizeof veiculo), 0);
-}
-
-TEST(Importacao, GoesOnAfterBadLinesAndTellsWhereAFailureStoppedIt) {
-  const std::string sCsv = "ano\n1\nx\n3\n4\n";
+TEST(Importacao, GoesOnAfterBadLinesAndTellsWhereItStopped) {
+  const CConteudoTexto conteudo{"ano;codigo\n1;A\nx;\n3;B\n4;A\n5;\n6;\n", false, ""};
   std::vector<std::size_t> aRecusadas;
   std::vector<unsigned> aGravados;
   unsigned uiFalha = 0;
-  CPassosImportacao passos;
-  passos.Grava = [&](const tagREG_VEICULOPS &veiculo) {
-    if (veiculo.iAno == uiFalha) {
-      throw CQZErroVeiculos(E_FAIL);
-    }
-    aGravados.push_back(veiculo.iAno);
-  };
-  passos.Recusa = [&](const CLinhaCsv &linha) { aRecusadas.push_back(linha.uiLinha); };
+  std::size_t uiPerguntas = 100;
   std::size_t uiFeito = 0;
-  passos.MostraProgresso = [&](std::size_t uiAgora, std::size_t uiTotal) {
-    EXPECT_GT(uiAgora, uiFeito);
-    EXPECT_EQ(uiTotal, sCsv.size());
-    uiFeito = uiAgora;
+  const CPassosImportacao passos{[&](const tagREG_VEICULOPS &veiculo) {
+                                   if (veiculo.iAno == uiFalha) {
+                                     throw std::runtime_error("x");
+                                   }
+                                   aGravados.push_back(veiculo.iAno);
+                                 },
+                                 [&](const CLinhaCsv &linha) { aRecusadas.push_back(linha.uiLinha); },
+                                 [&](std::size_t uiAgora, std::size_t uiTotal) {
+                                   EXPECT_GT(uiAgora, uiFeito);
+                                   EXPECT_EQ(uiTotal, conteudo.sTexto.size());
+                                   uiFeito = uiAgora;
+                                 },
+                                 [&] { return --uiPerguntas == 0; }};
+  CCodigosConhecidos conhecidos;
+  const auto importa = [&](std::size_t uiDesdeLinha, CCodigosConhecidos *pConhecidos) {
+    uiFeito = 0;
+    CResultadoImportacao resultado;
+    try {
+      ImportaCsv(CLeitorCsv(conteudo), uiDesdeLinha, pConhecidos, passos, resultado);
+    } catch (const std::runtime_error &) {
+    }
+    return resultado;
   };
+  const CResultadoImportacao tudo = importa(1, &conhecidos);
+  EXPECT_EQ(aGravados, (std::vector<unsigned>{1, 3, 5, 6}));
+  EXPECT_EQ(aRecusadas, (std::vector<std::size_t>{3}));
+  EXPECT_EQ(tudo.uiGravados, 4U);
+  EXPECT_EQ(tudo.uiRecusados, 1U);
+  EXPECT_EQ(tudo.uiRepetidos, 1U);
+  EXPECT_EQ(tudo.uiUltimaGravada, 7U);
+  EXPECT_EQ(uiFeito, conteudo.sTexto.size());
 
-  EXPECT_EQ(ValidaCsv(CLeitorCsv(sCsv), passos.Recusa), 1U);
-  EXPECT_TRUE(aGravados.empty());
+  uiFalha = 4;
+  const CResultadoImportacao falha = importa(1, nullptr);
+  EXPECT_EQ(falha.uiUltimaGravada, 4U);
+  EXPECT_EQ(falha.uiProximaLinha, 5U);
+  EXPECT_FALSE(falha.bParada);
 
-  CResultadoImportacao resultado;
-  ImportaCsv(CLeitorCsv(sCsv), passos, resultado);
-  EXPECT_EQ(aGravados, (std::vector<unsigned>{1, 3, 4}));
-  EXPECT_EQ(aRecusadas, (std::vector<std::size_t>{3, 3}));
-  EXPECT_EQ(resultado.uiGravados, 3U);
-  EXPECT_EQ(resultado.uiRecusados, 1U);
-  EXPECT_EQ(uiFeito, sCsv.size());
-
-  uiFalha = 3;
-  uiFeito = 0;
-  CResultadoImportacao parada;
-  EXPECT_THROW(ImportaCsv(CLeitorCsv(sCsv), passos, parada), CQZErroVeiculos);
-  EXPECT_EQ(parada.uiGravados, 1U);
-  EXPECT_EQ(parada.uiLinha, 4U);
+  uiFalha = 0;
+  uiPerguntas = 3;
+  const CResultadoImportacao parada = importa(4, nullptr);
+  EXPECT_TRUE(parada.bParada);
+  EXPECT_EQ(parada.uiGravados, 2U);
+  EXPECT_EQ(parada.uiProximaLinha, 6U);
+  aGravados.clear();
+  importa(parada.uiProximaLinha, nullptr);
+  EXPECT_EQ(aGravados, (std::vector<unsigned>{5, 6}));
 }
 
 }  // namespace

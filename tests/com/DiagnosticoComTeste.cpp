@@ -24,7 +24,7 @@ protected:
 
   DWORD Diagnostica(const std::string &sEmpresa) {
     const DWORD dwCodigo =
-        Executa(PastaDoPrograma() + "veiculos.exe", "--empresa \"" + sEmpresa + "\" diagnostico", &m_sSaida);
+        Executa(PastaDoPrograma() + "veiculos.exe", "--empresa \"" + sEmpresa + "\" diagnostico --abre", &m_sSaida);
     m_sSaida.erase(std::remove(m_sSaida.begin(), m_sSaida.end(), '\r'), m_sSaida.end());
     return dwCodigo;
   }
@@ -47,8 +47,20 @@ protected:
 
 using Rotulos = std::vector<std::string>;
 
-const Rotulos kTudo = {"classe",           "ProgID",           "servidor", "biblioteca de tipos", "interface", "proxy",
-                       "proxy de 32 bits", "instala\xE7\xE3o", "empresa",  "ativa\xE7\xE3o"};
+const Rotulos kTudo = {"classe",
+                       "ProgID",
+                       "servidor",
+                       "biblioteca de tipos",
+                       "interface",
+                       "proxy",
+                       "proxy de 32 bits",
+                       "instala\xE7\xE3o",
+                       "empresa",
+                       "cabe\xE7"
+                       "alhos",
+                       "ativa\xE7\xE3o",
+                       "base",
+                       "servidores"};
 
 }  // namespace
 
@@ -59,6 +71,7 @@ TEST_F(DiagnosticoCom, TudoEmOrdem) {
   EXPECT_EQ(Linhas("[FALHA]"), Rotulos{});
   EXPECT_NE(m_sSaida.find(PastaDoPrograma() + "Kalvo.exe, vers\xE3o 1.0.0.0 (HKLM)"), std::string::npos) << m_sSaida;
   EXPECT_NE(m_sSaida.find("o servidor foi iniciado agora"), std::string::npos) << m_sSaida;
+  EXPECT_TRUE(m_sSaida.ends_with("Tudo em ordem.\n")) << m_sSaida;
 }
 
 TEST_F(DiagnosticoCom, ApontaOQueFalta) {
@@ -72,7 +85,16 @@ TEST_F(DiagnosticoCom, ApontaOQueFalta) {
     std::string sTrecho;
   } casos[] = {
       {"company unknown", [] {}, "NAO_HA", {"empresa"}, "Empresas\\NAO_HA"},
-      {"company without its directory", [] {}, semDiretorio.Codigo(), {"empresa"}, "ausente\\: o diret\xF3rio"},
+      {"base damaged",
+       [this] { apoio::EscreveArquivo(m_empresa.Arquivo("DFVEIVS.DAT"), "12345"); },
+       m_empresa.Codigo(),
+       {"base"},
+       "0x810809E7"},
+      {"company without its directory",
+       [] {},
+       semDiretorio.Codigo(),
+       {"empresa"},
+       "n\xE3o existe: " + m_pasta.Caminho().substr(0, 2)},
       {"proxy keys missing",
        [] {
          for (const char *const lpClasses : {"Software\\Classes\\", "Software\\Classes\\Wow6432Node\\"}) {
@@ -110,5 +132,8 @@ TEST_F(DiagnosticoCom, ApontaOQueFalta) {
     EXPECT_EQ(Diagnostica(caso.sEmpresa), 1U) << m_sSaida;
     EXPECT_EQ(Linhas("[FALHA]"), caso.falhas) << m_sSaida;
     EXPECT_NE(m_sSaida.find(caso.sTrecho), std::string::npos) << m_sSaida;
+    EXPECT_NE(m_sSaida.find("o que fazer: "), std::string::npos) << m_sSaida;
+    EXPECT_EQ(m_sSaida.find("Tudo em ordem"), std::string::npos) << m_sSaida;
+    DeleteFileA(m_empresa.Arquivo("DFVEIVS.DAT").c_str());
   }
 }

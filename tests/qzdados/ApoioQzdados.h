@@ -14,6 +14,7 @@
 class TelaLida final : public ITela {
 public:
   void Escreve(std::string_view sTexto) override { m_sSaida += sTexto; }
+  void SaidaEmBytes() override {}
   void EscreveErro(std::string_view sTexto) override { m_sErros += sTexto; }
   bool SaidaVisivel() const override { return false; }
   void Progresso(std::uint64_t uiFeito, std::uint64_t uiTotal) override {

@@ -1,11 +1,11 @@
-#include "qzdados/Json.h"
+#include "client/Json.h"
 
 #include <cstdio>
 
 #include "client/Codificacao.h"
 
-CString TextoJson(std::string_view sTexto) {
-  CString sJson = "\"";
+std::string TextoJson(std::string_view sTexto) {
+  std::string sJson = "\"";
   for (const char c : sTexto) {
     const char16_t uiCaractere = De1252ParaUnicode(c);
     if (c == '"' || c == '\\') {

@@ -1,0 +1,286 @@
+// veiculos.exe as its user meets it: a process against the registered server, the real registry and real files.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iostream>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "client/QZVeiculosCliente.h"
+#include "core/platform/ServicosSistema.h"
+#include "server/ClasseVeiculos.h"
+#include "tests/apoio/ArquivosDecorado.h"
+#include "tests/apoio/ProcessoFilho.h"
+#include "tests/apoio/ServicosTrocados.h"
+#include "tests/com/ApoioCom.h"
+
+using namespace apoiocom;
+
+namespace {
+
+constexpr char kEmpresas[] = "SOFTWARE\\Wow6432Node\\Tarvel\\Empresas\\";
+
+std::string Programa() {
+  return PastaDoPrograma() + "veiculos.exe";
+}
+
+bool Contem(const std::string &sTexto, const std::string &sTrecho) {
+  return sTexto.find(sTrecho) != std::string::npos;
+}
+
+class VeiculosCom : public testing::Test {
+protected:
+  DWORD Roda(const Empresa &empresa, const std::string &sArgumentos) {
+    const DWORD dwCodigo = Executa(Programa(), "--empresa " + empresa.Codigo() + " " + sArgumentos, &m_sSaida);
+    m_sSaida.erase(std::remove(m_sSaida.begin(), m_sSaida.end(), '\r'), m_sSaida.end());
+    return dwCodigo;
+  }
+  DWORD Roda(const std::string &sArgumentos) { return Roda(m_empresa, sArgumentos); }
+
+  /// A file with these bytes; its quoted path.
+  std::string Arquivo(const std::string &sConteudo) const {
+    apoio::EscreveArquivo(m_pasta / "dados.csv", sConteudo);
+    return "\"" + (m_pasta / "dados.csv") + "\"";
+  }
+  std::string Novo(const std::string &sNome) const { return "\"" + (m_pasta / sNome) + "\""; }
+
+  const apoio::PastaTemporaria m_pasta;
+  const Empresa m_empresa;
+  std::string m_sSaida;
+};
+
+/// A server of this class in the place of Kalvo.exe, which ends at the given write to a vehicle file.
+int ServeAteAGravacao(const std::vector<std::string> &argumentos) {
+  const Apartamento apartamento;
+  apoio::ArquivosComFalha arquivos(plataforma::ArquivosDoSistema());
+  const apoio::ServicosTrocados servicos(&arquivos);
+  arquivos.Arma(
+      {.operacoes = apoio::kOpGrava, .trecho = "DFVEIC.DAT", .enesima = std::stoul(argumentos[0]), .aoFalhar = [] {
+         ExitProcess(0);
+       }});
+  CClasseVeiculos classe;
+  const CRegistroClasse registro(classe);
+  if (FAILED(registro.Resultado()) || FAILED(CoResumeClassObjects())) {
+    return 1;
+  }
+  std::cout << "pronto" << std::endl;
+  std::string sLinha;
+  std::getline(std::cin, sLinha);
+  return 1;
+}
+
+const apoio::RegistraFilha g_serve("serve_ate_a_gravacao", ServeAteAGravacao);
+
+/// The codes of the records on disk, in their order.
+std::string Codigos(const Empresa &empresa) {
+  std::string sCodigos;
+  const Veiculos spVeiculos = Abre(empresa.Codigo());
+  for (LONG lPos = 1;; ++lPos) {
+    tagREG_VEICULOPS veiculo{};
+    if (!spVeiculos || FAILED(spVeiculos->Le(lPos, &veiculo))) {
+      return sCodigos;
+    }
+    sCodigos += CodigoDe(veiculo) + " ";
+  }
+}
+
+/// A vehicle with every kind of text and number that the records can hold.
+tagREG_VEICULOPS Sorteia(std::mt19937 &sorteio) {
+  const auto texto = [&](char *lpCampo, std::size_t uiLargura) {
+    const std::string_view sDificeis = "\";\r\n \t*?,\x81\x9D\xC3\xA7\xFF";
+    const std::size_t uiTamanho = sorteio() % (uiLargura + 1);
+    for (std::size_t i = 0; i < uiTamanho; ++i) {
+      lpCampo[i] =
+          sorteio() % 2 == 0 ? sDificeis[sorteio() % sDificeis.size()] : static_cast<char>(1 + sorteio() % 255);
+    }
+  };
+  const auto valor = [&] { return static_cast<std::int64_t>(std::uint64_t{sorteio()} << 32 | sorteio()); };
+  tagREG_VEICULOPS veiculo{};
+  veiculo.vTara = valor();
+  veiculo.vCapacidadeKg = -1;
+  veiculo.vCapacidadeM3 = valor() % 100000;
+  veiculo.iAno = static_cast<std::uint32_t>(sorteio());
+  veiculo.iPonteiroCliente = static_cast<std::uint16_t>(sorteio());
+  texto(veiculo.szDescricao, sizeof(veiculo.szDescricao));
+  texto(veiculo.szCodigoANTT, sizeof(veiculo.szCodigoANTT));
+  texto(veiculo.szCodigo, sizeof(veiculo.szCodigo));
+  texto(veiculo.szRENAVAM, sizeof(veiculo.szRENAVAM));
+  texto(veiculo.szPlaca, sizeof(veiculo.szPlaca));
+  texto(veiculo.szUF, sizeof(veiculo.szUF));
+  veiculo.iTipoCarroceria = static_cast<std::uint8_t>(sorteio());
+  veiculo.iTipoRodado = 255;
+  veiculo.iTipoVeiculo = 1;
+  veiculo.iTipoTransporte = static_cast<std::uint8_t>(sorteio());
+  return veiculo;
+}
+
+}  // namespace
+
+TEST_F(VeiculosCom, EmpresaErradaERecusadaAntesDoServidor) {
+  ASSERT_GE(EsperaServidorTerminar(), 0);
+  apoio::RegistroTeste registro;
+  const std::string sAqui = m_empresa.Codigo();
+  registro.DefineTexto(kEmpresas + sAqui + "v", "DF", "");
+  registro.DefineTexto(kEmpresas + sAqui + "r", "DF", "Dados\\0001");
+  registro.DefineTexto(kEmpresas + sAqui + "a", "DF", m_pasta / "ausente");
+  registro.DefineTexto(kEmpresas + sAqui + "f", "DF", PastaDoPrograma() + "Kalvo.exe");
+  const struct {
+    std::string sCodigo;
+    const char *lpTrecho;
+  } casos[] = {
+      {sAqui + "x", "o mais parecido \xE9 \"T"},
+      {sAqui + "\\", "n\xE3o est\xE1 registrada"},
+      {"..", "n\xE3o est\xE1 registrada"},
+      {"t" + sAqui.substr(1), "est\xE1 registrada como \"T"},
+      {sAqui + "v", "n\xE3o tem diret\xF3rio de dados (valor DF de HKLM\\SOFTWARE"},
+      {sAqui + "r", "n\xE3o \xE9 um caminho completo"},
+      {sAqui + "a", "o diret\xF3rio de dados n\xE3o existe"},
+      {sAqui + "f", "o diret\xF3rio de dados n\xE3o existe"},
+  };
+  const auto recusa = [&](const std::string &sCodigo, const std::string &sComando, const char *lpTrecho) {
+    const std::string sCitado = "\"" + sCodigo + (sCodigo.back() == '\\' ? "\\\"" : "\"");
+    EXPECT_EQ(Executa(Programa(), "--empresa " + sCitado + " " + sComando, &m_sSaida), 1U)
+        << sCodigo << ": " << m_sSaida;
+    EXPECT_TRUE(Contem(m_sSaida, lpTrecho)) << sCodigo << ": " << m_sSaida;
+  };
+  for (const auto &caso : casos) {
+    recusa(caso.sCodigo, "grava --codigo X", caso.lpTrecho);
+  }
+  for (const char *const lpComando : {"conta", "importa dados.csv", "exporta -"}) {
+    recusa(sAqui + "a", lpComando, "o diret\xF3rio de dados n\xE3o existe");
+  }
+  EXPECT_TRUE(Servidores().empty());
+}
+
+TEST_F(VeiculosCom, ComandosSaidasECodigos) {
+  const std::string sArquivo = Novo("saida.json");
+  const struct {
+    std::string sArgumentos;
+    DWORD dwCodigo;
+    std::string sTrecho;
+  } casos[] = {
+      {"grava", 2, "nenhum campo"},
+      {"grava --posicao 0 --ano 1", 2, "--posicao"},
+      {"grava --codigo X1 --ano 2001 --tara -5000,5", 0, "posi\xE7\xE3o 1\n"},
+      {"grava --posicao 1 --ano 2002", 0, "posi\xE7\xE3o 1\n"},
+      {"grava --posicao 2 --ano 2003", 1, "0x810809DA: "},
+      {"le 1 --csv", 0, "\n1;X1;;;;2002;;0;0;0;-5000,5;0;0;;0;0\n"},
+      {"le 1 2", 1, ".: X1\nPlaca ."},
+      {"le 1 --json", 0,
+       "[\n{\"posicao\":1,\"codigo\":\"X1\",\"placa\":\"\",\"uf\":\"\",\"descricao\":\"\",\"ano\":2002"},
+      {"le 2 --saida " + sArquivo, 1, "O que fazer: veiculos conta"},
+      {"existe X1", 0, "X1\n"},
+      {"existe X2", 3, "n\xE3o encontrado: X2\n"},
+      {"existe 12345678901234", 2, "13"},
+      {"busca --ano-min 2002 --so-posicoes --json", 0, "[\n1\n]\n"},
+      {"busca --ano-min 2003", 0, "Encontrados: 0"},
+      {"conta --csv", 0, "registros\n1\n"},
+      {"lista --de 2 --csv", 0, "transporte\n"},
+      {"lista --json --saida " + sArquivo, 0, ""},
+      {"lista --saida " + sArquivo, 2, "j\xE1 existe"},
+      {"lista --csv --json", 2, "s\xF3 um dos dois"},
+  };
+  for (const auto &caso : casos) {
+    EXPECT_EQ(Roda(caso.sArgumentos), caso.dwCodigo) << caso.sArgumentos << ": " << m_sSaida;
+    EXPECT_TRUE(Contem(m_sSaida, caso.sTrecho)) << caso.sArgumentos << ": " << m_sSaida;
+  }
+  EXPECT_TRUE(Contem(apoio::LeArquivo(m_pasta / "saida.json"), "\"tara\":-5000.5,"));
+  EXPECT_EQ(Roda("lista --csv --substitui --saida " + sArquivo), 0U);
+  EXPECT_EQ(apoio::LeArquivo(m_pasta / "saida.json").substr(0, 10), "\xEF\xBB\xBFposicao");
+}
+
+TEST_F(VeiculosCom, ExportaEImportaNadaPerdem) {
+  std::mt19937 sorteio(1);  // NOLINT(cert-msc51-cpp): the same vehicles every time
+  {
+    const Veiculos spVeiculos = Abre(m_empresa.Codigo());
+    ASSERT_TRUE(spVeiculos);
+    for (int i = 0; i < 520; ++i) {
+      LONG lPos = 0;
+      ASSERT_EQ(spVeiculos->Grava(&lPos, Sorteia(sorteio)), S_OK);
+    }
+  }
+  const std::string sRegistros = Registros(m_empresa);
+  const Empresa porArquivo;
+  ASSERT_EQ(Roda("exporta " + Novo("tudo.csv")), 0U) << m_sSaida;
+  EXPECT_EQ(Roda(porArquivo, "importa " + Novo("tudo.csv")), 0U) << m_sSaida;
+  EXPECT_TRUE(Contem(m_sSaida, "Gravados: 520  Recusados: 0")) << m_sSaida;
+  EXPECT_TRUE(Registros(porArquivo) == sRegistros);
+
+  const Empresa porTubo;
+  const auto parte = [](const Empresa &empresa, const std::string &sComando) {
+    return "\"" + Programa() + "\" --codificacao windows-1252 --empresa " + empresa.Codigo() + " " + sComando + " -";
+  };
+  const std::string sTubo = "/s /c \"" + parte(m_empresa, "exporta") + " | " + parte(porTubo, "importa") + "\"";
+  EXPECT_EQ(Executa("C:\\windows\\system32\\cmd.exe", sTubo, &m_sSaida), 0U) << m_sSaida;
+  EXPECT_TRUE(Registros(porTubo) == sRegistros) << m_sSaida;
+}
+
+TEST_F(VeiculosCom, ImportaDosModosPedidos) {
+  const std::string sCsv = Arquivo("codigo;ano\nA;1\nB;x\nA;2\n;3\n;4\n");
+  EXPECT_EQ(Roda("importa --ensaio " + sCsv), 4U);
+  EXPECT_TRUE(Contem(m_sSaida, "linha 3: ano: ")) << m_sSaida;
+  EXPECT_TRUE(Contem(m_sSaida, "Bons: 4  Recusados: 1\n")) << m_sSaida;
+  EXPECT_EQ(Roda("importa --tudo-ou-nada " + sCsv), 4U);
+  EXPECT_EQ(GetFileAttributesA(m_empresa.Arquivo("DFVEIVS.DAT").c_str()), INVALID_FILE_ATTRIBUTES);
+
+  EXPECT_EQ(Roda("importa --sem-repetir " + sCsv), 4U);
+  EXPECT_TRUE(Contem(m_sSaida, "Gravados: 3  Recusados: 1  Repetidos: 1  Tempo: ")) << m_sSaida;
+  EXPECT_EQ(Roda("importa --sem-repetir --desde-linha 4 " + sCsv), 0U);
+  EXPECT_TRUE(Contem(m_sSaida, "Gravados: 2  Recusados: 0  Repetidos: 1")) << m_sSaida;
+  EXPECT_EQ(Codigos(m_empresa), "A     ");
+}
+
+// Ended by its user it is in tests/com/interrupcao.
+TEST_F(VeiculosCom, ImportacaoSemServidorDizOndeSeContinua) {
+  std::string sCsv = "codigo\n";
+  std::string sEsperados;
+  for (int i = 1; i <= 9; ++i) {
+    sCsv += "V" + std::to_string(i) + "\n";
+    sEsperados += "V" + std::to_string(i) + " ";
+  }
+  const std::string sArquivo = Arquivo(sCsv);
+  ASSERT_GE(EsperaServidorTerminar(), 0);
+  apoio::ProcessoFilho servidor("serve_ate_a_gravacao", {"5"});
+  ASSERT_EQ(servidor.LeLinha(), "pronto");
+  EXPECT_EQ(Roda("importa " + sArquivo), 5U) << m_sSaida;
+  EXPECT_EQ(servidor.Espera(), 0);
+  EXPECT_TRUE(Contem(m_sSaida, "Gravados: 4 ")) << m_sSaida;
+  EXPECT_TRUE(Contem(m_sSaida, "linha 6 pode j\xE1 estar na base")) << m_sSaida;
+  EXPECT_TRUE(Contem(m_sSaida, "gravada: 5. Para continuar: --desde-linha 6\n")) << m_sSaida;
+  EXPECT_EQ(Roda("importa --sem-repetir --desde-linha 6 " + sArquivo), 0U) << m_sSaida;
+  EXPECT_EQ(Codigos(m_empresa), sEsperados);
+}
+
+// The wrapper that clients compile: what it refuses itself, and what it leaves in outputs of calls that fail.
+TEST(ClienteCom, RecusaAntesDaChamadaEEsvaziaSaidas) {
+  const Empresa empresa;
+  CQZVeiculosHR veiculos;
+  unsigned uiQtd = 9;
+  EXPECT_EQ(veiculos.GetQuantidadeRegistros(uiQtd), E_POINTER);
+  EXPECT_EQ(uiQtd, 0U);
+  ASSERT_EQ(veiculos.Cria(), S_OK);
+  std::vector<LONG> posicoes{7};
+  EXPECT_TRUE(FAILED(veiculos.BuscaPonteiros({}, posicoes)));
+  EXPECT_TRUE(posicoes.empty());
+  EXPECT_EQ(veiculos.Inicializa(std::string_view("A\0B", 3), 1, 1), E_INVALIDARG);
+  ASSERT_EQ(veiculos.Inicializa(empresa.Codigo(), 1, 1), S_OK);
+
+  LONG lPos = 0;
+  ASSERT_EQ(veiculos.Grava(lPos, Veiculo("ABCDEFGHIJKLM")), S_OK);
+  tagREG_VEICULOPS veiculo{};
+  EXPECT_EQ(veiculos.Existe("ABCDEFGHIJKLM", lPos, veiculo), S_OK);
+  EXPECT_EQ(lPos, 1);
+  EXPECT_EQ(veiculos.Existe("ABCDEFGHIJKLMN", lPos, veiculo), E_INVALIDARG);
+  EXPECT_EQ(lPos, 0);
+  veiculo = Veiculo("RESTO");
+  EXPECT_EQ(Bits(veiculos.Le(2, veiculo)), 0x810809DAU);
+  EXPECT_EQ(CodigoDe(veiculo), "");
+  try {
+    const CQZVeiculos excecoes("", 1, 1);
+    ADD_FAILURE();
+  } catch (const CQZErroVeiculos &erro) {
+    EXPECT_EQ(Bits(erro.GetHR()), 0x810809CFU);
+  }
+}

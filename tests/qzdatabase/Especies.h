@@ -64,7 +64,7 @@ public:
     std::uint64_t uiQtd = 0;
     const HRESULT hr = m_file.GetQuantidade(&uiQtd);
     const auto junta = [psDados](std::uint64_t, const RegTeste &reg) {
-      psDados->append(reinterpret_cast<const char *>(&reg), sizeof(reg));
+      *psDados += Bytes(reg);
       return true;
     };
     return Falhou(hr) ? hr : m_file.Percorre(1, uiQtd, junta);
@@ -114,7 +114,7 @@ public:
   HRESULT Le(std::string *psDados) override {
     RegTeste reg{};
     const HRESULT hr = m_file.Le(&reg);
-    psDados->assign(reinterpret_cast<const char *>(&reg), Falhou(hr) ? 0 : sizeof(reg));
+    *psDados = Falhou(hr) ? "" : Bytes(reg);
     return hr == codigos::kArquivoNaoAberto ? codigos::kOk : hr;
   }
   HRESULT Muda(std::uint32_t n) override { return m_file.Grava(Registro(n)); }

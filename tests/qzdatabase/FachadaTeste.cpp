@@ -1,7 +1,5 @@
 // Shared databases: who shares, who counts, who closes.
 
-#include <thread>
-
 #include "core/conx/QZBaseParaRotinas.h"
 #include "core/qzdatabase/banco/QZDataBaseFacade.h"
 #include "tests/qzdatabase/BancoTeste.h"
@@ -110,27 +108,6 @@ TEST_F(Fachada, EmpresasDeMesmoCrcSaoDuas) {
   EXPECT_TRUE(container.Possui(sUma));
   EXPECT_FALSE(container.Possui(sOutra));
   EXPECT_EQ(container.Finaliza(&pBanco), codigos::kOk);
-}
-
-TEST_F(Fachada, MuitasThreadsEntramESaem) {
-  m_empresa.Escreve("TESTE.DAT", Bytes(1, 5));
-  std::vector<std::thread> threads;
-  std::atomic<int> falhas{0};
-  for (int t = 0; t < 4; ++t) {
-    threads.emplace_back([&] {
-      for (int i = 0; i < 50; ++i) {
-        Rotina rotina;
-        RegTeste reg;
-        falhas +=
-            Falhou(rotina.Inicializa(m_empresa.Codigo(), 1, 1)) || Falhou(rotina.Banco()->m_Registros.Le(5, &reg));
-      }
-    });
-  }
-  for (std::thread &thread : threads) {
-    thread.join();
-  }
-  EXPECT_EQ(falhas, 0);
-  EXPECT_TRUE(ArquivoLivre());
 }
 
 TEST_F(Fachada, ArquivosSobrevivemAoBanco) {

@@ -11,6 +11,7 @@
 
 #include "core/qzdatabase/arquivo/QZFile.h"
 #include "core/qzdatabase/arquivo/QZFileSingleReg.h"
+#include "core/qzdatabase/arquivo/QZTextFile.h"
 #include "core/qzdatabase/banco/QZDataBase.h"
 #include "core/qzdatabase/banco/QZDataBaseFacade.h"
 #include "tests/apoio/ColetorRastro.h"
@@ -66,6 +67,14 @@ inline CArray<RegTeste> Colecao(std::uint32_t primeiro, std::uint32_t ultimo) {
   return aRegistros;
 }
 
+inline CStringArray Colecao(const std::vector<std::string> &textos) {
+  CStringArray aTextos;
+  for (const std::string &texto : textos) {
+    aTextos.Add(texto);
+  }
+  return aTextos;
+}
+
 /// Number of records of a file that can be had.
 template <typename T>
 std::uint64_t Quantidade(CQZFile<T> &arquivo) {
@@ -82,12 +91,13 @@ public:
   using CQZFile::Secao;
 };
 
-/// A database with one typed file and one single-record file.
+/// A database with a file of each kind.
 class BancoTeste : public CQZDataBase {
 public:
   BancoTeste() : CQZDataBase(QZ_DF, plataforma::NivelTrava::ArquivoDados) {}
   ~BancoTeste() override { FinalizaNoDestrutor(); }
 
+  CQZTextFile m_Texto{"TEXTO.DAT", this};
   ArquivoComTravas m_Registros{"TESTE.DAT", this};
   CQZFileSingleReg<RegTeste> m_Unico{"UNICO.DAT", this};
 };
@@ -110,6 +120,7 @@ protected:
   HRESULT Grava(std::uint64_t uiPosicao, const RegTeste &reg) { return Arquivo().Grava(uiPosicao, reg); }
   CQZFile<RegTeste> &Arquivo() { return m_banco.m_Registros; }
   CQZFileSingleReg<RegTeste> &Unico() { return m_banco.m_Unico; }
+  CQZTextFile &Texto() { return m_banco.m_Texto; }
 
   BancoTeste m_banco;
 };

@@ -5,7 +5,6 @@
 
 #include "core/conx/DadosInstalacao.h"
 #include "core/platform/TravaEntreProcessos.h"
-#include "core/qzdatabase/arquivo/QZTextFile.h"
 #include "core/qzdatabase/banco/QZDataBaseUtil.h"
 #include "core/qzdatabase/disco/NomeTrava.h"
 #include "tests/apoio/ChaveCabecalho.h"

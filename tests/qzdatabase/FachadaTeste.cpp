@@ -58,20 +58,16 @@ TEST_F(Fachada, FalhaNoFimEContada) {
 }
 
 TEST_F(Fachada, FalhaNaoDeixaBancoNemArquivoAberto) {
-  const struct {
-    const char *nome;
-    std::string conteudo;
-    HRESULT hr;
-  } ruins[] = {{"TESTE.DAT", "no whole record", codigos::kTamanhoNaoMultiplo},
-               {"UNICO.DAT", "bad", codigos::kTamanhoDiferente}};
+  const std::tuple<const char *, const char *, HRESULT> ruins[] = {
+      {"TESTE.DAT", "no whole record", codigos::kTamanhoNaoMultiplo}, {"UNICO.DAT", "bad", codigos::kTamanhoDiferente}};
   Rotina a;
-  for (const auto &ruim : ruins) {
-    m_empresa.Escreve(ruim.nome, ruim.conteudo);
-    EXPECT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), ruim.hr);
+  for (const auto &[lpNome, lpConteudo, hr] : ruins) {
+    m_empresa.Escreve(lpNome, lpConteudo);
+    EXPECT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), hr);
     EXPECT_FALSE(a.QZDataBaseEstaInicializado());
     EXPECT_EQ(a.Banco(), nullptr);
     EXPECT_TRUE(ArquivoLivre());
-    m_empresa.Escreve(ruim.nome, Bytes(1, 1));
+    m_empresa.Escreve(lpNome, Bytes(1, 1));
   }
   EXPECT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kOk);
 }

@@ -18,27 +18,23 @@ protected:
 
 /// Beside a companion that an interrupted run has left, which is the only copy where there is no file.
 TEST_F(Utilitarios, RemoveRegistroZero) {
-  const struct {
-    Conteudo antes;
-    Conteudo companheiro;
-    HRESULT hr;
-    Conteudo depois;
-  } casos[] = {{Bytes(1, 3), {}, codigos::kOk, Bytes(2, 3)},
-               {Bytes(1, 2), {}, codigos::kOk, Bytes(2, 2)},
-               {Bytes(1, 1), {}, codigos::kOk, {}},
-               {{}, {}, codigos::kOk, {}},
-               {Bytes(1, 3), Bytes(8, 8), codigos::kOk, Bytes(2, 3)},
-               {Bytes(1, 3), "torn", codigos::kOk, Bytes(2, 3)},
-               {Bytes(1, 1), Bytes(8, 8), codigos::kOk, {}},
-               {{}, Bytes(1, 2), codigos::kOk, Bytes(1, 2)},
-               {{}, "torn", codigos::kTamanhoNaoMultiplo, {}}};
-  for (const auto &caso : casos) {
-    SCOPED_TRACE(&caso - casos);
-    Poe("DADOS.DAT", caso.antes);
-    Poe("DADOS.TRA", caso.companheiro);
-    EXPECT_EQ(Remove("DADOS.DAT"), caso.hr);
-    EXPECT_EQ(Resta("DADOS.DAT"), caso.depois);
-    EXPECT_EQ(Resta("DADOS.TRA"), Falhou(caso.hr) ? caso.companheiro : Conteudo());
+  const std::tuple<Conteudo, Conteudo, HRESULT, Conteudo> casos[] = {
+      {Bytes(1, 3), {}, codigos::kOk, Bytes(2, 3)},
+      {Bytes(1, 2), {}, codigos::kOk, Bytes(2, 2)},
+      {Bytes(1, 1), {}, codigos::kOk, {}},
+      {{}, {}, codigos::kOk, {}},
+      {Bytes(1, 3), Bytes(8, 8), codigos::kOk, Bytes(2, 3)},
+      {Bytes(1, 3), "torn", codigos::kOk, Bytes(2, 3)},
+      {Bytes(1, 1), Bytes(8, 8), codigos::kOk, {}},
+      {{}, Bytes(1, 2), codigos::kOk, Bytes(1, 2)},
+      {{}, "torn", codigos::kTamanhoNaoMultiplo, {}}};
+  for (const auto &[antes, companheiro, hr, depois] : casos) {
+    SCOPED_TRACE(antes.value_or("no file") + ", " + companheiro.value_or("no companion"));
+    Poe("DADOS.DAT", antes);
+    Poe("DADOS.TRA", companheiro);
+    EXPECT_EQ(Remove("DADOS.DAT"), hr);
+    EXPECT_EQ(Resta("DADOS.DAT"), depois);
+    EXPECT_EQ(Resta("DADOS.TRA"), Falhou(hr) ? companheiro : Conteudo());
   }
 }
 

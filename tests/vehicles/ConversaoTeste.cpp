@@ -182,19 +182,15 @@ TEST_F(Conversao, TrocaQueFalha) {
   EXPECT_FALSE(m_empresa.Existe("DFVEIC.TRA"));
   EXPECT_FALSE(m_empresa.Existe(kDiario));
 
-  class RespostaPerdida final : public apoio::ArquivosDecorado {
-  public:
-    using ArquivosDecorado::ArquivosDecorado;
-    plataforma::FalhaArquivo MoveSubstituindo(const CString &origem, const CString &destino) override {
-      const plataforma::FalhaArquivo falha = ArquivosDecorado::MoveSubstituindo(origem, destino);
-      const bool bBase = destino.find("DFVEIC.DAT") != CString::npos;
-      return falha || !bBase ? falha : plataforma::FalhaWin32(64);
-    }
-  } perdida(m_falhas);
-  {
-    const apoio::ServicosTrocados servicos(&perdida);
-    EXPECT_EQ(Abre(), codigos::kTraNaoRenomeado);
-  }
+  apoio::PlanoFalha respostaPerdida = Plano(apoio::kOpMove, "DFVEIC.DAT", 64, false);
+  respostaPerdida.aoFalhar = [this] {
+    const CString sCompanheiro = m_empresa.Caminho("DFVEIC.TRA");
+    EXPECT_FALSE(
+        plataforma::ServicosDoSistema().arquivos->MoveSubstituindo(sCompanheiro, m_empresa.Caminho("DFVEIC.DAT")));
+  };
+  m_falhas.Arma(respostaPerdida);
+  EXPECT_EQ(Abre(), codigos::kTraNaoRenomeado);
+  m_falhas.Desarma();
   EXPECT_EQ(Abre(), codigos::kOk);
   EXPECT_EQ(LeBase(), Base("ab"));
 }

@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "core/qzdatabase/disco/CabecalhoArquivo.h"
@@ -14,15 +15,18 @@
 
 namespace apoio {
 
+/// The bytes that a value has in memory.
+template <typename T>
+requires std::is_trivially_copyable_v<T> std::string Bytes(const T &valor) {
+  return std::string(reinterpret_cast<const char *>(&valor), sizeof(T));
+}
+
 /// The bytes of a whole data file with this content: behind a header where headers are on.
 inline std::string NoDisco(const CString &nome, const std::string &dados) {
   if (!CabecalhosLigados() || nome.ends_with("TRA")) {
     return dados;
   }
-  const RegVersaoArquivo versao = MontaRegVersao();
-  const RegCabecalhoArquivo cabecalho = MontaRegCabecalho(0, nome, CalculaCrc64(dados.data(), dados.size()));
-  return std::string(reinterpret_cast<const char *>(&versao), sizeof(versao)) +
-         std::string(reinterpret_cast<const char *>(&cabecalho), sizeof(cabecalho)) + dados;
+  return Bytes(MontaRegVersao()) + Bytes(MontaRegCabecalho(0, nome, CalculaCrc64(dados.data(), dados.size()))) + dados;
 }
 
 /// The content of a text file with these lines.

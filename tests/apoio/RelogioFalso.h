@@ -26,7 +26,7 @@ public:
     }
   }
 
-  std::uint32_t Ticks() override { return m_ticks; }
+  std::uint32_t Ticks() override { return m_ticks += m_passo; }
   plataforma::CamposData HoraLocal() override { return m_horaLocal; }
   bool LocalParaUtc(std::uint64_t local, std::uint64_t *utc, std::uint32_t *erroSO) override {
     *erroSO = 87;
@@ -36,6 +36,7 @@ public:
 
   /// What the clock shows; to be set while no other thread uses it.
   std::uint32_t m_ticks = 1000;
+  std::uint32_t m_passo = 0;  ///< between two looks at the clock
   plataforma::CamposData m_horaLocal{2025, 11, 5, 21, 9, 5, 7, 42};
   std::uint64_t m_deslocamentoUtc = std::uint64_t{3} * 3600 * 10000000;
   bool m_bLocalParaUtc = true;

@@ -4,25 +4,6 @@
 
 namespace {
 
-using plataforma::FalhaArquivo;
-using plataforma::IArquivoAberto;
-using plataforma::ModoAbertura;
-
-/// Fails so many times to open a log file, then opens it.
-class Ocupado final : public apoio::ArquivosDecorado {
-public:
-  using ArquivosDecorado::ArquivosDecorado;
-  int m_falhas = 0;
-  std::uint32_t m_erro = 0;
-  int m_vistas = 0;
-
-  FalhaArquivo Abre(const CString &caminho, const ModoAbertura &modo,
-                    std::unique_ptr<IArquivoAberto> *arquivo) override {
-    ++m_vistas;
-    return m_vistas <= m_falhas ? plataforma::FalhaWin32(m_erro) : ArquivosDecorado::Abre(caminho, modo, arquivo);
-  }
-};
-
 class EscritorLog : public LogTeste {
 protected:
   void Grava(const CString &linha) { GravaLinhaLog("c\t", linha, TipoRegistro::Erro, &m_profiler); }
@@ -30,27 +11,20 @@ protected:
 };
 
 TEST_F(EscritorLog, TentativasPorCausa) {
-  const struct {
-    std::uint32_t erro;
-    int falhas;
-    int tentativas;
-    bool bGrava;
-  } casos[] = {
-      {32, 18, 19, true}, {32, 19, 19, false},   {5, 99, 19, false},  {33, 99, 19, false}, {4, 99, 19, false},
-      {2, 99, 1, false},  {112, 99, 19, false},  {3, 99, 1, false},   {6, 99, 1, false},   {1117, 99, 1, false},
-      {23, 99, 1, false}, {1450, 99, 19, false}, {123, 99, 1, false},
-  };
-  for (const auto &caso : casos) {
-    SCOPED_TRACE(caso.erro);
-    Ocupado ocupado(plataforma::ArquivosDoSistema());
-    ocupado.m_falhas = caso.falhas;
-    ocupado.m_erro = caso.erro;
-    const apoio::ServicosTrocados servicos(&ocupado);
-    const std::size_t antes = ErrosDaEmpresa().size();
+  apoio::PlanoFalha plano{.operacoes = apoio::kOpAbre, .trecho = kArquivoErros, .bPersistente = true};
+  const std::pair<std::uint32_t, std::size_t> casos[] = {{32, 19}, {5, 19}, {33, 19},  {4, 19}, {2, 1},     {112, 19},
+                                                         {3, 1},   {6, 1},  {1117, 1}, {23, 1}, {1450, 19}, {123, 1}};
+  for (const auto &[erro, tentativas] : casos) {
+    plano.falha = plataforma::FalhaWin32(erro);
+    m_falhas.Arma(plano);
     Grava("x");
-    EXPECT_EQ(ocupado.m_vistas, caso.tentativas);
-    EXPECT_EQ(ErrosDaEmpresa().size() > antes, caso.bGrava);
+    EXPECT_EQ(m_falhas.Vistas(), tentativas) << erro;
   }
+  plano.falha = plataforma::FalhaWin32(32);
+  plano.aoFalhar = [this] { m_falhas.Disparos() == 18 ? m_falhas.Desarma() : void(); };
+  m_falhas.Arma(plano);
+  Grava("the last attempt");
+  EXPECT_EQ(ErrosDaEmpresa(), (std::vector<std::string>{kCabecalhoErrosEsperado, "c|the last attempt"}));
 }
 
 TEST_F(EscritorLog, OutroAbertoPerdeALinhaELeitorNao) {
@@ -77,22 +51,15 @@ TEST_F(EscritorLog, CabecalhoSoDeQuemCria) {
 
 TEST_F(EscritorLog, DoisQueNaoAcharamOArquivo) {
   // Another process creates the file between this one's look and its opening.
-  class Intrometido final : public apoio::ArquivosDecorado {
-  public:
-    using ArquivosDecorado::ArquivosDecorado;
-    FalhaArquivo Existe(const CString &caminho, bool *existe) override {
-      const FalhaArquivo falha = ArquivosDecorado::Existe(caminho, existe);
-      apoio::EscreveArquivo(caminho, "outro\r\n");
-      return falha;
-    }
-  } intrometido(plataforma::ArquivosDoSistema());
-  const apoio::ServicosTrocados servicos(&intrometido);
+  m_falhas.Arma({.operacoes = apoio::kOpAbre, .trecho = kArquivoErros, .falha = {}, .aoFalhar = [this] {
+                   apoio::EscreveArquivo(m_caminho, "outro\r\n");
+                 }});
   Grava("um");
   EXPECT_EQ(ErrosDaEmpresa(), (std::vector<std::string>{"outro", "c|um"}));
 }
 
 TEST_F(EscritorLog, LinhasInteirasEmQualquerFalha) {
-  const FalhaArquivo kDiscoCheio = plataforma::FalhaWin32(112);
+  const apoio::FalhaArquivo kDiscoCheio = plataforma::FalhaWin32(112);
   for (const bool bNovo : {true, false}) {
     for (const std::size_t gravaAntes : {0U, 5U, 279U}) {  // 279: the header and a part of the line
       bool bDisparou = true;

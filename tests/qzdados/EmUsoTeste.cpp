@@ -7,6 +7,7 @@
 #include "qzdados/ArquivoEmExame.h"
 #include "tests/apoio/EmpresaTeste.h"
 #include "tests/apoio/ProcessoFilho.h"
+#include "tests/apoio/RelogioFalso.h"
 #include "tests/apoio/ServicosTrocados.h"
 #include "tests/qzdados/ApoioQzdados.h"
 
@@ -54,27 +55,6 @@ TEST(EmUso, OQueOutroProcessoSeguraEDito) {
   EXPECT_EQ(Rodada({"verifica", sArquivo}).iCodigo, 1);
 }
 
-/// A clock on which every reading takes longer than the file may be held at a time.
-class RelogioLento final : public IRelogio {
-public:
-  explicit RelogioLento(std::function<void()> aoEsperar) : m_aoEsperar(std::move(aoEsperar)) {}
-
-  void Espera(std::uint32_t uiMilissegundos) override {
-    if (uiMilissegundos == CArquivoEmExame::kPausaMs) {
-      m_aoEsperar();
-    }
-  }
-  std::uint32_t Ticks() override { return m_uiTicks += CArquivoEmExame::kVezMs; }
-  CamposData HoraLocal() override { return {}; }
-  bool LocalParaUtc(std::uint64_t /*local*/, std::uint64_t * /*utc*/, std::uint32_t * /*erroSO*/) override {
-    return false;
-  }
-
-private:
-  std::function<void()> m_aoEsperar;
-  std::uint32_t m_uiTicks = 0;
-};
-
 TEST(EmUso, NaPausaOutroPodeAbrirENadaMudaSemQueSeDiga) {
   const std::string sBytes(std::size_t{1024} * 1024, 'A');
   std::unique_ptr<IArquivoAberto> preso;
@@ -97,10 +77,13 @@ TEST(EmUso, NaPausaOutroPodeAbrirENadaMudaSemQueSeDiga) {
     const std::string sArquivo = empresa.Caminho("DFVEIC.DAT");
     empresa.Escreve("DFVEIC.DAT", sBytes);
     iPausas = 0;
-    RelogioLento relogio([&] {
-      ++iPausas;
-      caso.naPausa(sArquivo);
+    apoio::RelogioFalso relogio([&](std::uint32_t uiMilissegundos) {
+      if (uiMilissegundos == CArquivoEmExame::kPausaMs) {
+        ++iPausas;
+        caso.naPausa(sArquivo);
+      }
     });
+    relogio.m_passo = CArquivoEmExame::kVezMs;  // every reading takes longer than the file may be held at a time
     const apoio::ServicosTrocados servicos(nullptr, nullptr, &relogio);
     const Rodada rodada({"verifica", sArquivo});
     preso.reset();

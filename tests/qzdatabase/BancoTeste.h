@@ -6,23 +6,20 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "core/platform/Plataforma.h"
 #include "core/qzdatabase/arquivo/QZFile.h"
 #include "core/qzdatabase/arquivo/QZFileSingleReg.h"
+#include "core/qzdatabase/arquivo/QZTextFile.h"
 #include "core/qzdatabase/banco/QZDataBase.h"
 #include "core/qzdatabase/banco/QZDataBaseFacade.h"
-#include "tests/apoio/ArquivosDecorado.h"
 #include "tests/apoio/ColetorRastro.h"
-#include "tests/apoio/EmpresaComBase.h"
-#include "tests/apoio/RelogioFalso.h"
+#include "tests/apoio/ComEmpresa.h"
 #include "tests/apoio/SerieFalhas.h"
-#include "tests/apoio/ServicosTrocados.h"
 
+using apoio::Bytes;
+using apoio::ComEmpresa;
 using apoio::Linhas;
 using apoio::NoDisco;
 
@@ -57,8 +54,7 @@ inline RegTeste Registro(std::uint32_t uiNumero, const char *texto = "") {
 inline std::string Bytes(std::uint32_t primeiro, std::uint32_t ultimo) {
   std::string bytes;
   for (std::uint32_t n = primeiro; n <= ultimo; ++n) {
-    const RegTeste reg = Registro(n);
-    bytes.append(reinterpret_cast<const char *>(&reg), sizeof(reg));
+    bytes += Bytes(Registro(n));
   }
   return bytes;
 }
@@ -69,6 +65,14 @@ inline CArray<RegTeste> Colecao(std::uint32_t primeiro, std::uint32_t ultimo) {
     aRegistros.Add(Registro(n));
   }
   return aRegistros;
+}
+
+inline CStringArray Colecao(const std::vector<std::string> &textos) {
+  CStringArray aTextos;
+  for (const std::string &texto : textos) {
+    aTextos.Add(texto);
+  }
+  return aTextos;
 }
 
 /// Number of records of a file that can be had.
@@ -87,12 +91,13 @@ public:
   using CQZFile::Secao;
 };
 
-/// A database with one typed file and one single-record file.
+/// A database with a file of each kind.
 class BancoTeste : public CQZDataBase {
 public:
   BancoTeste() : CQZDataBase(QZ_DF, plataforma::NivelTrava::ArquivoDados) {}
   ~BancoTeste() override { FinalizaNoDestrutor(); }
 
+  CQZTextFile m_Texto{"TEXTO.DAT", this};
   ArquivoComTravas m_Registros{"TESTE.DAT", this};
   CQZFileSingleReg<RegTeste> m_Unico{"UNICO.DAT", this};
 };
@@ -100,46 +105,6 @@ public:
 template <>
 struct NomeTipoBanco<BancoTeste> {
   static constexpr char kNome[] = "class BancoTeste";
-};
-
-/// A company, a clock that does not wait and a file system that can be told to fail.
-class ComEmpresa : public ::testing::Test {
-protected:
-  /// All bytes of a file, which may be open; nothing when it is not there.
-  std::optional<std::string> Inteiro(const CString &nome) { return m_falhas.Conteudo(m_empresa.Caminho(nome)); }
-  /// Has the disk hold a data file with this content, or none, without the help of what is tested.
-  void Poe(const CString &nome, const std::optional<std::string> &dados) {
-    if (dados) {
-      m_empresa.Escreve(nome, NoDisco(nome, *dados));
-    } else {
-      static_cast<void>(plataforma::ServicosDoSistema().arquivos->Apaga(m_empresa.Caminho(nome)));
-    }
-  }
-  /// `acao` runs right before the N-th opening of a file: another program that comes in between.
-  apoio::PlanoFalha AntesDeAbrir(const CString &nome, std::function<void()> acao, std::size_t enesima = 1) {
-    return {.operacoes = apoio::kOpAbre,
-            .trecho = m_empresa.Caminho(nome),
-            .enesima = enesima,
-            .falha = {},
-            .aoFalhar = std::move(acao)};
-  }
-
-  static apoio::PlanoFalha Plano(unsigned operacoes, const CString &trecho, std::uint32_t erro,
-                                 bool bPersistente = true, std::size_t gravaAntes = 7) {
-    return {.operacoes = operacoes,
-            .trecho = trecho,
-            .bPersistente = bPersistente,
-            .falha = plataforma::FalhaWin32(erro),
-            .gravaAntes = gravaAntes};
-  }
-  void Falha(unsigned operacoes, const CString &trecho, std::uint32_t erro, bool bPersistente = true) {
-    m_falhas.Arma(Plano(operacoes, trecho, erro, bPersistente));
-  }
-
-  apoio::EmpresaComBase m_empresa;
-  apoio::RelogioFalso m_relogio;
-  apoio::ArquivosComFalha m_falhas{*plataforma::ServicosDoSistema().arquivos};
-  apoio::ServicosTrocados m_servicos{&m_falhas, nullptr, &m_relogio};
 };
 
 /// With a database.
@@ -151,8 +116,11 @@ protected:
     EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
     return m_empresa.Le(nome);
   }
+  /// Position 0 appends.
+  HRESULT Grava(std::uint64_t uiPosicao, const RegTeste &reg) { return Arquivo().Grava(uiPosicao, reg); }
   CQZFile<RegTeste> &Arquivo() { return m_banco.m_Registros; }
   CQZFileSingleReg<RegTeste> &Unico() { return m_banco.m_Unico; }
+  CQZTextFile &Texto() { return m_banco.m_Texto; }
 
   BancoTeste m_banco;
 };

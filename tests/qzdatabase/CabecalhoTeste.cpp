@@ -5,27 +5,12 @@
 
 #include "core/conx/DadosInstalacao.h"
 #include "core/platform/TravaEntreProcessos.h"
-#include "core/qzdatabase/arquivo/QZTextFile.h"
 #include "core/qzdatabase/banco/QZDataBaseUtil.h"
 #include "core/qzdatabase/disco/NomeTrava.h"
 #include "tests/apoio/ChaveCabecalho.h"
 #include "tests/qzdatabase/BancoTeste.h"
 
 namespace {
-
-std::string DeHexa(const char *hexa) {
-  std::string bytes;
-  for (unsigned valor = 0; *hexa != '\0'; ++hexa) {
-    if (*hexa != ' ') {
-      valor = valor << 4 | static_cast<unsigned>(*hexa <= '9' ? *hexa - '0' : *hexa - 'A' + 10);
-      if (hexa[1] == ' ' || hexa[1] == '\0') {
-        bytes.push_back(static_cast<char>(valor));
-        valor = 0;
-      }
-    }
-  }
-  return bytes;
-}
 
 class Cabecalho : public ComBanco {
 protected:
@@ -42,24 +27,20 @@ protected:
 };
 
 TEST_F(Cabecalho, BytesConhecidos) {
-  const CQZProfilerEmpresa dono = m_empresa.Dono();
-  const std::string sVersao = DeHexa("01 00 00 00 00 00 00 00 0D F1 D0 5C 92 79 E9 54 36 64 84 38 58 81 E7 53");
+  const std::string sVersao = Bytes(std::uint64_t{1}) + Bytes(0x54E979925CD0F10DU) + Bytes(0x53E7815838846436U);
+  const std::string sVersaoDaBase = Bytes(std::uint64_t{1}) + Bytes(std::uint64_t{0});
   const struct {
-    const char *nome;
-    std::string dados;
-    const char *codigo;
-    const char *fim;  ///< the two checks at the end of the header
+    std::string nome;
     std::uint32_t uiCodigo;
+    std::uint64_t uiCrcDados;
+    std::uint64_t uiCrcCabecalho;
+    std::string dados;
   } casos[] = {
-      {"DFVEIC.DAT", "", "00 00 00 00", "00 00 00 00 00 00 00 00 5D 38 C7 AE 0E 3F 39 9F", 0},
-      {"DFVEIVS.DAT", std::string(1, 1) + std::string(15, 0), "00 00 00 00",
-       "E4 3A 39 CA 97 D4 5D E0 4F 97 F4 6C 47 20 40 50", 0},
-      {"DFVEIVS.DAT", std::string(1, 1) + std::string(15, 0), "4E 61 BC 00",
-       "E4 3A 39 CA 97 D4 5D E0 EC 2F AC 54 6F 75 EE 6E", 12345678},
-      {"QZDATABASE_FILE_CTRL.DAT", DeHexa("0A 00 00 00") + "DFVEIC.DAT", "00 00 00 00",
-       "43 61 E3 53 E2 B8 01 46 A2 DB 20 C7 28 7D 24 33", 0},
-      {"NOME_COM_MAIS_DE_40_LETRAS_NAO_CABE_INTEIRO.DAT", "", "00 00 00 00",
-       "00 00 00 00 00 00 00 00 CC 9F 9B 87 88 24 2A EF", 0},
+      {"DFVEIC.DAT", 0, 0, 0x9F393F0EAEC7385D, ""},
+      {"DFVEIVS.DAT", 0, 0xE05DD497CA393AE4, 0x504020476CF4974F, sVersaoDaBase},
+      {"DFVEIVS.DAT", 12345678, 0xE05DD497CA393AE4, 0x6EEE756F54AC2FEC, sVersaoDaBase},
+      {"QZDATABASE_FILE_CTRL.DAT", 0, 0x4601B8E253E36143, 0x33247D28C720DBA2, Linhas({"DFVEIC.DAT"})},
+      {"NOME_COM_MAIS_DE_40_LETRAS_NAO_CABE_INTEIRO.DAT", 0, 0, 0xEF2A2488879B9FCC, ""},
   };
   static std::uint32_t s_uiCodigo;
   DefineLeitorDadosInstalacao([](const CQZBaseParaRotinas &, CQZDadosInstalacao *pDados) -> HRESULT {
@@ -72,12 +53,12 @@ TEST_F(Cabecalho, BytesConhecidos) {
     m_empresa.Escreve(caso.nome, caso.dados);
     CQZDataBase qzDB(QZ_DF);
     CQZTextFile qzFile(caso.nome, &qzDB);  // opening gives the header, whatever the file holds
-    EXPECT_EQ(qzDB.Inicializa(dono), codigos::kOk);
+    EXPECT_EQ(qzDB.Inicializa(m_empresa.Dono()), codigos::kOk);
     EXPECT_EQ(qzDB.Finaliza(), codigos::kOk);
     std::string sNome = caso.nome;
     sNome.resize(40);
-    EXPECT_EQ(Inteiro(caso.nome), sVersao + DeHexa(caso.codigo) + std::string(2, 0) + sNome + std::string(6, 0) +
-                                      DeHexa(caso.fim) + caso.dados);
+    EXPECT_EQ(Inteiro(caso.nome), sVersao + Bytes(caso.uiCodigo) + std::string(2, 0) + sNome + std::string(6, 0) +
+                                      Bytes(caso.uiCrcDados) + Bytes(caso.uiCrcCabecalho) + caso.dados);
   }
   DefineLeitorDadosInstalacao(nullptr);
 }
@@ -107,8 +88,7 @@ TEST_F(Cabecalho, DanoERecusadoEPassa) {
   versao2.iVersao = 2;
   versao2.uiCrcVersao = CalculaCrc64(&versao2, 2);
   versao2.uiCrcCrcVersao = CalculaCrc64(reinterpret_cast<const char *>(&versao2) + 8, 8);
-  casos.emplace_back(std::string(reinterpret_cast<const char *>(&versao2), sizeof(versao2)) + sBom.substr(24),
-                     codigos::kCabecalhoVersaoDesconhecida);
+  casos.emplace_back(Bytes(versao2) + sBom.substr(24), codigos::kCabecalhoVersaoDesconhecida);
   casos.emplace_back(NoDisco("TESTE.DATX", Bytes(1, 4)), codigos::kCabecalhoDeOutroArquivo);
   for (std::size_t i = 0; i < casos.size(); ++i) {
     SCOPED_TRACE(i);
@@ -130,17 +110,16 @@ TEST_F(Cabecalho, DanoERecusadoEPassa) {
 
 /// The switch holds from one initialisation to the next: no record moves while it changes.
 TEST_F(Cabecalho, ChaveMudaDuranteEEntreAberturas) {
-  std::uint64_t uiPosicao = 0;
   m_chave.Define(false);
   m_empresa.Escreve("TESTE.DAT", Bytes(1, 3));
   ASSERT_EQ(Abre(), codigos::kOk);
   m_chave.Define(true);
-  EXPECT_EQ(Arquivo().Grava(uiPosicao, Registro(4)), codigos::kOk);
+  EXPECT_EQ(Grava(0, Registro(4)), codigos::kOk);
   EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
   EXPECT_EQ(Inteiro(), Bytes(1, 4)) << "opened without";
   ASSERT_EQ(Abre(), codigos::kOk);
   m_chave.Define(false);
-  EXPECT_EQ(Arquivo().Grava(uiPosicao, Registro(9)), codigos::kOk);
+  EXPECT_EQ(Grava(4, Registro(9)), codigos::kOk);
   EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
   EXPECT_EQ(AbreUmaVez(), codigos::kTamanhoNaoMultiplo) << "off: 92 bytes too many";
   m_chave.Define(true);
@@ -187,30 +166,25 @@ TEST_F(Cabecalho, FalhaEmCadaOperacaoDaAbertura) {
 /// file then, or before it is opened again.
 TEST_F(Cabecalho, OutroProgramaNaTrocaPeloNovo) {
   const std::string alheio = NoDisco("TESTE.DAT", Bytes(5, 8));
+  const std::string novo = NoDisco("TESTE.DAT", Bytes(1, 4));
+  const auto escreve = [&] { m_empresa.Escreve("TESTE.DAT", alheio); };
+  const auto segura = [&] { m_falhas.ArmaTambem(Plano(apoio::kOpAbre, "", 32, false)); };
   const struct {
     const char *nome;
     unsigned onde;
-    std::size_t enesima;
     std::function<void()> acao;
     HRESULT hr;
     std::string depois;
   } casos[] = {
-      {"nothing", apoio::kOpMove, 1, [] {}, codigos::kOk, NoDisco("TESTE.DAT", Bytes(1, 4))},
-      {"write", apoio::kOpMove, 1, [&] { m_empresa.Escreve("TESTE.DAT", alheio); }, codigos::kTraNaoRenomeado, alheio},
-      {"copy taken away", apoio::kOpMove, 1, [&] { Poe("TESTE.TRA", {}); }, codigos::kTraNaoRenomeado, Bytes(1, 4)},
-      {"write after the move", apoio::kOpAbre, 2, [&] { m_empresa.Escreve("TESTE.DAT", alheio); }, codigos::kOk,
-       alheio},
-      {"damage after the move", apoio::kOpAbre, 2, [&] { m_empresa.Escreve("TESTE.DAT", alheio + "x"); },
+      {"nothing", apoio::kOpMove, [] {}, codigos::kOk, novo},
+      {"write", apoio::kOpMove, escreve, codigos::kTraNaoRenomeado, alheio},
+      {"copy taken away", apoio::kOpMove, [&] { Poe("TESTE.TRA", {}); }, codigos::kTraNaoRenomeado, Bytes(1, 4)},
+      {"write after the move", apoio::kOpAbre, escreve, codigos::kOk, alheio},
+      {"damage after the move", apoio::kOpAbre, [&] { m_empresa.Escreve("TESTE.DAT", alheio + "x"); },
        codigos::kDadosNaoConferem, alheio + "x"},
-      {"file held for a moment, and written", apoio::kOpMove, 1,
-       [&] {
-         m_empresa.Escreve("TESTE.DAT", alheio);
-         m_falhas.ArmaTambem({.operacoes = apoio::kOpAbre, .falha = plataforma::FalhaWin32(32)});
-       },
-       codigos::kTraNaoRenomeado, alheio},
-      {"file held for a moment", apoio::kOpMove, 1,
-       [&] { m_falhas.ArmaTambem({.operacoes = apoio::kOpAbre, .falha = plataforma::FalhaWin32(32)}); }, codigos::kOk,
-       NoDisco("TESTE.DAT", Bytes(1, 4))},
+      {"file held for a moment", apoio::kOpMove, segura, codigos::kOk, novo},
+      {"file held for a moment, and written", apoio::kOpMove, [&] { escreve(), segura(); }, codigos::kTraNaoRenomeado,
+       alheio},
   };
   for (const auto &caso : casos) {
     SCOPED_TRACE(caso.nome);
@@ -219,7 +193,7 @@ TEST_F(Cabecalho, OutroProgramaNaTrocaPeloNovo) {
     const bool bMovendo = caso.onde == apoio::kOpMove;
     m_falhas.ArmaTambem({.operacoes = caso.onde,
                          .trecho = "TESTE.DAT",
-                         .enesima = caso.enesima,
+                         .enesima = bMovendo ? 1U : 2U,
                          .falha = bMovendo ? plataforma::FalhaWin32(32) : plataforma::FalhaArquivo{},
                          .aoFalhar = caso.acao});
     EXPECT_EQ(AbreUmaVez(), caso.hr);

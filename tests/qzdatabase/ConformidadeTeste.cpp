@@ -60,6 +60,13 @@ protected:
     return AntesDeAbrir(
         Nome(), [this, dados] { Poe(Nome(), dados); }, enesima);
   }
+  /// A write of the file fails, and its handle dies with it; the file is away for so many openings.
+  PlanoFalha Morte(std::uint32_t erro, std::size_t fora, std::size_t gravaAntes, std::function<void()> aoMorrer) {
+    PlanoFalha plano = Plano(kOpGrava, Nome(), erro, false, gravaAntes);
+    plano.aoFalhar = std::move(aoMorrer);
+    plano.morte = fora;
+    return plano;
+  }
   /// A header holds over nothing but what was there before or what there was to be.
   void ConfereCabecalho(const Gravacao &gravacao) {
     const std::string disco = Disco().value_or("");
@@ -124,12 +131,8 @@ TEST_P(Conformidade, Modos) {
     Falha(apoio::kOpLe, Nome(), 1117);
     ASSERT_EQ(m_especie.File().AbreArquivo(eModo), codigos::kOk);
     std::unique_ptr<plataforma::IArquivoAberto> terceiro;
-    EXPECT_EQ(plataforma::ServicosDoSistema()
-                  .arquivos
-                  ->Abre(m_empresa.Caminho(Nome()),
-                         {plataforma::Acesso::Leitura, plataforma::Compartilhamento::NegaNada}, &terceiro)
-                  .erroSO,
-              erro);
+    const plataforma::ModoAbertura modo{plataforma::Acesso::Leitura, plataforma::Compartilhamento::NegaNada};
+    EXPECT_EQ(plataforma::ServicosDoSistema().arquivos->Abre(m_empresa.Caminho(Nome()), modo, &terceiro).erroSO, erro);
     Falha(apoio::kOpTodas, Nome(), 1117);
     EXPECT_EQ(m_especie.File().AbreArquivo(eModo), codigos::kOk);
     EXPECT_EQ(Lido(), m_sAntes);
@@ -347,10 +350,8 @@ TEST_P(Conformidade, ArquivoMorreNaGravacao) {
           ASSERT_EQ(m_especie.Muda(8), codigos::kOk);
           ASSERT_EQ(m_especie.Muda(1), codigos::kOk);
         }
-        PlanoFalha plano = Plano(kOpGrava, Nome(), erro, false, gravaAntes);
+        PlanoFalha plano = Morte(erro, fora, gravaAntes, [&] { alheio ? Poe(Nome(), alheio) : void(); });
         plano.enesima = 1 + i / 3;
-        plano.aoFalhar = [&] { alheio ? Poe(Nome(), alheio) : void(); };
-        plano.morte = fora;
         m_falhas.Arma(plano);
         const HRESULT hr = m_especie.Muda(3);
         ASSERT_TRUE(m_falhas.Disparou());
@@ -384,10 +385,7 @@ TEST_P(Conformidade, ArquivoMorreNaGravacao) {
 TEST_P(Conformidade, ArquivoMorreEVoltaMaior) {
   Prepara(m_sAntes);
   const std::string maior = m_especie.Acrescentado(m_sAntes, 7);
-  PlanoFalha plano = Plano(kOpGrava, Nome(), 64, false, 0);
-  plano.aoFalhar = [&] { Poe(Nome(), maior); };
-  plano.morte = 0;
-  m_falhas.Arma(plano);
+  m_falhas.Arma(Morte(64, 0, 0, [&] { Poe(Nome(), maior); }));
   EXPECT_EQ(m_especie.Acrescenta(9), codigos::kOk);
   ConfereTudo(m_especie.Acrescentado(maior, 9));
 }
@@ -412,10 +410,7 @@ TEST_P(Conformidade, ArquivoMorreComZerosNoFim) {
   Prepara(m_sAntes);
   const std::string inteiro = *Disco() + std::string(3, '\0');
   const bool bCresce = m_especie.Acrescentado(m_sAntes, 9).size() > m_sAntes.size();
-  PlanoFalha plano = Plano(kOpGrava, Nome(), 64, false, 0);
-  plano.aoFalhar = [&] { bCresce ? m_empresa.Escreve(Nome(), inteiro) : void(); };
-  plano.morte = 1000;
-  m_falhas.Arma(plano);
+  m_falhas.Arma(Morte(64, 1000, 0, [&] { bCresce ? m_empresa.Escreve(Nome(), inteiro) : void(); }));
   EXPECT_TRUE(Falhou(m_especie.Acrescenta(9)));
   m_falhas.Desarma();
   // The next write has to find its place in the file that it gets back.

@@ -9,17 +9,14 @@ namespace {
 
 class Controle : public ComBanco {
 protected:
-  HRESULT Acrescenta(std::uint32_t uiNumero) {
-    std::uint64_t uiPosicao = 0;
-    return Arquivo().Grava(uiPosicao, Registro(uiNumero));
-  }
+  HRESULT Acrescenta() { return Grava(0, Registro(1)); }
   void Apaga(const CString &nome) { Poe(nome, std::nullopt); }
   /// A company with TESTE.DAT, listed.
   void Cria() {
     Apaga("TESTE.DAT");
     Apaga(kArquivoControle);
     ASSERT_EQ(Abre(), codigos::kOk);
-    ASSERT_EQ(Acrescenta(1), codigos::kOk);
+    ASSERT_EQ(Acrescenta(), codigos::kOk);
     ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
   }
   HRESULT Deleta() { return CQZDataBaseUtil::DeletaArquivo(m_empresa.Codigo(), QZ_DF, "TESTE.DAT"); }
@@ -33,7 +30,7 @@ TEST_F(Controle, SoOQueOSistemaCriouEListado) {
   m_empresa.Escreve("UNICO.DAT", Bytes(1, 1));
   ASSERT_EQ(Abre(), codigos::kOk);
   EXPECT_FALSE(m_empresa.Existe(kArquivoControle)) << "reading lists nothing";
-  ASSERT_EQ(Acrescenta(1), codigos::kOk);
+  ASSERT_EQ(Acrescenta(), codigos::kOk);
   ASSERT_EQ(Unico().Grava(Registro(2)), codigos::kOk);
   ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
   EXPECT_EQ(m_empresa.Le(kArquivoControle), Linhas({"TESTE.DAT"})) << "neither a file that was there nor the list";
@@ -93,7 +90,7 @@ TEST_F(Controle, DelecaoDePropositoNaoERelatada) {
   std::vector<std::string> lista{"UNICO.DAT"};
   for (const auto &forma : formas) {
     ASSERT_EQ(Abre(), codigos::kOk);
-    ASSERT_EQ(Acrescenta(1), codigos::kOk);
+    ASSERT_EQ(Acrescenta(), codigos::kOk);
     ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
     EXPECT_EQ(forma(), codigos::kOk);
     EXPECT_FALSE(m_empresa.Existe("TESTE.DAT"));
@@ -122,7 +119,7 @@ TEST_F(Controle, OutroProgramaNaCriacao) {
         Poe(kArquivoControle, Linhas({"OUTRO.DAT", "TESTE.DAT"}));
       },
       3));
-  EXPECT_EQ(Acrescenta(1), codigos::kOk);
+  EXPECT_EQ(Acrescenta(), codigos::kOk);
   EXPECT_EQ(m_falhas.Disparos(), 2U);
   EXPECT_EQ(m_empresa.Le(kArquivoControle), Linhas({"OUTRO.DAT", "TESTE.DAT"}));
 }

@@ -13,34 +13,28 @@ protected:
   apoio::EmpresaComBase m_outra;
 };
 
+/// Where the source has no file the destination has none. What was there is deleted in the source's own module,
+/// whatever the destination's is.
 TEST_F(Copia, ByteAByteESemEntradaNaLista) {
-  std::string grande;
-  for (std::uint32_t n = 0; n < 40000; ++n) {  // more than one piece
-    grande += Bytes(n, n);
-  }
-  m_outra.Escreve("TESTE.DAT", "what was there");
-  m_outra.Escreve(kArquivoControle, Linhas({"TESTE.DAT"}));
-  for (const std::string &dados : {Bytes(1, 3), grande}) {
-    m_empresa.Escreve("TESTE.DAT", dados);
+  m_outra.CriaSubpasta("NFe");
+  const std::tuple<std::optional<std::string>, ModuloQZ, const char *> casos[] = {
+      {std::nullopt, QZ_DF, "TESTE.DAT"},
+      {Bytes(1, 3), QZ_DF, "TESTE.DAT"},
+      {Bytes(1, 2), QZ_NFE, "NFe\\TESTE.DAT"},
+      {Bytes(1, 40000), QZ_DF, "TESTE.DAT"}};  // more than one piece
+  for (const auto &[dados, eModulo, lpDestino] : casos) {
+    m_outra.Escreve("TESTE.DAT", "what was there");
+    m_outra.Escreve(kArquivoControle, Linhas({"TESTE.DAT"}));
+    Poe("TESTE.DAT", dados);
     ASSERT_EQ(Abre(), codigos::kOk);
-    ASSERT_EQ(CopiaPara(m_outra), codigos::kOk);
-    RegTeste reg;
-    EXPECT_EQ(Arquivo().Le(3, &reg), codigos::kOk) << "the source goes on";
+    ASSERT_EQ(Arquivo().CopiaArquivoPara(m_outra.Codigo(), eModulo), codigos::kOk);
+    EXPECT_EQ(Grava(0, Registro(9)), codigos::kOk) << "the source goes on";
     ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
-    EXPECT_EQ(m_outra.LeInteiro("TESTE.DAT"), m_empresa.LeInteiro("TESTE.DAT"));
-    EXPECT_EQ(m_outra.Le("TESTE.DAT"), dados);
+    EXPECT_EQ(m_outra.Existe("TESTE.DAT"), dados && eModulo == QZ_DF);
+    EXPECT_TRUE(!dados || m_outra.LeInteiro(lpDestino) == NoDisco("TESTE.DAT", *dados));
     EXPECT_EQ(m_outra.Le(kArquivoControle), std::string(4, '\0'));
   }
   EXPECT_EQ(m_banco.Inicializa(m_outra.Dono()), codigos::kOk) << "the copy is a base";
-}
-
-TEST_F(Copia, SemOrigemODestinoSome) {
-  m_outra.Escreve("TESTE.DAT", Bytes(1, 1));
-  m_outra.Escreve(kArquivoControle, Linhas({"TESTE.DAT"}));
-  ASSERT_EQ(Abre(), codigos::kOk);
-  EXPECT_EQ(CopiaPara(m_outra), codigos::kOk);
-  EXPECT_FALSE(m_outra.Existe("TESTE.DAT"));
-  EXPECT_EQ(m_banco.Inicializa(m_outra.Dono()), codigos::kOk) << "gone on purpose";
 }
 
 TEST_F(Copia, RecusaDestinoIgualOuPreso) {
@@ -61,17 +55,6 @@ TEST_F(Copia, RecusaDestinoIgualOuPreso) {
   EXPECT_EQ(CopiaPara(m_outra), codigos::kOk) << "a short hold is ridden out";
   EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 2));
   EXPECT_EQ(m_outra.Le("TESTE.DAT"), Bytes(1, 2));
-}
-
-/// The deletion before the copy is in the source's own module, whatever the destination's is.
-TEST_F(Copia, ParaOutroModuloApagaODoModuloDaOrigem) {
-  m_outra.CriaSubpasta("NFe");
-  m_outra.Escreve("TESTE.DAT", "of the source's module");
-  Poe("TESTE.DAT", Bytes(1, 2));
-  ASSERT_EQ(Abre(), codigos::kOk);
-  EXPECT_EQ(Arquivo().CopiaArquivoPara(m_outra.Codigo(), QZ_NFE), codigos::kOk);
-  EXPECT_FALSE(m_outra.Existe("TESTE.DAT"));
-  EXPECT_EQ(m_outra.LeInteiro("NFe\\TESTE.DAT"), NoDisco("TESTE.DAT", Bytes(1, 2)));
 }
 
 /// Every failure is told, and none touches the source.
@@ -95,8 +78,7 @@ TEST_F(Copia, OrigemSemArquivoAbertoOuComMeiaGravacao) {
     ASSERT_EQ(Abre(), codigos::kOk);
     m_outra.Escreve("TESTE.DAT", "old");
     Falha(operacoes, m_empresa.Caminho("TESTE.DAT"), 1117);
-    std::uint64_t uiPosicao = 0;
-    EXPECT_TRUE(Falhou(Arquivo().Grava(uiPosicao, Registro(3))));
+    EXPECT_TRUE(Falhou(Grava(0, Registro(3))));
     EXPECT_TRUE(Falhou(CopiaPara(m_outra)));
     EXPECT_EQ(m_outra.LeInteiro("TESTE.DAT"), "old");
     m_falhas.Desarma();

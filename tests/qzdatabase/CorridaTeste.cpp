@@ -62,9 +62,8 @@ protected:
     }
     for (unsigned uiProcesso = 0; uiProcesso < feitos.size(); ++uiProcesso) {
       for (unsigned uiPasso = 0; uiPasso < feitos[uiProcesso]; ++uiPasso) {
-        const RegTeste reg = RegistroDoPasso(corrida.Rodada(), uiProcesso, uiPasso);
-        confirmados[Arquivo(GetParam(), uiProcesso, uiPasso)].emplace(reinterpret_cast<const char *>(&reg),
-                                                                      sizeof(reg));
+        confirmados[Arquivo(GetParam(), uiProcesso, uiPasso)].insert(
+            Bytes(RegistroDoPasso(corrida.Rodada(), uiProcesso, uiPasso)));
       }
     }
     std::vector<CString> listados;

@@ -1,7 +1,6 @@
 #ifndef KALVO_TESTS_QZDATABASE_ESPECIES_H
 #define KALVO_TESTS_QZDATABASE_ESPECIES_H
 
-#include "core/qzdatabase/arquivo/QZTextFile.h"
 #include "tests/qzdatabase/BancoTeste.h"
 
 /// One write, and the file's content before (nothing: there is no file) and after. A part of the content before may be
@@ -64,7 +63,7 @@ public:
     std::uint64_t uiQtd = 0;
     const HRESULT hr = m_file.GetQuantidade(&uiQtd);
     const auto junta = [psDados](std::uint64_t, const RegTeste &reg) {
-      psDados->append(reinterpret_cast<const char *>(&reg), sizeof(reg));
+      *psDados += Bytes(reg);
       return true;
     };
     return Falhou(hr) ? hr : m_file.Percorre(1, uiQtd, junta);
@@ -114,7 +113,7 @@ public:
   HRESULT Le(std::string *psDados) override {
     RegTeste reg{};
     const HRESULT hr = m_file.Le(&reg);
-    psDados->assign(reinterpret_cast<const char *>(&reg), Falhou(hr) ? 0 : sizeof(reg));
+    *psDados = Falhou(hr) ? "" : Bytes(reg);
     return hr == codigos::kArquivoNaoAberto ? codigos::kOk : hr;
   }
   HRESULT Muda(std::uint32_t n) override { return m_file.Grava(Registro(n)); }
@@ -158,34 +157,19 @@ public:
   std::vector<Gravacao> Gravacoes() override {
     const std::string antes = Linhas({"um", "dois", "tres"});
     const std::vector<std::string> muitas(1000, "x");
-    return {{"create", {}, [this] { return Acrescenta(1); }, Conteudo(1, 0)},
-            {"append", antes,
-             [this] {
-               return Grava(0, {"quatro", "x"});
-             },
-             antes + Linhas({"quatro", "x"})},
-            {"longer", antes, [this] { return Grava(3, {"trinta"}); }, antes + Linhas({"trinta"})},
-            {"in place", antes, [this] { return Grava(2, {"DOIS"}); }, Linhas({"um", "DOIS", "tres"})},
-            {"past the end", antes,
-             [this] {
-               return Grava(2, {"dois e meio", "TRES", "x"});
-             },
-             Linhas({"um", "dois e meio", "TRES", "x"})},
-            {"shrink", antes, [this] { return Grava(1, {"u"}); }, Linhas({"u", "dois", "tres"})},
-            {"growing shrink", antes,
-             [this] {
-               return Grava(3, {"t", "quatro"});
-             },
-             Linhas({"um", "dois", "t", "quatro"})},
-            {"damaged end", antes + "x", [this] { return Grava(0, {"x"}); }, antes + Linhas({"x"}), 1},
-            {"append to many", Linhas(muitas), [this] { return Grava(0, {"um"}); }, Linhas(muitas) + Linhas({"um"})},
-            {"growing shrink of many", Linhas(muitas) + Linhas({"um"}),
-             [this, muitas] {
-               std::vector<std::string> textos = muitas;
-               textos.front() = "u";
-               return Grava(1001, textos);
-             },
-             Linhas(muitas) + Linhas({"u"}) + Linhas({muitas.begin() + 1, muitas.end()})}};
+    std::vector<std::string> menores = muitas;
+    menores.front() = "u";
+    return {Com("create", {}, 0, {Linha(1)}, Conteudo(1, 0)),
+            Com("append", antes, 0, {"quatro", "x"}, antes + Linhas({"quatro", "x"})),
+            Com("longer", antes, 3, {"trinta"}, antes + Linhas({"trinta"})),
+            Com("in place", antes, 2, {"DOIS"}, Linhas({"um", "DOIS", "tres"})),
+            Com("past the end", antes, 2, {"dois e meio", "TRES", "x"}, Linhas({"um", "dois e meio", "TRES", "x"})),
+            Com("shrink", antes, 1, {"u"}, Linhas({"u", "dois", "tres"})),
+            Com("growing shrink", antes, 3, {"t", "quatro"}, Linhas({"um", "dois", "t", "quatro"})),
+            Com("damaged end", antes + "x", 0, {"x"}, antes + Linhas({"x"}), 1),
+            Com("append to many", Linhas(muitas), 0, {"um"}, Linhas(muitas) + Linhas({"um"})),
+            Com("growing shrink of many", Linhas(muitas) + Linhas({"um"}), 1001, menores,
+                Linhas(muitas) + Linhas(menores))};
   }
   std::vector<Operacao> Operacoes() override {
     return {{"Le", [this] { return m_file.Le(1, m_sLida); }},
@@ -198,11 +182,11 @@ public:
 private:
   static std::string Linha(std::uint32_t n) { return "linha " + std::to_string(n); }
   HRESULT Grava(std::uint64_t uiPosicao, const std::vector<std::string> &textos) {
-    CStringArray aTextos;
-    for (const std::string &texto : textos) {
-      aTextos.Add(texto);
-    }
-    return m_file.GravaColecao(uiPosicao, aTextos);
+    return m_file.GravaColecao(uiPosicao, Colecao(textos));
+  }
+  Gravacao Com(const char *nome, std::optional<std::string> antes, std::uint64_t uiPosicao,
+               std::vector<std::string> textos, std::string depois, std::size_t sobra = 0) {
+    return {nome, std::move(antes), [=, this] { return Grava(uiPosicao, textos); }, std::move(depois), sobra};
   }
 
   CQZTextFile m_file;

@@ -1,7 +1,5 @@
 // Shared databases: who shares, who counts, who closes.
 
-#include <thread>
-
 #include "core/conx/QZBaseParaRotinas.h"
 #include "core/qzdatabase/banco/QZDataBaseFacade.h"
 #include "tests/qzdatabase/BancoTeste.h"
@@ -60,20 +58,16 @@ TEST_F(Fachada, FalhaNoFimEContada) {
 }
 
 TEST_F(Fachada, FalhaNaoDeixaBancoNemArquivoAberto) {
-  const struct {
-    const char *nome;
-    std::string conteudo;
-    HRESULT hr;
-  } ruins[] = {{"TESTE.DAT", "no whole record", codigos::kTamanhoNaoMultiplo},
-               {"UNICO.DAT", "bad", codigos::kTamanhoDiferente}};
+  const std::tuple<const char *, const char *, HRESULT> ruins[] = {
+      {"TESTE.DAT", "no whole record", codigos::kTamanhoNaoMultiplo}, {"UNICO.DAT", "bad", codigos::kTamanhoDiferente}};
   Rotina a;
-  for (const auto &ruim : ruins) {
-    m_empresa.Escreve(ruim.nome, ruim.conteudo);
-    EXPECT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), ruim.hr);
+  for (const auto &[lpNome, lpConteudo, hr] : ruins) {
+    m_empresa.Escreve(lpNome, lpConteudo);
+    EXPECT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), hr);
     EXPECT_FALSE(a.QZDataBaseEstaInicializado());
     EXPECT_EQ(a.Banco(), nullptr);
     EXPECT_TRUE(ArquivoLivre());
-    m_empresa.Escreve(ruim.nome, Bytes(1, 1));
+    m_empresa.Escreve(lpNome, Bytes(1, 1));
   }
   EXPECT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kOk);
 }
@@ -110,27 +104,6 @@ TEST_F(Fachada, EmpresasDeMesmoCrcSaoDuas) {
   EXPECT_TRUE(container.Possui(sUma));
   EXPECT_FALSE(container.Possui(sOutra));
   EXPECT_EQ(container.Finaliza(&pBanco), codigos::kOk);
-}
-
-TEST_F(Fachada, MuitasThreadsEntramESaem) {
-  m_empresa.Escreve("TESTE.DAT", Bytes(1, 5));
-  std::vector<std::thread> threads;
-  std::atomic<int> falhas{0};
-  for (int t = 0; t < 4; ++t) {
-    threads.emplace_back([&] {
-      for (int i = 0; i < 50; ++i) {
-        Rotina rotina;
-        RegTeste reg;
-        falhas +=
-            Falhou(rotina.Inicializa(m_empresa.Codigo(), 1, 1)) || Falhou(rotina.Banco()->m_Registros.Le(5, &reg));
-      }
-    });
-  }
-  for (std::thread &thread : threads) {
-    thread.join();
-  }
-  EXPECT_EQ(falhas, 0);
-  EXPECT_TRUE(ArquivoLivre());
 }
 
 TEST_F(Fachada, ArquivosSobrevivemAoBanco) {

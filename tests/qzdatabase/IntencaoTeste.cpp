@@ -33,9 +33,7 @@ protected:
   }
   /// A header over some data in front of others.
   static std::string Arquivo(const RegCabecalhoArquivo &cabecalho, const std::string &dados) {
-    std::string bytes = NoDisco("TESTE.DAT", "").substr(0, kPosicaoRegCabecalho);
-    bytes.append(reinterpret_cast<const char *>(&cabecalho), sizeof(cabecalho));
-    return bytes + dados;
+    return Bytes(MontaRegVersao()) + Bytes(cabecalho) + dados;
   }
 
   apoio::ChaveCabecalho m_chave{true};
@@ -120,9 +118,8 @@ TEST_F(Intencao, Criacao) {
 TEST_F(Intencao, VidaDoCompanheiro) {
   Poe("TESTE.DAT", Bytes(1, 2));
   ASSERT_EQ(Abre(), codigos::kOk);
-  std::uint64_t uiPosicao = 0;
   EXPECT_FALSE(m_empresa.Existe("TESTE.INT"));
-  EXPECT_EQ(ComBanco::Arquivo().Grava(uiPosicao, Registro(3)), codigos::kOk);
+  EXPECT_EQ(Grava(0, Registro(3)), codigos::kOk);
   EXPECT_EQ(Inteiro("TESTE.INT").value_or("").substr(0, 8), std::string(8, '\0'));
   m_falhas.Arma({.operacoes = apoio::kOpApaga, .trecho = "TESTE.INT", .falha = {}, .aoFalhar = [this] {
                    EXPECT_EQ(m_falhas.Abertos(), 1) << "the file itself";
@@ -157,8 +154,7 @@ TEST_F(Intencao, SemCompanheiro) {
   for (const unsigned operacao : {apoio::kOpAbre, apoio::kOpAjustaTamanho}) {
     ASSERT_EQ(Abre(), codigos::kOk);
     Falha(operacao, "TESTE.INT", 5);
-    std::uint64_t uiPosicao = 1;
-    EXPECT_EQ(ComBanco::Arquivo().Grava(uiPosicao, Registro(operacao)), codigos::kOk);
+    EXPECT_EQ(Grava(1, Registro(operacao)), codigos::kOk);
     m_falhas.Desarma();
     EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
     EXPECT_FALSE(m_empresa.Existe("TESTE.INT"));

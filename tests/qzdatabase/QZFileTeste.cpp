@@ -17,31 +17,22 @@ protected:
 };
 
 TEST_F(ArquivoDeRegistros, PosicaoDevolvida) {
-  const struct {
-    std::uint64_t uiPosicao;
-    CArray<RegTeste> aRegistros;
-    HRESULT hr;
-    std::uint64_t uiDepois;
-    std::string disco;
-  } casos[] = {{0, Colecao(4, 6), codigos::kOk, 4, Bytes(1, 6)},
-               {3, Colecao(7, 9), codigos::kOk, 3, Bytes(1, 2) + Bytes(7, 9)},
-               {3, Colecao(3, 4), codigos::kOk, 3, Bytes(1, 4)},
-               {4, Colecao(4, 4), codigos::kGravacaoAlemDoFim, 4, Bytes(1, 3)},
-               {0, {}, codigos::kOk, 0, Bytes(1, 3)}};
-  for (const auto &caso : casos) {
+  CArray<RegTeste> aUltimoEZero = Colecao(3, 3);
+  aUltimoEZero.Add(RegTeste{});  // behind the last, which is no zero record that is there already
+  const std::tuple<std::uint64_t, CArray<RegTeste>, HRESULT, std::uint64_t, std::string> casos[] = {
+      {0, Colecao(4, 6), codigos::kOk, 4, Bytes(1, 6)},
+      {3, Colecao(7, 9), codigos::kOk, 3, Bytes(1, 2) + Bytes(7, 9)},
+      {3, Colecao(3, 4), codigos::kOk, 3, Bytes(1, 4)},
+      {3, std::move(aUltimoEZero), codigos::kOk, 3, Bytes(1, 3) + Bytes(0, 0)},
+      {4, Colecao(4, 4), codigos::kGravacaoAlemDoFim, 4, Bytes(1, 3)},
+      {0, {}, codigos::kOk, 0, Bytes(1, 3)}};
+  for (const auto &[uiAntes, aRegistros, hr, uiDepois, disco] : casos) {
     Prepara(Bytes(1, 3));
-    std::uint64_t uiPosicao = caso.uiPosicao;
-    EXPECT_EQ(Arquivo().GravaColecao(uiPosicao, caso.aRegistros), caso.hr);
-    EXPECT_EQ(uiPosicao, caso.uiDepois);
-    EXPECT_EQ(Disco("TESTE.DAT"), caso.disco);
+    std::uint64_t uiPosicao = uiAntes;
+    EXPECT_EQ(Arquivo().GravaColecao(uiPosicao, aRegistros), hr);
+    EXPECT_EQ(uiPosicao, uiDepois);
+    EXPECT_EQ(Disco("TESTE.DAT"), disco);
   }
-  // A zero record behind the last is not there already.
-  Prepara(Bytes(1, 3));
-  CArray<RegTeste> aRegistros = Colecao(3, 3);
-  aRegistros.Add(RegTeste{});
-  std::uint64_t uiPosicao = 3;
-  EXPECT_EQ(Arquivo().GravaColecao(uiPosicao, aRegistros), codigos::kOk);
-  EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 3) + Bytes(0, 0));
 }
 
 TEST_F(ArquivoDeRegistros, ModoDeCriacaoEsvazia) {

@@ -1,4 +1,4 @@
-#include "core/qzdatabase/arquivo/QZTextFile.h"
+// What is special to files of text.
 
 #include <sstream>
 
@@ -33,34 +33,15 @@ Textos Junta(Textos textos, const Textos &outros) {
   return textos;
 }
 
-class BancoTexto : public CQZDataBase {
-public:
-  BancoTexto() : CQZDataBase(QZ_DF, plataforma::NivelTrava::ArquivoDados) {}
-  ~BancoTexto() override { FinalizaNoDestrutor(); }
-
-  CQZTextFile m_Texto{"TEXTO.DAT", this};
-};
-
-class ArquivoTexto : public ComEmpresa {
+class ArquivoTexto : public ComBanco {
 protected:
-  HRESULT Inicia() { return m_banco.Inicializa(m_empresa.Dono()); }
   void Prepara(const std::string &bytes) {
     static_cast<void>(m_banco.Finaliza());
     Poe("TEXTO.DAT", bytes);
-    ASSERT_EQ(Inicia(), codigos::kOk);
-  }
-  CQZTextFile &Texto() { return m_banco.m_Texto; }
-  /// What a file holds behind its header, once the database has let go of it.
-  std::string Disco(const CString &nome = "TEXTO.DAT") {
-    static_cast<void>(m_banco.Finaliza());
-    return m_empresa.Le(nome);
+    ASSERT_EQ(Abre(), codigos::kOk);
   }
   HRESULT Grava(std::uint64_t *puiPosicao, const Textos &textos) {
-    CStringArray aRegistros;
-    for (const std::string &texto : textos) {
-      aRegistros.Add(texto);
-    }
-    return Texto().GravaColecao(*puiPosicao, aRegistros);
+    return Texto().GravaColecao(*puiPosicao, Colecao(textos));
   }
   /// All lines, read one by one until there are no more.
   Textos Lidas() {
@@ -81,7 +62,6 @@ protected:
 
   /// Length of the file's header.
   const std::uint64_t m_uiCabecalho = apoio::CabecalhosLigados() ? kTamanhoCabecalho : 0;
-  BancoTexto m_banco;
 };
 
 /// The decision for each kind of write, the bytes it leaves and the places it records.
@@ -135,28 +115,24 @@ TEST_F(ArquivoTexto, GravacaoByteAByte) {
     }
     EXPECT_EQ(Lidas(), T(caso.memoria));
     EXPECT_EQ(Offsets(), caso.offsets);
-    EXPECT_EQ(Disco(), caso.disco.empty() ? Linhas(caso.memoria) : caso.disco);
+    EXPECT_EQ(Disco("TEXTO.DAT"), caso.disco.empty() ? Linhas(caso.memoria) : caso.disco);
   }
 }
 
 /// Another program writes to the file while it is closed to be opened for writing: the way of writing is chosen anew.
 TEST_F(ArquivoTexto, OutroProgramaMudaOArquivo) {
-  const struct {
-    const char *outro;
-    HRESULT hr;
-    std::uint64_t uiPosicaoDepois;
-    const char *depois;
-  } casos[] = {{"um", codigos::kGravacaoAlemDoFim, 2, "um"},
-               {"um dois-mais", codigos::kOk, 2, "um trinta"},
-               {"um dois tres", codigos::kOk, 4, "um dois tres trinta"}};
-  for (const auto &caso : casos) {
-    SCOPED_TRACE(caso.outro);
+  const std::tuple<const char *, HRESULT, std::uint64_t, const char *> casos[] = {
+      {"um", codigos::kGravacaoAlemDoFim, 2, "um"},
+      {"um dois-mais", codigos::kOk, 2, "um trinta"},
+      {"um dois tres", codigos::kOk, 4, "um dois tres trinta"}};
+  for (const auto &[lpOutro, hr, uiPosicaoDepois, lpDepois] : casos) {
+    SCOPED_TRACE(lpOutro);
     Prepara(Linhas("um dois"));
-    m_falhas.Arma(AntesDeAbrir("TEXTO.DAT", [&] { Poe("TEXTO.DAT", Linhas(caso.outro)); }));
+    m_falhas.Arma(AntesDeAbrir("TEXTO.DAT", [this, outro = Linhas(lpOutro)] { Poe("TEXTO.DAT", outro); }));
     std::uint64_t uiPosicao = 2;
-    EXPECT_EQ(Texto().Grava(uiPosicao, "trinta"), caso.hr);
-    EXPECT_EQ(uiPosicao, caso.uiPosicaoDepois);
-    EXPECT_EQ(Disco(), Linhas(caso.depois));
+    EXPECT_EQ(Texto().Grava(uiPosicao, "trinta"), hr);
+    EXPECT_EQ(uiPosicao, uiPosicaoDepois);
+    EXPECT_EQ(Disco("TEXTO.DAT"), Linhas(lpDepois));
   }
 }
 
@@ -174,14 +150,10 @@ TEST_F(ArquivoTexto, NadaAGravarNaoTocaODisco) {
 
 /// Any bytes load; a line appended behind a damaged end is found again.
 TEST_F(ArquivoTexto, ArquivosQuaisquer) {
-  struct Caso {
-    std::string disco;
-    Textos memoria;
-  };
   const Textos grandes = {std::string(2047, 'a'), "", std::string(2048, 'b'), std::string(300000, 'c'), "d"};
   const Textos muitas(40000, "linha");
   const std::string longa(70000, 'z');
-  const Caso casos[] = {
+  const std::pair<std::string, Textos> casos[] = {
       {"", {}},
       {Linhas(grandes), grandes},
       {Linhas(muitas), muitas},
@@ -192,18 +164,18 @@ TEST_F(ArquivoTexto, ArquivosQuaisquer) {
       {Linhas("um") + "\xFF\xFF\xFF\xFF"s + "resto", {"um", "resto"}},
       {Linhas("um") + "\6\0\0\0re\0to"s, {"um", "re"}},
   };
-  for (const Caso &caso : casos) {
-    SCOPED_TRACE(caso.disco.substr(0, 20));
-    Prepara(caso.disco);
-    ASSERT_EQ(Lidas(), caso.memoria);
+  for (const auto &[disco, memoria] : casos) {
+    SCOPED_TRACE(disco.substr(0, 20));
+    Prepara(disco);
+    ASSERT_EQ(Lidas(), memoria);
     std::uint64_t uiPosicao = 0;
     ASSERT_EQ(Grava(&uiPosicao, {"mais", longa}), codigos::kOk);
-    EXPECT_EQ(uiPosicao, caso.memoria.size() + 2);
+    EXPECT_EQ(uiPosicao, memoria.size() + 2);
     uiPosicao = 0;
     ASSERT_EQ(Grava(&uiPosicao, {"fim"}), codigos::kOk);
-    const Textos depois = Junta(caso.memoria, {"mais", longa});
+    const Textos depois = Junta(memoria, {"mais", longa});
     EXPECT_EQ(Offsets().back(), m_uiCabecalho + Linhas(depois).size()) << "appended: the end is damaged no more";
-    ASSERT_EQ(Disco(), Linhas(Junta(depois, {"fim"})));
+    ASSERT_EQ(Disco("TEXTO.DAT"), Linhas(Junta(depois, {"fim"})));
   }
 }
 
@@ -226,7 +198,7 @@ TEST_F(ArquivoTexto, CopiaOffline) {
   m_empresa.Escreve("TEXTO.OFL", "an earlier companion");
   EXPECT_EQ(Texto().GeraArquivoOffline(), codigos::kOk);
   EXPECT_EQ(Disco("TEXTO.OFL"), Linhas("a - c"));
-  ASSERT_EQ(Inicia(), codigos::kOk);
+  ASSERT_EQ(Abre(), codigos::kOk);
   for (const auto &[operacao, hr] :
        {std::pair(apoio::kOpApaga, codigos::kOfflineNaoApagado), {apoio::kOpGrava, codigos::kArqErroFisico}}) {
     Falha(operacao, "TEXTO.OFL", 1117);

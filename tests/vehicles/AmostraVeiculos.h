@@ -5,7 +5,10 @@
 #include <cstring>
 #include <string>
 
+#include "tests/apoio/EmpresaComBase.h"
 #include "vehicles/RegVeiculoPS.h"
+
+using apoio::Bytes;
 
 /// Fills a text field, cut to its width.
 template <std::size_t N>
@@ -52,11 +55,6 @@ inline std::string Base(const std::string &letras) {
     bytes += std::string(256, letra);
   }
   return bytes;
-}
-
-template <typename T>
-std::string Bytes(const T &valor) {
-  return std::string(reinterpret_cast<const char *>(&valor), sizeof(T));
 }
 
 #endif

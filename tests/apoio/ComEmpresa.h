@@ -1,0 +1,60 @@
+#ifndef KALVO_TESTS_APOIO_COMEMPRESA_H
+#define KALVO_TESTS_APOIO_COMEMPRESA_H
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "core/platform/Plataforma.h"
+#include "tests/apoio/ArquivosDecorado.h"
+#include "tests/apoio/EmpresaComBase.h"
+#include "tests/apoio/RelogioFalso.h"
+#include "tests/apoio/ServicosTrocados.h"
+
+namespace apoio {
+
+/// A company, a clock that does not wait and a file system that can be told to fail.
+class ComEmpresa : public ::testing::Test {
+protected:
+  /// All bytes of a file, which may be open; nothing when it is not there.
+  std::optional<std::string> Inteiro(const CString &nome) { return m_falhas.Conteudo(m_empresa.Caminho(nome)); }
+  /// Has the disk hold a data file with this content, or none, without the help of what is tested.
+  void Poe(const CString &nome, const std::optional<std::string> &dados) {
+    if (dados) {
+      m_empresa.Escreve(nome, NoDisco(nome, *dados));
+    } else {
+      static_cast<void>(plataforma::ServicosDoSistema().arquivos->Apaga(m_empresa.Caminho(nome)));
+    }
+  }
+  /// `acao` runs right before the N-th opening of a file: another program that comes in between.
+  PlanoFalha AntesDeAbrir(const CString &nome, std::function<void()> acao, std::size_t enesima = 1) {
+    return {.operacoes = kOpAbre,
+            .trecho = m_empresa.Caminho(nome),
+            .enesima = enesima,
+            .falha = {},
+            .aoFalhar = std::move(acao)};
+  }
+
+  static PlanoFalha Plano(unsigned operacoes, const CString &trecho, std::uint32_t erro, bool bPersistente = true,
+                          std::size_t gravaAntes = 7) {
+    return {.operacoes = operacoes,
+            .trecho = trecho,
+            .bPersistente = bPersistente,
+            .falha = plataforma::FalhaWin32(erro),
+            .gravaAntes = gravaAntes};
+  }
+  void Falha(unsigned operacoes, const CString &trecho, std::uint32_t erro, bool bPersistente = true) {
+    m_falhas.Arma(Plano(operacoes, trecho, erro, bPersistente));
+  }
+
+  EmpresaComBase m_empresa;
+  RelogioFalso m_relogio;
+  ArquivosComFalha m_falhas{*plataforma::ServicosDoSistema().arquivos};
+  ServicosTrocados m_servicos{&m_falhas, nullptr, &m_relogio};
+};
+
+}  // namespace apoio
+
+#endif

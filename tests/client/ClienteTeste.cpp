@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -143,6 +144,46 @@ TEST_F(Cliente, ReadsAndSearchesMoreThanOneBlock) {
   testing::internal::CaptureStdout();
   EXPECT_EQ(Executa({"busca", "--so-posicoes", "--limite", "3"}), kSucesso);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "1\n2\n3\n");
+}
+
+TEST_F(Cliente, SearchResultIsARangeThatReadsAsItIsWalkedThrough) {
+  m_servico.m_aVeiculos.resize(1100);
+  auto achados = CQZVeiculos("1", 1, 1).Busca({});  // which keeps the service object that found it
+  EXPECT_EQ(achados.size(), 1100U);
+  LONG lEsperada = 0;
+  for (const CQZVeiculoAchado &achado : achados) {
+    ++lEsperada;
+    ASSERT_EQ(achado.lPosicao, lEsperada);
+    ASSERT_EQ(achado.veiculo.iAno, lEsperada > 500 ? 2001U : 0U) << lEsperada;
+    if (lEsperada == 1) {
+      // Not yet read: the second block and what follows.
+      for (std::size_t i = 500; i < 1100; ++i) {
+        m_servico.m_aVeiculos[i].iAno = 2001;
+      }
+    }
+  }
+  EXPECT_EQ(lEsperada, 1100);
+
+  // Two walks side by side, and one that jumps.
+  auto segundo = achados.begin();
+  for (auto primeiro = achados.begin(); primeiro != achados.end(); std::advance(primeiro, 275)) {
+    EXPECT_EQ((*primeiro).veiculo.iAno, (*primeiro).lPosicao > 500 ? 2001U : 0U);
+    EXPECT_EQ((*segundo).lPosicao, 1);
+    EXPECT_EQ((*segundo).veiculo.iAno, 0U);
+  }
+
+  // A read that fails raises, also when it is tried again.
+  m_servico.m_aVeiculos.resize(1050);
+  const auto ultimo = std::next(achados.begin(), 1099);
+  EXPECT_THROW(*ultimo, CQZErroVeiculos);
+  EXPECT_THROW(*ultimo, CQZErroVeiculos);
+  EXPECT_EQ((*achados.begin()).lPosicao, 1);
+
+  m_servico.m_aVeiculos.clear();
+  CQZVeiculos veiculos("1", 1, 1);
+  EXPECT_TRUE(veiculos.Busca({}).empty());
+  const auto nenhum = veiculos.Busca({});
+  EXPECT_TRUE(nenhum.begin() == nenhum.end());
 }
 
 TEST_F(Cliente, ResultCodesAndExceptionsCarryTheCode) {

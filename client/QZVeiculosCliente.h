@@ -190,7 +190,7 @@ public:
       return *this;
     }
     iterator operator++(int) {
-      const iterator antes = *this;
+      iterator antes = *this;
       ++*this;
       return antes;
     }

@@ -3,10 +3,7 @@
 
 // The fixed text fields of the vehicle records: 8-bit (Windows-1252), ended by a zero byte or by the field's end.
 
-#include <cstddef>
-#include <cstring>
-#include <string>
-#include <string_view>
+#include "QZVeiculosPadrao.h"
 
 inline bool TextoSemZero(std::string_view sTexto) {
   return sTexto.find('\0') == std::string_view::npos;

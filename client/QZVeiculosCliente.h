@@ -7,6 +7,10 @@
 //   CQZApartamento     enters the multithreaded apartment for as long as it lives
 //   CQZVeiculosHR      one service object; every operation returns its result code
 //   CQZVeiculos        the same; a failing operation raises CQZErroVeiculos
+//   CQZResultadoBusca  what a search found, a range of vehicles with their positions
+//
+// No caller handles a pointer or frees anything. The headers may be included first or last, with or without UNICODE and
+// with the macros min and max defined.
 //
 // An object may be called from several threads of the multithreaded apartment at once. After a machine fault
 // (EhFalhaDeMaquina) the object is useless: destroy it and create another.
@@ -15,15 +19,10 @@
 
 #include <objbase.h>
 
-#include <cstdint>
-#include <memory>
-#include <string_view>
-#include <utility>
-#include <vector>
-
 #include "QZDF_Veiculos.h"
 #include "QZVeiculosErros.h"
 #include "QZVeiculosMoeda.h"
+#include "QZVeiculosPadrao.h"
 #include "QZVeiculosTextos.h"
 
 inline void VerificaHR(HRESULT hr) {
@@ -141,54 +140,138 @@ private:
   std::unique_ptr<IQZDF_Veiculos, CSoltaObjeto> m_pVeiculos;
 };
 
-// Exceptions: constructed is created and initialised.
+// A vehicle that a search found.
+struct CQZVeiculoAchado {
+  LONG lPosicao = 0;
+  tagREG_VEICULOPS veiculo{};
+};
+
+// What a search found, ascending by position. The vehicles are read from the service while the range is walked through,
+// a block at a time and each as it is then; a read that fails raises CQZErroVeiculos. One walk at a time, in one
+// thread. Range and iterators keep the service object alive.
+class CQZResultadoBusca {
+  struct Estado {
+    std::shared_ptr<CQZVeiculosHR> spVeiculos;
+    std::vector<LONG> aPosicoes;
+    std::size_t uiInicioBloco = 0;
+    std::vector<tagREG_VEICULOPS> aBloco;
+
+    const tagREG_VEICULOPS &Veiculo(std::size_t uiIndice) {
+      constexpr std::size_t kBloco = 500;
+      if (uiIndice < uiInicioBloco || uiIndice - uiInicioBloco >= aBloco.size()) {
+        uiInicioBloco = uiIndice;
+        const std::size_t uiResto = aPosicoes.size() - uiIndice;
+        const auto primeira = aPosicoes.begin() + static_cast<std::ptrdiff_t>(uiIndice);
+        const auto fim = primeira + static_cast<std::ptrdiff_t>(uiResto < kBloco ? uiResto : kBloco);
+        const HRESULT hr = spVeiculos->LePonteiros(std::vector<LONG>(primeira, fim), aBloco);
+        if (FAILED(hr)) {
+          aBloco.clear();
+          throw CQZErroVeiculos(hr);
+        }
+      }
+      return aBloco[uiIndice - uiInicioBloco];
+    }
+  };
+
+public:
+  class iterator {
+  public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = CQZVeiculoAchado;
+    using difference_type = std::ptrdiff_t;
+    using pointer = void;
+    using reference = CQZVeiculoAchado;
+
+    iterator() = default;
+
+    CQZVeiculoAchado operator*() const { return {m_spEstado->aPosicoes[m_uiIndice], m_spEstado->Veiculo(m_uiIndice)}; }
+    iterator &operator++() {
+      ++m_uiIndice;
+      return *this;
+    }
+    iterator operator++(int) {
+      iterator antes = *this;
+      ++*this;
+      return antes;
+    }
+    friend bool operator==(const iterator &a, const iterator &b) { return a.m_uiIndice == b.m_uiIndice; }
+    friend bool operator!=(const iterator &a, const iterator &b) { return !(a == b); }
+
+  private:
+    friend class CQZResultadoBusca;
+    iterator(std::shared_ptr<Estado> spEstado, std::size_t uiIndice)
+        : m_spEstado(std::move(spEstado)), m_uiIndice(uiIndice) {}
+
+    std::shared_ptr<Estado> m_spEstado;
+    std::size_t m_uiIndice = 0;
+  };
+
+  CQZResultadoBusca(std::shared_ptr<CQZVeiculosHR> spVeiculos, std::vector<LONG> aPosicoes)
+      : m_spEstado(std::make_shared<Estado>()) {
+    m_spEstado->spVeiculos = std::move(spVeiculos);
+    m_spEstado->aPosicoes = std::move(aPosicoes);
+  }
+
+  iterator begin() const { return {m_spEstado, 0}; }
+  iterator end() const { return {m_spEstado, size()}; }
+  const std::vector<LONG> &Posicoes() const { return m_spEstado->aPosicoes; }
+  std::size_t size() const { return Posicoes().size(); }
+  bool empty() const { return Posicoes().empty(); }
+
+private:
+  std::shared_ptr<Estado> m_spEstado;
+};
+
+// Exceptions: constructed is created and initialised. A copy is the same service object.
 class CQZVeiculos {
 public:
   CQZVeiculos(std::string_view sEmpresa, std::uint16_t iUsuario, LONG lNumeroSessao) {
-    VerificaHR(m_veiculos.Cria());
-    VerificaHR(m_veiculos.Inicializa(sEmpresa, iUsuario, lNumeroSessao));
+    VerificaHR(m_spVeiculos->Cria());
+    VerificaHR(m_spVeiculos->Inicializa(sEmpresa, iUsuario, lNumeroSessao));
   }
 
   // Both give the position of the record.
   LONG Inclui(const tagREG_VEICULOPS &veiculo) { return Grava(0, veiculo); }
   LONG Grava(LONG lPos, const tagREG_VEICULOPS &veiculo) {
-    VerificaHR(m_veiculos.Grava(lPos, veiculo));
+    VerificaHR(m_spVeiculos->Grava(lPos, veiculo));
     return lPos;
   }
 
   tagREG_VEICULOPS Le(LONG lPos) {
     tagREG_VEICULOPS veiculo;
-    VerificaHR(m_veiculos.Le(lPos, veiculo));
+    VerificaHR(m_spVeiculos->Le(lPos, veiculo));
     return veiculo;
   }
 
   // The position, 0 when there is none; veiculo is then all zero.
   LONG Existe(std::string_view sCodigo, tagREG_VEICULOPS &veiculo) {
     LONG lPos = 0;
-    VerificaHR(m_veiculos.Existe(sCodigo, lPos, veiculo));
+    VerificaHR(m_spVeiculos->Existe(sCodigo, lPos, veiculo));
     return lPos;
   }
 
+  CQZResultadoBusca Busca(const tagREG_FILTRO_VEICULOSPS &filtro) { return {m_spVeiculos, BuscaPonteiros(filtro)}; }
+
   std::vector<LONG> BuscaPonteiros(const tagREG_FILTRO_VEICULOSPS &filtro) {
     std::vector<LONG> aPosicoes;
-    VerificaHR(m_veiculos.BuscaPonteiros(filtro, aPosicoes));
+    VerificaHR(m_spVeiculos->BuscaPonteiros(filtro, aPosicoes));
     return aPosicoes;
   }
 
   std::vector<tagREG_VEICULOPS> LePonteiros(const std::vector<LONG> &aPosicoes) {
     std::vector<tagREG_VEICULOPS> aVeiculos;
-    VerificaHR(m_veiculos.LePonteiros(aPosicoes, aVeiculos));
+    VerificaHR(m_spVeiculos->LePonteiros(aPosicoes, aVeiculos));
     return aVeiculos;
   }
 
   unsigned GetQuantidadeRegistros() {
     unsigned uiQtd = 0;
-    VerificaHR(m_veiculos.GetQuantidadeRegistros(uiQtd));
+    VerificaHR(m_spVeiculos->GetQuantidadeRegistros(uiQtd));
     return uiQtd;
   }
 
 private:
-  CQZVeiculosHR m_veiculos;
+  std::shared_ptr<CQZVeiculosHR> m_spVeiculos = std::make_shared<CQZVeiculosHR>();
 };
 
 #endif

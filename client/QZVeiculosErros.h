@@ -5,12 +5,7 @@
 
 #include <windows.h>
 
-#include <array>
-#include <cstdint>
-#include <cstdio>
-#include <exception>
-#include <string>
-#include <utility>
+#include "QZVeiculosPadrao.h"
 
 struct CQZTextoErro {
   std::uint32_t uiCodigo;

@@ -1,14 +1,11 @@
 #ifndef KALVO_CLIENT_QZVEICULOSMOEDA_H
 #define KALVO_CLIENT_QZVEICULOSMOEDA_H
 
-// Currency values, signed 64-bit counts of ten-thousandths, from and to decimal text. Integers throughout: a double
-// cannot hold every ten-thousandth of the range.
+// The values of the currency fields (tare, capacities), signed 64-bit counts of ten-thousandths: from and to decimal
+// text, and as a type of their own. Integers throughout: a double cannot hold every ten-thousandth of the range. Names
+// in parentheses where a macro of Windows may bear them too.
 
-#include <cstddef>
-#include <cstdint>
-#include <limits>
-#include <string>
-#include <string_view>
+#include "QZVeiculosPadrao.h"
 
 inline constexpr std::int64_t kUnidadeMoeda = 10000;
 
@@ -22,7 +19,7 @@ inline constexpr std::int64_t kUnidadeMoeda = 10000;
   }
   // The magnitude of the lowest value is one more than that of the highest.
   const std::uint64_t uiLimite =
-      static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()) + (bNegativo ? 1U : 0U);
+      static_cast<std::uint64_t>((std::numeric_limits<std::int64_t>::max)()) + (bNegativo ? 1U : 0U);
   std::uint64_t uiValor = 0;
   const auto acrescenta = [&](unsigned uiDigito) {
     if (uiValor > (uiLimite - uiDigito) / 10) {
@@ -73,5 +70,39 @@ inline std::string TextoDeMoeda(std::int64_t vValor) {
   }
   return sTexto;
 }
+
+// A weight or a volume: what a currency field means, kept apart from plain integers, so that 8200 kg and a field's
+// 82000000 cannot be mistaken for each other.
+class CQZMoeda {
+public:
+  constexpr CQZMoeda() = default;
+
+  // Whole units: kilograms, cubic metres.
+  static constexpr CQZMoeda DeInteiro(std::int32_t iUnidades) { return DeCampo(iUnidades * kUnidadeMoeda); }
+  // What a field of a record holds.
+  static constexpr CQZMoeda DeCampo(std::int64_t vCampo) {
+    CQZMoeda moeda;
+    moeda.m_vCampo = vCampo;
+    return moeda;
+  }
+  // Nothing for what MoedaDeTexto refuses.
+  static std::optional<CQZMoeda> DeTexto(std::string_view sTexto) {
+    CQZMoeda moeda;
+    return MoedaDeTexto(sTexto, moeda.m_vCampo) ? std::optional(moeda) : std::nullopt;
+  }
+
+  constexpr std::int64_t Campo() const { return m_vCampo; }
+  std::string Texto() const { return TextoDeMoeda(m_vCampo); }
+
+  friend constexpr bool operator==(CQZMoeda a, CQZMoeda b) { return a.m_vCampo == b.m_vCampo; }
+  friend constexpr bool operator!=(CQZMoeda a, CQZMoeda b) { return !(a == b); }
+  friend constexpr bool operator<(CQZMoeda a, CQZMoeda b) { return a.m_vCampo < b.m_vCampo; }
+  friend constexpr bool operator>(CQZMoeda a, CQZMoeda b) { return b < a; }
+  friend constexpr bool operator<=(CQZMoeda a, CQZMoeda b) { return !(b < a); }
+  friend constexpr bool operator>=(CQZMoeda a, CQZMoeda b) { return !(a < b); }
+
+private:
+  std::int64_t m_vCampo = 0;
+};
 
 #endif

@@ -6,14 +6,9 @@
 
 #include <windows.h>
 
-#include <cstddef>
-#include <cstring>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "QZVeiculosCampos.h"
 #include "QZVeiculosErros.h"
+#include "QZVeiculosPadrao.h"
 
 // An 8-bit text as the interface's wide text parameters carry it. The marshaller copies up to the first wide zero, that
 // is two zero bytes at an even offset, so the buffer holds such a pair behind the text whether its length is even or

@@ -54,6 +54,7 @@ TEST(Moeda, Table) {
     EXPECT_TRUE(MoedaDeTexto(caso.pTexto, vValor)) << caso.pTexto;
     EXPECT_EQ(vValor, caso.vValor) << caso.pTexto;
     EXPECT_EQ(TextoDeMoeda(caso.vValor), caso.pVolta);
+    EXPECT_EQ(CQZMoeda::DeTexto(caso.pTexto), CQZMoeda::DeCampo(caso.vValor)) << caso.pTexto;
   }
   for (const char *const pRuim :
        {"", "-", ",5", "5,", "1,23456", "1.234,5", "1,2,3", "1 2", "+1", "--1", "1e3", "922337203685477,5808",
@@ -61,7 +62,12 @@ TEST(Moeda, Table) {
     std::int64_t vValor = 77;
     EXPECT_FALSE(MoedaDeTexto(pRuim, vValor)) << pRuim;
     EXPECT_EQ(vValor, 77) << pRuim;
+    EXPECT_EQ(CQZMoeda::DeTexto(pRuim), std::nullopt) << pRuim;
   }
+  // Whole units never leave the range.
+  static_assert(CQZMoeda::DeInteiro(std::numeric_limits<std::int32_t>::min()).Campo() == -21474836480000);
+  static_assert(CQZMoeda::DeInteiro(-1) < CQZMoeda() && CQZMoeda::DeInteiro(2) > CQZMoeda::DeCampo(19999));
+  EXPECT_EQ(CQZMoeda::DeCampo(-5).Texto(), "-0,0005");
 }
 
 }  // namespace

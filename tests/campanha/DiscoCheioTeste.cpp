@@ -119,7 +119,7 @@ TEST_F(DiscoCheio, DizODiscoCheioEVoltaAGravarQuandoHaLugar) {
     }
     std::cout << uiCabem << " vehicles fitted behind the others on the full disk, then 0x80043F08; ";
   }
-  std::cout << m_livro.Confirmadas() << " acknowledged, 0 lost" << std::endl;
+  std::cout << m_livro.Confirmadas() << " acknowledged; " << Veredito() << std::endl;
 }
 
 }  // namespace

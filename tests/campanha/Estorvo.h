@@ -20,7 +20,7 @@ class CEstorvo {
 public:
   enum class Modo {
     SeguraPouco,  ///< holds any file, logs too, for less than a server insists
-    Tudo          ///< holds data files for any time, renames them, makes them read-only, deletes them
+    Tudo          ///< holds files with data for any time, renames them, makes them read-only, deletes them
   };
 
   /// Begins. The folders end with `\`.

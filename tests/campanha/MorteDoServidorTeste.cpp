@@ -65,7 +65,7 @@ TEST_F(MorteDoServidor, OConfirmadoEstaLaEAEmpresaAbre) {
     ASSERT_EQ(Sobras(pEmpresa->Arquivo(""), ".TRA"), std::vector<std::string>());
   }
   soma();
-  std::cout << uiRodadas << " kills, " << uiConfirmadas << " writes acknowledged, 0 lost, 0 companies refused; "
+  std::cout << uiRodadas << " kills, " << uiConfirmadas << " writes acknowledged; " << Veredito() << "; "
             << uiNinguemSoube << " done although nobody was told, " << uiNoMeio << " kills left a noted write"
             << std::endl;
 }

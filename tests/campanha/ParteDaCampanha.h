@@ -40,6 +40,9 @@ protected:
   /// Waits so long, to some microseconds.
   static void Espera(std::chrono::microseconds tempo);
 
+  /// What the part's last line says of what was acknowledged.
+  static const char *Veredito() { return HasFailure() ? "NOT ALL AS IT MUST BE" : "nothing lost"; }
+
   /// A number of seconds from the environment's KALVO_SEGUNDOS, or the one given.
   static unsigned Segundos(unsigned uiSenao);
 

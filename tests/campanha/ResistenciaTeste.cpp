@@ -129,6 +129,7 @@ TEST_F(Resistencia, MemoriaHandlesThreadsEDemoraNaoCrescem) {
   std::vector<Recursos> recursos;
   std::vector<double> demoras;
   std::size_t uiTotal = 0;
+  std::size_t uiTotalFalhas = 0;
   for (unsigned uiFatia = 0; uiFatia < kFatias; ++uiFatia) {
     unsigned uiChamadas = 0;
     double dTempo = 0;
@@ -137,7 +138,7 @@ TEST_F(Resistencia, MemoriaHandlesThreadsEDemoraNaoCrescem) {
       unsigned uiFalhas = 1;
       double dDele = 0;
       std::istringstream(cliente.LeLinha()) >> uiDele >> dDele >> uiFalhas;
-      EXPECT_EQ(uiFalhas, 0U) << "calls that failed";
+      uiTotalFalhas += uiFalhas;
       uiChamadas += uiDele;
       dTempo += dDele;
     }
@@ -153,8 +154,9 @@ TEST_F(Resistencia, MemoriaHandlesThreadsEDemoraNaoCrescem) {
     EXPECT_EQ(cliente.Espera(), 0);
   }
   EXPECT_EQ(WaitForSingleObject(servidores[0].get(), 0), static_cast<DWORD>(WAIT_TIMEOUT)) << "the server has ended";
-  std::cout << uiTotal << " calls of " << kClientes << " clients on " << kEmpresas << " companies, 0 failed"
-            << std::endl;
+  std::cout << uiTotal << " calls of " << kClientes << " clients on " << kEmpresas << " companies, " << uiTotalFalhas
+            << " failed" << std::endl;
+  EXPECT_EQ(uiTotalFalhas, 0U);
   // Companies come and go, and threads with them: from the second slice on the most that was in use is looked at.
   const auto maior = [&](auto membro, unsigned uiDe, unsigned uiAte) {
     auto valor = recursos[uiDe].*membro;

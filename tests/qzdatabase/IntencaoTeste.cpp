@@ -113,6 +113,19 @@ TEST_F(Intencao, Criacao) {
   EXPECT_EQ(anotada(), Criacao::Nada);
 }
 
+/// A file that was found whole is missed when it goes, although the process ended within its first write.
+TEST_F(Intencao, PrimeiraGravacaoInteiraContaComoCriada) {
+  std::uint64_t uiPosicao = 0;
+  ASSERT_EQ(Abre(), codigos::kOk);
+  ASSERT_EQ(ComBanco::Arquivo().Grava(uiPosicao, Registro(1)), codigos::kOk);
+  ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
+  Anota(Acrescimo("", Bytes(1, 1)));
+  EXPECT_EQ(Abre(), codigos::kOk);
+  EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
+  ASSERT_FALSE(plataforma::Arquivos().Apaga(m_sCaminho));
+  EXPECT_EQ(Abre(), codigos::kArquivoDesapareceu);
+}
+
 /// The companion is there while the file is open and has been written to, notes nothing between two writes, and goes
 /// while the file still keeps others out.
 TEST_F(Intencao, VidaDoCompanheiro) {

@@ -174,6 +174,9 @@ HRESULT CQZFileBase::AposAbrir(EModoAbertura eModoAbertura) {
   } else if (!MemoriaServe()) {
     m_eMemoria = EMemoria::IgualAoArquivo;
   }
+  if (!Falhou(hr) && m_bACriar) {
+    ReconheceCriacao();
+  }
   return hr;
 }
 
@@ -307,10 +310,23 @@ Veredito CQZFileBase::AposTentativaFalha(HRESULT hr) {
 void CQZFileBase::ConfirmaGravacao() {
   m_transacao.Confirma();
   if (m_bACriar) {
-    m_bACriar = false;
-    // With a header the companion is in use by now, and goes when the file is closed.
-    plataforma::ChamaCodigoEstrangeiro([this] { CQZIntencaoGravacao::Esquece(CaminhoCompleto()); });
+    ConcluiCriacao();
   }
+}
+
+/// What an interrupted creation has come to was found whole: from here on the file's absence means that it has gone.
+void CQZFileBase::ReconheceCriacao() {
+  const bool bExaminado = m_abertura.Modo() != eModoLeituraCompartilhada && !m_transacao.Pendente();
+  std::uint64_t uiTamanho = 0;
+  if (bExaminado && !TamanhoDados(&uiTamanho) && uiTamanho != 0) {
+    ConcluiCriacao();
+  }
+}
+
+void CQZFileBase::ConcluiCriacao() {
+  m_bACriar = false;
+  // With a header the companion may be in use by now, and goes when the file is closed.
+  plataforma::ChamaCodigoEstrangeiro([this] { CQZIntencaoGravacao::Esquece(CaminhoCompleto()); });
 }
 
 void CQZFileBase::DesfazCriacao() {

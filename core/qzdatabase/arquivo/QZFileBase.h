@@ -222,6 +222,8 @@ private:
   plataforma::FalhaArquivo ExaminaCabecalho(HRESULT *phr);
   bool ReparaGravacaoInterrompida();
   bool CriacaoInterrompida(bool bExiste) const;
+  void ReconheceCriacao();
+  void ConcluiCriacao();
   [[nodiscard]] HRESULT AtualizaCabecalho();
 
   CString m_sNomeArquivo;

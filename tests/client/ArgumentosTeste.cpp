@@ -53,8 +53,8 @@ TEST(Argumentos, WrongUsageNamesTheOption) {
     const char *pTrecho;
   } aCasos[] = {
       {{}, "falta o comando"},
-      {{"apaga"}, "desconhecido: apaga"},
       {{"inporta", "x"}, "\"importa\""},
+      {{"el", "1"}, "\"le\""},
       {{"diag"}, "\"diagnostico\""},
       {{"grava", "--renavan", "1"}, "\"renavam\""},
       {{"busca", "--cor", "azul"}, "--cor"},
@@ -71,6 +71,7 @@ TEST(Argumentos, WrongUsageNamesTheOption) {
     const std::string sErro = ErroUso([&] { Le(caso.aTextos); });
     EXPECT_NE(sErro.find(caso.pTrecho), std::string::npos) << caso.pTrecho << " / " << sErro;
   }
+  EXPECT_EQ(ErroUso([] { Le({"apaga"}); }), "comando desconhecido: apaga");
   EXPECT_NE(ErroUso([] { CArgumentos(CTextos{"conta"}, ProgramaVeiculos()); }).find("--empresa"), std::string::npos);
   EXPECT_NE(ErroUso([] {
               UsuarioDeArgumentos(Le({"conta", "--usuario", "65536"}));

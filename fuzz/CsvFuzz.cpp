@@ -14,6 +14,7 @@
 
 #include "client/Campos.h"
 #include "client/Codificacao.h"
+#include "client/ConteudoTexto.h"
 #include "client/LeitorCsv.h"
 #include "client/QZVeiculosMoeda.h"
 #include "client/Saida.h"
@@ -28,6 +29,7 @@ using Veiculo = tagREG_VEICULOPS;
 using Partes = std::vector<std::string>;
 
 constexpr std::string_view kMarca = "\xEF\xBB\xBF";
+constexpr std::size_t kPosicao = 15;  ///< in kColunas, taken and not used
 constexpr std::array kColunas = {"codigo", "placa", "uf", "descricao", "ano",     "antt",    "carroceria", "rodado",
                                  "tipo",   "tara",  "kg", "m3",        "renavam", "cliente", "transporte", "posicao"};
 
@@ -54,30 +56,49 @@ std::optional<std::string> De8(std::string_view sUtf8) {
   return sTexto;
 }
 
-/// The fields of a line; nothing when its quotes are wrong.
-std::optional<Partes> Separa(std::string_view sLinha) {
+/// Whether a line ends at a place, or the text does.
+bool FimDeLinha(std::string_view sTexto, std::size_t i) {
+  const bool bRetorno = i < sTexto.size() && sTexto[i] == '\r';
+  return i + (bRetorno ? 1 : 0) == sTexto.size() || sTexto[i + (bRetorno ? 1 : 0)] == '\n';
+}
+
+/// The fields of the line at a place, which moves behind it; several lines where quotes hold their ends. Nothing when
+/// the quotes are wrong: the first line alone is passed over then. Quotes that hold a line end close within 512 bytes.
+std::optional<Partes> Separa(std::string_view sTexto, std::size_t *puiLugar) {
   enum class Onde { Inicio, Livre, EntreAspas, AposAspas } eOnde = Onde::Inicio;
   Partes partes(1);
-  for (const char c : sLinha) {
-    if (c == '"') {
-      if (eOnde == Onde::Livre) {
-        return std::nullopt;
-      }
-      if (eOnde == Onde::AposAspas) {
-        partes.back() += c;
-      }
+  bool bBom = true;
+  bool bVariasLinhas = false;
+  std::size_t i = *puiLugar;
+  for (; bBom && (eOnde == Onde::EntreAspas || !FimDeLinha(sTexto, i)); ++i) {
+    if (i == sTexto.size()) {
+      bBom = false;
+      break;
+    }
+    const char c = sTexto[i];
+    const bool bDobradas = c == '"' && eOnde == Onde::AposAspas;
+    if (c == '"' && eOnde != Onde::Livre && !bDobradas) {
       eOnde = eOnde == Onde::EntreAspas ? Onde::AposAspas : Onde::EntreAspas;
     } else if (c == ';' && eOnde != Onde::EntreAspas) {
       partes.emplace_back();
       eOnde = Onde::Inicio;
-    } else if (eOnde == Onde::AposAspas) {
-      return std::nullopt;
+    } else if ((c == '"' && !bDobradas) || (eOnde == Onde::AposAspas && !bDobradas)) {
+      bBom = false;
     } else {
+      bBom = !bVariasLinhas || partes.back().size() <= 512 || (eOnde != Onde::EntreAspas && !bDobradas);
       partes.back() += c;
-      eOnde = eOnde == Onde::Inicio ? Onde::Livre : eOnde;
+      bVariasLinhas = bVariasLinhas || (eOnde == Onde::EntreAspas && c == '\n');
+      eOnde = bDobradas ? Onde::EntreAspas : eOnde == Onde::Inicio ? Onde::Livre : eOnde;
     }
+    bVariasLinhas = bVariasLinhas && (eOnde == Onde::EntreAspas || eOnde == Onde::AposAspas);
   }
-  return eOnde == Onde::EntreAspas ? std::nullopt : std::optional(partes);
+  if (!bBom) {
+    *puiLugar = std::min(sTexto.find('\n', *puiLugar), sTexto.size() - 1) + 1;
+    return std::nullopt;
+  }
+  i += i < sTexto.size() && sTexto[i] == '\r' ? 1 : 0;
+  *puiLugar = std::min(i + 1, sTexto.size());
+  return partes;
 }
 
 template <std::size_t N>
@@ -90,7 +111,7 @@ bool Define(const std::string &sValor, char (&campo)[N]) {
   return true;
 }
 bool Define(const std::string &sValor, std::int64_t &vCampo) {
-  return MoedaDeTexto(sValor, vCampo) && vCampo >= 0;
+  return MoedaDeTexto(sValor, vCampo);
 }
 template <typename T>
 bool Define(const std::string &sValor, T &campo) {
@@ -142,78 +163,71 @@ bool DefineColuna(std::size_t uiColuna, const std::string &sValor, Veiculo *pVei
   }
 }
 
-/// The lines that are not empty, with their numbers, and whether they are UTF-8.
+/// The lines that are not empty, with their numbers.
 class Linhas {
 public:
-  explicit Linhas(std::string_view sTexto) : m_bUtf8(sTexto.starts_with(kMarca)) {
-    std::string sLinha;
-    std::size_t uiNumero = 1;
-    const auto junta = [&] {
-      if (!sLinha.empty() && sLinha.back() == '\r') {
-        sLinha.pop_back();
+  explicit Linhas(const CConteudoTexto &conteudo) : m_bUtf8(conteudo.bUtf8) {
+    const std::string_view sTexto = conteudo.sTexto;
+    for (std::size_t i = 0; i < sTexto.size();) {
+      const std::size_t uiAntes = i;
+      if (FimDeLinha(sTexto, i)) {
+        i += sTexto[i] == '\r' ? 1 : 0;
+        i = std::min(i + 1, sTexto.size());
+        continue;
       }
-      if (!sLinha.empty()) {
-        m_linhas.emplace_back(uiNumero, sLinha);
-      }
-      sLinha.clear();
-      ++uiNumero;
-    };
-    for (const char c : sTexto.substr(m_bUtf8 ? kMarca.size() : 0)) {
-      if (c == '\n') {
-        junta();
-      } else {
-        sLinha += c;
-      }
+      const auto uiNumero = static_cast<std::size_t>(std::count(sTexto.begin(), sTexto.begin() + uiAntes, '\n') + 1);
+      m_linhas.emplace_back(uiNumero, Separa(sTexto, &i));
     }
-    junta();
   }
 
   std::size_t Quantas() const { return m_linhas.size(); }
   std::size_t Numero(std::size_t i) const { return m_linhas[i].first; }
-  std::optional<Partes> PartesDe(std::size_t i) const {
-    const std::optional<std::string> sLinha = m_bUtf8 ? De8(m_linhas[i].second) : m_linhas[i].second;
-    return sLinha ? Separa(*sLinha) : std::nullopt;
+
+  /// Places in kColunas; nothing for a header that cannot be used.
+  std::optional<std::vector<std::size_t>> Colunas() const {
+    if (m_linhas.empty() || !m_linhas[0].second) {
+      return std::nullopt;
+    }
+    std::vector<std::size_t> colunas;
+    for (const std::string &sNome : *m_linhas[0].second) {
+      const auto uiColuna =
+          static_cast<std::size_t>(std::find(kColunas.begin(), kColunas.end(), sNome) - kColunas.begin());
+      if (uiColuna == kColunas.size() || std::find(colunas.begin(), colunas.end(), uiColuna) != colunas.end()) {
+        return std::nullopt;
+      }
+      colunas.push_back(uiColuna);
+    }
+    return colunas;
+  }
+
+  std::optional<Veiculo> VeiculoDe(std::size_t uiLinha, const std::vector<std::size_t> &colunas) const {
+    const std::optional<Partes> &partes = m_linhas[uiLinha].second;
+    Veiculo v{};
+    if (!partes || partes->size() != colunas.size()) {
+      return std::nullopt;
+    }
+    for (std::size_t i = 0; i < colunas.size(); ++i) {
+      const bool bUsada = colunas[i] != kPosicao && !(*partes)[i].empty();
+      const std::optional<std::string> sValor = bUsada && m_bUtf8 ? De8((*partes)[i]) : (*partes)[i];
+      if (bUsada && (!sValor || !DefineColuna(colunas[i], *sValor, &v))) {
+        return std::nullopt;
+      }
+    }
+    return v;
   }
 
 private:
   bool m_bUtf8;
-  std::vector<std::pair<std::size_t, std::string>> m_linhas;
+  std::vector<std::pair<std::size_t, std::optional<Partes>>> m_linhas;
 };
-
-/// Places in kColunas; nothing for a header that cannot be used.
-std::optional<std::vector<std::size_t>> Colunas(const Linhas &linhas) {
-  const std::optional<Partes> nomes = linhas.Quantas() != 0 ? linhas.PartesDe(0) : std::nullopt;
-  std::vector<std::size_t> colunas;
-  for (const std::string &sNome : nomes.value_or(Partes())) {
-    const auto uiColuna =
-        static_cast<std::size_t>(std::find(kColunas.begin(), kColunas.end(), sNome) - kColunas.begin());
-    if (uiColuna == kColunas.size() || std::find(colunas.begin(), colunas.end(), uiColuna) != colunas.end()) {
-      return std::nullopt;
-    }
-    colunas.push_back(uiColuna);
-  }
-  return nomes ? std::optional(colunas) : std::nullopt;
-}
-
-std::optional<Veiculo> VeiculoDe(const std::optional<Partes> &partes, const std::vector<std::size_t> &colunas) {
-  Veiculo v{};
-  if (!partes || partes->size() != colunas.size()) {
-    return std::nullopt;
-  }
-  for (std::size_t i = 0; i < colunas.size(); ++i) {
-    if (!(*partes)[i].empty() && !DefineColuna(colunas[i], (*partes)[i], &v)) {
-      return std::nullopt;
-    }
-  }
-  return v;
-}
 
 // What is checked.
 
 void ConfereVolta(const Veiculo &v) {
-  const std::string sCsv = TituloCsv() + LinhaCsv(7, v);
-  for (const std::string &sTexto : {sCsv, std::string(kMarca) + De1252Para8(sCsv)}) {
-    CLeitorCsv leitor(sTexto);
+  const std::string sCsv = TituloCsv() + "\r\n" + LinhaCsv(7, v) + "\r\n";
+  for (const CConteudoTexto &conteudo :
+       {CConteudoTexto{sCsv, false, ""}, Decodifica(std::string(kMarca) + De1252Para8(sCsv), std::nullopt)}) {
+    CLeitorCsv leitor(conteudo);
     const std::optional<CLinhaCsv> linha = leitor.Proxima();
     Exige(linha && linha->sErro.empty() && Bytes(linha->veiculo) == Bytes(v), "the program's own CSV");
     Exige(!leitor.Proxima(), "one vehicle, one line");
@@ -221,11 +235,13 @@ void ConfereVolta(const Veiculo &v) {
 }
 
 void ConfereTexto(const std::string &sTexto) {
-  const Linhas linhas(sTexto);
-  const std::optional<std::vector<std::size_t>> colunas = Colunas(linhas);
+  const bool bMarca = sTexto.starts_with(kMarca);
+  const CConteudoTexto conteudo{sTexto.substr(bMarca ? kMarca.size() : 0), bMarca, ""};
+  const Linhas linhas(conteudo);
+  const std::optional<std::vector<std::size_t>> colunas = linhas.Colunas();
   std::optional<CLeitorCsv> leitor;
   try {
-    leitor.emplace(sTexto);
+    leitor.emplace(conteudo);
   } catch (const CErroCsv &) {
     return Exige(!colunas, "a header that is refused");
   }
@@ -235,7 +251,7 @@ void ConfereTexto(const std::string &sTexto) {
     const std::optional<CLinhaCsv> linha = leitor->Proxima();
     Exige(linha && linha->uiLinha == linhas.Numero(i), "the number of a line");
     Exige(leitor->Lidos() > uiAntes && leitor->Lidos() <= leitor->Tamanho(), "the progress of the reading");
-    const std::optional<Veiculo> esperado = VeiculoDe(linhas.PartesDe(i), *colunas);
+    const std::optional<Veiculo> esperado = linhas.VeiculoDe(i, *colunas);
     Exige(linha->sErro.empty() == esperado.has_value(), "a line that is taken or refused");
     if (esperado) {
       Exige(Bytes(linha->veiculo) == Bytes(*esperado), "the vehicle of a line");
@@ -253,16 +269,26 @@ void ConfereCampos(const Veiculo &v) {
     const auto uiColuna =
         static_cast<std::size_t>(std::find(kColunas.begin(), kColunas.end(), campo.sNome) - kColunas.begin());
     Veiculo esperado{};
-    const bool bAceita = DefineColuna(uiColuna, sTexto, &esperado);
-    Exige(bAceita || campo.eTipo == eCampo::moeda, "only a negative value has no text that its field takes");
-    try {
-      DefineCampo(campo, sTexto, &lido);
-      Exige(bAceita && Bytes(lido) == Bytes(esperado), "the text of a field");
-      Exige(TextoCampo(campo, &lido) == sTexto, "the text of what was set by it");
-    } catch (const CErroCampo &) {
-      Exige(!bAceita && Bytes(lido) == Bytes(Veiculo{}), "a refusal sets nothing");
-    }
+    Exige(DefineColuna(uiColuna, sTexto, &esperado), "a text that its field takes");
+    DefineCampo(campo, sTexto, &lido);
+    Exige(Bytes(lido) == Bytes(esperado), "the text of a field");
+    Exige(TextoCampo(campo, &lido) == sTexto, "the text of what was set by it");
   }
+}
+
+/// Any file is text or refused; what a mark says of one is so.
+void ConfereCodificacao(const std::string &sTexto) {
+  const CConteudoTexto marcado = Decodifica(std::string(kMarca) + sTexto, std::nullopt);
+  Exige(marcado.bUtf8 && marcado.sTexto == sTexto && marcado.sAviso.empty(), "a text with a mark");
+  try {
+    const CConteudoTexto conteudo = Decodifica(sTexto, std::nullopt);
+    Exige(!conteudo.bUtf8 || De8Para1252(conteudo.sTexto) || !conteudo.sAviso.empty() || sTexto != conteudo.sTexto,
+          "what is taken for UTF-8 without a mark is told");
+  } catch (const CErroCodificacao &) {
+    Exige(sTexto.size() >= 2, "a refusal of what has no beginning");
+  }
+  const std::string sUtf16 = Codifica(sTexto, eCodificacao::utf16le);
+  Exige(De8Para1252(Decodifica(sUtf16, eCodificacao::utf16le).sTexto) == sTexto, "UTF-16 and back");
 }
 
 /// A header of known columns in any order, one of them perhaps twice.
@@ -287,6 +313,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qt
       break;
     case 2: {
       const std::string sTexto = entrada.Resto();
+      ConfereCodificacao(sTexto);
       Exige(De8Para1252(sTexto) == De8(sTexto), "Windows-1252 of UTF-8");
       Exige(De8Para1252(De1252Para8(sTexto)) == sTexto && De16Para1252(De1252Para16(sTexto)) == sTexto,
             "a text in another character set and back");

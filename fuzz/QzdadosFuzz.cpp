@@ -50,13 +50,13 @@ int Roda(const std::vector<std::string> &aTextos, std::string *psSaida = nullptr
 
 /// The CSV listing of vehicles.
 std::string CsvDe(const std::string &sRegistros) {
-  std::string sCsv = TituloCsv();
+  std::string sCsv = TituloCsv() + "\n";
   for (std::size_t i = 0; i < sRegistros.size() / sizeof(RegVeiculo); ++i) {
     RegVeiculo reg;
     std::memcpy(&reg, sRegistros.data() + i * sizeof(reg), sizeof(reg));
     tagREG_VEICULOPS veiculo;
     CopiaParaInterface(reg, &veiculo);
-    sCsv += LinhaCsv(static_cast<std::int64_t>(i + 1), veiculo);
+    sCsv += LinhaCsv(static_cast<std::int64_t>(i + 1), veiculo) + "\n";
   }
   return sCsv;
 }

@@ -19,12 +19,15 @@ bool ServidorSeFoi(HRESULT hr) {
          HRESULT_CODE(hr) <= RPC_S_CALL_FAILED_DNE;
 }
 
-/// Creates an object and lets it go.
-int Acorda(const std::vector<std::string> & /*argumentos*/) {
+/// Has an object until its input ends.
+int Segura(const std::vector<std::string> & /*argumentos*/) {
   const Apartamento apartamento;
-  return Cria() ? 0 : 1;
+  const Veiculos spVeiculos = Cria();
+  std::cout << (spVeiculos ? "pronto" : "") << std::endl;
+  std::cin.get();
+  return 0;
 }
-const apoio::RegistraFilha kAcorda("campanha-acorda", Acorda);
+const apoio::RegistraFilha kSegura("campanha-segura", Segura);
 
 /// Reads all vehicles and prints the result and their numbers.
 int LeTudo(const std::vector<std::string> &argumentos) {
@@ -173,8 +176,8 @@ std::vector<Gravacao> LeLinhas(const std::vector<std::string> &linhas, std::map<
 
 }  // namespace
 
-void IniciaServidor() {
-  if (apoio::ProcessoFilho("campanha-acorda").Espera() != 0) {
+CSeguraServidor::CSeguraServidor() {
+  if (m_cliente.LeLinha() != "pronto") {
     throw std::runtime_error("no server");
   }
 }

@@ -17,8 +17,14 @@ namespace campanha {
 
 /// Client programs, each a process with an object of its own. What they are told is kept as they are told it.
 
-/// Has a server started, or finds the one that runs; it stays for some seconds.
-void IniciaServidor();
+/// A client that has an object, and does nothing with it, for as long as it lives: its server does not end by itself.
+class CSeguraServidor {
+public:
+  CSeguraServidor();
+
+private:
+  apoio::ProcessoFilho m_cliente{"campanha-segura"};
+};
 
 /// The vehicles of a company as a new client reads them.
 struct Leitura {

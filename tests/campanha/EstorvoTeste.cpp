@@ -45,7 +45,7 @@ protected:
   void SetUp() override {
     ParteDaCampanha::SetUp();
     LigaLogs();
-    IniciaServidor();
+    m_spSegura = std::make_unique<CSeguraServidor>();
     m_idServidor = IdsDosServidores();
     ASSERT_EQ(m_idServidor.size(), 1U);
     for (const CEscritores::Modo &modo : {kInquieto, kInquietos, kSossegado}) {
@@ -111,6 +111,7 @@ protected:
     return uiTotal;
   }
 
+  std::unique_ptr<CSeguraServidor> m_spSegura;
   std::vector<CompanhiaEmUso> m_companhias;
   std::vector<DWORD> m_idServidor;
 };

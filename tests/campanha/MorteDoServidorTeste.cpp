@@ -47,7 +47,6 @@ TEST_F(MorteDoServidor, OConfirmadoEstaLaEAEmpresaAbre) {
       soma();
       pEmpresa = &OutraEmpresa();
       livro = CLivro();
-      IniciaServidor();
     }
     CEscritores escritores(pEmpresa->Codigo(), {.uiQtd = 3}, livro, m_gerador);
     escritores.Comeca();

@@ -14,11 +14,11 @@ using namespace apoiocom;
 namespace campanha {
 namespace {
 
-/// A third of the kills fall somewhere into the opening, a third into what follows the new records, the others into
-/// what follows the journal.
+/// A third of the kills fall somewhere into the opening, a third into what follows the file of the new records, the
+/// others into what follows its move onto the old one.
 constexpr unsigned kAberturaMs = 80;
 constexpr unsigned kDepoisMs = 3;
-constexpr const char *kDepoisDe[] = {nullptr, "DFVEIC.TRA", "DFVEIVSD.TRA"};
+enum Momento { kNaAbertura, kComRegistrosNovos, kDepoisDaTroca, kMomentos };
 
 /// Has an object, opens the company when told to, and tells the result.
 int Abridor(const std::vector<std::string> &argumentos) {
@@ -44,12 +44,21 @@ std::string Base(char cPrimeiro, char cFim) {
 constexpr char kPrimeiro = '0';
 constexpr char kFim = kPrimeiro + 50;
 
+/// The letter that each record begins with.
+std::string Letras(const std::string &bytes) {
+  std::string letras;
+  for (std::size_t i = 0; i < bytes.size(); i += 256) {
+    letras += bytes[i];
+  }
+  return letras;
+}
+
 class MorteNaConversao : public ParteDaCampanha {
 protected:
-  /// Waits until the server makes a file, or a second.
-  static void EsperaArquivo(const CString &sCaminho) {
+  /// Waits until the server makes a file, or takes it away, or a second.
+  static void EsperaQue(bool bExista, const CString &sCaminho) {
     const auto fim = std::chrono::steady_clock::now() + std::chrono::seconds(1);
-    while (!apoio::ExisteNoDisco(sCaminho) && std::chrono::steady_clock::now() < fim) {
+    while (apoio::ExisteNoDisco(sCaminho) != bExista && std::chrono::steady_clock::now() < fim) {
     }
   }
 };
@@ -78,11 +87,11 @@ TEST_F(MorteNaConversao, SoOPrimeiroRegistroSaiEUmaVez) {
       cliente.EnviaLinha("vai");
     }
     if (uiRodada % 3 != 2) {
-      const char *const lpDepoisDe = kDepoisDe[m_gerador() % std::size(kDepoisDe)];
-      if (lpDepoisDe != nullptr) {
-        EsperaArquivo(empresa.Arquivo(lpDepoisDe));
+      const auto eMomento = static_cast<Momento>(m_gerador() % kMomentos);
+      for (int i = kComRegistrosNovos; i <= eMomento; ++i) {
+        EsperaQue(i == kComRegistrosNovos, empresa.Arquivo("DFVEIC.TRA"));
       }
-      Espera(Sorteia(lpDepoisDe != nullptr ? kDepoisMs : kAberturaMs));
+      Espera(Sorteia(eMomento == kNaAbertura ? kAberturaMs : kDepoisMs));
       Mata(servidores[m_gerador() % servidores.size()].get());
       ++uiMortas;
     }
@@ -96,7 +105,7 @@ TEST_F(MorteNaConversao, SoOPrimeiroRegistroSaiEUmaVez) {
 
     const Leitura leitura = LeEmpresa(empresa.Codigo());
     ASSERT_EQ(Bits(leitura.hr), Bits(S_OK)) << "the company does not open";
-    ASSERT_EQ(Registros(empresa), Base(kPrimeiro + 1, kFim));
+    ASSERT_TRUE(Registros(empresa) == Base(kPrimeiro + 1, kFim)) << Letras(Registros(empresa));
     ASSERT_EQ(Sobras(empresa.Arquivo(""), ".TRA"), std::vector<std::string>());
   }
   std::cout << uiRodadas << " conversions, " << uiMortas << " with a kill, of which " << uiNoMeio

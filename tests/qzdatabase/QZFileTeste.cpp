@@ -165,12 +165,13 @@ TEST_F(ArquivoDeRegistros, UmRegistroAusenteOuDeOutroTamanho) {
   EXPECT_EQ(reg, outro);
   EXPECT_EQ(Disco("UNICO.DAT").back(), 'b');
   Poe("TESTE.DAT", Bytes(1, 1));
+  Poe("TEXTO.DAT", Linhas({"um"}));
   for (const char *conteudo : {"", "fifteen letters", "seventeen letters"}) {
     Poe("UNICO.DAT", conteudo);
     {
       BancoTeste banco;
       EXPECT_EQ(banco.Inicializa(m_empresa.Dono()), codigos::kTamanhoDiferente);
-      EXPECT_FALSE(banco.m_Registros.ExisteArquivo()) << "what was open already is closed";
+      EXPECT_FALSE(banco.m_Texto.ExisteArquivo() || banco.m_Registros.ExisteArquivo()) << "open already, and closed";
     }
     EXPECT_EQ(m_empresa.Le("UNICO.DAT"), conteudo);
   }

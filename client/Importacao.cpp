@@ -30,7 +30,6 @@ void ImportaCsv(CLeitorCsv leitor, std::size_t uiDesdeLinha, CCodigosConhecidos 
       ++resultado.uiGravados;
       resultado.uiUltimaGravada = linha->uiLinha;
     }
-    resultado.uiProximaLinha = linha->uiProxima;
     passos.MostraProgresso(leitor.Lidos(), leitor.Tamanho());
   }
 }

@@ -21,7 +21,7 @@ struct CResultadoImportacao {
   std::size_t uiRecusados = 0;
   std::size_t uiRepetidos = 0;
   std::size_t uiUltimaGravada = 0;  // line; 0: none
-  std::size_t uiProximaLinha = 0;   // where to go on: the line that Grava raised for, or the first not looked at
+  std::size_t uiProximaLinha = 0;   // where an import that stopped goes on: the line that was not written
   bool bParada = false;             // Parar asked for it
 };
 

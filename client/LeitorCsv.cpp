@@ -169,6 +169,5 @@ std::optional<CLinhaCsv> CLeitorCsv::Proxima() {
   } catch (const CErroCampo &erro) {
     linha.sErro = (sColuna.empty() ? std::string() : std::string(sColuna) + ": ") + erro.what();
   }
-  linha.uiProxima = m_uiLinha;
   return linha;
 }

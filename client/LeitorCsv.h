@@ -28,8 +28,7 @@ public:
 };
 
 struct CLinhaCsv {
-  std::size_t uiLinha = 0;    // 1-based line of the file, the first one of several
-  std::size_t uiProxima = 0;  // the line behind it
+  std::size_t uiLinha = 0;  // 1-based line of the file, the first one of several
   tagREG_VEICULOPS veiculo{};
   std::string sErro;  // empty when the vehicle is good
 };

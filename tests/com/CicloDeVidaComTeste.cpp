@@ -118,8 +118,7 @@ TEST(CicloDeVidaCom, ServidorQueNinguemUsaTermina) {
   const std::vector<Handle> ativados = Servidores();
   std::string sDiagnostico;
   Executa(PastaDoPrograma() + "veiculos.exe", "diagnostico", &sDiagnostico);
-  EXPECT_EQ(sDiagnostico.find("servidores desta conta e sess\xE3o") != std::string::npos, ativados.size() > 1)
-      << sDiagnostico;
+  EXPECT_EQ(sDiagnostico.find("deixou sem cliente") != std::string::npos, ativados.size() > 1) << sDiagnostico;
 
   const Handle hManual = IniciaKalvo();
   ASSERT_TRUE(hManual);

@@ -40,6 +40,7 @@ install(
         docs/installation.md
         docs/message-library.md
         docs/offline-tool.md
+        docs/reliability.md
         docs/third-party.md
   DESTINATION docs)
 # The notices of what the compiler links in, as Debian ships them.

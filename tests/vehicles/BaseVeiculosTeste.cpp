@@ -111,8 +111,9 @@ TEST_F(Registro, PosicoesRuins) {
     const HRESULT hr = !bRuim ? codigos::kOk : lRuim == 0 ? codigos::kPosicaoZero : codigos::kPosicaoAlemDoFim;
     EXPECT_EQ(m_base.LePonteiros(kQtd, posicoes.data(), lidos.data()), hr);
     for (std::size_t i = 0; i < kQtd; ++i) {
-      const std::string codigo(1, static_cast<char>('A' + posicoes[i] - 1));
-      ASSERT_EQ(Bytes(lidos[i]), i < ruim ? Bytes(Veiculo(codigo)) : std::string(168, '\0')) << i;
+      const bool bLido = i < ruim;
+      const std::string codigo(1, "?ABC"[bLido ? posicoes[i] : 0]);
+      ASSERT_EQ(Bytes(lidos[i]), bLido ? Bytes(Veiculo(codigo)) : std::string(168, '\0')) << i;
     }
     const std::string sCodigo = lRuim == 0 ? "((HRESULT)0x810809D9L)" : "((HRESULT)0x810809DAL)";
     const std::vector<std::string> cadeia = {

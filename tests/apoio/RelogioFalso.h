@@ -1,6 +1,7 @@
 #ifndef KALVO_TESTS_APOIO_RELOGIOFALSO_H
 #define KALVO_TESTS_APOIO_RELOGIOFALSO_H
 
+#include <atomic>
 #include <functional>
 #include <mutex>
 #include <utility>
@@ -35,7 +36,7 @@ public:
   }
 
   /// What the clock shows; to be set while no other thread uses it.
-  std::uint32_t m_ticks = 1000;
+  std::atomic<std::uint32_t> m_ticks = 1000;
   std::uint32_t m_passo = 0;  ///< between two looks at the clock
   plataforma::CamposData m_horaLocal{2025, 11, 5, 21, 9, 5, 7, 42};
   std::uint64_t m_deslocamentoUtc = std::uint64_t{3} * 3600 * 10000000;

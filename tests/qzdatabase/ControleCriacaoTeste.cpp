@@ -62,6 +62,20 @@ TEST_F(Controle, ArquivoListadoQueSumiuERelatado) {
   EXPECT_EQ(Abre(), codigos::kOk);
   ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
 
+  // One that goes between the look at it and its opening is no other; on purpose, it never was.
+  for (const bool bDeProposito : {false, true}) {
+    m_empresa.Escreve("TESTE.DAT", sBom);
+    m_falhas.Arma(AntesDeAbrir("TESTE.DAT", [&] {
+      Apaga("TESTE.DAT");
+      if (bDeProposito) {
+        Poe(kArquivoControle, Linhas({""}));
+      }
+    }));
+    EXPECT_EQ(Abre(), bDeProposito ? codigos::kOk : codigos::kArquivoDesapareceu);
+    EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
+  }
+  Cria();
+
   // A creation that was interrupted is none any more once the file has its content.
   CQZIntencaoGravacao::AnotaCriacao(m_empresa.Caminho("TESTE.DAT"), "TESTE.DAT");
   EXPECT_EQ(Abre(), codigos::kOk);

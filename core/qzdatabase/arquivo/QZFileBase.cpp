@@ -75,8 +75,8 @@ private:
 };
 
 /// `bCriando` is set for the two opens of CriaEAbre: the creation leaves alone what is there by then, and a file that
-/// is missing again is not created again.
-HRESULT CQZFileBase::AbreNoModo(EModoAbertura eModoAbertura, bool bCriando) {
+/// is missing again is not created again. `bOutraVez` is set for the second look at a file that went meanwhile.
+HRESULT CQZFileBase::AbreNoModo(EModoAbertura eModoAbertura, bool bCriando, bool bOutraVez) {
   const CQZOperacao rastro(this, {"CQZFileBase::AbreArquivo"}, kFonte);
   if (m_abertura.Modo() == eModoAbertura && MemoriaServe()) {
     return codigos::kOk;
@@ -91,8 +91,9 @@ HRESULT CQZFileBase::AbreNoModo(EModoAbertura eModoAbertura, bool bCriando) {
   // Consulted while the file is still open: a failure leaves the object as it was. A list that has got an entry is held
   // until the file is there, or another program would find the one without the other.
   std::unique_ptr<IListaCriados> pLista;
+  bool bListadoEPresente = false;
   QZ_VERIFICA(rastro, "GerenciaControleCriacaoArquivos(eModoAbertura)",
-              GerenciaControleCriacaoArquivos(eModoAbertura, &pLista));
+              GerenciaControleCriacaoArquivos(eModoAbertura, &pLista, &bListadoEPresente));
 
   const EModoAbertura eModoAnterior = m_abertura.Modo();
   const EMemoria eMemoriaAnterior = m_eMemoria;
@@ -108,6 +109,12 @@ HRESULT CQZFileBase::AbreNoModo(EModoAbertura eModoAbertura, bool bCriando) {
   // A file whose content is in memory, and which is gone, is told and never taken for one that has yet to be created.
   if (!m_bExistiu) {
     m_eMemoria = eMemoriaAnterior;
+  }
+  if (hr == codigos::kArqNaoEncontrado && bListadoEPresente && !m_bExistiu) {
+    // It went since the list was consulted: taken for one that never was, it would be created anew. By now the list
+    // says whether it went on purpose.
+    return bOutraVez ? rastro.Codigo(codigos::kArquivoDesapareceu, __LINE__)
+                     : AbreNoModo(eModoAbertura, bCriando, true);
   }
   if (!Falhou(hr) || (hr == codigos::kArqNaoEncontrado && !m_bExistiu && eModoAbertura == eModoLeitura)) {
     return codigos::kOk;
@@ -416,9 +423,10 @@ bool CQZFileBase::Controlado(const CString &sNomeArquivo) {
          sNomeArquivo != kArquivoControle;
 }
 
-/// With a new entry `*pLista` receives the list, still open.
+/// With a new entry `*pLista` receives the list, still open. `*pbListadoEPresente` is set for a file that is listed and
+/// was there when the list was consulted.
 HRESULT CQZFileBase::GerenciaControleCriacaoArquivos(EModoAbertura eModoAbertura,
-                                                     std::unique_ptr<IListaCriados> *pLista) {
+                                                     std::unique_ptr<IListaCriados> *pLista, bool *pbListadoEPresente) {
   const CQZRastro rastro(this, {"CQZFileBase::GerenciaControleCriacaoArquivos"}, kFonte);
   if (m_bSemControle) {
     QZ_VERIFICA(rastro, "RemoveControleCriacaoArquivos()",
@@ -441,6 +449,7 @@ HRESULT CQZFileBase::GerenciaControleCriacaoArquivos(EModoAbertura eModoAbertura
       QZ_RETORNA_CODIGO(rastro, codigos::kArquivoDesapareceu);
     }
     m_bACriar = m_bACriar || (bExiste && bInterrompida);
+    *pbListadoEPresente = bExiste;
   } else if (eModoAbertura == eModoCriacao) {
     m_bEntradaNova = true;
     CQZIntencaoGravacao::AnotaCriacao(CaminhoCompleto(), m_sNomeArquivo);

@@ -196,7 +196,7 @@ protected:
 private:
   class EntradaPendente;
 
-  [[nodiscard]] HRESULT AbreNoModo(EModoAbertura eModoAbertura, bool bCriando);
+  [[nodiscard]] HRESULT AbreNoModo(EModoAbertura eModoAbertura, bool bCriando, bool bOutraVez = false);
   [[nodiscard]] HRESULT CriaEAbre(const CQZRastro &rastro, EModoAbertura eModoAbertura);
   [[nodiscard]] HRESULT AposAbrir(EModoAbertura eModoAbertura);
   [[nodiscard]] HRESULT ReabreUmaVez();
@@ -206,7 +206,8 @@ private:
   Veredito AposTentativaFalha(HRESULT hr);
 
   [[nodiscard]] HRESULT GerenciaControleCriacaoArquivos(EModoAbertura eModoAbertura,
-                                                        std::unique_ptr<IListaCriados> *pLista);
+                                                        std::unique_ptr<IListaCriados> *pLista,
+                                                        bool *pbListadoEPresente);
   [[nodiscard]] HRESULT PossuiControleCriacaoArquivos(IListaCriados &lista, bool *pbPossui);
   [[nodiscard]] static HRESULT CriaControleCriacaoArquivos(const IQZDF_Profiler &dono, IListaCriados &lista,
                                                            const CString &sNomeArquivo);

@@ -9,7 +9,7 @@ namespace {
 constexpr unsigned kSeguraPoucoMs = 250;  ///< a server insists for half a second at least
 constexpr unsigned kSeguraMs = 2000;
 constexpr unsigned kSumidoMs = 1000;
-constexpr unsigned kPausaMs = 60;
+constexpr unsigned kPausaMs = 250;  ///< one trouble at a time
 constexpr unsigned kTentativas = 200;
 constexpr unsigned kTentativasDeVolta = 30000;
 

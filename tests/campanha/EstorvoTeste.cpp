@@ -23,7 +23,7 @@ constexpr unsigned kLinhasDePreparo = 60;
 
 /// Result codes of files that somebody else has or took.
 bool EhDeArquivoAlheio(HRESULT hr) {
-  const std::uint32_t kCodigos[] = {0x80043EEE, 0x80043F00, 0x80043ED0, 0x80043ED1, 0x810809F2, 0x81080A50};
+  const std::uint32_t kCodigos[] = {0x80043EB7, 0x80043EEE, 0x80043F00, 0x80043ED0, 0x80043ED1, 0x810809F2, 0x81080A50};
   return std::count(std::begin(kCodigos), std::end(kCodigos), Bits(hr)) != 0;
 }
 

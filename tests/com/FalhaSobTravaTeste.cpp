@@ -86,6 +86,7 @@ TEST(FalhaSobTrava, UmaChamadaFalhaEOsOutrosContinuam) {
     const apoio::ServicosTrocados servicos(&arquivos);
     const Veiculos spOutro = ServicoPara(empresa);
     ASSERT_TRUE(spOutro);
+    OutroChamador outro;
     Consumo inicial;
     for (int i = 0; i < kRepeticoes; ++i) {
       SCOPED_TRACE(i);
@@ -102,10 +103,10 @@ TEST(FalhaSobTrava, UmaChamadaFalhaEOsOutrosContinuam) {
 
       // The other object first, while the file still bears the half-written record.
       tagREG_VEICULOPS veiculo;
-      ASSERT_EQ(EmUmSegundo([&] {
-                  const HRESULT hr = spOutro->Grava(&lPos, Veiculo("BOM"));
-                  return SUCCEEDED(hr) ? spOutro->Le(lPos, &veiculo) : hr;
-                }),
+      ASSERT_EQ(outro.EmUmSegundo([&] {
+        const HRESULT hr = spOutro->Grava(&lPos, Veiculo("BOM"));
+        return SUCCEEDED(hr) ? spOutro->Le(lPos, &veiculo) : hr;
+      }),
                 S_OK);
       ASSERT_EQ(static_cast<std::size_t>(lPos), ++uiGravados);
       ASSERT_EQ(CodigoDe(veiculo), "BOM");

@@ -3,10 +3,13 @@
 #include <cstdlib>
 
 #include "tests/apoio/ChaveCabecalho.h"
+#include "tests/apoio/InstalacaoPropria.h"
 #include "tests/apoio/ProcessoFilho.h"
 
 int main(int argc, char **argv) {
-  // The switch in the machine's registry belongs to the tests of the registered server. Children inherit this one.
+  // What the machine's registry says of both belongs to the tests of the registered server. Children inherit the
+  // switch.
+  const apoio::InstalacaoPropria semInstalacao;
   const apoio::ChaveCabecalho cabecalhos(std::getenv("KALVO_TESTE_CABECALHO") != nullptr);
   int codigo = 0;
   if (apoio::ExecutaFilha(argc, argv, &codigo)) {

@@ -7,6 +7,7 @@
 #include "core/platform/MemoriaTarefa.h"
 #include "tests/apoio/ColetorRastro.h"
 #include "tests/apoio/ComEmpresa.h"
+#include "tests/apoio/InstalacaoPropria.h"
 #include "tests/apoio/SerieFalhas.h"
 #include "tests/vehicles/AmostraVeiculos.h"
 #include "vehicles/FiltroVeiculos.h"
@@ -131,8 +132,7 @@ TEST_F(Registro, PosicoesRuins) {
 /// With the switches on, each record read leaves an entry and an exit, also where many are read; a search leaves none.
 TEST_F(Registro, CadaLeituraNoLog) {
   const apoio::PastaTemporaria instalacao;
-  apoio::RegistroTeste registro;
-  registro.DefineTexto(CString(kChaveSuite) + "Miran Empresarial", "Path", instalacao.Caminho());
+  const apoio::InstalacaoPropria propria(instalacao.Caminho());
   const auto configura = [&](const std::string &chaves) {
     apoio::EscreveArquivo(instalacao / "log.ini", "[Log]\r\nTimeoutConfig=0\r\n" + chaves);
     m_relogio.m_ticks = static_cast<std::uint32_t>(CarregaConfiguracaoLog()) - 1;  // so that it is read again

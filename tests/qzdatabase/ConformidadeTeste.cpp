@@ -287,7 +287,7 @@ TEST_P(Conformidade, FalhaNaoLargaOArquivo) {
 /// Memory is obtained before the disk is touched: whichever allocation fails, nothing has happened.
 TEST_P(Conformidade, MemoriaQueFalta) {
   for (const Gravacao &gravacao : m_especie.Gravacoes()) {
-    for (std::size_t enesima = 1, resta = 0; resta == 0; ++enesima) {
+    for (std::size_t enesima = 1, resta = 0; resta == 0; enesima += apoio::kPasso) {
       SCOPED_TRACE(testing::Message() << gravacao.nome << ", allocation " << enesima);
       Prepara(gravacao.antes);
       HRESULT hr = codigos::kArqOutra;

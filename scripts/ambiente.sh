@@ -1,9 +1,10 @@
-# Sourced by the other scripts: the repository's root and the private Wine prefix.
+# Sourced by the other scripts: the repository's root and the private Wine prefix, build/wine unless KALVO_WINEPREFIX
+# names another.
 
 raiz=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$raiz"
 
-export WINEPREFIX="$raiz/build/wine"
+export WINEPREFIX="${KALVO_WINEPREFIX:-$raiz/build/wine}"
 export WINEDEBUG=-all
 export WINEDLLOVERRIDES='mscoree=;mshtml=;winedbg.exe=d;winemenubuilder.exe=d'
 unset LIBRARY_PATH TZ DISPLAY
@@ -22,7 +23,7 @@ wine_sobe() {
     fi
     wineserver -p
     wine wineboot
-  } >"$raiz/build/wine.log" 2>&1 </dev/null
+  } >"$WINEPREFIX.log" 2>&1 </dev/null
 }
 
 wine_desce() {
@@ -48,7 +49,7 @@ instala_amostra() {
 espera_fim_do_servidor() {
   local inicio
   inicio=$(date +%s%N)
-  while pgrep -f "${1:-build.windows.bin.Kalvo.exe}" >/dev/null; do
+  while pgrep -f "${1:-${raiz//\//.}.build.windows.bin.Kalvo.exe}" >/dev/null; do
     if [ $((($(date +%s%N) - inicio) / 1000000000)) -ge 30 ]; then
       printf 'the server is still there after 30 s\n' >&2
       return 1

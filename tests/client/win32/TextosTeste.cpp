@@ -7,6 +7,7 @@
 #include <set>
 #include <string>
 
+#include "client/Codificacao.h"
 #include "client/QZVeiculosTextos.h"
 #include "client/Remedios.h"
 
@@ -38,24 +39,34 @@ TEST(Erro, CodeAndText) {
   }
 }
 
-/// The codes of the table rows and of the source lines of a file; "A to B" is all from one to the other.
+std::ifstream Abre(const std::string &sArquivo) {
+  return std::ifstream("Z:" KALVO_RAIZ "/" + sArquivo);
+}
+
+/// The codes in a text; "A to B", "A a B" in Portuguese, is all from one to the other.
+std::set<std::uint32_t> CodigosEm(const std::string &sTexto) {
+  const std::regex codigo("0x(8[0-9A-F]{7})( (?:to|a) 0x(8[0-9A-F]{7}))?");
+  std::set<std::uint32_t> codigos;
+  for (std::sregex_iterator it(sTexto.begin(), sTexto.end(), codigo), fim; it != fim; ++it) {
+    const auto uiDe = static_cast<std::uint32_t>(std::stoul((*it)[1], nullptr, 16));
+    const auto uiAte = (*it)[3].matched ? static_cast<std::uint32_t>(std::stoul((*it)[3], nullptr, 16)) : uiDe;
+    for (std::uint32_t uiCodigo = uiDe; uiCodigo <= uiAte; ++uiCodigo) {
+      codigos.insert(uiCodigo);
+    }
+  }
+  return codigos;
+}
+
+/// Those of the table rows and of the source lines of a file.
 std::set<std::uint32_t> CodigosDe(const std::string &sArquivo) {
-  std::ifstream fluxo("Z:" KALVO_RAIZ "/" + sArquivo);
-  const std::regex codigo("0x(8[0-9A-F]{7})( to 0x(8[0-9A-F]{7}))?");
+  std::ifstream fluxo = Abre(sArquivo);
   const std::regex constante("CodigoResultado\\(0x8[0-9A-F]{7}\\)");
   std::set<std::uint32_t> codigos;
   for (std::string sLinha; std::getline(fluxo, sLinha);) {
     std::smatch achada;
-    const std::string sCelula = sLinha.starts_with("| 0x")                     ? sLinha.substr(0, sLinha.find('|', 2))
-                                : std::regex_search(sLinha, achada, constante) ? achada.str()
-                                                                               : "";
-    for (std::sregex_iterator it(sCelula.begin(), sCelula.end(), codigo), fim; it != fim; ++it) {
-      const auto uiDe = static_cast<std::uint32_t>(std::stoul((*it)[1], nullptr, 16));
-      const auto uiAte = (*it)[3].matched ? static_cast<std::uint32_t>(std::stoul((*it)[3], nullptr, 16)) : uiDe;
-      for (std::uint32_t uiCodigo = uiDe; uiCodigo <= uiAte; ++uiCodigo) {
-        codigos.insert(uiCodigo);
-      }
-    }
+    codigos.merge(CodigosEm(sLinha.starts_with("| 0x")                     ? sLinha.substr(0, sLinha.find('|', 2))
+                            : std::regex_search(sLinha, achada, constante) ? achada.str()
+                                                                           : ""));
   }
   return codigos;
 }
@@ -80,9 +91,23 @@ TEST(Erro, HeaderDocumentsAndServerKnowTheSameCodes) {
       EXPECT_TRUE(!bDoServidor || doDiagnostico.count(uiCodigo) == 1) << pArquivo << " " << std::hex << uiCodigo;
     }
   }
-  for (const std::uint32_t uiCodigo : doDiagnostico) {
-    EXPECT_NE(RemedioDoErro(uiCodigo), "") << std::hex << uiCodigo;
+}
+
+TEST(Erro, TheProgramAdvisesInTheWordsOfTheDocument) {
+  std::ifstream fluxo = Abre("docs/diagnosis.md");
+  std::size_t uiLinhas = 0;
+  for (std::string sLinha; std::getline(fluxo, sLinha);) {
+    if (sLinha.starts_with("| 0x")) {
+      // Without the marks of code and of links.
+      const std::string sTexto = std::regex_replace(sLinha, std::regex("`|\\[|\\]\\([^)]*\\)"), "");
+      for (const std::uint32_t uiCodigo : CodigosEm(sLinha.substr(0, sLinha.find('|', 2)))) {
+        const std::string sRemedio = De1252Para8(RemedioDoErro(uiCodigo));
+        EXPECT_TRUE(!sRemedio.empty() && sTexto.find(sRemedio) != std::string::npos) << sRemedio << "\n" << sTexto;
+      }
+      ++uiLinhas;
+    }
   }
+  EXPECT_GT(uiLinhas, 30U);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "core/platform/MemoriaTarefa.h"
+#include "core/platform/Travas.h"
 #include "vehicles/FiltroVeiculos.h"
 
 namespace {

@@ -5,6 +5,7 @@
 #include "core/platform/ArquivoNoLivro.h"
 #include "core/platform/Plataforma.h"
 #include "core/platform/TravaEntreProcessos.h"
+#include "core/platform/Travas.h"
 #include "core/qzdatabase/banco/QZDataBaseUtil.h"
 #include "core/qzdatabase/disco/NomeTrava.h"
 #include "core/qzdatabase/disco/PercorreArquivo.h"

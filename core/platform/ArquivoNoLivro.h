@@ -4,7 +4,7 @@
 #include <memory>
 #include <utility>
 
-#include "core/platform/LivroTravas.h"
+#include "core/platform/LivroDaThread.h"
 #include "core/platform/SistemaArquivos.h"
 
 namespace plataforma {

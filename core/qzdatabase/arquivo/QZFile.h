@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "core/platform/CArray.h"
-#include "core/platform/LivroTravas.h"
+#include "core/platform/Travas.h"
 #include "core/qzdatabase/arquivo/QZBlocosRegistros.h"
 #include "core/qzdatabase/arquivo/QZFileBase.h"
 #include "core/qzdatabase/arquivo/QZIndices.h"

@@ -1,9 +1,11 @@
 #include "core/qzdatabase/arquivo/QZFileBase.h"
 
 #include "core/platform/CodigoEstrangeiro.h"
+#include "core/platform/LivroDaThread.h"
 #include "core/platform/Plataforma.h"
 #include "core/platform/Textos.h"
 #include "core/platform/TravaEntreProcessos.h"
+#include "core/platform/Travas.h"
 #include "core/qzdatabase/disco/NomeTrava.h"
 #include "core/qzdatabase/disco/PercorreArquivo.h"
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/platform/Travas.h"
 #include "core/qzdatabase/disco/QZLeitorSequencial.h"
 
 using plataforma::CQZTrava;

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "core/platform/LivroTravas.h"
+#include "core/platform/LivroDaThread.h"
 #include "core/qzdatabase/banco/QZDataBase.h"
 
 /// A database with one file, for one piece of work of one thread. At the end of the scope it is finished and destroyed;

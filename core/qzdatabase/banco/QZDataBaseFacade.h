@@ -9,8 +9,9 @@
 
 #include "core/errors/CodigosResultado.h"
 #include "core/log/QZOperacao.h"
-#include "core/platform/LivroTravas.h"
+#include "core/platform/LivroDaThread.h"
 #include "core/platform/Textos.h"
+#include "core/platform/Travas.h"
 #include "core/qzdatabase/disco/QZCrc64.h"
 
 /// Source-file column of the records that the shared databases leave.

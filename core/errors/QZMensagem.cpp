@@ -105,8 +105,8 @@ CString CQZMensagem::LeMensagem(std::uint32_t uiMensagem, std::uint32_t uiSistem
   const CString caminho = CaminhoCatalogo(uiSistema);
   const std::optional<CString> catalogo = LeCatalogo(caminho);
   if (!catalogo) {
-    plataforma::Caixa().Mostra(kSemCatalogo + caminho + kSemCatalogoFim, "Erro", plataforma::kIconeExclamacao,
-                               plataforma::DonoCaixa::Nenhum);
+    plataforma::CaixaMensagem().Mostra(kSemCatalogo + caminho + kSemCatalogoFim, "Erro", plataforma::kIconeExclamacao,
+                                       plataforma::DonoCaixa::Nenhum);
     return {};
   }
   for (std::string_view resto = *catalogo; !resto.empty();) {
@@ -121,10 +121,10 @@ CString CQZMensagem::LeMensagem(std::uint32_t uiMensagem, std::uint32_t uiSistem
 void CQZMensagem::ExibeMensagem(std::uint32_t uiMensagem, std::uint32_t uiSistema, std::uint32_t uiErroSO,
                                 std::uint32_t uiTipo) {
   const CString sTextoSO = uiErroSO != 0 ? UmaLinha(DescricaoErroSO(uiErroSO)) : CString();
-  plataforma::Caixa().Mostra(TextoDaCaixa(LeMensagem(uiMensagem, uiSistema), uiMensagem, uiErroSO, sTextoSO),
-                             NomeProduto(uiSistema), uiTipo, plataforma::DonoCaixa::Nenhum);
+  plataforma::CaixaMensagem().Mostra(TextoDaCaixa(LeMensagem(uiMensagem, uiSistema), uiMensagem, uiErroSO, sTextoSO),
+                                     NomeProduto(uiSistema), uiTipo, plataforma::DonoCaixa::Nenhum);
 }
 
 CString CQZMensagem::DescricaoErroSO(std::uint32_t uiErroSO) {
-  return plataforma::Sistema().TextoErro(uiErroSO);
+  return plataforma::Informacoes().TextoErro(uiErroSO);
 }

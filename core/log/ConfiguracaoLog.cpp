@@ -52,16 +52,17 @@ void DefineProcessos(const CString &texto) {
 }
 
 void LeArquivo() {
-  plataforma::ISistema &sistema = plataforma::Sistema();
+  plataforma::IArquivosIni &ini = plataforma::ArquivosIni();
   const CString instalacao = CQZPath::DiretorioInstalacao(QZ_DF);
   // A bare file name would make the system look in its own directory instead of the current one.
-  const CString arquivo = instalacao.empty() ? sistema.CaminhoAbsoluto(kArquivo) : CQZPath::Junta(instalacao, kArquivo);
+  const CString arquivo =
+      instalacao.empty() ? plataforma::Informacoes().CaminhoAbsoluto(kArquivo) : CQZPath::Junta(instalacao, kArquivo);
   unsigned chaves = 0;
   for (const auto &[nome, chave] : kChaves) {
-    chaves |= sistema.LeInteiroIni(arquivo, kSecao, nome, 0) == 1 ? chave : 0U;
+    chaves |= ini.LeInteiro(arquivo, kSecao, nome, 0) == 1 ? chave : 0U;
   }
-  const std::uint64_t timeout = sistema.LeInteiroIni(arquivo, kSecao, "TimeoutConfig", kTimeoutPadrao);
-  DefineProcessos(sistema.LeTextoIni(arquivo, kSecao, "Processos", CString(kTodos).c_str(), kMaximoProcessos));
+  const std::uint64_t timeout = ini.LeInteiro(arquivo, kSecao, "TimeoutConfig", kTimeoutPadrao);
+  DefineProcessos(ini.LeTexto(arquivo, kSecao, "Processos", CString(kTodos).c_str(), kMaximoProcessos));
   g_timeoutMs = timeout * kMsPorSegundo;
   g_chaves = chaves;
 }

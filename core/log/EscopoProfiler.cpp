@@ -37,16 +37,16 @@ void CQZEscopoProfiler::Descarta::operator()(Aberto *aberto) const {
 void CQZEscopoProfiler::Inicia(const IQZDF_Profiler *pProfiler, const NomeFuncao &funcao,
                                const std::function<ParametrosEscopo()> &formata) noexcept {
   try {
-    plataforma::ISistema &sistema = plataforma::Sistema();
+    plataforma::IInformacoes &informacoes = plataforma::Informacoes();
     const std::uint64_t uiTicks = plataforma::Relogio().Ticks();
-    CString sProcesso = sistema.NomeProcesso();
+    CString sProcesso = informacoes.NomeProcesso();
     if (!ProcessoRastreado(sProcesso)) {
       return;
     }
     std::unique_ptr<Aberto, Descarta> aberto(new Aberto);
     const bool bPar = LogEntrada() && LogSaida();
-    aberto->origem = {funcao.Texto(), bPar ? sistema.NovoGuid() : CString(), std::move(sProcesso),
-                      sistema.UsuarioLocal()};
+    aberto->origem = {funcao.Texto(), bPar ? informacoes.NovoGuid() : CString(), std::move(sProcesso),
+                      informacoes.UsuarioLocal()};
     if (pProfiler != nullptr) {
       aberto->profiler.emplace(pProfiler->GetEmpresa(), pProfiler->GetUsuario(), pProfiler->GetSessao());
     }

@@ -78,7 +78,7 @@ void Grava(const CString &comuns, CString resto, TipoRegistro eTipo, const IQZDF
   std::erase_if(resto, [](char letra) { return letra == '\r' || letra == '\n'; });
   const char *const cabecalho = eTipo == TipoRegistro::Erro ? kCabecalhoErros : kCabecalhoProfiler;
   const CString caminho = CaminhoDoLog(eTipo, pProfiler);
-  plataforma::ISistemaArquivos &arquivos = plataforma::Arquivos();
+  plataforma::IArquivos &arquivos = plataforma::Arquivos();
   bool bExistia = false;
   const bool bSabido = !arquivos.Existe(caminho, &bExistia);
   std::unique_ptr<IArquivoAberto> aberto = Abre(caminho);

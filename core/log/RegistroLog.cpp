@@ -45,13 +45,13 @@ CString Identidade(const IQZDF_Profiler *pProfiler) {
   }
   return CString("E").append(pProfiler->GetEmpresa()) + "\t" + Formata("U%03d\t", pProfiler->GetUsuario()) +
          Formata("S%08d\t", static_cast<std::int32_t>(pProfiler->GetSessao())) +
-         Formata("T%08d\t", static_cast<std::int32_t>(plataforma::Sistema().IdThread()));
+         Formata("T%08d\t", static_cast<std::int32_t>(plataforma::Informacoes().IdThread()));
 }
 
 CString MemoriaDaMaquina() {
   std::uint64_t disponivel = 0;
   std::uint64_t total = 0;
-  if (!plataforma::Sistema().MemoriaMaquina(&disponivel, &total)) {
+  if (!plataforma::Informacoes().MemoriaMaquina(&disponivel, &total)) {
     disponivel = total = 0;
   }
   return ColunaNumero(disponivel) + ColunaNumero(total);
@@ -71,7 +71,7 @@ const char *NomeTipo(TipoRegistro eTipo) {
 /// The low double word is printed whole and signed, as readers of the file know it.
 CString VersaoPrograma() {
   plataforma::VersaoArquivo versao;
-  if (!plataforma::Sistema().VersaoPrograma(&versao)) {
+  if (!plataforma::Informacoes().VersaoPrograma(&versao)) {
     versao = {};
   }
   const std::uint32_t alta = versao.maisSignificativa;
@@ -79,7 +79,7 @@ CString VersaoPrograma() {
 }
 
 CString VersaoSO() {
-  const plataforma::VersaoSistema versao = plataforma::Sistema().VersaoSO();
+  const plataforma::VersaoSistema versao = plataforma::Informacoes().VersaoSO();
   return Formata("%u.%u.%u\t", versao.maior, versao.menor, versao.compilacao);
 }
 
@@ -92,7 +92,7 @@ CString ColunasComuns(const IQZDF_Profiler *pProfiler, const OrigemRegistro &ori
 
 std::uint64_t MemoriaDoProcesso() {
   std::uint64_t bytes = 0;
-  return plataforma::Sistema().MemoriaProcesso(&bytes) ? bytes : 0;
+  return plataforma::Informacoes().MemoriaProcesso(&bytes) ? bytes : 0;
 }
 
 CString ColunaNumero(std::uint64_t valor) {
@@ -103,8 +103,9 @@ void GravaRegistroErro(const IQZDF_Profiler *pProfiler, const CString &sFuncao, 
                        const CString &sLog) noexcept {
   try {
     CarregaConfiguracaoLog();
-    plataforma::ISistema &sistema = plataforma::Sistema();
-    const OrigemRegistro origem{sFuncao, sistema.NovoGuid(), sistema.NomeProcesso(), sistema.UsuarioLocal()};
+    plataforma::IInformacoes &informacoes = plataforma::Informacoes();
+    const OrigemRegistro origem{sFuncao, informacoes.NovoGuid(), informacoes.NomeProcesso(),
+                                informacoes.UsuarioLocal()};
     const CString resto = ColunaNumero(MemoriaDoProcesso()) + VersaoPrograma() + VersaoSO() + lpArquivo + "\t" +
                           std::to_string(iLinha) + "\t" + sLog + "\t";
     GravaLinhaLog(ColunasComuns(pProfiler, origem, TipoRegistro::Erro), resto, TipoRegistro::Erro, pProfiler);

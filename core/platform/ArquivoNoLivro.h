@@ -4,8 +4,8 @@
 #include <memory>
 #include <utility>
 
+#include "core/platform/Arquivos.h"
 #include "core/platform/LivroDaThread.h"
-#include "core/platform/SistemaArquivos.h"
 
 namespace plataforma {
 

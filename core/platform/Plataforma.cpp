@@ -12,8 +12,9 @@ std::atomic<const Servicos *> g_emVigor{nullptr};
 }  // namespace
 
 const Servicos &ServicosDoSistema() {
-  static const Servicos servicos{&ArquivosDoSistema(),    &RegistroDoSistema(),    &RelogioDoSistema(),
-                                 &BibliotecasDoSistema(), &InformacoesDoSistema(), &CaixaDoSistema()};
+  static const Servicos servicos{&ArquivosDoSistema(),     &RegistroDoSistema(),    &RelogioDoSistema(),
+                                 &BibliotecasDoSistema(),  &InformacoesDoSistema(), &ArquivosIniDoSistema(),
+                                 &CaixaMensagemDoSistema()};
   return servicos;
 }
 

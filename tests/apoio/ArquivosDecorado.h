@@ -9,16 +9,16 @@
 #include <string>
 #include <vector>
 
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/Arquivos.h"
 
 namespace apoio {
 
 using plataforma::FalhaArquivo;
 
 /// Forwards every operation to another file system, which must outlive it.
-class ArquivosDecorado : public plataforma::ISistemaArquivos {
+class ArquivosDecorado : public plataforma::IArquivos {
 public:
-  explicit ArquivosDecorado(plataforma::ISistemaArquivos &base) : m_base(base) {}
+  explicit ArquivosDecorado(plataforma::IArquivos &base) : m_base(base) {}
 
   FalhaArquivo Abre(const CString &caminho, const plataforma::ModoAbertura &modo,
                     std::unique_ptr<plataforma::IArquivoAberto> *arquivo) override {
@@ -38,7 +38,7 @@ public:
   }
 
 private:
-  plataforma::ISistemaArquivos &m_base;
+  plataforma::IArquivos &m_base;
 };
 
 /// Kinds of operations that can be made to fail; a mask of them.

@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include "core/platform/Arquivos.h"
 #include "core/platform/DobraCuringa.h"
 #include "core/platform/Mascara.h"
-#include "core/platform/SistemaArquivos.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #ifndef KALVO_CORE_PLATFORM_POSIX_ARQUIVOABERTO_H
 #define KALVO_CORE_PLATFORM_POSIX_ARQUIVOABERTO_H
 
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/Arquivos.h"
 #include "core/platform/posix/UsoArquivo.h"
 
 namespace plataforma {

@@ -11,7 +11,6 @@
 
 #include "core/platform/Permanente.h"
 #include "core/platform/ServicosSistema.h"
-#include "core/platform/posix/ArquivoIni.h"
 #include "core/platform/posix/ErrosPosix.h"
 
 namespace plataforma {
@@ -25,7 +24,7 @@ std::uint64_t TamanhoPagina() {
   return static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
 }
 
-class InformacoesSistema final : public ISistema {
+class InformacoesSistema final : public IInformacoes {
 public:
   CString NomeProcesso() override {
     std::error_code erro;
@@ -103,22 +102,11 @@ public:
     std::replace(absoluto.begin(), absoluto.end(), '/', '\\');
     return erro ? caminho : absoluto;
   }
-
-  std::uint32_t LeInteiroIni(const CString &arquivo, const char *secao, const char *chave,
-                             std::uint32_t padrao) override {
-    const CString valor = ValorIni(CaminhoNativo(arquivo), secao, chave).value_or(CString());
-    return valor.empty() ? padrao : NumeroIni(valor);
-  }
-
-  CString LeTextoIni(const CString &arquivo, const char *secao, const char *chave, const char *padrao,
-                     std::size_t maximo) override {
-    return ValorIni(CaminhoNativo(arquivo), secao, chave).value_or(padrao).substr(0, maximo);
-  }
 };
 
 }  // namespace
 
-ISistema &InformacoesDoSistema() {
+IInformacoes &InformacoesDoSistema() {
   return Permanente<InformacoesSistema>();
 }
 

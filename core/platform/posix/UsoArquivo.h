@@ -3,7 +3,7 @@
 
 #include <sys/stat.h>
 
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/Arquivos.h"
 
 namespace plataforma {
 

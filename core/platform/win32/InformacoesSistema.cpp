@@ -34,7 +34,7 @@ Funcao *FuncaoDe(const Modulo &modulo, const char *nome) {
   return reinterpret_cast<Funcao *>(reinterpret_cast<void *>(::GetProcAddress(modulo.get(), nome)));
 }
 
-class InformacoesSistema final : public ISistema {
+class InformacoesSistema final : public IInformacoes {
 public:
   CString NomeProcesso() override {
     const CString caminho = CaminhoPrograma();
@@ -134,25 +134,11 @@ public:
     const DWORD qtd = ::GetFullPathNameA(caminho.c_str(), sizeof(absoluto), absoluto, nullptr);
     return qtd != 0 && qtd < sizeof(absoluto) ? CString(absoluto, qtd) : caminho;
   }
-
-  std::uint32_t LeInteiroIni(const CString &arquivo, const char *secao, const char *chave,
-                             std::uint32_t padrao) override {
-    return ::GetPrivateProfileIntA(secao, chave, static_cast<INT>(padrao), arquivo.c_str());
-  }
-
-  CString LeTextoIni(const CString &arquivo, const char *secao, const char *chave, const char *padrao,
-                     std::size_t maximo) override {
-    CString texto(maximo + 1, '\0');
-    const DWORD qtd = ::GetPrivateProfileStringA(secao, chave, padrao, texto.data(), static_cast<DWORD>(texto.size()),
-                                                 arquivo.c_str());
-    texto.resize(qtd);
-    return texto;
-  }
 };
 
 }  // namespace
 
-ISistema &InformacoesDoSistema() {
+IInformacoes &InformacoesDoSistema() {
   return Permanente<InformacoesSistema>();
 }
 

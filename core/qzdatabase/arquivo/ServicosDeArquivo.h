@@ -5,8 +5,8 @@
 
 #include "core/env/QZPath.h"
 #include "core/log/QZProfilerEmpresa.h"
+#include "core/platform/Arquivos.h"
 #include "core/platform/CArray.h"
-#include "core/platform/SistemaArquivos.h"
 #include "core/qzdatabase/disco/AberturaArquivo.h"
 
 // What a file needs done with other files, each in a database of its own: databases stand above files, so the file asks

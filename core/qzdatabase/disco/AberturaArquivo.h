@@ -4,7 +4,7 @@
 #include <memory>
 #include <optional>
 
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/Arquivos.h"
 #include "core/qzdatabase/disco/Insistencia.h"
 #include "core/qzdatabase/disco/IntencaoGravacao.h"
 

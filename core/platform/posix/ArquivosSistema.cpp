@@ -1,4 +1,4 @@
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/Arquivos.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -177,7 +177,7 @@ FalhaArquivo AteValer(Tentativa tentativa) {
   return *resultado;
 }
 
-class SistemaArquivos final : public ISistemaArquivos {
+class ArquivosSistema final : public IArquivos {
 public:
   FalhaArquivo Abre(const CString &caminho, const ModoAbertura &modo,
                     std::unique_ptr<IArquivoAberto> *arquivo) override {
@@ -253,8 +253,8 @@ public:
 
 }  // namespace
 
-ISistemaArquivos &ArquivosDoSistema() {
-  return Permanente<SistemaArquivos>();
+IArquivos &ArquivosDoSistema() {
+  return Permanente<ArquivosSistema>();
 }
 
 }  // namespace plataforma

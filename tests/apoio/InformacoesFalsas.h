@@ -1,14 +1,12 @@
-#ifndef KALVO_TESTS_APOIO_SISTEMAFALSO_H
-#define KALVO_TESTS_APOIO_SISTEMAFALSO_H
+#ifndef KALVO_TESTS_APOIO_INFORMACOESFALSAS_H
+#define KALVO_TESTS_APOIO_INFORMACOESFALSAS_H
 
-#include <atomic>
-
-#include "core/platform/ServicosSistema.h"
+#include "core/platform/Informacoes.h"
 
 namespace apoio {
 
-/// A machine with fixed figures. Ini files are the real ones. The figures are to be set while no other thread uses it.
-class SistemaFalso final : public plataforma::ISistema {
+/// A machine with fixed figures. The figures are to be set while no other thread uses it.
+class InformacoesFalsas final : public plataforma::IInformacoes {
 public:
   CString m_processo = "kalvo.exe";
   CString m_usuario = "operador";
@@ -24,7 +22,6 @@ public:
   CString m_diretorioAtual = "C:\\atual\\";
   std::uint32_t m_uiErroComTexto = 2;  ///< the one error that has a text
   CString m_textoErro = "Arquivo ausente.\r\n";
-  std::atomic<int> m_textosIni{0};  ///< how many texts were asked of ini files
 
   CString NomeProcesso() override { return m_processo; }
   CString UsuarioLocal() override { return m_usuario; }
@@ -46,15 +43,6 @@ public:
   plataforma::VersaoSistema VersaoSO() override { return m_versaoSO; }
   CString TextoErro(std::uint32_t erro) override { return erro == m_uiErroComTexto ? m_textoErro : CString(); }
   CString CaminhoAbsoluto(const CString &caminho) override { return m_diretorioAtual + caminho; }
-  std::uint32_t LeInteiroIni(const CString &arquivo, const char *secao, const char *chave,
-                             std::uint32_t padrao) override {
-    return plataforma::InformacoesDoSistema().LeInteiroIni(arquivo, secao, chave, padrao);
-  }
-  CString LeTextoIni(const CString &arquivo, const char *secao, const char *chave, const char *padrao,
-                     std::size_t maximo) override {
-    ++m_textosIni;
-    return plataforma::InformacoesDoSistema().LeTextoIni(arquivo, secao, chave, padrao, maximo);
-  }
 };
 
 }  // namespace apoio

@@ -1,4 +1,4 @@
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/Arquivos.h"
 
 #include <windows.h>
 
@@ -169,7 +169,7 @@ bool DadosDoArquivo(const CString &caminho, WIN32_FILE_ATTRIBUTE_DATA *dados) {
   return (dados->dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
-class SistemaArquivos final : public ISistemaArquivos {
+class ArquivosSistema final : public IArquivos {
 public:
   FalhaArquivo Abre(const CString &caminho, const ModoAbertura &modo,
                     std::unique_ptr<IArquivoAberto> *arquivo) override {
@@ -243,8 +243,8 @@ public:
 
 }  // namespace
 
-ISistemaArquivos &ArquivosDoSistema() {
-  return Permanente<SistemaArquivos>();
+IArquivos &ArquivosDoSistema() {
+  return Permanente<ArquivosSistema>();
 }
 
 }  // namespace plataforma

@@ -1,58 +1,15 @@
-#ifndef KALVO_CORE_PLATFORM_SISTEMAARQUIVOS_H
-#define KALVO_CORE_PLATFORM_SISTEMAARQUIVOS_H
+#ifndef KALVO_CORE_PLATFORM_ARQUIVOS_H
+#define KALVO_CORE_PLATFORM_ARQUIVOS_H
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>
 
+#include "core/platform/FalhaArquivo.h"
 #include "core/platform/Tipos.h"
 
 namespace plataforma {
-
-/// Why a file operation failed: the causes of the classic file exceptions.
-enum class CausaArquivo {
-  Nenhuma,  ///< no failure
-  Generica,
-  NaoEncontrado,
-  CaminhoInvalido,
-  MuitosAbertos,
-  AcessoNegado,
-  ArquivoInvalido,
-  RemoveDiretorioAtual,
-  DiretorioCheio,
-  PosicaoInvalida,
-  ErroFisico,
-  ViolacaoCompartilhamento,
-  ViolacaoBloqueio,
-  DiscoCheio,
-  FimDeArquivo,
-};
-
-/// Outcome of a file operation: the cause and the operating system's own error number (a Win32 code on every
-/// platform; 0 when the failure did not come from a system call).
-struct [[nodiscard]] FalhaArquivo {
-  CausaArquivo causa = CausaArquivo::Nenhuma;
-  std::uint32_t erroSO = 0;
-
-  /// True when the operation failed.
-  explicit operator bool() const { return causa != CausaArquivo::Nenhuma; }
-
-  /// True for the two errors that say that nothing is at the path: file not found (2) and path not found (3). Any other
-  /// failure leaves open whether something is there.
-  bool NaoEsta() const { return erroSO == 2 || erroSO == 3; }
-};
-
-/// Success, for the end of an operation.
-inline constexpr FalhaArquivo kSemFalha{};
-
-/// The cause that a Win32 error number stands for; unknown numbers are Generica, 0 is Nenhuma.
-CausaArquivo CausaDoErroWin32(std::uint32_t erro);
-
-/// A failure from a Win32 error number.
-inline FalhaArquivo FalhaWin32(std::uint32_t erro) {
-  return {CausaDoErroWin32(erro), erro};
-}
 
 enum class Acesso { Leitura, Escrita, LeituraEscrita };
 
@@ -118,9 +75,9 @@ protected:
 /// The file system. Paths are 8-bit texts with `\` as separator; a path without directory resolves against the
 /// process's current directory. No operation retries; all may block for the time of the system call. Any thread may
 /// call, several at once.
-class ISistemaArquivos {
+class IArquivos {
 public:
-  virtual ~ISistemaArquivos() = default;
+  virtual ~IArquivos() = default;
 
   /// Opens a file. On success the new object is handed over in `*arquivo`; on failure `*arquivo` is null. A handle
   /// that another open one excludes is ViolacaoCompartilhamento (erroSO 32); a missing directory is CaminhoInvalido.
@@ -152,9 +109,9 @@ public:
   virtual FalhaArquivo Lista(const CString &diretorio, const CString &mascara, std::vector<CString> *nomes) = 0;
 
 protected:
-  ISistemaArquivos() = default;
-  ISistemaArquivos(const ISistemaArquivos &) = default;
-  ISistemaArquivos &operator=(const ISistemaArquivos &) = default;
+  IArquivos() = default;
+  IArquivos(const IArquivos &) = default;
+  IArquivos &operator=(const IArquivos &) = default;
 };
 
 }  // namespace plataforma

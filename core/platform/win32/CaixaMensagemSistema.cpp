@@ -31,7 +31,7 @@ HWND JanelaPrincipal() {
   return janela;
 }
 
-class CaixaSistema final : public ICaixaMensagem {
+class CaixaMensagemSistema final : public ICaixaMensagem {
 public:
   int Mostra(const CString &texto, const CString &titulo, std::uint32_t tipo, DonoCaixa dono) override {
     if (!AlguemVe()) {
@@ -44,8 +44,8 @@ public:
 
 }  // namespace
 
-ICaixaMensagem &CaixaDoSistema() {
-  return Permanente<CaixaSistema>();
+ICaixaMensagem &CaixaMensagemDoSistema() {
+  return Permanente<CaixaMensagemSistema>();
 }
 
 }  // namespace plataforma

@@ -5,7 +5,7 @@
 
 std::unique_ptr<plataforma::IBiblioteca> CarregaBibliotecaSuite(ModuloQZ eModulo, const CString &sNomeArquivo) {
   const CString diretorio = CQZPath::DiretorioInstalacao(eModulo);
-  if (!plataforma::CaminhoAbsoluto(diretorio)) {
+  if (!plataforma::EhCaminhoAbsoluto(diretorio)) {
     return nullptr;
   }
   return plataforma::Bibliotecas().Carrega(CQZPath::Junta(CQZPath::Junta(diretorio, "x64"), sNomeArquivo));

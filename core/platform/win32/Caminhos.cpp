@@ -13,7 +13,7 @@ constexpr bool LetraDeUnidade(char c) {
 }  // namespace
 
 // "C:\..." or "\\server\...". Neither "C:name" nor "\name": they depend on the current directory or drive.
-bool plataforma::CaminhoAbsoluto(const CString &caminho) {
+bool plataforma::EhCaminhoAbsoluto(const CString &caminho) {
   if (caminho.size() < 3) {
     return false;
   }

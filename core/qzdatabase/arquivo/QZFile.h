@@ -10,6 +10,7 @@
 
 #include "core/platform/CArray.h"
 #include "core/platform/Travas.h"
+#include "core/qzdatabase/arquivo/NomeTipoRegistro.h"
 #include "core/qzdatabase/arquivo/QZBlocosRegistros.h"
 #include "core/qzdatabase/arquivo/QZFileBase.h"
 #include "core/qzdatabase/arquivo/QZIndices.h"

@@ -19,12 +19,7 @@
 #include "core/qzdatabase/disco/CodigosArquivo.h"
 #include "core/qzdatabase/disco/TransacaoGravacao.h"
 
-/// Name of a record type as it stands in the qualified names of the error records ("struct RegVeiculo"). Every record
-/// type specialises it with a `kNome`.
-template <typename T>
-struct NomeTipoRegistro;
-
-/// Name of the list of created files (ListaCriados.h), which is a data file too.
+/// Name of the list of created files (IListaCriados), which is a data file too.
 inline constexpr char kArquivoControle[] = "QZDATABASE_FILE_CTRL.DAT";
 
 /// What a file's copy in memory is worth.

@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "core/platform/Travas.h"
+#include "core/qzdatabase/arquivo/NomeTipoRegistro.h"
 #include "core/qzdatabase/arquivo/QZFileBase.h"
 
 /// A file that holds exactly one record of the plain structure T, such as a base's version. The record is read once, at

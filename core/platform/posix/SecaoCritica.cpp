@@ -24,7 +24,7 @@ SecaoCritica::SecaoCritica(NivelTrava nivel) : m_eNivel(nivel) {
   const int erro = ::pthread_mutex_init(new (m_area) pthread_mutex_t, &atributos);
   ::pthread_mutexattr_destroy(&atributos);
   if (erro != 0) {
-    throw CodigoResultado(0x80070000u | ErroWin32DeErrno(erro));
+    throw CodigoWin32(ErroWin32DeErrno(erro));
   }
 }
 

@@ -10,8 +10,9 @@ constexpr char kArquivo[] = "QZDF_Veiculos.cpp";
 
 }  // namespace
 
-void CChamadaServico::CedeProcessador() {
+const IQZDF_Profiler *CChamadaServico::AposCeder(const IQZDF_Profiler &profiler) {
   Sleep(0);
+  return &profiler;
 }
 
 HRESULT CChamadaServico::Guarda(CorpoSEH corpo, void *pContexto, const plataforma::AbandonoSEH &abandono) const {

@@ -5,10 +5,8 @@
 #include <oleauto.h>
 
 #include <chrono>
-#include <memory>
 #include <optional>
 #include <string_view>
-#include <type_traits>
 
 #include "client/Codificacao.h"
 #include "client/Console.h"
@@ -19,6 +17,7 @@
 #include "client/Remedios.h"
 #include "core/env/QZPath.h"
 #include "core/platform/Plataforma.h"
+#include "core/platform/win32/Posses.h"
 
 namespace {
 
@@ -178,11 +177,7 @@ void ConfereProxy(CRelatorio &relatorio) {
   if (!proxy) {
     return;
   }
-  struct CLibera {
-    void operator()(HMODULE h) const { FreeLibrary(h); }
-  };
-  const std::unique_ptr<std::remove_pointer_t<HMODULE>, CLibera> spModulo(
-      LoadLibraryExW(proxy->sTexto.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+  const plataforma::PosseModulo spModulo(LoadLibraryExW(proxy->sTexto.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
   if (!spModulo) {
     const HRESULT hr = HRESULT_FROM_WIN32(GetLastError());
     relatorio.Falha("proxy ", Texto(proxy->sTexto) + " não pode ser carregado: "_pt + TextoCodigoErro(hr),

@@ -7,10 +7,10 @@
 
 #include <memory>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 #include "core/errors/guard/TraducaoExcecoes.h"
+#include "core/platform/win32/Posses.h"
 #include "server/RetratoChaves.h"
 #include "server/SaidaErro.h"
 #include "server/ValoresRegistro.h"
@@ -42,11 +42,7 @@ HRESULT Primeira(HRESULT hrAntes, HRESULT hr) {
 struct SoltaBiblioteca {
   void operator()(ITypeLib *p) const { p->Release(); }
 };
-struct LiberaModulo {
-  void operator()(HMODULE h) const { FreeLibrary(h); }
-};
 using Biblioteca = std::unique_ptr<ITypeLib, SoltaBiblioteca>;
-using Modulo = std::unique_ptr<std::remove_pointer_t<HMODULE>, LiberaModulo>;
 
 class CRegistroServidor {
 public:
@@ -133,11 +129,11 @@ private:
       HKEY hChave = nullptr;
       LSTATUS erro = RegCreateKeyExW(m_hRaiz, (kClasses + valor.chave).c_str(), 0, nullptr, 0, KEY_WRITE, nullptr,
                                      &hChave, nullptr);
+      const plataforma::PosseChave posse(hChave);
       if (erro == ERROR_SUCCESS) {
         erro = RegSetValueExW(hChave, valor.nome.empty() ? nullptr : valor.nome.c_str(), 0, REG_SZ,
                               reinterpret_cast<const BYTE *>(valor.texto.c_str()),
                               static_cast<DWORD>((valor.texto.size() + 1) * sizeof(wchar_t)));
-        RegCloseKey(hChave);
       }
       if (erro != ERROR_SUCCESS) {
         return RelataChave("gravar", valor.chave, erro);
@@ -163,7 +159,7 @@ private:
     if (RegOpenKeyExW(m_hRaiz, (kClasses + ChaveDaBiblioteca()).c_str(), 0, KEY_READ, &hChave) != ERROR_SUCCESS) {
       return S_OK;
     }
-    RegCloseKey(hChave);
+    const plataforma::PosseChave posse(hChave);
     const auto remove = m_bPorUsuario ? UnRegisterTypeLibForUser : UnRegisterTypeLib;
     const HRESULT hr = remove(LIBID_Kalvo, 1, 0, LOCALE_NEUTRAL, SYS_WIN64);
     return FAILED(hr) ? Relata("remover a biblioteca de tipos", ChaveDaBiblioteca(), hr) : S_OK;
@@ -183,7 +179,7 @@ private:
   std::wstring m_sPasta;
   std::wstring m_sProxy;
   std::wstring m_sProxy32;
-  Modulo m_hProxy;
+  plataforma::PosseModulo m_hProxy;
   Biblioteca m_spBiblioteca;
 };
 

@@ -1,14 +1,8 @@
 #include "server/RetratoChaves.h"
 
-#include <memory>
-#include <type_traits>
+#include "core/platform/win32/Posses.h"
 
 namespace {
-
-struct FechaChave {
-  void operator()(HKEY h) const { RegCloseKey(h); }
-};
-using Chave = std::unique_ptr<std::remove_pointer_t<HKEY>, FechaChave>;
 
 constexpr DWORD kMaiorNomeValor = 16384;  // characters, the system's limits, the final zero included
 constexpr DWORD kMaiorNomeChave = 256;
@@ -44,7 +38,7 @@ CRetratoChaves::Ramo CRetratoChaves::Le(HKEY hPai, const std::wstring &chave) {
   }
   ramo.eSituacao = erro == ERROR_SUCCESS ? Situacao::Presente : Situacao::Ilegivel;
   if (erro == ERROR_SUCCESS) {
-    const Chave spChave(h);
+    const plataforma::PosseChave posse(h);
     LeValores(h, ramo);
     LeFilhos(h, ramo);
   }
@@ -101,7 +95,7 @@ bool CRetratoChaves::PoeValores(const std::wstring &chave, const Ramo &antes, co
   if (RegCreateKeyExW(m_hRaiz, chave.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &h, nullptr) != ERROR_SUCCESS) {
     return false;
   }
-  const Chave spChave(h);
+  const plataforma::PosseChave posse(h);
   bool bTudo = true;
   for (const auto &[nome, valor] : agora.valores) {
     if (antes.valores.count(nome) == 0) {

@@ -5,6 +5,8 @@
 #include <array>
 #include <cstdio>
 
+#include "core/platform/win32/Posses.h"
+
 namespace {
 
 constexpr UINT kPaginaTextos = 1252;
@@ -28,12 +30,11 @@ bool EscreveNoRedirecionado(const CString &linha) {
 void EscreveNoConsoleDoPai(const std::wstring &linha) {
   // Without one to attach to, or with one already, the console's name tells.
   const BOOL bAnexou = AttachConsole(ATTACH_PARENT_PROCESS);
-  const HANDLE hConsole =
-      CreateFileA("CONOUT$", GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
-  if (hConsole != INVALID_HANDLE_VALUE) {
+  if (const plataforma::PosseHandle console(plataforma::NuloSeInvalido(CreateFileA(
+          "CONOUT$", GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr)));
+      console) {
     DWORD dwEscritos = 0;
-    WriteConsoleW(hConsole, linha.data(), static_cast<DWORD>(linha.size()), &dwEscritos, nullptr);
-    CloseHandle(hConsole);
+    WriteConsoleW(console.get(), linha.data(), static_cast<DWORD>(linha.size()), &dwEscritos, nullptr);
   }
   if (bAnexou) {
     FreeConsole();

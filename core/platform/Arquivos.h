@@ -104,9 +104,8 @@ public:
   virtual FalhaArquivo MoveSubstituindo(const CString &origem, const CString &destino) = 0;
 
   /// Names (without directory, in ascending order of their bytes) of the files in `diretorio` (empty, or ending in
-  /// `\`) that match `mascara`, in which '*' stands for any run and '?' for one character, without regard to letter
-  /// case. Short alias names take no part. A missing directory gives an empty list and CaminhoInvalido.
-  virtual FalhaArquivo Lista(const CString &diretorio, const CString &mascara, std::vector<CString> *nomes) = 0;
+  /// `\`). Short alias names take no part. A missing directory gives an empty list and CaminhoInvalido.
+  virtual FalhaArquivo Lista(const CString &diretorio, std::vector<CString> *nomes) = 0;
 
 protected:
   IArquivos() = default;

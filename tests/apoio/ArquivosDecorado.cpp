@@ -210,10 +210,10 @@ FalhaArquivo ArquivosComFalha::MoveSubstituindo(const CString &origem, const CSt
   return falha ? falha : ArquivosDecorado::MoveSubstituindo(origem, destino);
 }
 
-FalhaArquivo ArquivosComFalha::Lista(const CString &diretorio, const CString &mascara, std::vector<CString> *nomes) {
+FalhaArquivo ArquivosComFalha::Lista(const CString &diretorio, std::vector<CString> *nomes) {
   nomes->clear();
-  const FalhaArquivo falha = Passa(kOpLista, diretorio + mascara);
-  return falha ? falha : ArquivosDecorado::Lista(diretorio, mascara, nomes);
+  const FalhaArquivo falha = Passa(kOpLista, diretorio);
+  return falha ? falha : ArquivosDecorado::Lista(diretorio, nomes);
 }
 
 }  // namespace apoio

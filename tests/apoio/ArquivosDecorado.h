@@ -33,8 +33,8 @@ public:
   FalhaArquivo MoveSubstituindo(const CString &origem, const CString &destino) override {
     return m_base.MoveSubstituindo(origem, destino);
   }
-  FalhaArquivo Lista(const CString &diretorio, const CString &mascara, std::vector<CString> *nomes) override {
-    return m_base.Lista(diretorio, mascara, nomes);
+  FalhaArquivo Lista(const CString &diretorio, std::vector<CString> *nomes) override {
+    return m_base.Lista(diretorio, nomes);
   }
 
 private:
@@ -105,7 +105,7 @@ public:
   FalhaArquivo TamanhoDe(const CString &caminho, std::uint64_t *tamanho) override;
   FalhaArquivo Apaga(const CString &caminho) override;
   FalhaArquivo MoveSubstituindo(const CString &origem, const CString &destino) override;
-  FalhaArquivo Lista(const CString &diretorio, const CString &mascara, std::vector<CString> *nomes) override;
+  FalhaArquivo Lista(const CString &diretorio, std::vector<CString> *nomes) override;
 
 private:
   class Arquivo;

@@ -178,7 +178,7 @@ void Corrida::ConferePasta(const std::vector<CString> &listados) {
 
 std::vector<CString> Corrida::Arquivos() const {
   std::vector<CString> nomes;
-  if (plataforma::Arquivos().Lista(m_empresa.Caminho(""), "*", &nomes)) {
+  if (plataforma::Arquivos().Lista(m_empresa.Caminho(""), &nomes)) {
     throw std::runtime_error("cannot list the directory");
   }
   return nomes;

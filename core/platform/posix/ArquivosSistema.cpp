@@ -7,13 +7,12 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <memory>
 #include <optional>
 #include <utility>
 
-#include "core/platform/Mascara.h"
 #include "core/platform/Permanente.h"
 #include "core/platform/ServicosSistema.h"
-#include "core/platform/Textos.h"
 #include "core/platform/posix/ArquivoAberto.h"
 #include "core/platform/posix/ErrosPosix.h"
 
@@ -177,6 +176,10 @@ FalhaArquivo AteValer(Tentativa tentativa) {
   return *resultado;
 }
 
+struct FechaDiretorio {
+  void operator()(DIR *dir) const { ::closedir(dir); }
+};
+
 class ArquivosSistema final : public IArquivos {
 public:
   FalhaArquivo Abre(const CString &caminho, const ModoAbertura &modo,
@@ -227,25 +230,23 @@ public:
     return DescarregaDiretorio(DiretorioDe(para));
   }
 
-  FalhaArquivo Lista(const CString &diretorio, const CString &mascara, std::vector<CString> *nomes) override {
+  FalhaArquivo Lista(const CString &diretorio, std::vector<CString> *nomes) override {
     nomes->clear();
     const std::string nativo = CaminhoNativo(diretorio);
-    DIR *const dir = ::opendir(nativo.empty() ? "." : nativo.c_str());
-    if (dir == nullptr) {
+    const std::unique_ptr<DIR, FechaDiretorio> dir(::opendir(nativo.empty() ? "." : nativo.c_str()));
+    if (!dir) {
       return errno == ENOENT ? FalhaWin32(3) : UltimaFalha(nativo);
     }
-    const CString dobrada = Maiusculas(mascara);
     errno = 0;
-    while (const dirent *entrada = ::readdir(dir)) {
+    while (const dirent *entrada = ::readdir(dir.get())) {
       const CString nome(entrada->d_name);
       struct stat info {};
-      if (CasaMascara(Maiusculas(nome), dobrada) && !DadosDe(CaminhoNativo(diretorio + nome), &info)) {
+      if (!DadosDe(CaminhoNativo(diretorio + nome), &info)) {
         nomes->push_back(nome);
       }
       errno = 0;
     }
     const int erro = errno;
-    ::closedir(dir);
     std::sort(nomes->begin(), nomes->end());
     return FalhaWin32(ErroWin32DeErrno(erro));
   }

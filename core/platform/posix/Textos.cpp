@@ -1,9 +1,8 @@
 #include "core/platform/Textos.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <string_view>
-
-#include "core/platform/Mascara.h"
 
 namespace plataforma {
 namespace {
@@ -30,6 +29,34 @@ char Maiuscula(char letra) {
 std::string_view SemBrancosIniciais(std::string_view texto) {
   const std::size_t inicio = texto.find_first_not_of(' ');
   return inicio == std::string_view::npos ? std::string_view() : texto.substr(inicio);
+}
+
+/// Whole-text match of one pattern, byte by byte: '*' any run, also an empty one, '?' exactly one character. Time is
+/// bounded by the product of the two lengths.
+bool CasaMascara(std::string_view texto, std::string_view mascara) {
+  // Only the newest '*' ever needs a second try: whatever an earlier one could take, the newest one can take too.
+  std::size_t t = 0;
+  std::size_t m = 0;
+  std::size_t estrela = std::string_view::npos;
+  std::size_t retomada = 0;
+  while (t < texto.size()) {
+    if (m < mascara.size() && mascara[m] == '*') {
+      estrela = m++;
+      retomada = t;
+    } else if (m < mascara.size() && (mascara[m] == '?' || mascara[m] == texto[t])) {
+      ++m;
+      ++t;
+    } else if (estrela != std::string_view::npos) {
+      m = estrela + 1;
+      t = ++retomada;
+    } else {
+      return false;
+    }
+  }
+  while (m < mascara.size() && mascara[m] == '*') {
+    ++m;
+  }
+  return m == mascara.size();
 }
 
 }  // namespace

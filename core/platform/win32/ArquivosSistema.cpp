@@ -4,10 +4,9 @@
 
 #include <algorithm>
 
-#include "core/platform/Mascara.h"
 #include "core/platform/Permanente.h"
 #include "core/platform/ServicosSistema.h"
-#include "core/platform/Textos.h"
+#include "core/platform/win32/Posses.h"
 
 namespace plataforma {
 namespace {
@@ -64,25 +63,13 @@ DWORD CriacaoWin32(Criacao criacao) {
 
 class ArquivoAberto final : public IArquivoAberto {
 public:
-  ArquivoAberto() = default;
-  ~ArquivoAberto() override {
-    if (m_pMapa != nullptr) {
-      ::UnmapViewOfFile(m_pMapa);
-    }
-    if (m_hArquivo != INVALID_HANDLE_VALUE) {
-      ::CloseHandle(m_hArquivo);
-    }
-  }
-  ArquivoAberto(const ArquivoAberto &) = delete;
-  ArquivoAberto &operator=(const ArquivoAberto &) = delete;
-
   FalhaArquivo Le(std::uint64_t posicao, void *destino, std::size_t qtd) override {
     auto *resto = static_cast<char *>(destino);
     while (qtd > 0) {
       OVERLAPPED sobreposto = NaPosicao(posicao);
       DWORD lidos = 0;
       const auto pedido = static_cast<DWORD>(std::min(qtd, kMaiorTransferencia));
-      if (!::ReadFile(m_hArquivo, resto, pedido, &lidos, &sobreposto)) {
+      if (!::ReadFile(m_arquivo.get(), resto, pedido, &lidos, &sobreposto)) {
         return UltimaFalha();
       }
       if (lidos == 0) {
@@ -101,7 +88,7 @@ public:
       OVERLAPPED sobreposto = NaPosicao(posicao);
       DWORD gravados = 0;
       const auto pedido = static_cast<DWORD>(std::min(qtd, kMaiorTransferencia));
-      if (!::WriteFile(m_hArquivo, resto, pedido, &gravados, &sobreposto)) {
+      if (!::WriteFile(m_arquivo.get(), resto, pedido, &gravados, &sobreposto)) {
         return UltimaFalha();
       }
       if (gravados == 0) {
@@ -116,7 +103,7 @@ public:
 
   FalhaArquivo Tamanho(std::uint64_t *tamanho) override {
     LARGE_INTEGER atual{};
-    if (!::GetFileSizeEx(m_hArquivo, &atual)) {
+    if (!::GetFileSizeEx(m_arquivo.get(), &atual)) {
       return UltimaFalha();
     }
     *tamanho = static_cast<std::uint64_t>(atual.QuadPart);
@@ -126,38 +113,38 @@ public:
   FalhaArquivo AjustaTamanho(std::uint64_t tamanho) override {
     FILE_END_OF_FILE_INFO fim{};
     fim.EndOfFile.QuadPart = static_cast<LONGLONG>(tamanho);
-    return ::SetFileInformationByHandle(m_hArquivo, FileEndOfFileInfo, &fim, sizeof(fim)) ? kSemFalha : UltimaFalha();
+    return ::SetFileInformationByHandle(m_arquivo.get(), FileEndOfFileInfo, &fim, sizeof(fim)) ? kSemFalha
+                                                                                               : UltimaFalha();
   }
 
   FalhaArquivo UltimaEscrita(std::uint64_t *ticks) override {
     FILETIME escrita{};
-    if (!::GetFileTime(m_hArquivo, nullptr, nullptr, &escrita)) {
+    if (!::GetFileTime(m_arquivo.get(), nullptr, nullptr, &escrita)) {
       return UltimaFalha();
     }
     *ticks = std::uint64_t{escrita.dwHighDateTime} << 32 | escrita.dwLowDateTime;
     return kSemFalha;
   }
 
-  FalhaArquivo Descarrega() override { return ::FlushFileBuffers(m_hArquivo) ? kSemFalha : UltimaFalha(); }
+  FalhaArquivo Descarrega() override { return ::FlushFileBuffers(m_arquivo.get()) ? kSemFalha : UltimaFalha(); }
 
   FalhaArquivo Mapeia(std::size_t qtd, std::byte **ppBytes) override {
-    const HANDLE hMapa = ::CreateFileMappingA(m_hArquivo, nullptr, PAGE_READWRITE, 0, 0, nullptr);
-    if (hMapa == nullptr) {
+    // Only for the moment: the view keeps it.
+    const PosseHandle mapeamento(::CreateFileMappingA(m_arquivo.get(), nullptr, PAGE_READWRITE, 0, 0, nullptr));
+    if (!mapeamento) {
       return UltimaFalha();
     }
-    m_pMapa = ::MapViewOfFile(hMapa, FILE_MAP_WRITE, 0, 0, qtd);
-    const FalhaArquivo falha = m_pMapa != nullptr ? kSemFalha : UltimaFalha();
-    ::CloseHandle(hMapa);  // the view keeps it
-    *ppBytes = static_cast<std::byte *>(m_pMapa);
-    return falha;
+    m_mapa.reset(::MapViewOfFile(mapeamento.get(), FILE_MAP_WRITE, 0, 0, qtd));
+    *ppBytes = static_cast<std::byte *>(m_mapa.get());
+    return m_mapa ? kSemFalha : UltimaFalha();
   }
 
   /// Owns an open handle from here on.
-  void Assume(HANDLE hArquivo) { m_hArquivo = hArquivo; }
+  void Assume(HANDLE hArquivo) { m_arquivo.reset(hArquivo); }
 
 private:
-  HANDLE m_hArquivo = INVALID_HANDLE_VALUE;
-  void *m_pMapa = nullptr;
+  PosseHandle m_arquivo;
+  PosseMapa m_mapa;  // behind the file, so that it goes before it
 };
 
 /// Attributes of a path; false when it is missing or a directory, with the reason as last error.
@@ -218,24 +205,19 @@ public:
                : UltimaFalha();
   }
 
-  FalhaArquivo Lista(const CString &diretorio, const CString &mascara, std::vector<CString> *nomes) override {
+  FalhaArquivo Lista(const CString &diretorio, std::vector<CString> *nomes) override {
     nomes->clear();
-    // Everything is listed and matched here: the system's own matching also finds names by their short alias and gives
-    // '?' and "*." meanings of their own.
     WIN32_FIND_DATAA achado{};
-    const HANDLE hBusca = ::FindFirstFileA((diretorio + "*").c_str(), &achado);
-    if (hBusca == INVALID_HANDLE_VALUE) {
+    const PosseBusca busca(NuloSeInvalido(::FindFirstFileA((diretorio + "*").c_str(), &achado)));
+    if (!busca) {
       return ::GetLastError() == ERROR_FILE_NOT_FOUND ? kSemFalha : UltimaFalha();
     }
-    const CString dobrada = Maiusculas(mascara);
     do {
-      const CString nome(achado.cFileName);
-      if ((achado.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 && CasaMascara(Maiusculas(nome), dobrada)) {
-        nomes->push_back(nome);
+      if ((achado.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+        nomes->emplace_back(achado.cFileName);
       }
-    } while (::FindNextFileA(hBusca, &achado));
+    } while (::FindNextFileA(busca.get(), &achado));
     const DWORD erro = ::GetLastError();
-    ::FindClose(hBusca);
     std::sort(nomes->begin(), nomes->end());
     return erro == ERROR_NO_MORE_FILES ? kSemFalha : FalhaWin32(erro);
   }

@@ -3,16 +3,13 @@
 #include <windows.h>
 
 #include <cstring>
-#include <type_traits>
+#include <utility>
 #include <vector>
+
+#include "core/platform/win32/Posses.h"
 
 namespace plataforma {
 namespace {
-
-struct FechaChave {
-  void operator()(HKEY hChave) const { ::RegCloseKey(hChave); }
-};
-using Chave = std::unique_ptr<std::remove_pointer_t<HKEY>, FechaChave>;
 
 /// The text with %NAME% replaced; the text itself when that fails.
 CString Expandido(const CString &texto) {
@@ -31,7 +28,7 @@ CString Expandido(const CString &texto) {
 
 class ChaveSistema final : public IChaveRegistro {
 public:
-  ChaveSistema(Chave chave, AcessoChave eAcesso)
+  ChaveSistema(PosseChave chave, AcessoChave eAcesso)
       : m_chave(std::move(chave)), m_bEscrita(eAcesso == AcessoChave::LeituraEscrita) {}
 
   std::optional<CString> LeTexto(const CString &nome, bool expande) override {
@@ -69,7 +66,7 @@ public:
     HKEY hChave = nullptr;
     const LSTATUS estado =
         ::RegCreateKeyExA(m_chave.get(), nome.c_str(), 0, nullptr, 0, KEY_READ, nullptr, &hChave, nullptr);
-    const Chave fecha(hChave);
+    const PosseChave fecha(hChave);
     return estado == ERROR_SUCCESS;
   }
 
@@ -93,14 +90,14 @@ private:
     }
   }
 
-  Chave m_chave;
+  PosseChave m_chave;
   bool m_bEscrita;
 };
 
 }  // namespace
 
 std::unique_ptr<IChaveRegistro> AbreChaveRegistro(const CString &chave, AcessoChave eAcesso, const CString &maquina) {
-  Chave raiz;
+  PosseChave raiz;
   if (!maquina.empty()) {
     HKEY hRaiz = nullptr;
     if (::RegConnectRegistryA(maquina.c_str(), HKEY_LOCAL_MACHINE, &hRaiz) != ERROR_SUCCESS) {
@@ -115,7 +112,7 @@ std::unique_ptr<IChaveRegistro> AbreChaveRegistro(const CString &chave, AcessoCh
       ERROR_SUCCESS) {
     return nullptr;
   }
-  return std::make_unique<ChaveSistema>(Chave(hChave), eAcesso);
+  return std::make_unique<ChaveSistema>(PosseChave(hChave), eAcesso);
 }
 
 }  // namespace plataforma

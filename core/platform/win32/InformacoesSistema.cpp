@@ -5,12 +5,11 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <memory>
-#include <type_traits>
 #include <vector>
 
 #include "core/platform/Permanente.h"
 #include "core/platform/ServicosSistema.h"
+#include "core/platform/win32/Posses.h"
 
 namespace plataforma {
 namespace {
@@ -24,13 +23,8 @@ CString CaminhoPrograma() {
   return qtd < MAX_PATH ? CString(caminho, qtd) : CString();
 }
 
-struct LiberaModulo {
-  void operator()(HMODULE modulo) const { ::FreeLibrary(modulo); }
-};
-using Modulo = std::unique_ptr<std::remove_pointer_t<HMODULE>, LiberaModulo>;
-
 template <class Funcao>
-Funcao *FuncaoDe(const Modulo &modulo, const char *nome) {
+Funcao *FuncaoDe(const PosseModulo &modulo, const char *nome) {
   return reinterpret_cast<Funcao *>(reinterpret_cast<void *>(::GetProcAddress(modulo.get(), nome)));
 }
 
@@ -87,7 +81,7 @@ public:
   }
 
   bool VersaoPrograma(VersaoArquivo *versao) override {
-    const Modulo biblioteca(::LoadLibraryExA("version.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
+    const PosseModulo biblioteca(::LoadLibraryExA("version.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
     if (!biblioteca) {
       return false;
     }
@@ -125,7 +119,7 @@ public:
     const DWORD qtd = ::FormatMessageA(
         FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, erro,
         MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<char *>(&texto), 0, nullptr);
-    const std::unique_ptr<char, decltype(&::LocalFree)> dono(texto, ::LocalFree);
+    const PosseLocal dono(texto);
     return CString(qtd != 0 ? texto : "", qtd);
   }
 

@@ -17,6 +17,8 @@
 
 namespace {
 
+constexpr char kFonte[] = "Modulo.cpp";
+
 /// Pause between the end of the message loop and the revocation of the class object, in milliseconds: what had begun
 /// before the suspension comes through.
 constexpr DWORD kPausa = 1000;
@@ -53,7 +55,7 @@ HRESULT DefineSeguranca() {
 void RelataFalha(const CString &sOque, const char *lpChamada, HRESULT hr) {
   DizErro("Kalvo: falha ao " + sOque + ": " + TextoCodigo(static_cast<unsigned long>(hr)));
   const CQZProfilerEmpresa profiler;
-  static_cast<void>(CQZRastro(&profiler, {"CKalvoModule::Executa"}, "Modulo.cpp").Falha(hr, lpChamada, __LINE__));
+  static_cast<void>(CQZRastro(&profiler, {"CKalvoModule::Executa"}, kFonte).Falha(hr, lpChamada, __LINE__));
 }
 
 /// Runs the message loop until a quit message.

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr char kArquivo[] = "log.ini";
+constexpr char kArquivoIni[] = "log.ini";
 constexpr char kSecao[] = "Log";
 constexpr std::uint32_t kTimeoutPadrao = 600;
 constexpr std::uint64_t kMsPorSegundo = 1000;
@@ -55,8 +55,8 @@ void LeArquivo() {
   plataforma::IArquivosIni &ini = plataforma::ArquivosIni();
   const CString instalacao = CQZPath::DiretorioInstalacao(QZ_DF);
   // A bare file name would make the system look in its own directory instead of the current one.
-  const CString arquivo =
-      instalacao.empty() ? plataforma::Informacoes().CaminhoAbsoluto(kArquivo) : CQZPath::Junta(instalacao, kArquivo);
+  const CString arquivo = instalacao.empty() ? plataforma::Informacoes().CaminhoAbsoluto(kArquivoIni)
+                                             : CQZPath::Junta(instalacao, kArquivoIni);
   unsigned chaves = 0;
   for (const auto &[nome, chave] : kChaves) {
     chaves |= ini.LeInteiro(arquivo, kSecao, nome, 0) == 1 ? chave : 0U;

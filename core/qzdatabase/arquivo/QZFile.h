@@ -84,7 +84,7 @@ protected:
   void EsvaziaMemoria() override;
 
 private:
-  static constexpr char kFonte[] = "QZFile.h";
+  static constexpr char kFonteH[] = "QZFile.h";
   static constexpr NomeFuncao Nome(const char *lpMetodo) { return {"CQZFile<", NomeTipoRegistro<T>::kNome, lpMetodo}; }
 
   static constexpr std::size_t kLote = 64;     ///< records read under one lock
@@ -141,7 +141,7 @@ private:
 
 template <typename T>
 HRESULT CQZFile<T>::OnInicializa() {
-  const CQZOperacao rastro(this, Nome(">::OnInicializa"), kFonte);
+  const CQZOperacao rastro(this, Nome(">::OnInicializa"), kFonteH);
   QZ_VERIFICA(rastro, "__super::OnInicializa()", CQZFileBase::OnInicializa());
   QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AbreArquivo(eModoLeitura));
   return CarregaAoInicializar();
@@ -149,7 +149,7 @@ HRESULT CQZFile<T>::OnInicializa() {
 
 template <typename T>
 HRESULT CQZFile<T>::CarregaMemoria() {
-  const CQZRastro rastro(this, Nome(">::OnInicializa"), kFonte);
+  const CQZRastro rastro(this, Nome(">::OnInicializa"), kFonteH);
   std::uint64_t uiTamanho = 0;
   plataforma::FalhaArquivo falha = TamanhoDados(&uiTamanho);
   if (falha.causa == plataforma::CausaArquivo::FimDeArquivo || (!falha && uiTamanho % sizeof(T) != 0)) {
@@ -242,7 +242,7 @@ template <typename T>
 HRESULT CQZFile<T>::GetQuantidade(std::uint64_t *puiQtd) {
   *puiQtd = 0;
   if (!MemoriaServe()) {
-    const CQZRastro rastro(this, Nome(">::GetQuantidade"), kFonte);
+    const CQZRastro rastro(this, Nome(">::GetQuantidade"), kFonteH);
     const plataforma::CQZTrava trava(Secao());
     QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   }
@@ -252,7 +252,7 @@ HRESULT CQZFile<T>::GetQuantidade(std::uint64_t *puiQtd) {
 
 template <typename T>
 HRESULT CQZFile<T>::Le(std::uint64_t uiPosicao, T *pReg) {
-  const CQZOperacao rastro(this, Nome(">::Le"), kFonte);
+  const CQZOperacao rastro(this, Nome(">::Le"), kFonteH);
   if (uiPosicao == 0) {
     QZ_RETORNA_CODIGO(rastro, codigos::kPosicaoZero);
   }
@@ -375,7 +375,7 @@ HRESULT CQZFile<T>::PercorreTrechos(std::uint64_t uiPrimeira, std::uint64_t uiUl
 template <typename T>
 template <typename F>
 HRESULT CQZFile<T>::VisitaTrecho(std::uint64_t uiUltima, F &&visita, std::uint64_t *puiPosicao, bool *pbFim) {
-  const CQZRastro rastro(this, Nome(">::Le"), kFonte);
+  const CQZRastro rastro(this, Nome(">::Le"), kFonteH);
   const Acesso acesso(*this);
   // Before the range is looked at: an empty one of a file that cannot be had is not an answer.
   if (acesso.AAssegurar()) {
@@ -416,7 +416,7 @@ HRESULT CQZFile<T>::PercorreTexto(std::size_t uiCampo, std::string_view sTexto, 
 /// One step of what the index was found to lack.
 template <typename T>
 HRESULT CQZFile<T>::TrabalhaNoIndice(std::size_t uiCampo, std::uint64_t uiHash) {
-  const CQZRastro rastro(this, Nome(">::Le"), kFonte);
+  const CQZRastro rastro(this, Nome(">::Le"), kFonteH);
   const plataforma::CQZTrava trava(Secao());
   QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   const plataforma::CQZTravaEscrita travaEscrita(Leitores());
@@ -430,7 +430,7 @@ template <typename T>
 template <typename F>
 HRESULT CQZFile<T>::VisitaPorIndice(std::size_t uiCampo, std::uint64_t uiHash, std::uint64_t uiUltima, F &&visita,
                                     std::optional<std::uint64_t> *puiResto) {
-  const CQZRastro rastro(this, Nome(">::Le"), kFonte);
+  const CQZRastro rastro(this, Nome(">::Le"), kFonteH);
   const Acesso acesso(*this);
   if (acesso.AAssegurar()) {
     QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
@@ -463,7 +463,7 @@ HRESULT CQZFile<T>::VisitaPorIndice(std::size_t uiCampo, std::uint64_t uiHash, s
 
 template <typename T>
 HRESULT CQZFile<T>::Grava(std::uint64_t &uiPosicao, const T &reg) {
-  const CQZOperacao rastro(this, Nome(">::Grava"), kFonte);
+  const CQZOperacao rastro(this, Nome(">::Grava"), kFonteH);
   QZ_VERIFICA(rastro, "GravaColecao(uiPosicao, aRegistros)", GravaFaixa(uiPosicao, &reg, 1));
   return codigos::kOk;
 }
@@ -475,7 +475,7 @@ HRESULT CQZFile<T>::GravaColecao(std::uint64_t &uiPosicao, const CArray<T> &aReg
 
 template <typename T>
 HRESULT CQZFile<T>::GravaFaixa(std::uint64_t &uiPosicao, const T *pRegistros, std::size_t qtd) {
-  const CQZOperacao rastro(this, Nome(">::GravaColecao"), kFonte);
+  const CQZOperacao rastro(this, Nome(">::GravaColecao"), kFonteH);
   if (qtd == 0) {
     return codigos::kOk;
   }
@@ -531,7 +531,7 @@ bool CQZFile<T>::PrecisaGravar(std::uint64_t uiPosicao, const T *pRegistros, std
 /// One attempt.
 template <typename T>
 HRESULT CQZFile<T>::GravaRegistros(std::uint64_t uiIndice, const T *pRegistros, std::size_t qtd) {
-  const CQZRastro rastro(this, Nome(">::GravaRegistros"), kFonte);
+  const CQZRastro rastro(this, Nome(">::GravaRegistros"), kFonteH);
   const auto indice = static_cast<std::size_t>(uiIndice);
   Transacao().Inicia(PosicaoNoArquivo(uiIndice), PosicaoNoArquivo(m_aRegistros.GetSize()));
   NotaAntigos(indice, qtd);

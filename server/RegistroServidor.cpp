@@ -60,8 +60,8 @@ public:
       return hr;
     }
     std::vector<std::wstring> chaves;
-    for (const std::wstring &chave : ChavesTocadas()) {
-      chaves.push_back(kClasses + chave);
+    for (const std::wstring &sChave : ChavesTocadas()) {
+      chaves.push_back(kClasses + sChave);
     }
     const CRetratoChaves antes(m_hRaiz, chaves);
     hr = GravaTudo();
@@ -76,8 +76,8 @@ public:
   /// Goes on after a failure: what can be removed is. The first failure is the result.
   HRESULT Desregistra() const {
     HRESULT hr = DesregistraBiblioteca();
-    for (const std::wstring &chave : ChavesRemovidas()) {
-      hr = Primeira(hr, ApagaChave(chave));
+    for (const std::wstring &sChave : ChavesRemovidas()) {
+      hr = Primeira(hr, ApagaChave(sChave));
     }
     return hr;
   }
@@ -110,8 +110,8 @@ private:
     return FAILED(hr) ? hr : GravaValores(ValoresDoProxy(Visao::De32Bits, m_sProxy32));
   }
 
-  HRESULT Relata(const CString &operacao, const std::wstring &alvo, HRESULT hr) const {
-    DizErro("Kalvo: falha ao " + operacao + " " + Texto1252(alvo) + ": erro " +
+  HRESULT Relata(const CString &sOperacao, const std::wstring &sAlvo, HRESULT hr) const {
+    DizErro("Kalvo: falha ao " + sOperacao + " " + Texto1252(sAlvo) + ": erro " +
             TextoCodigo(static_cast<unsigned long>(hr)));
     if (hr == E_ACCESSDENIED && !m_bPorUsuario) {
       DizErro("Kalvo: execute como administrador, ou use /RegServerPerUser para registrar s\xF3 para este usu\xE1rio");
@@ -119,8 +119,8 @@ private:
     return hr;
   }
 
-  HRESULT RelataChave(const CString &operacao, const std::wstring &chave, LSTATUS erro) const {
-    return Relata(operacao + " a chave", (m_bPorUsuario ? L"HKCU\\" : L"HKLM\\") + (kClasses + chave),
+  HRESULT RelataChave(const CString &sOperacao, const std::wstring &sChave, LSTATUS erro) const {
+    return Relata(sOperacao + " a chave", (m_bPorUsuario ? L"HKCU\\" : L"HKLM\\") + (kClasses + sChave),
                   HRESULT_FROM_WIN32(static_cast<DWORD>(erro)));
   }
 
@@ -142,15 +142,15 @@ private:
     return S_OK;
   }
 
-  HRESULT ApagaChave(const std::wstring &chave) const {
-    const LSTATUS erro = RegDeleteTreeW(m_hRaiz, (kClasses + chave).c_str());
-    return erro == ERROR_SUCCESS || erro == ERROR_FILE_NOT_FOUND ? S_OK : RelataChave("apagar", chave, erro);
+  HRESULT ApagaChave(const std::wstring &sChave) const {
+    const LSTATUS erro = RegDeleteTreeW(m_hRaiz, (kClasses + sChave).c_str());
+    return erro == ERROR_SUCCESS || erro == ERROR_FILE_NOT_FOUND ? S_OK : RelataChave("apagar", sChave, erro);
   }
 
   HRESULT RegistraBiblioteca() const {
-    std::wstring caminho = m_sExecutavel;
+    std::wstring sCaminho = m_sExecutavel;
     const auto registra = m_bPorUsuario ? RegisterTypeLibForUser : RegisterTypeLib;
-    const HRESULT hr = registra(m_spBiblioteca.get(), caminho.data(), nullptr);
+    const HRESULT hr = registra(m_spBiblioteca.get(), sCaminho.data(), nullptr);
     return FAILED(hr) ? Relata("registrar a biblioteca de tipos de", m_sExecutavel, hr) : S_OK;
   }
 

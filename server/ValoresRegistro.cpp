@@ -50,38 +50,38 @@ std::wstring ChaveTodasAsBibliotecas() {
 }  // namespace
 
 std::vector<ValorRegistro> ValoresDoServidor(const std::wstring &sExecutavel) {
-  const std::wstring clsid = TextoGuid(CLSID_CQZDF_Veiculos);
-  const std::wstring classe = ChaveClasse();
-  const std::wstring progId = kProgId;
-  const std::wstring semVersao = kProgIdSemVersao;
+  const std::wstring sClsid = TextoGuid(CLSID_CQZDF_Veiculos);
+  const std::wstring sClasse = ChaveClasse();
+  const std::wstring sProgId = kProgId;
+  const std::wstring sSemVersao = kProgIdSemVersao;
   return {
       {ChaveAppId(), L"", L"Kalvo"},
       {L"AppID\\Kalvo.EXE", L"AppID", kAppId},
-      {progId, L"", kNomeClasse},
-      {progId + L"\\CLSID", L"", clsid},
-      {semVersao, L"", kNomeClasse},
-      {semVersao + L"\\CLSID", L"", clsid},
-      {semVersao + L"\\CurVer", L"", progId},
-      {classe, L"", kNomeClasse},
-      {classe, L"AppID", kAppId},
-      {classe + L"\\ProgID", L"", progId},
-      {classe + L"\\VersionIndependentProgID", L"", semVersao},
+      {sProgId, L"", kNomeClasse},
+      {sProgId + L"\\CLSID", L"", sClsid},
+      {sSemVersao, L"", kNomeClasse},
+      {sSemVersao + L"\\CLSID", L"", sClsid},
+      {sSemVersao + L"\\CurVer", L"", sProgId},
+      {sClasse, L"", kNomeClasse},
+      {sClasse, L"AppID", kAppId},
+      {sClasse + L"\\ProgID", L"", sProgId},
+      {sClasse + L"\\VersionIndependentProgID", L"", sSemVersao},
       // Quoted: an unquoted path with blanks would let another program answer for it.
-      {classe + L"\\LocalServer32", L"", L"\"" + sExecutavel + L"\""},
-      {classe + L"\\TypeLib", L"", TextoGuid(LIBID_Kalvo)},
+      {sClasse + L"\\LocalServer32", L"", L"\"" + sExecutavel + L"\""},
+      {sClasse + L"\\TypeLib", L"", TextoGuid(LIBID_Kalvo)},
   };
 }
 
 std::vector<ValorRegistro> ValoresDoProxy(Visao eVisao, const std::wstring &sProxy) {
-  const std::wstring interface_ = ChaveInterface(eVisao);
-  const std::wstring servidor = ChaveProxy(eVisao) + L"\\InProcServer32";
+  const std::wstring sInterface_ = ChaveInterface(eVisao);
+  const std::wstring sServidor = ChaveProxy(eVisao) + L"\\InProcServer32";
   return {
-      {interface_, L"", kNomeInterface},
-      {interface_ + L"\\ProxyStubClsid32", L"", TextoGuid(kClsidProxy)},
-      {interface_ + L"\\NumMethods", L"", kMetodos},
+      {sInterface_, L"", kNomeInterface},
+      {sInterface_ + L"\\ProxyStubClsid32", L"", TextoGuid(kClsidProxy)},
+      {sInterface_ + L"\\NumMethods", L"", kMetodos},
       {ChaveProxy(eVisao), L"", L"PSFactoryBuffer"},
-      {servidor, L"", sProxy},
-      {servidor, L"ThreadingModel", L"Both"},
+      {sServidor, L"", sProxy},
+      {sServidor, L"ThreadingModel", L"Both"},
   };
 }
 

@@ -41,11 +41,11 @@ std::string_view Processos() {
   return atual != nullptr ? std::string_view(atual->texto) : kTodos;
 }
 
-void DefineProcessos(const CString &texto) {
-  if (texto == Processos()) {
+void DefineProcessos(const CString &sTexto) {
+  if (sTexto == Processos()) {
     return;
   }
-  auto novo = std::make_unique<TextoProcessos>(TextoProcessos{texto, g_processos.load()});
+  auto novo = std::make_unique<TextoProcessos>(TextoProcessos{sTexto, g_processos.load()});
   while (!g_processos.compare_exchange_weak(novo->anterior, novo.get())) {
   }
   static_cast<void>(novo.release());
@@ -53,16 +53,16 @@ void DefineProcessos(const CString &texto) {
 
 void LeArquivo() {
   plataforma::IArquivosIni &ini = plataforma::ArquivosIni();
-  const CString instalacao = CQZPath::DiretorioInstalacao(QZ_DF);
+  const CString sInstalacao = CQZPath::DiretorioInstalacao(QZ_DF);
   // A bare file name would make the system look in its own directory instead of the current one.
-  const CString arquivo = instalacao.empty() ? plataforma::Informacoes().CaminhoAbsoluto(kArquivoIni)
-                                             : CQZPath::Junta(instalacao, kArquivoIni);
+  const CString sArquivo = sInstalacao.empty() ? plataforma::Informacoes().CaminhoAbsoluto(kArquivoIni)
+                                               : CQZPath::Junta(sInstalacao, kArquivoIni);
   unsigned chaves = 0;
   for (const auto &[nome, chave] : kChaves) {
-    chaves |= ini.LeInteiro(arquivo, kSecao, nome, 0) == 1 ? chave : 0U;
+    chaves |= ini.LeInteiro(sArquivo, kSecao, nome, 0) == 1 ? chave : 0U;
   }
-  const std::uint64_t timeout = ini.LeInteiro(arquivo, kSecao, "TimeoutConfig", kTimeoutPadrao);
-  DefineProcessos(ini.LeTexto(arquivo, kSecao, "Processos", CString(kTodos).c_str(), kMaximoProcessos));
+  const std::uint64_t timeout = ini.LeInteiro(sArquivo, kSecao, "TimeoutConfig", kTimeoutPadrao);
+  DefineProcessos(ini.LeTexto(sArquivo, kSecao, "Processos", CString(kTodos).c_str(), kMaximoProcessos));
   g_timeoutMs = timeout * kMsPorSegundo;
   g_chaves = chaves;
 }
@@ -104,17 +104,17 @@ bool RastreamentoLigado() noexcept {
 }
 
 bool ProcessoRastreado(const CString &sProcesso) noexcept {
-  std::string_view resto = Processos();
-  if (resto.find(kTodos) != std::string_view::npos) {
+  std::string_view sResto = Processos();
+  if (sResto.find(kTodos) != std::string_view::npos) {
     return true;
   }
-  while (!resto.empty()) {
-    const std::size_t fim = std::min(resto.find_first_of(kSeparadores), resto.size());
-    const std::string_view trecho = resto.substr(0, fim);
-    if (!trecho.empty() && sProcesso.find(trecho) != CString::npos) {
+  while (!sResto.empty()) {
+    const std::size_t fim = std::min(sResto.find_first_of(kSeparadores), sResto.size());
+    const std::string_view sTrecho = sResto.substr(0, fim);
+    if (!sTrecho.empty() && sProcesso.find(sTrecho) != CString::npos) {
       return true;
     }
-    resto.remove_prefix(std::min(fim + 1, resto.size()));
+    sResto.remove_prefix(std::min(fim + 1, sResto.size()));
   }
   return false;
 }

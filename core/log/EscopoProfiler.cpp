@@ -15,8 +15,8 @@ struct CQZEscopoProfiler::Aberto {
 
   const IQZDF_Profiler *Profiler() const { return profiler ? &*profiler : nullptr; }
 
-  void Grava(TipoRegistro eTipo, const CString &resto) const {
-    GravaLinhaLog(ColunasComuns(Profiler(), origem, eTipo), resto, eTipo, Profiler());
+  void Grava(TipoRegistro eTipo, const CString &sResto) const {
+    GravaLinhaLog(ColunasComuns(Profiler(), origem, eTipo), sResto, eTipo, Profiler());
   }
 };
 
@@ -30,8 +30,8 @@ std::uint64_t Crescimento(std::uint64_t antes, std::uint64_t agora) {
 
 }  // namespace
 
-void CQZEscopoProfiler::Descarta::operator()(Aberto *aberto) const {
-  delete aberto;
+void CQZEscopoProfiler::Descarta::operator()(Aberto *pAberto) const {
+  delete pAberto;
 }
 
 void CQZEscopoProfiler::Inicia(const IQZDF_Profiler *pProfiler, const NomeFuncao &funcao,
@@ -56,13 +56,13 @@ void CQZEscopoProfiler::Inicia(const IQZDF_Profiler *pProfiler, const NomeFuncao
     if (!LogEntrada()) {
       return;
     }
-    CString resto = ColunaNumero(m_aberto->uiMemoria) + ColunaNumero(0) + ColunaNumero(0);
+    CString sResto = ColunaNumero(m_aberto->uiMemoria) + ColunaNumero(0) + ColunaNumero(0);
     ParametrosEscopo parametros = formata();
     parametros.resize(std::min(parametros.size(), kMaximoParametros));
     for (const auto &[nome, valor] : parametros) {
-      resto.append(nome).append(" = ").append(valor).append("\t");
+      sResto.append(nome).append(" = ").append(valor).append("\t");
     }
-    m_aberto->Grava(TipoRegistro::Entrou, resto);
+    m_aberto->Grava(TipoRegistro::Entrou, sResto);
   } catch (...) {
     // The record is lost; the operation goes on.
   }

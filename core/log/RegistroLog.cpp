@@ -10,14 +10,14 @@
 namespace {
 
 template <class... Argumentos>
-CString Formata(const char *formato, Argumentos... argumentos) {
+CString Formata(const char *lpFormato, Argumentos... argumentos) {
   char texto[64] = "";
-  std::snprintf(texto, sizeof(texto), formato, argumentos...);
+  std::snprintf(texto, sizeof(texto), lpFormato, argumentos...);
   return texto;
 }
 
-CString Coluna(const CString &texto) {
-  return texto.empty() ? CString() : texto + "\t";
+CString Coluna(const CString &sTexto) {
+  return sTexto.empty() ? CString() : sTexto + "\t";
 }
 
 /// The system's time; the machine's own where a configured shift leads out of the calendar, so that the record is not
@@ -106,9 +106,9 @@ void GravaRegistroErro(const IQZDF_Profiler *pProfiler, const CString &sFuncao, 
     plataforma::IInformacoes &informacoes = plataforma::Informacoes();
     const OrigemRegistro origem{sFuncao, informacoes.NovoGuid(), informacoes.NomeProcesso(),
                                 informacoes.UsuarioLocal()};
-    const CString resto = ColunaNumero(MemoriaDoProcesso()) + VersaoPrograma() + VersaoSO() + lpArquivo + "\t" +
-                          std::to_string(iLinha) + "\t" + sLog + "\t";
-    GravaLinhaLog(ColunasComuns(pProfiler, origem, TipoRegistro::Erro), resto, TipoRegistro::Erro, pProfiler);
+    const CString sResto = ColunaNumero(MemoriaDoProcesso()) + VersaoPrograma() + VersaoSO() + lpArquivo + "\t" +
+                           std::to_string(iLinha) + "\t" + sLog + "\t";
+    GravaLinhaLog(ColunasComuns(pProfiler, origem, TipoRegistro::Erro), sResto, TipoRegistro::Erro, pProfiler);
   } catch (...) {
     // The record is lost; the failure that it tells of is returned to the caller all the same.
   }

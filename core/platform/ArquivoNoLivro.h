@@ -15,7 +15,7 @@ class CQZArquivoNoLivro {
 public:
   explicit CQZArquivoNoLivro(std::unique_ptr<IArquivoAberto> arquivo)
       : m_arquivo(std::move(arquivo)),
-        m_noLivro(m_arquivo.get(), [](void *objeto) { delete static_cast<IArquivoAberto *>(objeto); }) {}
+        m_noLivro(m_arquivo.get(), [](void *pObjeto) { delete static_cast<IArquivoAberto *>(pObjeto); }) {}
 
   IArquivoAberto *operator->() const { return m_arquivo.get(); }
   IArquivoAberto &operator*() const { return *m_arquivo; }

@@ -43,20 +43,20 @@ public:
 
   /// Reads exactly `qtd` bytes. A file that ends earlier is FimDeArquivo (erroSO 38); the buffer's content is then
   /// undefined.
-  virtual FalhaArquivo Le(std::uint64_t posicao, void *destino, std::size_t qtd) = 0;
+  virtual FalhaArquivo Le(std::uint64_t posicao, void *pDestino, std::size_t qtd) = 0;
 
   /// Writes exactly `qtd` bytes, extending the file when needed (a gap before `posicao` reads as zeros). On failure
   /// any part of the range may have been written.
-  virtual FalhaArquivo Grava(std::uint64_t posicao, const void *origem, std::size_t qtd) = 0;
+  virtual FalhaArquivo Grava(std::uint64_t posicao, const void *pOrigem, std::size_t qtd) = 0;
 
-  /// Present length. `*tamanho` is untouched on failure.
-  virtual FalhaArquivo Tamanho(std::uint64_t *tamanho) = 0;
+  /// Present length. `*puiTamanho` is untouched on failure.
+  virtual FalhaArquivo Tamanho(std::uint64_t *puiTamanho) = 0;
 
   /// Cuts the file, or extends it with zeros.
   virtual FalhaArquivo AjustaTamanho(std::uint64_t tamanho) = 0;
 
   /// Time of the last write in 100-nanosecond ticks; only good for telling whether it changed.
-  virtual FalhaArquivo UltimaEscrita(std::uint64_t *ticks) = 0;
+  virtual FalhaArquivo UltimaEscrita(std::uint64_t *puiTicks) = 0;
 
   /// Blocks until all that was written is on the storage device.
   virtual FalhaArquivo Descarrega() = 0;
@@ -79,33 +79,33 @@ class IArquivos {
 public:
   virtual ~IArquivos() = default;
 
-  /// Opens a file. On success the new object is handed over in `*arquivo`; on failure `*arquivo` is null. A handle
+  /// Opens a file. On success the new object is handed over in `*pArquivo`; on failure `*pArquivo` is null. A handle
   /// that another open one excludes is ViolacaoCompartilhamento (erroSO 32); a missing directory is CaminhoInvalido.
-  virtual FalhaArquivo Abre(const CString &caminho, const ModoAbertura &modo,
-                            std::unique_ptr<IArquivoAberto> *arquivo) = 0;
+  virtual FalhaArquivo Abre(const CString &sCaminho, const ModoAbertura &modo,
+                            std::unique_ptr<IArquivoAberto> *pArquivo) = 0;
 
-  /// Whether a file is at the path. The question has three answers: there, not there (`*existe` is false and nothing
-  /// failed), and could not be found out, which is a failure and leaves `*existe` false. A directory is AcessoNegado.
+  /// Whether a file is at the path. The question has three answers: there, not there (`*pbExiste` is false and nothing
+  /// failed), and could not be found out, which is a failure and leaves `*pbExiste` false. A directory is AcessoNegado.
   /// Works on files that others hold exclusively.
-  virtual FalhaArquivo Existe(const CString &caminho, bool *existe) = 0;
+  virtual FalhaArquivo Existe(const CString &sCaminho, bool *pbExiste) = 0;
 
   /// True when the file exists and carries the read-only attribute.
-  virtual bool SomenteLeitura(const CString &caminho) = 0;
+  virtual bool SomenteLeitura(const CString &sCaminho) = 0;
 
-  /// Length of a file without opening it for reading, so that it works on files held by others. `*tamanho` is
+  /// Length of a file without opening it for reading, so that it works on files held by others. `*puiTamanho` is
   /// untouched on failure.
-  virtual FalhaArquivo TamanhoDe(const CString &caminho, std::uint64_t *tamanho) = 0;
+  virtual FalhaArquivo TamanhoDe(const CString &sCaminho, std::uint64_t *puiTamanho) = 0;
 
   /// Deletes a file. An open one fails with ViolacaoCompartilhamento, a read-only one with AcessoNegado.
-  virtual FalhaArquivo Apaga(const CString &caminho) = 0;
+  virtual FalhaArquivo Apaga(const CString &sCaminho) = 0;
 
-  /// Moves `origem` onto `destino` in one step, replacing it, and returns when the move is on the storage device. Fails
-  /// with AcessoNegado while `destino` is open and with ViolacaoCompartilhamento while `origem` is.
-  virtual FalhaArquivo MoveSubstituindo(const CString &origem, const CString &destino) = 0;
+  /// Moves `sOrigem` onto `sDestino` in one step, replacing it, and returns when the move is on the storage device.
+  /// Fails with AcessoNegado while `sDestino` is open and with ViolacaoCompartilhamento while `sOrigem` is.
+  virtual FalhaArquivo MoveSubstituindo(const CString &sOrigem, const CString &sDestino) = 0;
 
-  /// Names (without directory, in ascending order of their bytes) of the files in `diretorio` (empty, or ending in
+  /// Names (without directory, in ascending order of their bytes) of the files in `sDiretorio` (empty, or ending in
   /// `\`). Short alias names take no part. A missing directory gives an empty list and CaminhoInvalido.
-  virtual FalhaArquivo Lista(const CString &diretorio, std::vector<CString> *nomes) = 0;
+  virtual FalhaArquivo Lista(const CString &sDiretorio, std::vector<CString> *pNomes) = 0;
 
 protected:
   IArquivos() = default;

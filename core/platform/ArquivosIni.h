@@ -16,10 +16,10 @@ public:
   virtual ~IArquivosIni() = default;
 
   /// Value of a key in a section, as a number.
-  virtual std::uint32_t LeInteiro(const CString &arquivo, const char *secao, const char *chave,
+  virtual std::uint32_t LeInteiro(const CString &sArquivo, const char *lpSecao, const char *lpChave,
                                   std::uint32_t padrao) = 0;
   /// The same as a text, at most `maximo` characters of it.
-  virtual CString LeTexto(const CString &arquivo, const char *secao, const char *chave, const char *padrao,
+  virtual CString LeTexto(const CString &sArquivo, const char *lpSecao, const char *lpChave, const char *padrao,
                           std::size_t maximo) = 0;
 
 protected:

@@ -35,10 +35,10 @@ public:
   virtual CString NovoGuid() = 0;
 
   /// Private bytes of the process.
-  virtual bool MemoriaProcesso(std::uint64_t *bytes) = 0;
+  virtual bool MemoriaProcesso(std::uint64_t *puiBytes) = 0;
   /// Available and total physical memory of the machine, in bytes.
-  virtual bool MemoriaMaquina(std::uint64_t *disponivel, std::uint64_t *total) = 0;
-  virtual bool VersaoPrograma(VersaoArquivo *versao) = 0;
+  virtual bool MemoriaMaquina(std::uint64_t *puiDisponivel, std::uint64_t *puiTotal) = 0;
+  virtual bool VersaoPrograma(VersaoArquivo *pVersao) = 0;
   virtual VersaoSistema VersaoSO() = 0;
 
   /// The platform's text for one of its error codes, in the user's language and without inserts, with the line ends
@@ -46,7 +46,7 @@ public:
   virtual CString TextoErro(std::uint32_t erro) = 0;
 
   /// A path as seen from the process's current directory, made absolute.
-  virtual CString CaminhoAbsoluto(const CString &caminho) = 0;
+  virtual CString CaminhoAbsoluto(const CString &sCaminho) = 0;
 
 protected:
   IInformacoes() = default;

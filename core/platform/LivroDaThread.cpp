@@ -28,24 +28,24 @@ std::size_t LivroDaThread::Marca() {
   return t_livro.qtd;
 }
 
-void LivroDaThread::Anota(void *objeto, Solta solta) {
+void LivroDaThread::Anota(void *pObjeto, Solta solta) {
   Livro &livro = t_livro;
   const std::size_t qtd = livro.qtd;
   if (qtd >= kMaximo) {
     std::fputs("LivroDaThread: too many locks held by one thread\n", stderr);
     std::abort();
   }
-  livro.anotacoes[qtd] = {objeto, solta};
+  livro.anotacoes[qtd] = {pObjeto, solta};
   Cerca();
   livro.qtd = qtd + 1;
   Cerca();
 }
 
-void LivroDaThread::Retira(const void *objeto) {
+void LivroDaThread::Retira(const void *pObjeto) {
   Livro &livro = t_livro;
   const std::size_t qtd = livro.qtd;
   std::size_t i = qtd;
-  while (i > 0 && livro.anotacoes[i - 1].objeto != objeto) {
+  while (i > 0 && livro.anotacoes[i - 1].objeto != pObjeto) {
     --i;
   }
   if (i == 0) {

@@ -29,9 +29,9 @@ const Servicos &ServicosDoSistema();
 /// The services in force: the operating system's own unless replaced.
 const Servicos &ServicosEmVigor();
 
-/// Puts `servicos` in force for the whole process, null for the system's own. Not synchronised: only while no other
+/// Puts `pServicos` in force for the whole process, null for the system's own. Not synchronised: only while no other
 /// thread uses the layers above. The object must outlive its use.
-void SubstituiServicos(const Servicos *servicos);
+void SubstituiServicos(const Servicos *pServicos);
 
 inline IArquivos &Arquivos() {
   return *ServicosEmVigor().arquivos;

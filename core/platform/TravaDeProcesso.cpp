@@ -6,7 +6,7 @@ namespace plataforma {
 CQZTravaDeProcesso::CQZTravaDeProcesso(ITravaEntreProcessos &trava, std::uint32_t limiteMs)
     : m_trava(trava), m_bTomada(trava.Toma(limiteMs)) {
   if (m_bTomada) {
-    LivroDaThread::Anota(&trava, [](void *objeto) { static_cast<ITravaEntreProcessos *>(objeto)->Solta(); });
+    LivroDaThread::Anota(&trava, [](void *pObjeto) { static_cast<ITravaEntreProcessos *>(pObjeto)->Solta(); });
   }
 }
 

@@ -9,20 +9,20 @@
 namespace plataforma {
 namespace {
 
-void SoltaSecao(void *objeto) {
-  static_cast<SecaoCritica *>(objeto)->Sai();
+void SoltaSecao(void *pObjeto) {
+  static_cast<SecaoCritica *>(pObjeto)->Sai();
 }
 
-void SoltaLeitura(void *objeto) {
-  static_cast<SecaoCompartilhada *>(objeto)->unlock_shared();
+void SoltaLeitura(void *pObjeto) {
+  static_cast<SecaoCompartilhada *>(pObjeto)->unlock_shared();
 }
 
-void SoltaEscrita(void *objeto) {
-  static_cast<SecaoCompartilhada *>(objeto)->AbandonaEscrita();
+void SoltaEscrita(void *pObjeto) {
+  static_cast<SecaoCompartilhada *>(pObjeto)->AbandonaEscrita();
 }
 
-[[noreturn]] void Aborta(const char *motivo) {
-  std::fprintf(stderr, "Travas: %s\n", motivo);
+[[noreturn]] void Aborta(const char *lpMotivo) {
+  std::fprintf(stderr, "Travas: %s\n", lpMotivo);
   std::abort();
 }
 
@@ -43,16 +43,17 @@ void VerificaOrdemCompartilhada() {
 void VerificaOrdem(const SecaoCritica &secao) {
   VerificaOrdemCompartilhada();
   bool bJaMinha = false;
-  NivelTrava maior{};
+  NivelTrava eMaior{};
   for (const LivroDaThread::Anotacao &anotacao : LivroDaThread::Anotacoes()) {
     if (anotacao.solta != SoltaSecao) {
       continue;
     }
     const auto *outra = static_cast<const SecaoCritica *>(anotacao.objeto);
     bJaMinha = bJaMinha || outra == &secao;
-    maior = outra->Nivel() > maior ? outra->Nivel() : maior;
+    eMaior = outra->Nivel() > eMaior ? outra->Nivel() : eMaior;
   }
-  const bool bPermitida = secao.Nivel() > maior || (secao.Nivel() == NivelTrava::Temporario && maior == secao.Nivel());
+  const bool bPermitida =
+      secao.Nivel() > eMaior || (secao.Nivel() == NivelTrava::Temporario && eMaior == secao.Nivel());
   if (!bJaMinha && !bPermitida) {
     Aborta("lock taken out of order");
   }

@@ -12,13 +12,14 @@ class ArquivosIniContados final : public plataforma::IArquivosIni {
 public:
   std::atomic<int> m_textos{0};
 
-  std::uint32_t LeInteiro(const CString &arquivo, const char *secao, const char *chave, std::uint32_t padrao) override {
-    return plataforma::ArquivosIniDoSistema().LeInteiro(arquivo, secao, chave, padrao);
+  std::uint32_t LeInteiro(const CString &sArquivo, const char *lpSecao, const char *lpChave,
+                          std::uint32_t padrao) override {
+    return plataforma::ArquivosIniDoSistema().LeInteiro(sArquivo, lpSecao, lpChave, padrao);
   }
-  CString LeTexto(const CString &arquivo, const char *secao, const char *chave, const char *padrao,
+  CString LeTexto(const CString &sArquivo, const char *lpSecao, const char *lpChave, const char *padrao,
                   std::size_t maximo) override {
     ++m_textos;
-    return plataforma::ArquivosIniDoSistema().LeTexto(arquivo, secao, chave, padrao, maximo);
+    return plataforma::ArquivosIniDoSistema().LeTexto(sArquivo, lpSecao, lpChave, padrao, maximo);
   }
 };
 

@@ -27,22 +27,22 @@ public:
   CString UsuarioLocal() override { return m_usuario; }
   std::uint32_t IdThread() override { return m_uiThread; }
   CString NovoGuid() override { return m_guid; }
-  bool MemoriaProcesso(std::uint64_t *bytes) override {
-    *bytes = m_bMemoria ? m_uiMemoriaProcesso : *bytes;
+  bool MemoriaProcesso(std::uint64_t *puiBytes) override {
+    *puiBytes = m_bMemoria ? m_uiMemoriaProcesso : *puiBytes;
     return m_bMemoria;
   }
-  bool MemoriaMaquina(std::uint64_t *disponivel, std::uint64_t *total) override {
-    *disponivel = m_bMemoria ? m_uiDisponivel : *disponivel;
-    *total = m_bMemoria ? m_uiTotal : *total;
+  bool MemoriaMaquina(std::uint64_t *puiDisponivel, std::uint64_t *puiTotal) override {
+    *puiDisponivel = m_bMemoria ? m_uiDisponivel : *puiDisponivel;
+    *puiTotal = m_bMemoria ? m_uiTotal : *puiTotal;
     return m_bMemoria;
   }
-  bool VersaoPrograma(plataforma::VersaoArquivo *versao) override {
-    *versao = m_bVersao ? m_versaoPrograma : *versao;
+  bool VersaoPrograma(plataforma::VersaoArquivo *pVersao) override {
+    *pVersao = m_bVersao ? m_versaoPrograma : *pVersao;
     return m_bVersao;
   }
   plataforma::VersaoSistema VersaoSO() override { return m_versaoSO; }
   CString TextoErro(std::uint32_t erro) override { return erro == m_uiErroComTexto ? m_textoErro : CString(); }
-  CString CaminhoAbsoluto(const CString &caminho) override { return m_diretorioAtual + caminho; }
+  CString CaminhoAbsoluto(const CString &sCaminho) override { return m_diretorioAtual + sCaminho; }
 };
 
 }  // namespace apoio

@@ -8,14 +8,15 @@ namespace {
 
 class ArquivosIniSistema final : public IArquivosIni {
 public:
-  std::uint32_t LeInteiro(const CString &arquivo, const char *secao, const char *chave, std::uint32_t padrao) override {
-    const CString valor = ValorIni(CaminhoNativo(arquivo), secao, chave).value_or(CString());
-    return valor.empty() ? padrao : NumeroIni(valor);
+  std::uint32_t LeInteiro(const CString &sArquivo, const char *lpSecao, const char *lpChave,
+                          std::uint32_t padrao) override {
+    const CString sValor = ValorIni(CaminhoNativo(sArquivo), lpSecao, lpChave).value_or(CString());
+    return sValor.empty() ? padrao : NumeroIni(sValor);
   }
 
-  CString LeTexto(const CString &arquivo, const char *secao, const char *chave, const char *padrao,
+  CString LeTexto(const CString &sArquivo, const char *lpSecao, const char *lpChave, const char *lpPadrao,
                   std::size_t maximo) override {
-    return ValorIni(CaminhoNativo(arquivo), secao, chave).value_or(padrao).substr(0, maximo);
+    return ValorIni(CaminhoNativo(sArquivo), lpSecao, lpChave).value_or(lpPadrao).substr(0, maximo);
   }
 };
 

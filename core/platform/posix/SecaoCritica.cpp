@@ -16,7 +16,7 @@ pthread_mutex_t *Mutex(std::byte *area) {
 
 }  // namespace
 
-SecaoCritica::SecaoCritica(NivelTrava nivel) : m_eNivel(nivel) {
+SecaoCritica::SecaoCritica(NivelTrava eNivel) : m_eNivel(eNivel) {
   static_assert(sizeof(pthread_mutex_t) <= sizeof(m_area) && alignof(pthread_mutex_t) <= 16);
   pthread_mutexattr_t atributos;
   ::pthread_mutexattr_init(&atributos);

@@ -21,9 +21,9 @@ std::string ArquivoDasTravas() {
 /// never removed: removing it would let two holders lock two files of one name.
 class TravaDeByte final : public ITravaEntreProcessos {
 public:
-  explicit TravaDeByte(const CString &nome)
+  explicit TravaDeByte(const CString &sNome)
       : m_descritor(::open(ArquivoDasTravas().c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)),
-        m_byte(static_cast<off_t>(std::hash<CString>()(nome) >> 2)) {}
+        m_byte(static_cast<off_t>(std::hash<CString>()(sNome) >> 2)) {}
 
   bool Toma(std::uint32_t limiteMs) override {
     if (!m_descritor.Valido()) {
@@ -58,8 +58,8 @@ private:
 
 }  // namespace
 
-std::unique_ptr<ITravaEntreProcessos> CriaTravaEntreProcessos(const CString &nome) {
-  return std::make_unique<TravaDeByte>(nome);
+std::unique_ptr<ITravaEntreProcessos> CriaTravaEntreProcessos(const CString &sNome) {
+  return std::make_unique<TravaDeByte>(sNome);
 }
 
 }  // namespace plataforma

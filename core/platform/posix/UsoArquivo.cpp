@@ -90,10 +90,10 @@ bool EmUso(int fd) {
   return OutroDeclara(fd, kLe, 2);
 }
 
-bool AindaNomeia(const char *caminho, int fd) {
+bool AindaNomeia(const char *lpCaminho, int fd) {
   struct stat nomeado {};
   struct stat aberto {};
-  return ::stat(caminho, &nomeado) == 0 && ::fstat(fd, &aberto) == 0 && nomeado.st_dev == aberto.st_dev &&
+  return ::stat(lpCaminho, &nomeado) == 0 && ::fstat(fd, &aberto) == 0 && nomeado.st_dev == aberto.st_dev &&
          nomeado.st_ino == aberto.st_ino;
 }
 

@@ -8,17 +8,18 @@ namespace {
 
 class ArquivosIniSistema final : public IArquivosIni {
 public:
-  std::uint32_t LeInteiro(const CString &arquivo, const char *secao, const char *chave, std::uint32_t padrao) override {
-    return ::GetPrivateProfileIntA(secao, chave, static_cast<INT>(padrao), arquivo.c_str());
+  std::uint32_t LeInteiro(const CString &sArquivo, const char *lpSecao, const char *lpChave,
+                          std::uint32_t padrao) override {
+    return ::GetPrivateProfileIntA(lpSecao, lpChave, static_cast<INT>(padrao), sArquivo.c_str());
   }
 
-  CString LeTexto(const CString &arquivo, const char *secao, const char *chave, const char *padrao,
+  CString LeTexto(const CString &sArquivo, const char *lpSecao, const char *lpChave, const char *lpPadrao,
                   std::size_t maximo) override {
-    CString texto(maximo + 1, '\0');
-    const DWORD qtd = ::GetPrivateProfileStringA(secao, chave, padrao, texto.data(), static_cast<DWORD>(texto.size()),
-                                                 arquivo.c_str());
-    texto.resize(qtd);
-    return texto;
+    CString sTexto(maximo + 1, '\0');
+    const DWORD qtd = ::GetPrivateProfileStringA(lpSecao, lpChave, lpPadrao, sTexto.data(),
+                                                 static_cast<DWORD>(sTexto.size()), sArquivo.c_str());
+    sTexto.resize(qtd);
+    return sTexto;
   }
 };
 

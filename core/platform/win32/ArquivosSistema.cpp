@@ -26,8 +26,8 @@ OVERLAPPED NaPosicao(std::uint64_t posicao) {
   return sobreposto;
 }
 
-DWORD AcessoWin32(Acesso acesso) {
-  switch (acesso) {
+DWORD AcessoWin32(Acesso eAcesso) {
+  switch (eAcesso) {
     case Acesso::Leitura:
       return GENERIC_READ;
     case Acesso::Escrita:
@@ -37,8 +37,8 @@ DWORD AcessoWin32(Acesso acesso) {
   }
 }
 
-DWORD CompartilhamentoWin32(Compartilhamento compartilhamento) {
-  switch (compartilhamento) {
+DWORD CompartilhamentoWin32(Compartilhamento eCompartilhamento) {
+  switch (eCompartilhamento) {
     case Compartilhamento::Exclusivo:
       return 0;
     case Compartilhamento::NegaEscrita:
@@ -48,8 +48,8 @@ DWORD CompartilhamentoWin32(Compartilhamento compartilhamento) {
   }
 }
 
-DWORD CriacaoWin32(Criacao criacao) {
-  switch (criacao) {
+DWORD CriacaoWin32(Criacao eCriacao) {
+  switch (eCriacao) {
     case Criacao::SoExistente:
       return OPEN_EXISTING;
     case Criacao::CriaNovo:
@@ -63,8 +63,8 @@ DWORD CriacaoWin32(Criacao criacao) {
 
 class ArquivoAberto final : public IArquivoAberto {
 public:
-  FalhaArquivo Le(std::uint64_t posicao, void *destino, std::size_t qtd) override {
-    auto *resto = static_cast<char *>(destino);
+  FalhaArquivo Le(std::uint64_t posicao, void *pDestino, std::size_t qtd) override {
+    auto *resto = static_cast<char *>(pDestino);
     while (qtd > 0) {
       OVERLAPPED sobreposto = NaPosicao(posicao);
       DWORD lidos = 0;
@@ -82,8 +82,8 @@ public:
     return kSemFalha;
   }
 
-  FalhaArquivo Grava(std::uint64_t posicao, const void *origem, std::size_t qtd) override {
-    const auto *resto = static_cast<const char *>(origem);
+  FalhaArquivo Grava(std::uint64_t posicao, const void *pOrigem, std::size_t qtd) override {
+    const auto *resto = static_cast<const char *>(pOrigem);
     while (qtd > 0) {
       OVERLAPPED sobreposto = NaPosicao(posicao);
       DWORD gravados = 0;
@@ -101,12 +101,12 @@ public:
     return kSemFalha;
   }
 
-  FalhaArquivo Tamanho(std::uint64_t *tamanho) override {
+  FalhaArquivo Tamanho(std::uint64_t *puiTamanho) override {
     LARGE_INTEGER atual{};
     if (!::GetFileSizeEx(m_arquivo.get(), &atual)) {
       return UltimaFalha();
     }
-    *tamanho = static_cast<std::uint64_t>(atual.QuadPart);
+    *puiTamanho = static_cast<std::uint64_t>(atual.QuadPart);
     return kSemFalha;
   }
 
@@ -117,12 +117,12 @@ public:
                                                                                                : UltimaFalha();
   }
 
-  FalhaArquivo UltimaEscrita(std::uint64_t *ticks) override {
+  FalhaArquivo UltimaEscrita(std::uint64_t *puiTicks) override {
     FILETIME escrita{};
     if (!::GetFileTime(m_arquivo.get(), nullptr, nullptr, &escrita)) {
       return UltimaFalha();
     }
-    *ticks = std::uint64_t{escrita.dwHighDateTime} << 32 | escrita.dwLowDateTime;
+    *puiTicks = std::uint64_t{escrita.dwHighDateTime} << 32 | escrita.dwLowDateTime;
     return kSemFalha;
   }
 
@@ -148,8 +148,8 @@ private:
 };
 
 /// Attributes of a path; false when it is missing or a directory, with the reason as last error.
-bool DadosDoArquivo(const CString &caminho, WIN32_FILE_ATTRIBUTE_DATA *dados) {
-  if (!::GetFileAttributesExA(caminho.c_str(), GetFileExInfoStandard, dados)) {
+bool DadosDoArquivo(const CString &sCaminho, WIN32_FILE_ATTRIBUTE_DATA *dados) {
+  if (!::GetFileAttributesExA(sCaminho.c_str(), GetFileExInfoStandard, dados)) {
     return false;
   }
   ::SetLastError(ERROR_ACCESS_DENIED);
@@ -158,67 +158,67 @@ bool DadosDoArquivo(const CString &caminho, WIN32_FILE_ATTRIBUTE_DATA *dados) {
 
 class ArquivosSistema final : public IArquivos {
 public:
-  FalhaArquivo Abre(const CString &caminho, const ModoAbertura &modo,
-                    std::unique_ptr<IArquivoAberto> *arquivo) override {
-    arquivo->reset();
+  FalhaArquivo Abre(const CString &sCaminho, const ModoAbertura &modo,
+                    std::unique_ptr<IArquivoAberto> *pArquivo) override {
+    pArquivo->reset();
     // Before the file is opened: a handle left without an owner for want of memory would keep the file locked.
     auto aberto = std::make_unique<ArquivoAberto>();
     const HANDLE hArquivo =
-        ::CreateFileA(caminho.c_str(), AcessoWin32(modo.acesso), CompartilhamentoWin32(modo.compartilhamento), nullptr,
+        ::CreateFileA(sCaminho.c_str(), AcessoWin32(modo.acesso), CompartilhamentoWin32(modo.compartilhamento), nullptr,
                       CriacaoWin32(modo.criacao), FILE_ATTRIBUTE_NORMAL, nullptr);
     if (hArquivo == INVALID_HANDLE_VALUE) {
       return UltimaFalha();
     }
     aberto->Assume(hArquivo);
-    *arquivo = std::move(aberto);
+    *pArquivo = std::move(aberto);
     return kSemFalha;
   }
 
-  FalhaArquivo Existe(const CString &caminho, bool *existe) override {
+  FalhaArquivo Existe(const CString &sCaminho, bool *pbExiste) override {
     WIN32_FILE_ATTRIBUTE_DATA dados{};
-    *existe = DadosDoArquivo(caminho, &dados);
-    const FalhaArquivo falha = *existe ? kSemFalha : UltimaFalha();
+    *pbExiste = DadosDoArquivo(sCaminho, &dados);
+    const FalhaArquivo falha = *pbExiste ? kSemFalha : UltimaFalha();
     return falha.NaoEsta() ? kSemFalha : falha;
   }
 
-  bool SomenteLeitura(const CString &caminho) override {
+  bool SomenteLeitura(const CString &sCaminho) override {
     WIN32_FILE_ATTRIBUTE_DATA dados{};
-    return DadosDoArquivo(caminho, &dados) && (dados.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
+    return DadosDoArquivo(sCaminho, &dados) && (dados.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
   }
 
-  FalhaArquivo TamanhoDe(const CString &caminho, std::uint64_t *tamanho) override {
+  FalhaArquivo TamanhoDe(const CString &sCaminho, std::uint64_t *puiTamanho) override {
     WIN32_FILE_ATTRIBUTE_DATA dados{};
-    if (!DadosDoArquivo(caminho, &dados)) {
+    if (!DadosDoArquivo(sCaminho, &dados)) {
       return UltimaFalha();
     }
-    *tamanho = std::uint64_t{dados.nFileSizeHigh} << 32 | dados.nFileSizeLow;
+    *puiTamanho = std::uint64_t{dados.nFileSizeHigh} << 32 | dados.nFileSizeLow;
     return kSemFalha;
   }
 
-  FalhaArquivo Apaga(const CString &caminho) override {
-    return ::DeleteFileA(caminho.c_str()) ? kSemFalha : UltimaFalha();
+  FalhaArquivo Apaga(const CString &sCaminho) override {
+    return ::DeleteFileA(sCaminho.c_str()) ? kSemFalha : UltimaFalha();
   }
 
-  FalhaArquivo MoveSubstituindo(const CString &origem, const CString &destino) override {
-    return ::MoveFileExA(origem.c_str(), destino.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)
+  FalhaArquivo MoveSubstituindo(const CString &sOrigem, const CString &sDestino) override {
+    return ::MoveFileExA(sOrigem.c_str(), sDestino.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)
                ? kSemFalha
                : UltimaFalha();
   }
 
-  FalhaArquivo Lista(const CString &diretorio, std::vector<CString> *nomes) override {
-    nomes->clear();
+  FalhaArquivo Lista(const CString &sDiretorio, std::vector<CString> *pNomes) override {
+    pNomes->clear();
     WIN32_FIND_DATAA achado{};
-    const PosseBusca busca(NuloSeInvalido(::FindFirstFileA((diretorio + "*").c_str(), &achado)));
+    const PosseBusca busca(NuloSeInvalido(::FindFirstFileA((sDiretorio + "*").c_str(), &achado)));
     if (!busca) {
       return ::GetLastError() == ERROR_FILE_NOT_FOUND ? kSemFalha : UltimaFalha();
     }
     do {
       if ((achado.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-        nomes->emplace_back(achado.cFileName);
+        pNomes->emplace_back(achado.cFileName);
       }
     } while (::FindNextFileA(busca.get(), &achado));
     const DWORD erro = ::GetLastError();
-    std::sort(nomes->begin(), nomes->end());
+    std::sort(pNomes->begin(), pNomes->end());
     return erro == ERROR_NO_MORE_FILES ? kSemFalha : FalhaWin32(erro);
   }
 };

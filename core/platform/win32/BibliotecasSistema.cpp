@@ -13,7 +13,9 @@ class BibliotecaSistema final : public IBiblioteca {
 public:
   explicit BibliotecaSistema(PosseModulo modulo) : m_modulo(std::move(modulo)) {}
 
-  void *Funcao(const char *nome) override { return reinterpret_cast<void *>(::GetProcAddress(m_modulo.get(), nome)); }
+  void *Funcao(const char *lpNome) override {
+    return reinterpret_cast<void *>(::GetProcAddress(m_modulo.get(), lpNome));
+  }
 
 private:
   PosseModulo m_modulo;
@@ -21,8 +23,8 @@ private:
 
 class BibliotecasSistema final : public IBibliotecas {
 public:
-  std::unique_ptr<IBiblioteca> Carrega(const CString &caminho) override {
-    PosseModulo modulo(::LoadLibraryExA(caminho.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+  std::unique_ptr<IBiblioteca> Carrega(const CString &sCaminho) override {
+    PosseModulo modulo(::LoadLibraryExA(sCaminho.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
     return modulo ? std::make_unique<BibliotecaSistema>(std::move(modulo)) : nullptr;
   }
 };

@@ -29,16 +29,16 @@ private:
   SECURITY_ATTRIBUTES m_atributos{};
 };
 
-PosseHandle CriaMutex(const CString &nome) {
+PosseHandle CriaMutex(const CString &sNome) {
   DescritorAberto descritor;
-  return PosseHandle(::CreateMutexExA(descritor.Atributos(), nome.c_str(), 0, SYNCHRONIZE | MUTEX_MODIFY_STATE));
+  return PosseHandle(::CreateMutexExA(descritor.Atributos(), sNome.c_str(), 0, SYNCHRONIZE | MUTEX_MODIFY_STATE));
 }
 
 class TravaMutex final : public ITravaEntreProcessos {
 public:
-  explicit TravaMutex(const CString &nome) : m_mutex(CriaMutex("Global\\" + nome)) {
+  explicit TravaMutex(const CString &sNome) : m_mutex(CriaMutex("Global\\" + sNome)) {
     if (!m_mutex) {
-      m_mutex = CriaMutex("Local\\" + nome);
+      m_mutex = CriaMutex("Local\\" + sNome);
     }
   }
 
@@ -59,8 +59,8 @@ private:
 
 }  // namespace
 
-std::unique_ptr<ITravaEntreProcessos> CriaTravaEntreProcessos(const CString &nome) {
-  return std::make_unique<TravaMutex>(nome);
+std::unique_ptr<ITravaEntreProcessos> CriaTravaEntreProcessos(const CString &sNome) {
+  return std::make_unique<TravaMutex>(sNome);
 }
 
 }  // namespace plataforma

@@ -29,7 +29,7 @@ CCodigosConhecidos CodigosDaBase(CServico &servico) {
   return codigos;
 }
 
-// Whether a write that failed may have happened nevertheless: the call was lost on its way, or broke off.
+/// Whether a write that failed may have happened nevertheless: the call was lost on its way, or broke off.
 bool PodeTerGravado(HRESULT hr) {
   const auto uiOrigem = static_cast<std::uint32_t>(hr) >> 16;
   constexpr std::uint32_t kDoServidor = 0x8108;
@@ -37,7 +37,7 @@ bool PodeTerGravado(HRESULT hr) {
   return (uiOrigem != kDoServidor && uiOrigem != kDeArquivo) || EhFalhaDeMaquina(hr);
 }
 
-// One import of one file.
+/// One import of one file.
 class CImportador {
 public:
   explicit CImportador(const CArgumentos &argumentos)

@@ -37,7 +37,7 @@ eSaida Grava(const CArgumentos &argumentos) {
   return kSucesso;
 }
 
-// As a row of its format; in a table with all its fields, a line each.
+/// As a row of its format; in a table with all its fields, a line each.
 void MostraVeiculo(CRelacao &relacao, LONG lPosicao, const tagREG_VEICULOPS &veiculo) {
   if (relacao.Formato() == eFormato::tabela) {
     relacao.Linha(FichaVeiculo(lPosicao, veiculo));
@@ -163,7 +163,7 @@ eSaida Diagnostico(const CArgumentos &argumentos) {
 }
 
 struct CFuncaoComando {
-  std::string_view sNome;  // of ProgramaVeiculos
+  std::string_view sNome;  ///< of ProgramaVeiculos
   eSaida (*Executa)(const CArgumentos &);
 };
 constexpr std::array kFuncoes{

@@ -61,7 +61,7 @@ std::string De16Para8(std::string_view sBytes, bool bMaiorPrimeiro) {
   return sUtf8;
 }
 
-// How much of a text is UTF-8: characters of several bytes, the line of the first of them, bytes that belong to none.
+/// How much of a text is UTF-8: characters of several bytes, the line of the first of them, bytes that belong to none.
 struct CIndicios {
   std::size_t uiCompostos = 0;
   std::size_t uiPrimeiraLinha = 0;

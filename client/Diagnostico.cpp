@@ -23,7 +23,7 @@ namespace {
 
 enum class eAchado { bom, aviso, falha };
 
-// The findings as they are made. Labels are UTF-8 literals; texts are Windows-1252.
+/// The findings as they are made. Labels are UTF-8 literals; texts are Windows-1252.
 class CRelatorio {
 public:
   static void Titulo(const std::string &sTitulo) { Escreve(sTitulo + "\n"); }
@@ -38,7 +38,7 @@ public:
   }
   void Bom(std::string_view sRotulo, const std::string &sTexto) { Anota(eAchado::bom, sRotulo, sTexto); }
   void Aviso(std::string_view sRotulo, const std::string &sTexto) { Anota(eAchado::aviso, sRotulo, sTexto); }
-  // sRemedio is what to do.
+  /// sRemedio is what to do.
   void Falha(std::string_view sRotulo, const std::string &sTexto, const std::string &sRemedio) {
     Anota(eAchado::falha, sRotulo, sTexto);
     if (!sRemedio.empty()) {
@@ -61,7 +61,7 @@ constexpr char kRegistreDaqui[] =
 constexpr char kRegistreComProxy[] = "registre de novo, com QZDF_VeiculosPS.dll ao lado de Kalvo.exe";
 constexpr char kRegistreComProxy32[] = "registre de novo, com x86\\QZDF_VeiculosPS.dll ao lado de Kalvo.exe";
 
-// The program's own texts, UTF-8 in the source.
+/// The program's own texts, UTF-8 in the source.
 std::string Pt(std::string_view sUtf8) {
   return De8Para1252(sUtf8).value();
 }
@@ -82,8 +82,8 @@ std::wstring ChaveClasse() {
   return L"CLSID\\" + TextoGuid(CLSID_CQZDF_Veiculos);
 }
 
-// The file that a key names; a fault and nothing when it is not registered or not there. sRegistre is how to register
-// it.
+/// The file that a key names; a fault and nothing when it is not registered or not there. sRegistre is how to register
+/// it.
 std::optional<CValorClasse> ConfereArquivo(CRelatorio &relatorio, std::string_view sRotulo, const std::wstring &sChave,
                                            std::string_view sRegistre = kRegistre) {
   std::optional<CValorClasse> valor = ProcuraClasse(sChave);
@@ -148,7 +148,7 @@ void ConfereBiblioteca(CRelatorio &relatorio) {
   relatorio.Bom("biblioteca de tipos ", Texto(biblioteca->sTexto) + ComRaiz(*biblioteca));
 }
 
-// The proxy that 32-bit programs load, from their own view of the classes; this one cannot load it.
+/// The proxy that 32-bit programs load, from their own view of the classes; this one cannot load it.
 void ConfereProxy32(CRelatorio &relatorio) {
   constexpr std::string_view kRotulo = "proxy de 32 bits ";
   const std::wstring sVisao = L"Wow6432Node\\";
@@ -205,7 +205,7 @@ void ConfereInstalacao(CRelatorio &relatorio) {
   relatorio.Bom(kRotulo, sDiretorio);
 }
 
-// True when the server may be asked to open the company.
+/// True when the server may be asked to open the company.
 bool ConfereEmpresa(CRelatorio &relatorio, const std::string &sEmpresa) {
   constexpr std::string_view kRotulo = "empresa ";
   try {
@@ -246,7 +246,7 @@ void ConfereProcessos(CRelatorio &relatorio) {
   }
 }
 
-// True when a service object could be made.
+/// True when a service object could be made.
 bool ConfereAtivacao(CRelatorio &relatorio, CQZVeiculosHR &veiculos) {
   const bool bJaExecutava = ContaProcessosServidor().Todos() != 0;
   const auto tInicio = std::chrono::steady_clock::now();
@@ -261,7 +261,7 @@ bool ConfereAtivacao(CRelatorio &relatorio, CQZVeiculosHR &veiculos) {
   return true;
 }
 
-// True when the company is open.
+/// True when the company is open.
 bool ConfereBase(CRelatorio &relatorio, CQZVeiculosHR &veiculos, const CAbertura &abertura) {
   constexpr std::string_view kRotulo = "base ";
   unsigned uiQtd = 0;

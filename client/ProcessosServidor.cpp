@@ -12,7 +12,7 @@ namespace {
 
 constexpr wchar_t kServidor[] = L"Kalvo.exe";
 
-// A piece of information about a token; empty when it cannot be had.
+/// A piece of information about a token; empty when it cannot be had.
 std::vector<unsigned char> DoToken(HANDLE hToken, TOKEN_INFORMATION_CLASS eClasse) {
   DWORD dwBytes = 0;
   GetTokenInformation(hToken, eClasse, nullptr, 0, &dwBytes);
@@ -24,9 +24,9 @@ std::vector<unsigned char> DoToken(HANDLE hToken, TOKEN_INFORMATION_CLASS eClass
   return aBytes;
 }
 
-// Under whom a process runs. The component platform has one server for each of these.
+/// Under whom a process runs. The component platform has one server for each of these.
 struct CIdentidade {
-  std::vector<unsigned char> aConta;  // security identifier
+  std::vector<unsigned char> aConta;  ///< security identifier
   DWORD dwSessao = 0;
   std::vector<unsigned char> aElevacao;
 

@@ -70,7 +70,7 @@ COpcoes OpcoesDosCampos(std::span<const CCampo> aCampos) {
   return aOpcoes;
 }
 
-// Whose work it is.
+/// Whose work it is.
 COpcoes DaEmpresa(bool bObrigatoria = true) {
   return {{"empresa", "CODIGO", "empresa dona da base", bObrigatoria},
           {"usuario", "N", "usuário, 0 a 65535 (padrão 1)"},
@@ -80,7 +80,7 @@ COpcoes DaEmpresa(bool bObrigatoria = true) {
 constexpr COpcaoConhecida kCodificacao{"codificacao", "NOME", "windows-1252, utf-8 ou utf-16, do arquivo CSV"};
 constexpr COpcaoConhecida kSubstitui{"substitui", "", "o arquivo da saída pode já existir"};
 
-// How and where a result is shown.
+/// How and where a result is shown.
 COpcoes DaSaida() {
   return {{"csv", "", "saída em CSV"},
           {"json", "", "saída em JSON"},

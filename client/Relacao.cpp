@@ -14,7 +14,7 @@ eFormato FormatoDeArgumentos(const CArgumentos &argumentos) {
   return argumentos.Tem("csv") ? eFormato::csv : argumentos.Tem("json") ? eFormato::json : eFormato::tabela;
 }
 
-// Null: standard output.
+/// Null: standard output.
 std::unique_ptr<CDestino> Destino(const CArgumentos &argumentos, const std::string *pArquivo,
                                   std::optional<eCodificacao> eQual) {
   if (pArquivo != nullptr) {

@@ -11,7 +11,7 @@
 namespace {
 
 struct CColunaLista {
-  std::string_view sNome;  // of CamposVeiculo; also the title
+  std::string_view sNome;  ///< of CamposVeiculo; also the title
   std::size_t uiLargura;
   bool bADireita;
 };

@@ -10,7 +10,7 @@
 
 /// Qualified name of an operation and the source line that a traced failure names: the line where the name is given.
 struct NomeOperacao {
-  // Implicit: operations pass their name as a plain literal.
+  /// Implicit: operations pass their name as a plain literal.
   NomeOperacao(const char *lpTexto, int iLinhaDeQuemChama = __builtin_LINE())
       : lpNome(lpTexto), iLinha(iLinhaDeQuemChama) {}
 

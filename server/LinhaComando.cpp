@@ -7,7 +7,7 @@
 namespace {
 
 struct Chave {
-  std::string_view palavra;  // lower case
+  std::string_view palavra;  ///< lower case
   Comando comando;
 };
 

@@ -11,8 +11,8 @@ struct LinhaModulo {
   const char *lpProduto;  ///< name of the product's registry key
 };
 
-// The rows of the suite's module table that this system uses. The electronic-invoice module has no row of its own: its
-// directories derive from module "DF".
+/// The rows of the suite's module table that this system uses. The electronic-invoice module has no row of its own: its
+/// directories derive from module "DF".
 constexpr LinhaModulo kModulos[] = {{QZ_DF, "DF", "Miran Empresarial"}};
 
 const LinhaModulo *ProcuraModulo(ModuloQZ eModulo) {

@@ -31,7 +31,7 @@ constexpr Nome kHRESULT[] = {
 
 #undef KALVO_NOME
 
-// Where the SDK has several names for a number, the one its header lists first; 84 is FACILITY_MBN.
+/// Where the SDK has several names for a number, the one its header lists first; 84 is FACILITY_MBN.
 constexpr Nome kFacilidades[] = {{0, "FACILITY_NULL"},
                                  {1, "FACILITY_RPC"},
                                  {2, "FACILITY_DISPATCH"},

@@ -20,7 +20,7 @@ constexpr std::size_t kTamanhoMaximoLinha = 1023;
 constexpr std::size_t kTamanhoMaximoErroSO = 255;
 constexpr char kFimDoTexto = '\x1A';  ///< ends a text file on Windows
 
-// Windows-1252.
+/// Windows-1252.
 constexpr char kSemCatalogo[] = "N\xE3o foi poss\xEDvel abrir o arquivo texto de Mensagens ";
 constexpr char kSemCatalogoFim[] = ". Caso o caminho esteja correto, atualize o arquivo.";
 

@@ -8,9 +8,9 @@
 namespace plataforma {
 namespace {
 
-// A fault may come from any plain load, store or division, which the optimiser does not take for a call. Without the
-// volatile count and the fences it would see the pair "count + 1, count - 1" around such code as removable, and the
-// guard would never learn of the lock.
+/// A fault may come from any plain load, store or division, which the optimiser does not take for a call. Without the
+/// volatile count and the fences it would see the pair "count + 1, count - 1" around such code as removable, and the
+/// guard would never learn of the lock.
 struct Livro {
   volatile std::size_t qtd = 0;
   LivroDaThread::Anotacao anotacoes[LivroDaThread::kMaximo];

@@ -93,7 +93,7 @@ public:
     return versao;
   }
 
-  // The codes are the product's platform's, whose texts nobody has here.
+  /// The codes are the product's platform's, whose texts nobody has here.
   CString TextoErro(std::uint32_t) override { return {}; }
 
   CString CaminhoAbsoluto(const CString &sCaminho) override {

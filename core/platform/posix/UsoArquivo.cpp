@@ -10,7 +10,7 @@
 namespace plataforma {
 namespace {
 
-// One byte for each statement, from this position on.
+/// One byte for each statement, from this position on.
 constexpr off_t kPrimeiroByte = off_t{1} << 62;
 
 enum Declaracao : off_t { kLe = 0, kGrava = 1, kNegaLeitura = 2, kNegaEscrita = 3 };

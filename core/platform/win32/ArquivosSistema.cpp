@@ -144,7 +144,7 @@ public:
 
 private:
   PosseHandle m_arquivo;
-  PosseMapa m_mapa;  // behind the file, so that it goes before it
+  PosseMapa m_mapa;  ///< behind the file, so that it goes before it
 };
 
 /// Attributes of a path; false when it is missing or a directory, with the reason as last error.

@@ -12,7 +12,7 @@ constexpr bool LetraDeUnidade(char c) {
 
 }  // namespace
 
-// "C:\..." or "\\server\...". Neither "C:name" nor "\name": they depend on the current directory or drive.
+/// "C:\..." or "\\server\...". Neither "C:name" nor "\name": they depend on the current directory or drive.
 bool plataforma::EhCaminhoAbsoluto(const CString &sCaminho) {
   if (sCaminho.size() < 3) {
     return false;

@@ -12,7 +12,7 @@
 
 namespace {
 
-using enum eCampo;
+using enum ECampo;
 using V = tagREG_VEICULOPS;
 using F = tagREG_FILTRO_VEICULOSPS;
 

@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-enum class eCampo {
+enum class ECampo {
   texto,    ///< fixed 8-bit field
   moeda,    ///< ten-thousandths
   limite,   ///< ten-thousandths, zero or more: a bound of zero is none
@@ -21,7 +21,7 @@ enum class eCampo {
 
 struct CCampo {
   std::string_view sNome;
-  eCampo eTipo;
+  ECampo eTipo;
   std::size_t uiPosicao;     ///< byte offset in the record
   std::size_t uiLargura;     ///< bytes
   std::string_view sRotulo;  ///< what it is, UTF-8

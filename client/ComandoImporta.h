@@ -6,6 +6,6 @@
 
 /// The command "importa", from the file to the summary. What stops it half way, the user or a failure of the service,
 /// is told here, with where to go on; raises what keeps it from beginning.
-eSaida Importa(const CArgumentos &argumentos);
+ESaida Importa(const CArgumentos &argumentos);
 
 #endif

@@ -7,6 +7,6 @@
 /// Runs the command in an apartment of its own. Usage is checked before the service is touched, and before it is asked
 /// for a company the registry is (EmpresaRegistrada.h). Raises CErroUso, CErroEmpresa, CQZErroVeiculos, CInterrompido,
 /// or another std::exception with a Windows-1252 text.
-eSaida ExecutaComando(const CArgumentos &argumentos);
+ESaida ExecutaComando(const CArgumentos &argumentos);
 
 #endif

@@ -16,9 +16,9 @@
 class CDestino {
 public:
   /// Standard output.
-  explicit CDestino(std::optional<eCodificacao> eQual);
+  explicit CDestino(std::optional<ECodificacao> eQual);
   /// A file, which may exist only when bSubstitui; raises CErroUso.
-  CDestino(const std::string &sArquivo, bool bSubstitui, std::optional<eCodificacao> eQual);
+  CDestino(const std::string &sArquivo, bool bSubstitui, std::optional<ECodificacao> eQual);
   /// A file that was not completed goes.
   ~CDestino();
   CDestino(const CDestino &) = delete;
@@ -34,7 +34,7 @@ private:
   void EscreveBytes(std::string_view sBytes);
   void Verifica(bool bCerto) const;
 
-  std::optional<eCodificacao> m_eQual;
+  std::optional<ECodificacao> m_eQual;
   std::string m_sNome;  ///< empty: standard output
   std::filesystem::path m_arquivo;
   std::filesystem::path m_parcial;

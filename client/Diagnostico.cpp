@@ -21,26 +21,26 @@
 
 namespace {
 
-enum class eAchado { bom, aviso, falha };
+enum class EAchado { bom, aviso, falha };
 
 /// The findings as they are made. Labels are UTF-8 literals; texts are Windows-1252.
 class CRelatorio {
 public:
   static void Titulo(const std::string &sTitulo) { Escreve(sTitulo + "\n"); }
 
-  void Anota(eAchado eTipo, std::string_view sRotulo, const std::string &sTexto) {
+  void Anota(EAchado eTipo, std::string_view sRotulo, const std::string &sTexto) {
     constexpr std::string_view kMarcas[] = {"  [ok]    ", "  [aviso] ", "  [FALHA] "};
     constexpr std::size_t kLargura = 24;
     std::string sLinha = De8Para1252(sRotulo).value();
     sLinha.resize(kLargura, '.');
     Escreve(std::string(kMarcas[static_cast<std::size_t>(eTipo)]) + sLinha + " " + sTexto + "\n");
-    m_uiFalhas += eTipo == eAchado::falha ? 1U : 0U;
+    m_uiFalhas += eTipo == EAchado::falha ? 1U : 0U;
   }
-  void Bom(std::string_view sRotulo, const std::string &sTexto) { Anota(eAchado::bom, sRotulo, sTexto); }
-  void Aviso(std::string_view sRotulo, const std::string &sTexto) { Anota(eAchado::aviso, sRotulo, sTexto); }
+  void Bom(std::string_view sRotulo, const std::string &sTexto) { Anota(EAchado::bom, sRotulo, sTexto); }
+  void Aviso(std::string_view sRotulo, const std::string &sTexto) { Anota(EAchado::aviso, sRotulo, sTexto); }
   /// sRemedio is what to do.
   void Falha(std::string_view sRotulo, const std::string &sTexto, const std::string &sRemedio) {
-    Anota(eAchado::falha, sRotulo, sTexto);
+    Anota(EAchado::falha, sRotulo, sTexto);
     if (!sRemedio.empty()) {
       Escreve("          o que fazer: " + sRemedio + "\n");
     }

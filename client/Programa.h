@@ -11,7 +11,7 @@
 #include "client/ConteudoTexto.h"
 #include "vehicles/RegVeiculoPS.h"
 
-enum eSaida : int {
+enum ESaida : int {
   kSucesso = 0,
   kOperacaoFalhou = 1,
   kUsoErrado = 2,
@@ -33,6 +33,6 @@ tagREG_FILTRO_VEICULOSPS FiltroDeArgumentos(const CArgumentos &argumentos);
 bool AplicaCampos(const CArgumentos &argumentos, tagREG_VEICULOPS &veiculo);
 
 /// The character set that --codificacao names; raises CErroUso.
-std::optional<eCodificacao> CodificacaoDeArgumentos(const CArgumentos &argumentos);
+std::optional<ECodificacao> CodificacaoDeArgumentos(const CArgumentos &argumentos);
 
 #endif

@@ -9,7 +9,7 @@
 #include "client/Destino.h"
 #include "vehicles/RegVeiculoPS.h"
 
-enum class eFormato { tabela, csv, json };
+enum class EFormatoRelacao { tabela, csv, json };
 
 /// The rows of a command's result, in the format and at the place that --csv, --json, --saida, --substitui and
 /// --codificacao say. A file that it begins is there only after Acaba.
@@ -21,7 +21,7 @@ public:
   /// the very bytes of each text.
   CRelacao(const CArgumentos &argumentos, const std::string &sArquivoCsv);
 
-  eFormato Formato() const { return m_eFormato; }
+  EFormatoRelacao Formato() const { return m_eFormato; }
 
   /// What stands above the rows, without line ends; nothing for an empty one.
   void Comeca(const std::string &sTituloTabela, const std::string &sTituloCsv);
@@ -32,7 +32,7 @@ public:
   void Acaba();
 
 private:
-  eFormato m_eFormato;
+  EFormatoRelacao m_eFormato;
   std::unique_ptr<CDestino> m_spDestino;
   bool m_bAlguma = false;
 };

@@ -8,14 +8,14 @@ namespace {
 
 struct Chave {
   std::string_view palavra;  ///< lower case
-  Comando comando;
+  EComando comando;
 };
 
 constexpr Chave kChaves[] = {
-    {"regserver", Comando::Registra},
-    {"unregserver", Comando::Desregistra},
-    {"regserverperuser", Comando::RegistraPorUsuario},
-    {"unregserverperuser", Comando::DesregistraPorUsuario},
+    {"regserver", EComando::Registra},
+    {"unregserver", EComando::Desregistra},
+    {"regserverperuser", EComando::RegistraPorUsuario},
+    {"unregserverperuser", EComando::DesregistraPorUsuario},
 };
 
 char Minuscula(char c) {
@@ -50,8 +50,8 @@ Resposta Procura(const char *lpLinha, Resposta senao, Casa casa) {
 
 }  // namespace
 
-Comando LeLinhaComando(const char *lpLinha) {
-  return Procura(lpLinha, Comando::Serve, [](std::string_view sPalavra) -> std::optional<Comando> {
+EComando LeLinhaComando(const char *lpLinha) {
+  return Procura(lpLinha, EComando::Serve, [](std::string_view sPalavra) -> std::optional<EComando> {
     for (const Chave &chave : kChaves) {
       if (MesmaPalavra(sPalavra, chave.palavra)) {
         return chave.comando;

@@ -87,8 +87,8 @@ int CKalvoModule::Executa(const char *lpLinhaComando) {
         "DefineSeguranca()", hr);
     return hr;
   }
-  const Comando eComando = LeLinhaComando(lpLinhaComando);
-  if (eComando != Comando::Serve) {
+  const EComando eComando = LeLinhaComando(lpLinhaComando);
+  if (eComando != EComando::Serve) {
     return ExecutaRegistro(eComando);
   }
   m_msPrimeiroUso = IniciadoParaCliente(lpLinhaComando) ? kTempoPrimeiroUso : INFINITE;

@@ -106,8 +106,8 @@ private:
       hr = FAILED(hr) ? hr : RegistraProxy();
     }
     // Also after the DLL's own registration, which may leave out what it cannot write without saying so.
-    hr = FAILED(hr) ? hr : GravaValores(ValoresDoProxy(Visao::De64Bits, m_sProxy));
-    return FAILED(hr) ? hr : GravaValores(ValoresDoProxy(Visao::De32Bits, m_sProxy32));
+    hr = FAILED(hr) ? hr : GravaValores(ValoresDoProxy(EVisao::De64Bits, m_sProxy));
+    return FAILED(hr) ? hr : GravaValores(ValoresDoProxy(EVisao::De32Bits, m_sProxy32));
   }
 
   HRESULT Relata(const CString &sOperacao, const std::wstring &sAlvo, HRESULT hr) const {
@@ -185,10 +185,10 @@ private:
 
 }  // namespace
 
-HRESULT ExecutaRegistro(Comando eComando) {
+HRESULT ExecutaRegistro(EComando eComando) {
   try {
-    CRegistroServidor registro(eComando == Comando::RegistraPorUsuario || eComando == Comando::DesregistraPorUsuario);
-    const bool bRegistra = eComando == Comando::Registra || eComando == Comando::RegistraPorUsuario;
+    CRegistroServidor registro(eComando == EComando::RegistraPorUsuario || eComando == EComando::DesregistraPorUsuario);
+    const bool bRegistra = eComando == EComando::Registra || eComando == EComando::RegistraPorUsuario;
     return bRegistra ? registro.Registra() : registro.Desregistra();
   } catch (...) {
     return QZTranslateThrownExceptionToHresult();

@@ -31,15 +31,15 @@ std::wstring ChaveClasse() {
 }
 
 /// Where a view of the classes stands below their root.
-std::wstring Prefixo(Visao eVisao) {
-  return eVisao == Visao::De32Bits ? L"Wow6432Node\\" : L"";
+std::wstring Prefixo(EVisao eVisao) {
+  return eVisao == EVisao::De32Bits ? L"Wow6432Node\\" : L"";
 }
 
-std::wstring ChaveProxy(Visao eVisao) {
+std::wstring ChaveProxy(EVisao eVisao) {
   return Prefixo(eVisao) + L"CLSID\\" + TextoGuid(kClsidProxy);
 }
 
-std::wstring ChaveInterface(Visao eVisao) {
+std::wstring ChaveInterface(EVisao eVisao) {
   return Prefixo(eVisao) + L"Interface\\" + TextoGuid(IID_IQZDF_Veiculos);
 }
 
@@ -72,7 +72,7 @@ std::vector<ValorRegistro> ValoresDoServidor(const std::wstring &sExecutavel) {
   };
 }
 
-std::vector<ValorRegistro> ValoresDoProxy(Visao eVisao, const std::wstring &sProxy) {
+std::vector<ValorRegistro> ValoresDoProxy(EVisao eVisao, const std::wstring &sProxy) {
   const std::wstring sInterface_ = ChaveInterface(eVisao);
   const std::wstring sServidor = ChaveProxy(eVisao) + L"\\InProcServer32";
   return {
@@ -86,10 +86,10 @@ std::vector<ValorRegistro> ValoresDoProxy(Visao eVisao, const std::wstring &sPro
 }
 
 std::vector<std::wstring> ChavesRemovidas() {
-  return {ChaveInterface(Visao::De32Bits),
-          ChaveProxy(Visao::De32Bits),
-          ChaveInterface(Visao::De64Bits),
-          ChaveProxy(Visao::De64Bits),
+  return {ChaveInterface(EVisao::De32Bits),
+          ChaveProxy(EVisao::De32Bits),
+          ChaveInterface(EVisao::De64Bits),
+          ChaveProxy(EVisao::De64Bits),
           ChaveClasse(),
           kProgIdSemVersao,
           kProgId,

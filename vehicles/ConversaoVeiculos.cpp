@@ -58,7 +58,7 @@ plataforma::FalhaArquivo AbreParaVer(const CString &sCaminho, std::unique_ptr<pl
   FalhaArquivo falha;
   Insiste(kTentativasInsistencia, [&](bool) {
     falha = Arquivos().Abre(sCaminho, {Acesso::Leitura, Compartilhamento::NegaNada, Criacao::SoExistente}, parquivo);
-    return falha.causa == CausaArquivo::ViolacaoCompartilhamento ? Veredito::OutraVez : Veredito::Acabou;
+    return falha.causa == CausaArquivo::ViolacaoCompartilhamento ? EVeredito::OutraVez : EVeredito::Acabou;
   });
   return falha.NaoEsta() ? kSemFalha : falha;
 }

@@ -15,7 +15,7 @@ struct CQZEscopoProfiler::Aberto {
 
   const IQZDF_Profiler *Profiler() const { return profiler ? &*profiler : nullptr; }
 
-  void Grava(TipoRegistro eTipo, const CString &sResto) const {
+  void Grava(ETipoRegistro eTipo, const CString &sResto) const {
     GravaLinhaLog(ColunasComuns(Profiler(), origem, eTipo), sResto, eTipo, Profiler());
   }
 };
@@ -62,7 +62,7 @@ void CQZEscopoProfiler::Inicia(const IQZDF_Profiler *pProfiler, const NomeFuncao
     for (const auto &[nome, valor] : parametros) {
       sResto.append(nome).append(" = ").append(valor).append("\t");
     }
-    m_aberto->Grava(TipoRegistro::Entrou, sResto);
+    m_aberto->Grava(ETipoRegistro::Entrou, sResto);
   } catch (...) {
     // The record is lost; the operation goes on.
   }
@@ -77,8 +77,8 @@ void CQZEscopoProfiler::Fim() noexcept {
     }
     const std::uint64_t uiDuracao = LogPerformance() ? Crescimento(aberto->uiTicks, plataforma::Relogio().Ticks()) : 0;
     const std::uint64_t uiMemoria = LogMemory() ? MemoriaDoProcesso() : 0;
-    aberto->Grava(TipoRegistro::Saiu, ColunaNumero(uiMemoria) + ColunaNumero(uiDuracao) +
-                                          ColunaNumero(Crescimento(aberto->uiMemoria, uiMemoria)));
+    aberto->Grava(ETipoRegistro::Saiu, ColunaNumero(uiMemoria) + ColunaNumero(uiDuracao) +
+                                           ColunaNumero(Crescimento(aberto->uiMemoria, uiMemoria)));
   } catch (...) {
     // The record is lost; the operation's result stands.
   }

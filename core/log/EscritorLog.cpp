@@ -28,8 +28,8 @@ constexpr char kCabecalhoErros[] =
     "MemoriaDisponivel\tMemoriaTotal\tMemoriaComponente\tVersaoMiran\tVersaoSO\tArquivo\tLinha\tLog\t"
     "Parameter1\tParameter2\tParameter3\tParameter4\tParameter5\tParameter6\tParameter7\tParameter8\tParameter9\r\n";
 
-CString CaminhoDoLog(TipoRegistro eTipo, const IQZDF_Profiler *pProfiler) {
-  if (eTipo != TipoRegistro::Erro) {
+CString CaminhoDoLog(ETipoRegistro eTipo, const IQZDF_Profiler *pProfiler) {
+  if (eTipo != ETipoRegistro::Erro) {
     return CQZPath::CaminhoArquivo(kModuloInstalacao, "", kArquivoProfiler);
   }
   const CString sEmpresa = pProfiler != nullptr ? pProfiler->GetEmpresa() : CString();
@@ -74,9 +74,9 @@ bool Acrescenta(std::unique_ptr<IArquivoAberto> aberto, const char *lpCabecalho,
   return false;
 }
 
-void Grava(const CString &sComuns, CString sResto, TipoRegistro eTipo, const IQZDF_Profiler *pProfiler) {
+void Grava(const CString &sComuns, CString sResto, ETipoRegistro eTipo, const IQZDF_Profiler *pProfiler) {
   std::erase_if(sResto, [](char letra) { return letra == '\r' || letra == '\n'; });
-  const char *const lpCabecalho = eTipo == TipoRegistro::Erro ? kCabecalhoErros : kCabecalhoProfiler;
+  const char *const lpCabecalho = eTipo == ETipoRegistro::Erro ? kCabecalhoErros : kCabecalhoProfiler;
   const CString sCaminho = CaminhoDoLog(eTipo, pProfiler);
   plataforma::IArquivos &arquivos = plataforma::Arquivos();
   bool bExistia = false;
@@ -94,7 +94,7 @@ void Grava(const CString &sComuns, CString sResto, TipoRegistro eTipo, const IQZ
 
 }  // namespace
 
-void GravaLinhaLog(const CString &sComuns, const CString &sResto, TipoRegistro eTipo,
+void GravaLinhaLog(const CString &sComuns, const CString &sResto, ETipoRegistro eTipo,
                    const IQZDF_Profiler *pProfiler) noexcept {
   try {
     Grava(sComuns, sResto, eTipo, pProfiler);

@@ -5,7 +5,7 @@
 #include "core/platform/Tipos.h"
 
 /// Kinds of records of the log files.
-enum class TipoRegistro { Entrou, Saiu, Erro };
+enum class ETipoRegistro { Entrou, Saiu, Erro };
 
 inline constexpr char kArquivoProfiler[] = "QZProfiler.dat";
 inline constexpr char kArquivoErros[] = "QZProfilerErros.dat";
@@ -17,7 +17,7 @@ inline constexpr char kArquivoErros[] = "QZProfilerErros.dat";
 /// directory. Whoever creates a file puts the header line first. Writers of all threads and processes share the files;
 /// one that finds a file taken tries again at once, up to 19 attempts in all, and then drops its line. A line is in the
 /// file whole or not at all. Every failure is swallowed. Any thread may call, several at once.
-void GravaLinhaLog(const CString &sComuns, const CString &sResto, TipoRegistro eTipo,
+void GravaLinhaLog(const CString &sComuns, const CString &sResto, ETipoRegistro eTipo,
                    const IQZDF_Profiler *pProfiler) noexcept;
 
 #endif

@@ -57,11 +57,11 @@ CString MemoriaDaMaquina() {
   return ColunaNumero(disponivel) + ColunaNumero(total);
 }
 
-const char *NomeTipo(TipoRegistro eTipo) {
+const char *NomeTipo(ETipoRegistro eTipo) {
   switch (eTipo) {
-    case TipoRegistro::Entrou:
+    case ETipoRegistro::Entrou:
       return "ENTROU\t";
-    case TipoRegistro::Saiu:
+    case ETipoRegistro::Saiu:
       return "SAIU\t";
     default:
       return "ERRO\t";
@@ -85,7 +85,7 @@ CString VersaoSO() {
 
 }  // namespace
 
-CString ColunasComuns(const IQZDF_Profiler *pProfiler, const OrigemRegistro &origem, TipoRegistro eTipo) {
+CString ColunasComuns(const IQZDF_Profiler *pProfiler, const OrigemRegistro &origem, ETipoRegistro eTipo) {
   return DataHora() + Coluna(origem.sProcesso) + Coluna(origem.sUsuarioLocal) + Coluna(origem.sFuncao) +
          Coluna(origem.sGuid) + Identidade(pProfiler) + NomeTipo(eTipo) + MemoriaDaMaquina();
 }
@@ -108,7 +108,7 @@ void GravaRegistroErro(const IQZDF_Profiler *pProfiler, const CString &sFuncao, 
                                 informacoes.UsuarioLocal()};
     const CString sResto = ColunaNumero(MemoriaDoProcesso()) + VersaoPrograma() + VersaoSO() + lpArquivo + "\t" +
                            std::to_string(iLinha) + "\t" + sLog + "\t";
-    GravaLinhaLog(ColunasComuns(pProfiler, origem, TipoRegistro::Erro), sResto, TipoRegistro::Erro, pProfiler);
+    GravaLinhaLog(ColunasComuns(pProfiler, origem, ETipoRegistro::Erro), sResto, ETipoRegistro::Erro, pProfiler);
   } catch (...) {
     // The record is lost; the failure that it tells of is returned to the caller all the same.
   }

@@ -312,8 +312,8 @@ HRESULT CQZFileBase::RestauraPendencia() {
 }
 
 /// A failure that was that of a dead handle is none of the file.
-Veredito CQZFileBase::AposTentativaFalha(HRESULT hr) {
-  return TrocaArquivoMorto() || !EhUmaExcecaoFatal(hr) ? Veredito::OutraVez : Veredito::Acabou;
+EVeredito CQZFileBase::AposTentativaFalha(HRESULT hr) {
+  return TrocaArquivoMorto() || !EhUmaExcecaoFatal(hr) ? EVeredito::OutraVez : EVeredito::Acabou;
 }
 
 void CQZFileBase::ConfirmaGravacao() {
@@ -645,11 +645,11 @@ HRESULT CQZFileBase::CriaCabecalho() {
     // Whoever kept us from moving may have written: a copy that is out of date must not replace the file.
     const auto confereOriginal = [&] {
       if (Falhou(m_abertura.Abre(sCaminho, eModoLeitura, 1))) {
-        return Movimento::Espera;
+        return EMovimento::Espera;
       }
       const bool bMesmo = m_abertura.MesmoArquivo();
       m_abertura.FechaParaReabrir();
-      return bMesmo ? Movimento::Tenta : Movimento::Desiste;
+      return bMesmo ? EMovimento::Tenta : EMovimento::Desiste;
     };
     static_cast<void>(QZ_FALHOU(rastro, hr,
                                 "CQZDataBaseUtil::RenomeiaArquivoTRA(GetEmpresa(), m_eModulo, m_sNomeArquivo)",

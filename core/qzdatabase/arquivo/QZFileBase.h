@@ -199,7 +199,7 @@ private:
   void VoltaAoModo(EModoAbertura eModoAnterior);
   void LargaArquivo();
   bool TrocaArquivoMorto();
-  Veredito AposTentativaFalha(HRESULT hr);
+  EVeredito AposTentativaFalha(HRESULT hr);
 
   [[nodiscard]] HRESULT GerenciaControleCriacaoArquivos(EModoAbertura eModoAbertura,
                                                         std::unique_ptr<IListaCriados> *pLista,
@@ -253,11 +253,11 @@ HRESULT CQZFileBase::TentaGravar(P &&fixaLugar, F &&tentativa) {
       hr = fixaLugar();
       uiCargas = m_uiCargas;
       if (Falhou(hr)) {
-        return Veredito::Acabou;
+        return EVeredito::Acabou;
       }
     }
     hr = Falhou(hr) ? hr : tentativa();
-    return Falhou(hr) ? AposTentativaFalha(hr) : Veredito::Acabou;
+    return Falhou(hr) ? AposTentativaFalha(hr) : EVeredito::Acabou;
   });
   if (Falhou(hr)) {
     static_cast<void>(RestauraPendencia());

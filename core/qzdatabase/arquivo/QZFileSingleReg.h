@@ -66,10 +66,10 @@ HRESULT CQZFileSingleReg<T>::OnInicializa() {
   // A file without its record may be one that another program is creating at this moment, in several steps.
   Insiste(kTentativasAbertura, [&](bool bUltima) {
     if (QZ_FALHOU(rastro, hr, "AbreArquivo(eModoLeitura)", AbreArquivo(eModoLeitura)) || bUltima || !SemConteudo()) {
-      return Veredito::Acabou;
+      return EVeredito::Acabou;
     }
     FechaArquivo();
-    return Veredito::OutraVez;
+    return EVeredito::OutraVez;
   });
   return Falhou(hr) ? hr : CarregaAoInicializar();
 }

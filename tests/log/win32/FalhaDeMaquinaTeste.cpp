@@ -8,7 +8,7 @@ int *volatile g_nulo = nullptr;
 
 TEST_F(LogTeste, FalhaDeMaquinaNoMeioDaGravacaoFechaOArquivo) {
   auto grava = [this]() -> HRESULT {
-    GravaLinhaLog("c\t", "x", TipoRegistro::Erro, &m_profiler);
+    GravaLinhaLog("c\t", "x", ETipoRegistro::Erro, &m_profiler);
     return 0;
   };
   const std::size_t marca = plataforma::LivroDaThread::Marca();

@@ -71,6 +71,7 @@ void ProcessaMensagens() {
 
 int CKalvoModule::Executa(const char *lpLinhaComando) {
   SetErrorMode(SEM_FAILCRITICALERRORS);
+  // First of all: whatever fails from here on is to be found in the error log.
   InstalaLogDeErros();
   CQZMensagem::Instala();
   if (!m_contagem.Pronta()) {

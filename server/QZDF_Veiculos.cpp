@@ -187,11 +187,13 @@ HRESULT CQZDF_Veiculos::Opera(const IQZDF_Profiler &profiler, const NomeOperacao
       zera();
       return spBase != nullptr ? corpo(*spBase) : codigos::kSemRegistro;
     };
+    // For a fault that somebody further out takes: control never comes back to the lines below.
     const HRESULT hr = chamada.Guarda(guardado, [&] {
       trava.Solta();
       PerdeRegistro();
       SoltaBase(spBase);
     });
+    // The lock is part of the register: it must be free before the last reference may go.
     trava.Solta();
     if (EhErroSEH(hr)) {
       PerdeRegistro();

@@ -80,6 +80,7 @@ plataforma::FalhaArquivo Identifica(const CString &sCaminho, std::optional<Ident
   if (!falha) {
     falha = arquivo->Tamanho(&uiTamanho);
   }
+  // Records alone are compared: the file may have got its header since the journal was written.
   const std::uint64_t uiInicio = bCabecalho ? std::min<std::uint64_t>(kTamanhoCabecalho, uiTamanho) : 0;
   const auto identifica = [&](std::uint64_t uiDe, std::optional<IdentidadeRegistros> *pIdentidade) {
     IdentidadeRegistros identidade{uiTamanho - uiDe, 0};
@@ -136,10 +137,12 @@ HRESULT ExaminaDiario(const CString &sEmpresa, EDiario *peDiario) {
   if (falha) {
     return CQZFileBase::CatchInicializacao(falha);
   }
+  // A missing base is one without records: that of a base whose only record was dropped.
   if (base.value_or(IdentidadeRegistros{}) == *convertida) {
     *peDiario = EDiario::FaltaVersao;
   } else if (companheiro == convertida && (!base || baseSemPrimeiro == convertida)) {
     *peDiario = EDiario::FaltaTrocar;
+    // Else the base is as before and its companion missing or torn: the work starts anew.
   } else if (baseSemPrimeiro != convertida) {
     return codigos::kTraNaoRenomeado;
   }
@@ -252,6 +255,7 @@ HRESULT CBaseVeiculos::ConverteBaseV01() {
   if (eDiario != EDiario::Nenhum) {
     return codigos::kOk;
   }
+  // RemoveRegistroZero has the journal written between the finished companion and its move.
   bool bDiario = false;
   const auto gravaDiario = [&]() -> HRESULT {
     std::optional<IdentidadeRegistros> companheiro, semUso;

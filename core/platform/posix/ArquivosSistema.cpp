@@ -62,6 +62,7 @@ std::optional<FalhaArquivo> TentaAbrir(const std::string &sCaminho, const ModoAb
   if (S_ISDIR(info.st_mode) || (PodeAlterar(modo) && NinguemGrava(info))) {
     return FalhaWin32(kErroAcesso);
   }
+  // Looking at the uses of others and stating our own is one step only while nobody else has the turn.
   const VezNoArquivo vez(descritor.Numero());
   if (!AindaNomeia(sCaminho.c_str(), descritor.Numero())) {
     return std::nullopt;
@@ -155,6 +156,7 @@ std::optional<FalhaArquivo> TentaMover(const std::string &sOrigem, const std::st
   if (S_ISDIR(infoOrigem.st_mode) || S_ISDIR(infoDestino.st_mode)) {
     return FalhaWin32(kErroAcesso);
   }
+  // Two turns on one file would wait for each other.
   if (infoOrigem.st_dev == infoDestino.st_dev && infoOrigem.st_ino == infoDestino.st_ino) {
     return MoveParaNomeLivre(sOrigem, sDestino, fdOrigem.Numero()).value_or(kSemFalha);
   }

@@ -199,6 +199,7 @@ plataforma::FalhaArquivo CQZFile<T>::LeCarga(std::uint64_t *puiCrc) {
   EsvaziaMemoria();  // no longer served; two contents need not fit into memory
   m_aCarga.DefineTamanho(static_cast<std::size_t>(uiTamanho / sizeof(T)));
   std::uint64_t uiCrc = 0;
+  // A block at a time, while it is in the processor's cache: read, digested and taken into the CRC.
   for (std::size_t i = 0; !falha && i < m_aCarga.GetSize();) {
     const auto trecho = m_aCarga.TrechoEm(i, m_aCarga.GetSize());
     falha = Arquivo().Le(PosicaoNoArquivo(i), trecho.pRegistros, trecho.qtd * sizeof(T));
@@ -208,6 +209,7 @@ plataforma::FalhaArquivo CQZFile<T>::LeCarga(std::uint64_t *puiCrc) {
     uiCrc = falha || puiCrc == nullptr ? 0 : CalculaCrc64(trecho.pRegistros, trecho.qtd * sizeof(T), uiCrc);
     i += trecho.qtd;
   }
+  // The header vouches for a torn record at the end too.
   const auto cbResto = static_cast<std::size_t>(uiTamanho % sizeof(T));
   if (!falha && puiCrc != nullptr && cbResto != 0) {
     T resto;
@@ -362,6 +364,7 @@ HRESULT CQZFile<T>::PercorreTrechos(std::uint64_t uiPrimeira, std::uint64_t uiUl
     if (Falhou(hr)) {
       return hr;
     }
+    // No step: whatever is wrong with the position, Le finds it again and traces it outside the readers' access.
     if (!bFim && uiPosicao == uiAntes) {
       T descartado;
       return Le(uiPosicao, &descartado);
@@ -435,6 +438,7 @@ HRESULT CQZFile<T>::VisitaPorIndice(std::size_t uiCampo, std::uint64_t uiHash, s
   if (acesso.AAssegurar()) {
     QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   }
+  // Where Percorre would fail it is left to it, so that the failure is the same.
   if (!MemoriaIgual() || uiUltima > m_aRegistros.GetSize()) {
     *puiResto = 1;
     return codigos::kOk;
@@ -454,6 +458,7 @@ HRESULT CQZFile<T>::VisitaPorIndice(std::size_t uiCampo, std::uint64_t uiHash, s
     case EResposta::Varios: {
       const bool bSegue =
           uiPosicao <= uiUltima && visita(uiPosicao, m_aRegistros[static_cast<std::size_t>(uiPosicao - 1)]);
+      // The first is visited under the access under which the index answered; the others are Percorre's.
       *puiResto = bSegue && eResposta == EResposta::Varios ? uiPosicao + 1 : 0;
       break;
     }
@@ -511,6 +516,7 @@ HRESULT CQZFile<T>::GravaFaixa(std::uint64_t &uiPosicao, const T *pRegistros, st
     QZ_VERIFICA(rastro, "GravaRegistros(uiPosicao, aRegistros)", GravaRegistros(uiIndice, pRegistros, qtd));
     return codigos::kOk;
   };
+  // The caller's position changes only with a write that has happened.
   const HRESULT hr = TentaGravar(fixaLugar, grava);
   if (!Falhou(hr)) {
     uiPosicao = uiIndice + 1;

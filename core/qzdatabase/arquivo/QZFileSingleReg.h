@@ -172,6 +172,7 @@ bool CQZFileSingleReg<T>::SemConteudo() {
 template <typename T>
 HRESULT CQZFileSingleReg<T>::GravaRegistro(const T &reg) {
   const CQZOperacao rastro(this, Nome(">::GravaRegistro"), kFonteH);
+  // Without one, undoing cuts the file back to its header instead of leaving a record of zeros.
   const std::size_t cbAntes = m_bTemRegistro ? sizeof(T) : 0;
   Transacao().Inicia(TamanhoCabecalho(), TamanhoCabecalho() + cbAntes);
   Transacao().NotaAntigo(&m_reg, cbAntes);

@@ -99,6 +99,7 @@ HRESULT CQZDataBaseUtil::ResolveTRAEsquecido(const IQZDF_Profiler *pOwner, Modul
   QZ_VERIFICA(rastro, "CatchInicializacao(pEx)",
               CQZFileBase::CatchInicializacao(plataforma::Arquivos().Existe(
                   CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeArquivo), &bTemArquivo)));
+  // The file still has all records: nothing is lost with the companion, which this run makes anew.
   if (bTemArquivo) {
     QZ_VERIFICA(rastro, "DeletaArquivo(pOwner->GetEmpresa(), eModulo, sNomeTRA)",
                 DeletaArquivo(sEmpresa, eModulo, sNomeTRA));
@@ -107,6 +108,7 @@ HRESULT CQZDataBaseUtil::ResolveTRAEsquecido(const IQZDF_Profiler *pOwner, Modul
   std::uint64_t uiTamanho = 0;
   QZ_VERIFICA(rastro, "CatchInicializacao(pEx)",
               CQZFileBase::CatchInicializacao(plataforma::Arquivos().TamanhoDe(sCaminhoTRA, &uiTamanho)));
+  // The only copy: where it is torn it is refused, and kept.
   if (uiTamanho % cbRegistro != 0) {
     QZ_RETORNA_CODIGO(rastro, codigos::kTamanhoNaoMultiplo);
   }

@@ -149,6 +149,7 @@ HRESULT CQZDataBaseUtil::RemoveRegistroZeroDe(const IQZDF_Profiler *pOwner, Modu
     static_cast<void>(DeletaArquivo(sEmpresa, eModulo, sNomeTRA));
     return hr;
   }
+  // Nothing is left but the dropped record: the file goes, as a rewrite without records asks for.
   if (!bTemCompanheiro) {
     QZ_VERIFICA(rastro, "RenomeiaArquivoTRA(pOwner->GetEmpresa(), eModulo, sNomeArquivo)",
                 RenomeiaArquivoTRA(sEmpresa, eModulo, sNomeArquivo));
@@ -156,6 +157,7 @@ HRESULT CQZDataBaseUtil::RemoveRegistroZeroDe(const IQZDF_Profiler *pOwner, Modu
   }
   if (QZ_FALHOU(rastro, hr, "RenomeiaArquivoTRA(pOwner->GetEmpresa(), eModulo, sNomeArquivo)",
                 MoveTRA(sEmpresa, eModulo, sNomeArquivo))) {
+    // Gone, it may have been moved although the call said otherwise: then nothing may be taken back.
     bool bAindaEsta = false;
     const CString sCaminhoTRA = CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeTRA);
     if (!plataforma::Arquivos().Existe(sCaminhoTRA, &bAindaEsta) && bAindaEsta && (!desfaz || !Falhou(desfaz()))) {

@@ -2,8 +2,8 @@
 #include <cstddef>
 #include <optional>
 
-#include "core/platform/ArquivoNoLivro.h"
 #include "core/platform/Plataforma.h"
+#include "core/platform/PosseNoLivro.h"
 #include "core/platform/TravaEntreProcessos.h"
 #include "core/platform/Travas.h"
 #include "core/qzdatabase/banco/QZDataBaseUtil.h"
@@ -72,7 +72,7 @@ plataforma::FalhaArquivo Identifica(const CString &sCaminho, std::optional<Ident
   if (falha || aberto == nullptr) {
     return falha;
   }
-  const plataforma::CQZArquivoNoLivro arquivo(std::move(aberto));
+  const plataforma::CQZPosseNoLivro arquivo(std::move(aberto));
   bool bCabecalho = false;
   std::uint16_t iVersao = 0;
   std::uint64_t uiTamanho = 0;
@@ -107,7 +107,7 @@ plataforma::FalhaArquivo LeDiario(const CString &sEmpresa, std::optional<Identid
   if (falha || aberto == nullptr) {
     return falha;
   }
-  const plataforma::CQZArquivoNoLivro diario(std::move(aberto));
+  const plataforma::CQZPosseNoLivro diario(std::move(aberto));
   RegDiario reg{};
   std::uint64_t uiTamanho = 0;
   falha = diario->Tamanho(&uiTamanho);
@@ -158,7 +158,7 @@ plataforma::FalhaArquivo EscreveDiario(const CString &sEmpresa, const Identidade
   if (const FalhaArquivo falha = Arquivos().Abre(CaminhoDaBase(sEmpresa, kArquivoDiario), modo, &arquivo)) {
     return falha;
   }
-  const CQZArquivoNoLivro diario(std::move(arquivo));
+  const CQZPosseNoLivro diario(std::move(arquivo));
   if (const FalhaArquivo falha = diario->Grava(0, &reg, sizeof(reg))) {
     return falha;
   }
@@ -181,7 +181,7 @@ void EncerraDiario(const CString &sEmpresa) {
       Arquivos().Abre(CaminhoDaBase(sEmpresa, kArquivoVersao), modo, &versao)) {
     return;
   }
-  const CQZArquivoNoLivro aberto(std::move(versao));
+  const CQZPosseNoLivro aberto(std::move(versao));
   if (!aberto->Descarrega()) {
     static_cast<void>(ApagaDiario(sEmpresa));
   }

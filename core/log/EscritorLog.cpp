@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "core/env/QZPath.h"
-#include "core/platform/ArquivoNoLivro.h"
 #include "core/platform/Plataforma.h"
+#include "core/platform/PosseNoLivro.h"
 
 // Nothing called from here reaches the error-check trace, which this layer brings in: a failure while a record is
 // written can never ask for another record.
@@ -60,7 +60,7 @@ std::unique_ptr<IArquivoAberto> Abre(const CString &sCaminho) {
 /// Appends at the end, with the header before it when `lpCabecalho` is given and the file is empty. False when nothing
 /// was added.
 bool Acrescenta(std::unique_ptr<IArquivoAberto> aberto, const char *lpCabecalho, const CString &sLinha) {
-  const plataforma::CQZArquivoNoLivro arquivo(std::move(aberto));
+  const plataforma::CQZPosseNoLivro arquivo(std::move(aberto));
   std::uint64_t fim = 0;
   if (arquivo->Tamanho(&fim)) {
     return false;

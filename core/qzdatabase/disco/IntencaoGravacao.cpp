@@ -6,10 +6,10 @@
 #include <vector>
 
 #include "core/env/QZPath.h"
-#include "core/platform/ArquivoNoLivro.h"
 #include "core/platform/CodigoEstrangeiro.h"
 #include "core/platform/MemoriaMapeada.h"
 #include "core/platform/Plataforma.h"
+#include "core/platform/PosseNoLivro.h"
 #include "core/qzdatabase/disco/PercorreArquivo.h"
 #include "core/qzdatabase/disco/QZCrc64.h"
 
@@ -75,7 +75,7 @@ bool LeNota(const CString &sCaminho, const CString &sNomeArquivo, Nota *pNota) {
   if (plataforma::Arquivos().Abre(sCaminho, {}, &aberto)) {
     return false;
   }
-  const plataforma::CQZArquivoNoLivro companheiro(std::move(aberto));
+  const plataforma::CQZPosseNoLivro companheiro(std::move(aberto));
   if (companheiro->Le(0, tudo.data(), tudo.size())) {
     return false;
   }
@@ -221,7 +221,7 @@ void CQZIntencaoGravacao::AnotaCriacao(const CString &sCaminhoArquivo, const CSt
   std::unique_ptr<IArquivoAberto> aberto;
   const ModoAbertura modo{Acesso::Escrita, Compartilhamento::Exclusivo, plataforma::Criacao::CriaVazio};
   if (!Arquivos().Abre(Caminho(sCaminhoArquivo), modo, &aberto)) {
-    const CQZArquivoNoLivro companheiro(std::move(aberto));
+    const CQZPosseNoLivro companheiro(std::move(aberto));
     static_cast<void>(companheiro->Grava(0, tudo.data(), tudo.size()));
   }
 }

@@ -17,8 +17,8 @@ std::string Texto(std::string_view sUtf8) {
   return De8Para1252(sUtf8).value();
 }
 
-// "  title   text": the text in a column of its own, broken between words; under a title that does not leave room for
-// it from the next line on.
+/// "  title   text": the text in a column of its own, broken between words; under a title that does not leave room for
+/// it from the next line on.
 std::string Verbete(const std::string &sTitulo, std::string_view sTextoUtf8) {
   const std::string sTexto = Texto(sTextoUtf8);
   std::string sLinha = "  " + sTitulo;

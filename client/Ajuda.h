@@ -9,14 +9,14 @@
 
 #include "client/Argumentos.h"
 
-// The commands, a line each, and what holds for all of them.
+/// The commands, a line each, and what holds for all of them.
 std::string TextoAjuda(const CProgramaConhecido &programa);
 
-// One command with its options and examples.
+/// One command with its options and examples.
 std::string TextoAjuda(const CProgramaConhecido &programa, const CComandoConhecido &comando);
 
-// What a command line with --ajuda, -h, /? or --versao anywhere in it asks to be shown instead of any work; the help is
-// that of the command when it names one. Nothing for any other line.
+/// What a command line with --ajuda, -h, /? or --versao anywhere in it asks to be shown instead of any work; the help
+/// is that of the command when it names one. Nothing for any other line.
 std::optional<std::string> TextoPedido(std::span<const std::string> aTextos, const CProgramaConhecido &programa);
 
 #endif

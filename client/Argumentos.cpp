@@ -20,7 +20,7 @@ const COpcaoConhecida *ProcuraOpcao(std::span<const COpcaoConhecida> aOpcoes, st
   return it == aOpcoes.end() ? nullptr : &*it;
 }
 
-// The option as any command knows it: whether it takes a value is the same for all that do.
+/// The option as any command knows it: whether it takes a value is the same for all that do.
 const COpcaoConhecida *ProcuraOpcao(const CProgramaConhecido &programa, std::string_view sNome) {
   for (const CComandoConhecido &comando : programa.aComandos) {
     if (const COpcaoConhecida *const pOpcao = ProcuraOpcao(comando.aOpcoes, sNome)) {

@@ -12,11 +12,11 @@
 
 namespace {
 
-using enum eCampo;
+using enum ECampo;
 using V = tagREG_VEICULOPS;
 using F = tagREG_FILTRO_VEICULOSPS;
 
-// In the order in which they are shown.
+/// In the order in which they are shown.
 constexpr std::array kCamposVeiculo{
     CCampo{"codigo", texto, offsetof(V, szCodigo), sizeof(V::szCodigo), "Código"},
     CCampo{"placa", texto, offsetof(V, szPlaca), sizeof(V::szPlaca), "Placa"},
@@ -64,7 +64,7 @@ constexpr std::array kCamposFiltro{
            "tipos de transporte aceitos (1: qualquer um menos 0)", 0, 1},
 };
 
-// The machine is little-endian, so the low bytes of the value are the field.
+/// The machine is little-endian, so the low bytes of the value are the field.
 void GravaInteiro(const CCampo &campo, std::uint64_t uiValor, void *pRegistro) {
   std::memcpy(static_cast<char *>(pRegistro) + campo.uiPosicao, &uiValor, campo.uiLargura);
 }

@@ -6,7 +6,7 @@
 
 namespace {
 
-// The characters of the bytes 0x80 to 0x9F. All other bytes are the characters of their numbers.
+/// The characters of the bytes 0x80 to 0x9F. All other bytes are the characters of their numbers.
 constexpr std::uint8_t kPrimeiroProprio = 0x80;
 constexpr std::array<char16_t, 32> kProprios{
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,

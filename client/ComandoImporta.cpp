@@ -29,7 +29,7 @@ CCodigosConhecidos CodigosDaBase(CServico &servico) {
   return codigos;
 }
 
-// Whether a write that failed may have happened nevertheless: the call was lost on its way, or broke off.
+/// Whether a write that failed may have happened nevertheless: the call was lost on its way, or broke off.
 bool PodeTerGravado(HRESULT hr) {
   const auto uiOrigem = static_cast<std::uint32_t>(hr) >> 16;
   constexpr std::uint32_t kDoServidor = 0x8108;
@@ -37,7 +37,7 @@ bool PodeTerGravado(HRESULT hr) {
   return (uiOrigem != kDoServidor && uiOrigem != kDeArquivo) || EhFalhaDeMaquina(hr);
 }
 
-// One import of one file.
+/// One import of one file.
 class CImportador {
 public:
   explicit CImportador(const CArgumentos &argumentos)
@@ -50,7 +50,7 @@ public:
     }
   }
 
-  eSaida Executa() {
+  ESaida Executa() {
     if (m_argumentos.Tem("ensaio")) {
       return Ensaia();
     }
@@ -66,7 +66,7 @@ public:
   }
 
 private:
-  eSaida Ensaia() {
+  ESaida Ensaia() {
     CCodigosConhecidos conhecidos;
     if (SemRepetir()) {
       CServico servico(m_argumentos);
@@ -77,7 +77,7 @@ private:
     return Saida();
   }
 
-  eSaida Importa() {
+  ESaida Importa() {
     CServico servico(m_argumentos);
     CCodigosConhecidos conhecidos;
     if (SemRepetir()) {
@@ -119,7 +119,7 @@ private:
 
   bool SemRepetir() const { return m_argumentos.Tem("sem-repetir"); }
 
-  eSaida Saida() const {
+  ESaida Saida() const {
     return m_resultado.bParada ? kInterrompida : m_resultado.uiRecusados != 0 ? kLinhasRecusadas : kSucesso;
   }
 
@@ -155,7 +155,7 @@ private:
 
 }  // namespace
 
-eSaida Importa(const CArgumentos &argumentos) {
+ESaida Importa(const CArgumentos &argumentos) {
   ExigeEmpresa(*argumentos.Opcao("empresa"));
   return CImportador(argumentos).Executa();
 }

@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::uint64_t kSemLimite = std::numeric_limits<std::size_t>::max();
 
-eSaida Grava(const CArgumentos &argumentos) {
+ESaida Grava(const CArgumentos &argumentos) {
   const auto lPosicao = static_cast<LONG>(argumentos.Numero("posicao", 1, kMaiorPosicao, 0));
   tagREG_VEICULOPS veiculo{};
   if (!AplicaCampos(argumentos, veiculo)) {
@@ -37,16 +37,16 @@ eSaida Grava(const CArgumentos &argumentos) {
   return kSucesso;
 }
 
-// As a row of its format; in a table with all its fields, a line each.
+/// As a row of its format; in a table with all its fields, a line each.
 void MostraVeiculo(CRelacao &relacao, LONG lPosicao, const tagREG_VEICULOPS &veiculo) {
-  if (relacao.Formato() == eFormato::tabela) {
+  if (relacao.Formato() == EFormatoRelacao::tabela) {
     relacao.Linha(FichaVeiculo(lPosicao, veiculo));
   } else {
     relacao.Veiculo(lPosicao, veiculo);
   }
 }
 
-eSaida Le(const CArgumentos &argumentos) {
+ESaida Le(const CArgumentos &argumentos) {
   std::vector<LONG> aPosicoes;
   for (const std::string &sValor : argumentos.Valores()) {
     aPosicoes.push_back(PosicaoDeTexto(sValor));
@@ -62,7 +62,7 @@ eSaida Le(const CArgumentos &argumentos) {
   return kSucesso;
 }
 
-eSaida Existe(const CArgumentos &argumentos) {
+ESaida Existe(const CArgumentos &argumentos) {
   const std::string &sTexto = argumentos.Valores().front();
   constexpr std::size_t kMaximo = sizeof(tagREG_VEICULOPS::szCodigo);
   if (sTexto.empty() || sTexto.size() > kMaximo) {
@@ -87,7 +87,7 @@ void ListaVeiculos(CServico &servico, const std::vector<LONG> &aPosicoes, CRelac
   PercorreVeiculos(servico, aPosicoes, [&](LONG lPosicao, const auto &veiculo) { relacao.Veiculo(lPosicao, veiculo); });
 }
 
-eSaida Busca(const CArgumentos &argumentos) {
+ESaida Busca(const CArgumentos &argumentos) {
   const tagREG_FILTRO_VEICULOSPS filtro = FiltroDeArgumentos(argumentos);
   const std::uint64_t uiLimite = argumentos.Numero("limite", 0, kSemLimite, kSemLimite);
   CRelacao relacao(argumentos);
@@ -102,7 +102,7 @@ eSaida Busca(const CArgumentos &argumentos) {
     }
   } else {
     ListaVeiculos(servico, aPosicoes, relacao);
-    if (relacao.Formato() == eFormato::tabela) {
+    if (relacao.Formato() == EFormatoRelacao::tabela) {
       relacao.Linha("Encontrados: " + std::to_string(uiEncontrados) +
                     "  Mostrados: " + std::to_string(aPosicoes.size()));
     }
@@ -111,7 +111,7 @@ eSaida Busca(const CArgumentos &argumentos) {
   return kSucesso;
 }
 
-eSaida Lista(const CArgumentos &argumentos) {
+ESaida Lista(const CArgumentos &argumentos) {
   const std::uint64_t uiDe = argumentos.Numero("de", 1, kMaiorPosicao, 1);
   const std::uint64_t uiAte = argumentos.Numero("ate", 1, kMaiorPosicao, kMaiorPosicao);
   if (uiAte < uiDe) {
@@ -124,17 +124,17 @@ eSaida Lista(const CArgumentos &argumentos) {
   return kSucesso;
 }
 
-eSaida Conta(const CArgumentos &argumentos) {
+ESaida Conta(const CArgumentos &argumentos) {
   CRelacao relacao(argumentos);
   CServico servico(argumentos);
   const std::string sQuantidade = std::to_string(servico->GetQuantidadeRegistros());
   relacao.Comeca("", "registros");
-  relacao.Linha(relacao.Formato() == eFormato::json ? "{\"registros\":" + sQuantidade + "}" : sQuantidade);
+  relacao.Linha(relacao.Formato() == EFormatoRelacao::json ? "{\"registros\":" + sQuantidade + "}" : sQuantidade);
   relacao.Acaba();
   return kSucesso;
 }
 
-eSaida Exporta(const CArgumentos &argumentos) {
+ESaida Exporta(const CArgumentos &argumentos) {
   CRelacao relacao(argumentos, argumentos.Valores().front());
   CServico servico(argumentos);
   const std::vector<LONG> aPosicoes = Posicoes(servico, 1, kMaiorPosicao);
@@ -151,7 +151,7 @@ eSaida Exporta(const CArgumentos &argumentos) {
   return kSucesso;
 }
 
-eSaida Diagnostico(const CArgumentos &argumentos) {
+ESaida Diagnostico(const CArgumentos &argumentos) {
   const std::string *const pEmpresa = argumentos.Opcao("empresa");
   const bool bAbre = argumentos.Tem("abre");
   if (bAbre && (pEmpresa == nullptr || pEmpresa->empty())) {
@@ -163,8 +163,8 @@ eSaida Diagnostico(const CArgumentos &argumentos) {
 }
 
 struct CFuncaoComando {
-  std::string_view sNome;  // of ProgramaVeiculos
-  eSaida (*Executa)(const CArgumentos &);
+  std::string_view sNome;  ///< of ProgramaVeiculos
+  ESaida (*Executa)(const CArgumentos &);
 };
 constexpr std::array kFuncoes{
     CFuncaoComando{"grava", Grava},     CFuncaoComando{"le", Le},           CFuncaoComando{"existe", Existe},
@@ -174,7 +174,7 @@ constexpr std::array kFuncoes{
 
 }  // namespace
 
-eSaida ExecutaComando(const CArgumentos &argumentos) {
+ESaida ExecutaComando(const CArgumentos &argumentos) {
   const auto it = std::find_if(kFuncoes.begin(), kFuncoes.end(), [&](const CFuncaoComando &funcao) {
     return funcao.sNome == argumentos.Comando().sNome;
   });

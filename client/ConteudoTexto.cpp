@@ -16,26 +16,26 @@ constexpr char32_t kSubstituto = 0xFFFD;
 
 struct CMarca {
   std::string_view sBytes;
-  eCodificacao eQual;
+  ECodificacao eQual;
 };
-constexpr std::array kMarcas{CMarca{"\xEF\xBB\xBF"sv, eCodificacao::utf8}, CMarca{"\xFF\xFE"sv, eCodificacao::utf16le},
-                             CMarca{"\xFE\xFF"sv, eCodificacao::utf16be}};
+constexpr std::array kMarcas{CMarca{"\xEF\xBB\xBF"sv, ECodificacao::utf8}, CMarca{"\xFF\xFE"sv, ECodificacao::utf16le},
+                             CMarca{"\xFE\xFF"sv, ECodificacao::utf16be}};
 
 struct CNome {
   std::string_view sNome;
-  eCodificacao eQual;
+  ECodificacao eQual;
 };
-constexpr std::array kNomes{CNome{"windows-1252", eCodificacao::windows1252}, CNome{"utf-8", eCodificacao::utf8},
-                            CNome{"utf-16", eCodificacao::utf16le}, CNome{"utf-16le", eCodificacao::utf16le},
-                            CNome{"utf-16be", eCodificacao::utf16be}};
+constexpr std::array kNomes{CNome{"windows-1252", ECodificacao::windows1252}, CNome{"utf-8", ECodificacao::utf8},
+                            CNome{"utf-16", ECodificacao::utf16le}, CNome{"utf-16le", ECodificacao::utf16le},
+                            CNome{"utf-16be", ECodificacao::utf16be}};
 
-std::string NomeDa(eCodificacao eQual) {
+std::string NomeDa(ECodificacao eQual) {
   const auto it = std::find_if(kNomes.begin(), kNomes.end(), [&](const CNome &nome) { return nome.eQual == eQual; });
   return std::string(it->sNome);
 }
 
-bool EhUtf16(eCodificacao eQual) {
-  return eQual == eCodificacao::utf16le || eQual == eCodificacao::utf16be;
+bool EhUtf16(ECodificacao eQual) {
+  return eQual == ECodificacao::utf16le || eQual == ECodificacao::utf16be;
 }
 
 std::string De16Para8(std::string_view sBytes, bool bMaiorPrimeiro) {
@@ -61,7 +61,7 @@ std::string De16Para8(std::string_view sBytes, bool bMaiorPrimeiro) {
   return sUtf8;
 }
 
-// How much of a text is UTF-8: characters of several bytes, the line of the first of them, bytes that belong to none.
+/// How much of a text is UTF-8: characters of several bytes, the line of the first of them, bytes that belong to none.
 struct CIndicios {
   std::size_t uiCompostos = 0;
   std::size_t uiPrimeiraLinha = 0;
@@ -94,7 +94,7 @@ CPalpite Adivinha(std::string_view sBytes) {
   // What a file of columns begins with is ASCII.
   if (sBytes.size() >= 2 && (sBytes[0] == '\0') != (sBytes[1] == '\0')) {
     throw CErroCodificacao("o arquivo parece UTF-16 sem marca de codificação; se é, use --codificacao "_pt +
-                           NomeDa(sBytes[0] == '\0' ? eCodificacao::utf16be : eCodificacao::utf16le));
+                           NomeDa(sBytes[0] == '\0' ? ECodificacao::utf16be : ECodificacao::utf16le));
   }
   const CIndicios indicios = ProcuraUtf8(sBytes);
   if (indicios.uiCompostos == 0) {
@@ -111,7 +111,7 @@ CPalpite Adivinha(std::string_view sBytes) {
 
 }  // namespace
 
-std::optional<eCodificacao> CodificacaoDoNome(std::string_view sNome) {
+std::optional<ECodificacao> CodificacaoDoNome(std::string_view sNome) {
   std::string sMinusculas(sNome);
   std::transform(sMinusculas.begin(), sMinusculas.end(), sMinusculas.begin(),
                  [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
@@ -119,29 +119,29 @@ std::optional<eCodificacao> CodificacaoDoNome(std::string_view sNome) {
   return it == kNomes.end() ? std::nullopt : std::optional(it->eQual);
 }
 
-std::string_view MarcaDaCodificacao(eCodificacao eQual) {
+std::string_view MarcaDaCodificacao(ECodificacao eQual) {
   const auto it = std::find_if(kMarcas.begin(), kMarcas.end(), [&](const CMarca &m) { return m.eQual == eQual; });
   return it == kMarcas.end() ? std::string_view() : it->sBytes;
 }
 
-std::string Codifica(std::string_view sTexto, eCodificacao eQual) {
-  if (eQual == eCodificacao::windows1252) {
+std::string Codifica(std::string_view sTexto, ECodificacao eQual) {
+  if (eQual == ECodificacao::windows1252) {
     return std::string(sTexto);
   }
-  if (eQual == eCodificacao::utf8) {
+  if (eQual == ECodificacao::utf8) {
     return De1252Para8(sTexto);
   }
   std::string sUnidades;
   for (const char c : sTexto) {
     const char16_t uiUnidade = De1252ParaUnicode(c);
     const std::array<char, 2> aBytes{static_cast<char>(uiUnidade >> 8), static_cast<char>(uiUnidade & 0xFF)};
-    const bool bMaiorPrimeiro = eQual == eCodificacao::utf16be;
+    const bool bMaiorPrimeiro = eQual == ECodificacao::utf16be;
     sUnidades += {aBytes[bMaiorPrimeiro ? 0 : 1], aBytes[bMaiorPrimeiro ? 1 : 0]};
   }
   return sUnidades;
 }
 
-CConteudoTexto Decodifica(std::string sBytes, std::optional<eCodificacao> eDada) {
+CConteudoTexto Decodifica(std::string sBytes, std::optional<ECodificacao> eDada) {
   if (sBytes.starts_with("\xFF\xFE\0\0"sv) || sBytes.starts_with("\0\0\xFE\xFF"sv)) {
     throw CErroCodificacao("o arquivo é UTF-32, que não é lido; grave-o em UTF-8"_pt);
   }
@@ -160,7 +160,7 @@ CConteudoTexto Decodifica(std::string sBytes, std::optional<eCodificacao> eDada)
     return {std::move(sBytes), palpite.bUtf8, std::move(palpite.sAviso)};
   }
   if (EhUtf16(*eDada)) {
-    return {De16Para8(sBytes, *eDada == eCodificacao::utf16be), true, ""};
+    return {De16Para8(sBytes, *eDada == ECodificacao::utf16be), true, ""};
   }
-  return {std::move(sBytes), *eDada == eCodificacao::utf8, ""};
+  return {std::move(sBytes), *eDada == ECodificacao::utf8, ""};
 }

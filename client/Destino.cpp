@@ -29,14 +29,14 @@ std::string LeEntrada() {
 
 }  // namespace
 
-CDestino::CDestino(std::optional<eCodificacao> eQual) : m_eQual(eQual) {
+CDestino::CDestino(std::optional<ECodificacao> eQual) : m_eQual(eQual) {
   if (m_eQual) {
     SaidaEmBytes();
     EscreveBytes(MarcaDaCodificacao(*m_eQual));
   }
 }
 
-CDestino::CDestino(const std::string &sArquivo, bool bSubstitui, std::optional<eCodificacao> eQual)
+CDestino::CDestino(const std::string &sArquivo, bool bSubstitui, std::optional<ECodificacao> eQual)
     : m_eQual(eQual), m_sNome(sArquivo), m_arquivo(De1252Para16(sArquivo)) {
   std::error_code erro;
   if (!bSubstitui && std::filesystem::exists(m_arquivo, erro)) {

@@ -5,10 +5,8 @@
 #include <oleauto.h>
 
 #include <chrono>
-#include <memory>
 #include <optional>
 #include <string_view>
-#include <type_traits>
 
 #include "client/Codificacao.h"
 #include "client/Console.h"
@@ -19,29 +17,30 @@
 #include "client/Remedios.h"
 #include "core/env/QZPath.h"
 #include "core/platform/Plataforma.h"
+#include "core/platform/win32/Posses.h"
 
 namespace {
 
-enum class eAchado { bom, aviso, falha };
+enum class EAchado { bom, aviso, falha };
 
-// The findings as they are made. Labels are UTF-8 literals; texts are Windows-1252.
+/// The findings as they are made. Labels are UTF-8 literals; texts are Windows-1252.
 class CRelatorio {
 public:
   static void Titulo(const std::string &sTitulo) { Escreve(sTitulo + "\n"); }
 
-  void Anota(eAchado eTipo, std::string_view sRotulo, const std::string &sTexto) {
+  void Anota(EAchado eTipo, std::string_view sRotulo, const std::string &sTexto) {
     constexpr std::string_view kMarcas[] = {"  [ok]    ", "  [aviso] ", "  [FALHA] "};
     constexpr std::size_t kLargura = 24;
     std::string sLinha = De8Para1252(sRotulo).value();
     sLinha.resize(kLargura, '.');
     Escreve(std::string(kMarcas[static_cast<std::size_t>(eTipo)]) + sLinha + " " + sTexto + "\n");
-    m_uiFalhas += eTipo == eAchado::falha ? 1U : 0U;
+    m_uiFalhas += eTipo == EAchado::falha ? 1U : 0U;
   }
-  void Bom(std::string_view sRotulo, const std::string &sTexto) { Anota(eAchado::bom, sRotulo, sTexto); }
-  void Aviso(std::string_view sRotulo, const std::string &sTexto) { Anota(eAchado::aviso, sRotulo, sTexto); }
-  // sRemedio is what to do.
+  void Bom(std::string_view sRotulo, const std::string &sTexto) { Anota(EAchado::bom, sRotulo, sTexto); }
+  void Aviso(std::string_view sRotulo, const std::string &sTexto) { Anota(EAchado::aviso, sRotulo, sTexto); }
+  /// sRemedio is what to do.
   void Falha(std::string_view sRotulo, const std::string &sTexto, const std::string &sRemedio) {
-    Anota(eAchado::falha, sRotulo, sTexto);
+    Anota(EAchado::falha, sRotulo, sTexto);
     if (!sRemedio.empty()) {
       Escreve("          o que fazer: " + sRemedio + "\n");
     }
@@ -62,7 +61,7 @@ constexpr char kRegistreDaqui[] =
 constexpr char kRegistreComProxy[] = "registre de novo, com QZDF_VeiculosPS.dll ao lado de Kalvo.exe";
 constexpr char kRegistreComProxy32[] = "registre de novo, com x86\\QZDF_VeiculosPS.dll ao lado de Kalvo.exe";
 
-// The program's own texts, UTF-8 in the source.
+/// The program's own texts, UTF-8 in the source.
 std::string Pt(std::string_view sUtf8) {
   return De8Para1252(sUtf8).value();
 }
@@ -83,8 +82,8 @@ std::wstring ChaveClasse() {
   return L"CLSID\\" + TextoGuid(CLSID_CQZDF_Veiculos);
 }
 
-// The file that a key names; a fault and nothing when it is not registered or not there. sRegistre is how to register
-// it.
+/// The file that a key names; a fault and nothing when it is not registered or not there. sRegistre is how to register
+/// it.
 std::optional<CValorClasse> ConfereArquivo(CRelatorio &relatorio, std::string_view sRotulo, const std::wstring &sChave,
                                            std::string_view sRegistre = kRegistre) {
   std::optional<CValorClasse> valor = ProcuraClasse(sChave);
@@ -149,7 +148,7 @@ void ConfereBiblioteca(CRelatorio &relatorio) {
   relatorio.Bom("biblioteca de tipos ", Texto(biblioteca->sTexto) + ComRaiz(*biblioteca));
 }
 
-// The proxy that 32-bit programs load, from their own view of the classes; this one cannot load it.
+/// The proxy that 32-bit programs load, from their own view of the classes; this one cannot load it.
 void ConfereProxy32(CRelatorio &relatorio) {
   constexpr std::string_view kRotulo = "proxy de 32 bits ";
   const std::wstring sVisao = L"Wow6432Node\\";
@@ -178,11 +177,7 @@ void ConfereProxy(CRelatorio &relatorio) {
   if (!proxy) {
     return;
   }
-  struct CLibera {
-    void operator()(HMODULE h) const { FreeLibrary(h); }
-  };
-  const std::unique_ptr<std::remove_pointer_t<HMODULE>, CLibera> spModulo(
-      LoadLibraryExW(proxy->sTexto.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+  const plataforma::PosseModulo spModulo(LoadLibraryExW(proxy->sTexto.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
   if (!spModulo) {
     const HRESULT hr = HRESULT_FROM_WIN32(GetLastError());
     relatorio.Falha("proxy ", Texto(proxy->sTexto) + " não pode ser carregado: "_pt + TextoCodigoErro(hr),
@@ -210,7 +205,7 @@ void ConfereInstalacao(CRelatorio &relatorio) {
   relatorio.Bom(kRotulo, sDiretorio);
 }
 
-// True when the server may be asked to open the company.
+/// True when the server may be asked to open the company.
 bool ConfereEmpresa(CRelatorio &relatorio, const std::string &sEmpresa) {
   constexpr std::string_view kRotulo = "empresa ";
   try {
@@ -251,7 +246,7 @@ void ConfereProcessos(CRelatorio &relatorio) {
   }
 }
 
-// True when a service object could be made.
+/// True when a service object could be made.
 bool ConfereAtivacao(CRelatorio &relatorio, CQZVeiculosHR &veiculos) {
   const bool bJaExecutava = ContaProcessosServidor().Todos() != 0;
   const auto tInicio = std::chrono::steady_clock::now();
@@ -266,7 +261,7 @@ bool ConfereAtivacao(CRelatorio &relatorio, CQZVeiculosHR &veiculos) {
   return true;
 }
 
-// True when the company is open.
+/// True when the company is open.
 bool ConfereBase(CRelatorio &relatorio, CQZVeiculosHR &veiculos, const CAbertura &abertura) {
   constexpr std::string_view kRotulo = "base ";
   unsigned uiQtd = 0;

@@ -11,6 +11,7 @@
 #include "client/Saida.h"
 #include "client/Sugestao.h"
 #include "core/env/QZPath.h"
+#include "core/platform/win32/Posses.h"
 
 namespace {
 
@@ -26,6 +27,7 @@ std::vector<std::string> CodigosRegistrados() {
   if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, ChaveEmpresas().c_str(), 0, KEY_READ, &hChave) != ERROR_SUCCESS) {
     return aCodigos;
   }
+  const plataforma::PosseChave posse(hChave);
   std::array<char, 256> aNome;
   for (DWORD i = 0;; ++i) {
     auto dwTamanho = static_cast<DWORD>(aNome.size());
@@ -35,7 +37,6 @@ std::vector<std::string> CodigosRegistrados() {
     }
     aCodigos.emplace_back(aNome.data(), dwTamanho);
   }
-  RegCloseKey(hChave);
   return aCodigos;
 }
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-// A Windows-1252 text as a JSON string, quotes included, in ASCII alone.
+/// A Windows-1252 text as a JSON string, quotes included, in ASCII alone.
 std::string TextoJson(std::string_view sTexto);
 
 #endif

@@ -12,10 +12,10 @@ namespace {
 constexpr std::string_view kColunaSemUso = "posicao";
 constexpr char kSeparador = ';';
 constexpr std::string_view kFimDeLinha = "\n";
-// More than the widest field: a quoted field that has crossed a line end and is longer was never closed.
+/// More than the widest field: a quoted field that has crossed a line end and is longer was never closed.
 constexpr std::size_t kMaiorComFimDeLinha = 512;
 
-// One line of columns, or several where quotes hold line ends. Raises CErroCampo.
+/// One line of columns, or several where quotes hold line ends. Raises CErroCampo.
 class CLinhaEmPartes {
 public:
   explicit CLinhaEmPartes(std::string_view sTexto) : m_sTexto(sTexto) {

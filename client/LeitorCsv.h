@@ -21,27 +21,27 @@
 #include "client/ConteudoTexto.h"
 #include "vehicles/RegVeiculoPS.h"
 
-// A header that cannot be used; the text is Windows-1252.
+/// A header that cannot be used; the text is Windows-1252.
 class CErroCsv : public std::runtime_error {
 public:
   using std::runtime_error::runtime_error;
 };
 
 struct CLinhaCsv {
-  std::size_t uiLinha = 0;  // 1-based line of the file, the first one of several
+  std::size_t uiLinha = 0;  ///< 1-based line of the file, the first one of several
   tagREG_VEICULOPS veiculo{};
-  std::string sErro;  // empty when the vehicle is good
+  std::string sErro;  ///< empty when the vehicle is good
 };
 
 class CLeitorCsv {
 public:
-  // conteudo must outlive the reader. Raises CErroCsv.
+  /// conteudo must outlive the reader. Raises CErroCsv.
   explicit CLeitorCsv(const CConteudoTexto &conteudo);
 
-  // Nothing at the end.
+  /// Nothing at the end.
   std::optional<CLinhaCsv> Proxima();
 
-  // Bytes of the text, and how many of them were read: the measure of progress.
+  /// Bytes of the text, and how many of them were read: the measure of progress.
   std::size_t Tamanho() const { return m_sConteudo.size(); }
   std::size_t Lidos() const { return m_uiInicio; }
 
@@ -53,8 +53,8 @@ private:
   std::string_view m_sConteudo;
   bool m_bUtf8;
   std::size_t m_uiInicio = 0;
-  std::size_t m_uiLinha = 1;               // of m_uiInicio
-  std::vector<const CCampo *> m_aColunas;  // null: column not used
+  std::size_t m_uiLinha = 1;               ///< of m_uiInicio
+  std::vector<const CCampo *> m_aColunas;  ///< null: column not used
 };
 
 #endif

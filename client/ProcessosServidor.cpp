@@ -4,20 +4,15 @@
 //
 #include <tlhelp32.h>
 
-#include <memory>
-#include <type_traits>
 #include <vector>
+
+#include "core/platform/win32/Posses.h"
 
 namespace {
 
 constexpr wchar_t kServidor[] = L"Kalvo.exe";
 
-struct CFecha {
-  void operator()(HANDLE h) const { CloseHandle(h); }
-};
-using CHandle = std::unique_ptr<std::remove_pointer_t<HANDLE>, CFecha>;
-
-// A piece of information about a token; empty when it cannot be had.
+/// A piece of information about a token; empty when it cannot be had.
 std::vector<unsigned char> DoToken(HANDLE hToken, TOKEN_INFORMATION_CLASS eClasse) {
   DWORD dwBytes = 0;
   GetTokenInformation(hToken, eClasse, nullptr, 0, &dwBytes);
@@ -29,9 +24,9 @@ std::vector<unsigned char> DoToken(HANDLE hToken, TOKEN_INFORMATION_CLASS eClass
   return aBytes;
 }
 
-// Under whom a process runs. The component platform has one server for each of these.
+/// Under whom a process runs. The component platform has one server for each of these.
 struct CIdentidade {
-  std::vector<unsigned char> aConta;  // security identifier
+  std::vector<unsigned char> aConta;  ///< security identifier
   DWORD dwSessao = 0;
   std::vector<unsigned char> aElevacao;
 
@@ -46,7 +41,7 @@ CIdentidade Identidade(HANDLE hProcesso, DWORD idProcesso) {
       !ProcessIdToSessionId(idProcesso, &identidade.dwSessao)) {
     return {};
   }
-  const CHandle spToken(hAberto);
+  const plataforma::PosseHandle spToken(hAberto);
   const std::vector<unsigned char> aUsuario = DoToken(hAberto, TokenUser);
   if (!aUsuario.empty()) {
     const PSID pSid = reinterpret_cast<const TOKEN_USER *>(aUsuario.data())->User.Sid;
@@ -66,12 +61,13 @@ CProcessosServidor ContaProcessosServidor() {
   if (hRetrato == INVALID_HANDLE_VALUE) {
     return processos;
   }
-  const CHandle spRetrato(hRetrato);
+  const plataforma::PosseHandle spRetrato(hRetrato);
   PROCESSENTRY32W entrada{};
   entrada.dwSize = sizeof(entrada);
   for (BOOL bHa = Process32FirstW(hRetrato, &entrada); bHa; bHa = Process32NextW(hRetrato, &entrada)) {
     if (lstrcmpiW(entrada.szExeFile, kServidor) == 0) {
-      const CHandle spProcesso(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, entrada.th32ProcessID));
+      const plataforma::PosseHandle spProcesso(
+          OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, entrada.th32ProcessID));
       const bool bMeu = minha.Conhecida() && Identidade(spProcesso.get(), entrada.th32ProcessID) == minha;
       ++(bMeu ? processos.uiMeus : processos.uiOutros);
     }

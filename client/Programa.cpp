@@ -41,14 +41,14 @@ constexpr std::string_view kNotasCsv =
 
 std::string_view NomeDoValor(const CCampo &campo) {
   switch (campo.eTipo) {
-    case eCampo::texto:
+    case ECampo::texto:
       return "T";
-    case eCampo::moeda:
-    case eCampo::limite:
+    case ECampo::moeda:
+    case ECampo::limite:
       return "V";
-    case eCampo::numero:
+    case ECampo::numero:
       return "N";
-    case eCampo::mascara:
+    case ECampo::mascara:
       return "N,N...";
   }
   return "";
@@ -70,7 +70,7 @@ COpcoes OpcoesDosCampos(std::span<const CCampo> aCampos) {
   return aOpcoes;
 }
 
-// Whose work it is.
+/// Whose work it is.
 COpcoes DaEmpresa(bool bObrigatoria = true) {
   return {{"empresa", "CODIGO", "empresa dona da base", bObrigatoria},
           {"usuario", "N", "usuário, 0 a 65535 (padrão 1)"},
@@ -80,7 +80,7 @@ COpcoes DaEmpresa(bool bObrigatoria = true) {
 constexpr COpcaoConhecida kCodificacao{"codificacao", "NOME", "windows-1252, utf-8 ou utf-16, do arquivo CSV"};
 constexpr COpcaoConhecida kSubstitui{"substitui", "", "o arquivo da saída pode já existir"};
 
-// How and where a result is shown.
+/// How and where a result is shown.
 COpcoes DaSaida() {
   return {{"csv", "", "saída em CSV"},
           {"json", "", "saída em JSON"},
@@ -227,12 +227,12 @@ bool AplicaCampos(const CArgumentos &argumentos, tagREG_VEICULOPS &veiculo) {
   return DefineCampos(argumentos, CamposVeiculo(), &veiculo);
 }
 
-std::optional<eCodificacao> CodificacaoDeArgumentos(const CArgumentos &argumentos) {
+std::optional<ECodificacao> CodificacaoDeArgumentos(const CArgumentos &argumentos) {
   const std::string *const pNome = argumentos.Opcao("codificacao");
   if (pNome == nullptr) {
     return std::nullopt;
   }
-  const std::optional<eCodificacao> eNomeada = CodificacaoDoNome(*pNome);
+  const std::optional<ECodificacao> eNomeada = CodificacaoDoNome(*pNome);
   if (!eNomeada) {
     throw CErroUso("--codificacao: windows-1252, utf-8 ou utf-16 (utf-16le, utf-16be), e não \""_pt + *pNome + "\"");
   }

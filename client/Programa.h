@@ -11,7 +11,7 @@
 #include "client/ConteudoTexto.h"
 #include "vehicles/RegVeiculoPS.h"
 
-enum eSaida : int {
+enum ESaida : int {
   kSucesso = 0,
   kOperacaoFalhou = 1,
   kUsoErrado = 2,
@@ -22,17 +22,17 @@ enum eSaida : int {
 
 const CProgramaConhecido &ProgramaVeiculos();
 
-// The user and the session on whose behalf a command works, 1 when not given; raise CErroUso.
+/// The user and the session on whose behalf a command works, 1 when not given; raise CErroUso.
 std::uint16_t UsuarioDeArgumentos(const CArgumentos &argumentos);
 std::int32_t SessaoDeArgumentos(const CArgumentos &argumentos);
 
-// The options given as fields of the filter; raises CErroUso.
+/// The options given as fields of the filter; raises CErroUso.
 tagREG_FILTRO_VEICULOSPS FiltroDeArgumentos(const CArgumentos &argumentos);
 
-// Puts the options given into the fields of the vehicle and tells whether there was any; raises CErroUso.
+/// Puts the options given into the fields of the vehicle and tells whether there was any; raises CErroUso.
 bool AplicaCampos(const CArgumentos &argumentos, tagREG_VEICULOPS &veiculo);
 
-// The character set that --codificacao names; raises CErroUso.
-std::optional<eCodificacao> CodificacaoDeArgumentos(const CArgumentos &argumentos);
+/// The character set that --codificacao names; raises CErroUso.
+std::optional<ECodificacao> CodificacaoDeArgumentos(const CArgumentos &argumentos);
 
 #endif

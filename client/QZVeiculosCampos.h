@@ -9,8 +9,8 @@ inline bool TextoSemZero(std::string_view sTexto) {
   return sTexto.find('\0') == std::string_view::npos;
 }
 
-// Copies a text into a fixed field and zeroes the rest; a text that fills the field gets no terminator. A longer text,
-// or one with a zero byte inside, gives false and leaves the field alone: it is never cut.
+/// Copies a text into a fixed field and zeroes the rest; a text that fills the field gets no terminator. A longer text,
+/// or one with a zero byte inside, gives false and leaves the field alone: it is never cut.
 [[nodiscard]] inline bool CopiaCampo(char *pCampo, std::size_t uiLargura, std::string_view sTexto) {
   if (sTexto.size() > uiLargura || !TextoSemZero(sTexto)) {
     return false;
@@ -22,7 +22,7 @@ inline bool TextoSemZero(std::string_view sTexto) {
   return true;
 }
 
-// The text of a fixed field, whether terminated or filling it.
+/// The text of a fixed field, whether terminated or filling it.
 inline std::string LeCampo(const char *pCampo, std::size_t uiLargura) {
   const void *pFim = std::memchr(pCampo, 0, uiLargura);
   return std::string(pCampo,

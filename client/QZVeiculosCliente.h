@@ -31,7 +31,7 @@ inline void VerificaHR(HRESULT hr) {
   }
 }
 
-// Create it before the first service object of the thread and destroy it after the last one.
+/// Create it before the first service object of the thread and destroy it after the last one.
 class CQZApartamento {
 public:
   CQZApartamento() { VerificaHR(CoInitializeEx(nullptr, COINIT_MULTITHREADED)); }
@@ -40,11 +40,11 @@ public:
   CQZApartamento &operator=(const CQZApartamento &) = delete;
 };
 
-// Result codes. Operations other than Cria need an object: before a successful Cria they give E_POINTER. Output
-// parameters are always set: on failure to what the service left in them, which is zero for records it did not read.
+/// Result codes. Operations other than Cria need an object: before a successful Cria they give E_POINTER. Output
+/// parameters are always set: on failure to what the service left in them, which is zero for records it did not read.
 class CQZVeiculosHR {
 public:
-  // Creates the service object; an earlier one is let go.
+  /// Creates the service object; an earlier one is let go.
   HRESULT Cria() {
     m_pVeiculos.reset();
     void *pObjeto = nullptr;
@@ -67,8 +67,8 @@ public:
     return m_pVeiculos->Inicializa(empresa.Get(), iUsuario, lNumeroSessao);
   }
 
-  // lPos 0 appends and receives the new position; 1 to the number of records overwrites. On failure lPos keeps its
-  // value.
+  /// lPos 0 appends and receives the new position; 1 to the number of records overwrites. On failure lPos keeps its
+  /// value.
   HRESULT Grava(LONG &lPos, const tagREG_VEICULOPS &veiculo) {
     return m_pVeiculos ? m_pVeiculos->Grava(&lPos, veiculo) : E_POINTER;
   }
@@ -78,8 +78,9 @@ public:
     return m_pVeiculos ? m_pVeiculos->Le(lPos, &veiculo) : E_POINTER;
   }
 
-  // Finds by code, else by plate. Not finding is success with lPos 0. An empty text finds the first record. A text
-  // longer than the code field is refused here with E_INVALIDARG: the service would cut it and might find another code.
+  /// Finds by code, else by plate. Not finding is success with lPos 0. An empty text finds the first record. A text
+  /// longer than the code field is refused here with E_INVALIDARG: the service would cut it and might find another
+  /// code.
   HRESULT Existe(std::string_view sCodigo, LONG &lPos, tagREG_VEICULOPS &veiculo) {
     lPos = 0;
     veiculo = {};
@@ -93,7 +94,7 @@ public:
     return m_pVeiculos->Existe(codigo.Get(), &lPos, &veiculo);
   }
 
-  // The positions of every record that passes the filter, ascending.
+  /// The positions of every record that passes the filter, ascending.
   HRESULT BuscaPonteiros(const tagREG_FILTRO_VEICULOSPS &filtro, std::vector<LONG> &aPosicoes) {
     aPosicoes.clear();
     if (!m_pVeiculos) {
@@ -109,8 +110,8 @@ public:
     return hr;
   }
 
-  // Reads the positions in order. A position that cannot be read fails the call; the records before it stay filled, it
-  // and the rest are zero.
+  /// Reads the positions in order. A position that cannot be read fails the call; the records before it stay filled, it
+  /// and the rest are zero.
   HRESULT LePonteiros(const std::vector<LONG> &aPosicoes, std::vector<tagREG_VEICULOPS> &aVeiculos) {
     aVeiculos.assign(aPosicoes.size(), tagREG_VEICULOPS{});
     if (!m_pVeiculos) {
@@ -140,15 +141,15 @@ private:
   std::unique_ptr<IQZDF_Veiculos, CSoltaObjeto> m_pVeiculos;
 };
 
-// A vehicle that a search found.
+/// A vehicle that a search found.
 struct CQZVeiculoAchado {
   LONG lPosicao = 0;
   tagREG_VEICULOPS veiculo{};
 };
 
-// What a search found, ascending by position. The vehicles are read from the service while the range is walked through,
-// a block at a time and each as it is then; a read that fails raises CQZErroVeiculos. One walk at a time, in one
-// thread. Range and iterators keep the service object alive.
+/// What a search found, ascending by position. The vehicles are read from the service while the range is walked
+/// through, a block at a time and each as it is then; a read that fails raises CQZErroVeiculos. One walk at a time, in
+/// one thread. Range and iterators keep the service object alive.
 class CQZResultadoBusca {
   struct Estado {
     std::shared_ptr<CQZVeiculosHR> spVeiculos;
@@ -222,7 +223,7 @@ private:
   std::shared_ptr<Estado> m_spEstado;
 };
 
-// Exceptions: constructed is created and initialised. A copy is the same service object.
+/// Exceptions: constructed is created and initialised. A copy is the same service object.
 class CQZVeiculos {
 public:
   CQZVeiculos(std::string_view sEmpresa, std::uint16_t iUsuario, LONG lNumeroSessao) {
@@ -230,7 +231,7 @@ public:
     VerificaHR(m_spVeiculos->Inicializa(sEmpresa, iUsuario, lNumeroSessao));
   }
 
-  // Both give the position of the record.
+  /// Both give the position of the record.
   LONG Inclui(const tagREG_VEICULOPS &veiculo) { return Grava(0, veiculo); }
   LONG Grava(LONG lPos, const tagREG_VEICULOPS &veiculo) {
     VerificaHR(m_spVeiculos->Grava(lPos, veiculo));
@@ -243,7 +244,7 @@ public:
     return veiculo;
   }
 
-  // The position, 0 when there is none; veiculo is then all zero.
+  /// The position, 0 when there is none; veiculo is then all zero.
   LONG Existe(std::string_view sCodigo, tagREG_VEICULOPS &veiculo) {
     LONG lPos = 0;
     VerificaHR(m_spVeiculos->Existe(sCodigo, lPos, veiculo));

@@ -12,8 +12,8 @@ struct CQZTextoErro {
   const char *pTexto;
 };
 
-// Texts are Windows-1252, written as octal escapes so that the header means the same to every compiler whatever source
-// character set it assumes.
+/// Texts are Windows-1252, written as octal escapes so that the header means the same to every compiler whatever source
+/// character set it assumes.
 inline constexpr std::array kTextosErro{
     CQZTextoErro{0x80004002U, "o objeto n\343o oferece a interface de ve\355culos"},
     CQZTextoErro{0x80004003U, "ponteiro nulo"},
@@ -113,15 +113,15 @@ inline constexpr std::array kTextosErro{
     CQZTextoErro{0x81080A50U, "um arquivo criado pelo servidor desapareceu; restaure-o de uma c\363pia"},
 };
 
-// The codes of a machine fault caught inside the server. The object has lost its register: let it go and create
-// another.
+/// The codes of a machine fault caught inside the server. The object has lost its register: let it go and create
+/// another.
 inline bool EhFalhaDeMaquina(HRESULT hr) {
   const auto uiCodigo = static_cast<std::uint32_t>(hr);
   return (uiCodigo >= 0x8004EAC5U && uiCodigo <= 0x8004EADBU) || uiCodigo == 0x8004EE47U;
 }
 
-// What the operating system says of a result code or of one of its error numbers, Windows-1252, in the user's language;
-// empty when it does not know it.
+/// What the operating system says of a result code or of one of its error numbers, Windows-1252, in the user's
+/// language; empty when it does not know it.
 inline std::string TextoDoSistema(std::uint32_t uiCodigo) {
   std::array<wchar_t, 512> aTexto{};
   std::array<char, aTexto.size()> a1252{};
@@ -133,8 +133,8 @@ inline std::string TextoDoSistema(std::uint32_t uiCodigo) {
   return sTexto;
 }
 
-// One sentence without a final period, Windows-1252: Portuguese for the codes of the table, for others what the system
-// says.
+/// One sentence without a final period, Windows-1252: Portuguese for the codes of the table, for others what the system
+/// says.
 inline std::string DescricaoErroVeiculos(HRESULT hr) {
   const auto uiCodigo = static_cast<std::uint32_t>(hr);
   for (const CQZTextoErro &erro : kTextosErro) {
@@ -152,14 +152,14 @@ inline std::string DescricaoErroVeiculos(HRESULT hr) {
   return sTexto.empty() ? "c\363digo de resultado sem descri\347\343o" : sTexto;
 }
 
-// "0x810809DA"
+/// "0x810809DA"
 inline std::string TextoCodigoErro(HRESULT hr) {
   std::array<char, 11> aTexto{};
   std::snprintf(aTexto.data(), aTexto.size(), "0x%08X", static_cast<unsigned>(hr));
   return aTexto.data();
 }
 
-// A failed operation: its code and "0x810809DA: <description>".
+/// A failed operation: its code and "0x810809DA: <description>".
 class CQZErroVeiculos : public std::exception {
 public:
   explicit CQZErroVeiculos(HRESULT hr) : CQZErroVeiculos(hr, DescricaoErroVeiculos(hr)) {}

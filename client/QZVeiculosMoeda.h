@@ -9,8 +9,8 @@
 
 inline constexpr std::int64_t kUnidadeMoeda = 10000;
 
-// "1234", "1234,5" and "1234.5" with at most four decimals and an optional '-'. Both signs are decimal separators:
-// there is no thousands separator. Anything else, or a value out of range, gives false and leaves vValor alone.
+/// "1234", "1234,5" and "1234.5" with at most four decimals and an optional '-'. Both signs are decimal separators:
+/// there is no thousands separator. Anything else, or a value out of range, gives false and leaves vValor alone.
 [[nodiscard]] inline bool MoedaDeTexto(std::string_view sTexto, std::int64_t &vValor) {
   constexpr int kDecimais = 4;
   const bool bNegativo = !sTexto.empty() && sTexto.front() == '-';
@@ -54,7 +54,7 @@ inline constexpr std::int64_t kUnidadeMoeda = 10000;
   return true;
 }
 
-// The shortest exact text, with a comma: "1234,5", "-0,0001", "8000".
+/// The shortest exact text, with a comma: "1234,5", "-0,0001", "8000".
 inline std::string TextoDeMoeda(std::int64_t vValor) {
   constexpr std::uint64_t kUnidade = kUnidadeMoeda;
   const auto uiBits = static_cast<std::uint64_t>(vValor);
@@ -71,21 +71,21 @@ inline std::string TextoDeMoeda(std::int64_t vValor) {
   return sTexto;
 }
 
-// A weight or a volume: what a currency field means, kept apart from plain integers, so that 8200 kg and a field's
-// 82000000 cannot be mistaken for each other.
+/// A weight or a volume: what a currency field means, kept apart from plain integers, so that 8200 kg and a field's
+/// 82000000 cannot be mistaken for each other.
 class CQZMoeda {
 public:
   constexpr CQZMoeda() = default;
 
-  // Whole units: kilograms, cubic metres.
+  /// Whole units: kilograms, cubic metres.
   static constexpr CQZMoeda DeInteiro(std::int32_t iUnidades) { return DeCampo(iUnidades * kUnidadeMoeda); }
-  // What a field of a record holds.
+  /// What a field of a record holds.
   static constexpr CQZMoeda DeCampo(std::int64_t vCampo) {
     CQZMoeda moeda;
     moeda.m_vCampo = vCampo;
     return moeda;
   }
-  // Nothing for what MoedaDeTexto refuses.
+  /// Nothing for what MoedaDeTexto refuses.
   static std::optional<CQZMoeda> DeTexto(std::string_view sTexto) {
     CQZMoeda moeda;
     return MoedaDeTexto(sTexto, moeda.m_vCampo) ? std::optional(moeda) : std::nullopt;

@@ -10,9 +10,9 @@
 #include "QZVeiculosErros.h"
 #include "QZVeiculosPadrao.h"
 
-// An 8-bit text as the interface's wide text parameters carry it. The marshaller copies up to the first wide zero, that
-// is two zero bytes at an even offset, so the buffer holds such a pair behind the text whether its length is even or
-// odd. A text with a zero byte inside would arrive cut: callers refuse it before (see TextoSemZero).
+/// An 8-bit text as the interface's wide text parameters carry it. The marshaller copies up to the first wide zero,
+/// that is two zero bytes at an even offset, so the buffer holds such a pair behind the text whether its length is even
+/// or odd. A text with a zero byte inside would arrive cut: callers refuse it before (see TextoSemZero).
 class CQZTextoParametro {
 public:
   explicit CQZTextoParametro(std::string_view sTexto) : m_aBuffer((sTexto.size() + 1) / sizeof(wchar_t) + 1) {
@@ -29,7 +29,7 @@ private:
   std::vector<wchar_t> m_aBuffer;
 };
 
-// The same for a field whose width the compiler knows; a text that does not fit raises E_INVALIDARG.
+/// The same for a field whose width the compiler knows; a text that does not fit raises E_INVALIDARG.
 template <std::size_t N>
 void PreencheCampo(char (&aCampo)[N], std::string_view sTexto) {
   if (!CopiaCampo(aCampo, N, sTexto)) {

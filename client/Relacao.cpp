@@ -9,32 +9,34 @@
 
 namespace {
 
-eFormato FormatoDeArgumentos(const CArgumentos &argumentos) {
+EFormatoRelacao FormatoDeArgumentos(const CArgumentos &argumentos) {
   argumentos.SoUma("csv", "json");
-  return argumentos.Tem("csv") ? eFormato::csv : argumentos.Tem("json") ? eFormato::json : eFormato::tabela;
+  return argumentos.Tem("csv")    ? EFormatoRelacao::csv
+         : argumentos.Tem("json") ? EFormatoRelacao::json
+                                  : EFormatoRelacao::tabela;
 }
 
-// Null: standard output.
+/// Null: standard output.
 std::unique_ptr<CDestino> Destino(const CArgumentos &argumentos, const std::string *pArquivo,
-                                  std::optional<eCodificacao> eQual) {
+                                  std::optional<ECodificacao> eQual) {
   if (pArquivo != nullptr) {
     return std::make_unique<CDestino>(*pArquivo, argumentos.Tem("substitui"), eQual);
   }
   return std::make_unique<CDestino>(EhConsole(stdout) ? std::nullopt : eQual);
 }
 
-std::unique_ptr<CDestino> DestinoDeArgumentos(const CArgumentos &argumentos, eFormato eQual) {
+std::unique_ptr<CDestino> DestinoDeArgumentos(const CArgumentos &argumentos, EFormatoRelacao eQual) {
   const std::string *const pArquivo = argumentos.Opcao("saida");
-  const std::optional<eCodificacao> eDada = CodificacaoDeArgumentos(argumentos);
-  if (eDada && eQual != eFormato::csv) {
+  const std::optional<ECodificacao> eDada = CodificacaoDeArgumentos(argumentos);
+  if (eDada && eQual != EFormatoRelacao::csv) {
     throw CErroUso("--codificacao: vale para a saída em CSV"_pt);
   }
-  if (eQual == eFormato::tabela) {
+  if (eQual == EFormatoRelacao::tabela) {
     return Destino(argumentos, pArquivo, std::nullopt);
   }
   // What is redirected is in the character set of all texts. JSON is ASCII, which is part of it.
-  const bool bMarcado = eQual == eFormato::csv && pArquivo != nullptr;
-  return Destino(argumentos, pArquivo, eDada.value_or(bMarcado ? eCodificacao::utf8 : eCodificacao::windows1252));
+  const bool bMarcado = eQual == EFormatoRelacao::csv && pArquivo != nullptr;
+  return Destino(argumentos, pArquivo, eDada.value_or(bMarcado ? ECodificacao::utf8 : ECodificacao::windows1252));
 }
 
 }  // namespace
@@ -43,16 +45,16 @@ CRelacao::CRelacao(const CArgumentos &argumentos)
     : m_eFormato(FormatoDeArgumentos(argumentos)), m_spDestino(DestinoDeArgumentos(argumentos, m_eFormato)) {}
 
 CRelacao::CRelacao(const CArgumentos &argumentos, const std::string &sArquivoCsv)
-    : m_eFormato(eFormato::csv),
+    : m_eFormato(EFormatoRelacao::csv),
       m_spDestino(Destino(argumentos, sArquivoCsv == "-" ? nullptr : &sArquivoCsv,
-                          CodificacaoDeArgumentos(argumentos).value_or(eCodificacao::utf8))) {}
+                          CodificacaoDeArgumentos(argumentos).value_or(ECodificacao::utf8))) {}
 
 void CRelacao::Comeca(const std::string &sTituloTabela, const std::string &sTituloCsv) {
-  if (m_eFormato == eFormato::json) {
+  if (m_eFormato == EFormatoRelacao::json) {
     m_spDestino->Escreve("[");
     return;
   }
-  const std::string &sTitulo = m_eFormato == eFormato::csv ? sTituloCsv : sTituloTabela;
+  const std::string &sTitulo = m_eFormato == EFormatoRelacao::csv ? sTituloCsv : sTituloTabela;
   if (!sTitulo.empty()) {
     Linha(sTitulo);
   }
@@ -60,7 +62,7 @@ void CRelacao::Comeca(const std::string &sTituloTabela, const std::string &sTitu
 
 void CRelacao::Linha(const std::string &sLinha) {
   const std::string sFim(m_spDestino->FimDeLinha());
-  if (m_eFormato == eFormato::json) {
+  if (m_eFormato == EFormatoRelacao::json) {
     m_spDestino->Escreve((m_bAlguma ? "," : "") + sFim + sLinha);
     m_bAlguma = true;
   } else {
@@ -69,13 +71,13 @@ void CRelacao::Linha(const std::string &sLinha) {
 }
 
 void CRelacao::Veiculo(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo) {
-  Linha(m_eFormato == eFormato::json  ? JsonVeiculo(iPosicao, veiculo)
-        : m_eFormato == eFormato::csv ? LinhaCsv(iPosicao, veiculo)
-                                      : LinhaLista(iPosicao, veiculo));
+  Linha(m_eFormato == EFormatoRelacao::json  ? JsonVeiculo(iPosicao, veiculo)
+        : m_eFormato == EFormatoRelacao::csv ? LinhaCsv(iPosicao, veiculo)
+                                             : LinhaLista(iPosicao, veiculo));
 }
 
 void CRelacao::Acaba() {
-  if (m_eFormato == eFormato::json) {
+  if (m_eFormato == EFormatoRelacao::json) {
     const std::string sFim(m_spDestino->FimDeLinha());
     m_spDestino->Escreve(sFim + "]" + sFim);
   }

@@ -8,11 +8,11 @@
 
 namespace {
 
-// All codes from one to another. Several may take in the same code: the first in the table counts.
+/// All codes from one to another. Several may take in the same code: the first in the table counts.
 struct CRemedio {
   std::uint32_t uiDe;
   std::uint32_t uiAte;
-  std::string_view sTexto;  // UTF-8
+  std::string_view sTexto;  ///< UTF-8
 };
 
 constexpr std::string_view kRegistre =

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string>
 
-// What to do about a result code, in the words of docs/diagnosis.md and docs/installation.md; Windows-1252, without a
-// final period. Empty where there is nothing to advise.
+/// What to do about a result code, in the words of docs/diagnosis.md and docs/installation.md; Windows-1252, without a
+/// final period. Empty where there is nothing to advise.
 std::string RemedioDoErro(std::uint32_t uiCodigo);
 
 #endif

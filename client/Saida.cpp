@@ -11,7 +11,7 @@
 namespace {
 
 struct CColunaLista {
-  std::string_view sNome;  // of CamposVeiculo; also the title
+  std::string_view sNome;  ///< of CamposVeiculo; also the title
   std::size_t uiLargura;
   bool bADireita;
 };
@@ -108,10 +108,10 @@ std::string JsonVeiculo(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo) 
   std::string sJson = "{\"posicao\":" + std::to_string(iPosicao);
   for (const CCampo &campo : CamposVeiculo()) {
     std::string sValor = TextoCampo(campo, &veiculo);
-    if (campo.eTipo == eCampo::moeda) {
+    if (campo.eTipo == ECampo::moeda) {
       std::replace(sValor.begin(), sValor.end(), ',', '.');
     }
-    sJson += ",\"" + std::string(campo.sNome) + "\":" + (campo.eTipo == eCampo::texto ? TextoJson(sValor) : sValor);
+    sJson += ",\"" + std::string(campo.sNome) + "\":" + (campo.eTipo == ECampo::texto ? TextoJson(sValor) : sValor);
   }
   return sJson + "}";
 }

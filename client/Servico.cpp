@@ -11,7 +11,7 @@
 
 namespace {
 
-// Records of one LePonteiros call: enough to make the calls few, small enough to keep each message below 100 KB.
+/// Records of one LePonteiros call: enough to make the calls few, small enough to keep each message below 100 KB.
 constexpr std::size_t kBlocoLeitura = 500;
 
 const std::string &Empresa(const CArgumentos &argumentos) {

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kMenorComeco = 3;
 
-// Fewest letters to add, take away, exchange or swap with their neighbour to make one word of the other.
+/// Fewest letters to add, take away, exchange or swap with their neighbour to make one word of the other.
 std::size_t Distancia(std::string_view sUma, std::string_view sOutra) {
   std::vector<std::size_t> aPenultima;
   std::vector<std::size_t> aAnterior(sOutra.size() + 1);

@@ -17,7 +17,7 @@
 
 namespace {
 
-eSaida Executa(int iPalavras, char **pPalavras) {
+ESaida Executa(int iPalavras, char **pPalavras) {
   const std::vector<std::string> aTextos = PalavrasDoUsuario(iPalavras, pPalavras);
   const CProgramaConhecido &programa = ProgramaVeiculos();
   if (aTextos.empty()) {
@@ -36,7 +36,7 @@ eSaida Executa(int iPalavras, char **pPalavras) {
 int main(int argc, char **argv) {
   const CPaginaConsole pagina;
   ObedeceInterrupcao();
-  eSaida eResultado = kOperacaoFalhou;
+  ESaida eResultado = kOperacaoFalhou;
   try {
     eResultado = Executa(argc, argv);
   } catch (const CErroUso &erro) {

@@ -7,7 +7,6 @@
 #include <string>
 #include <string_view>
 
-#include "core/platform/Mascara.h"
 #include "core/platform/Textos.h"
 #include "fuzz/Entrada.h"
 #include "fuzz/Exige.h"
@@ -82,8 +81,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qt
   const bool bLetras = entrada.Ate(3) != 0;
   std::string sTexto = Texto(&entrada, kMaiorTexto, bLetras);
   std::string sPadrao = Texto(&entrada, kMaiorPadrao, bLetras);
-  Exige(plataforma::CasaMascara(sTexto, sPadrao) == Casa(sTexto, sPadrao), "the mask match");
-
   sTexto.resize(std::min(sTexto.find('\0'), sTexto.size()));
   sPadrao.resize(std::min(sPadrao.find('\0'), sPadrao.size()));
   const bool bEsperado = CasaCuringa(plataforma::Maiusculas(sTexto), plataforma::Maiusculas(sPadrao));

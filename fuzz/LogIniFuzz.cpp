@@ -15,11 +15,11 @@
 #include "core/platform/Plataforma.h"
 #include "fuzz/Entrada.h"
 #include "fuzz/Exige.h"
+#include "tests/apoio/InformacoesFalsas.h"
 #include "tests/apoio/PastaTemporaria.h"
 #include "tests/apoio/RegistroFalso.h"
 #include "tests/apoio/RelogioFalso.h"
 #include "tests/apoio/ServicosTrocados.h"
-#include "tests/apoio/SistemaFalso.h"
 
 namespace {
 
@@ -62,14 +62,14 @@ bool Rastreado(const CString &sProcesso, const CString &sProcessos) {
   return bAchado;
 }
 
-void ConfereChaves(plataforma::ISistema &sistema, const CString &sIni) {
+void ConfereChaves(const CString &sIni) {
   const std::pair<const char *, bool> chaves[] = {{"Entrada", LogEntrada()},
                                                   {"Saida", LogSaida()},
                                                   {"Trace", LogTrace()},
                                                   {"Performance", LogPerformance()},
                                                   {"Memory", LogMemory()}};
   for (const auto &[lpNome, bLigada] : chaves) {
-    Exige(bLigada == (sistema.LeInteiroIni(sIni, "Log", lpNome, 0) == 1), "a switch is on for 1 alone");
+    Exige(bLigada == (plataforma::ArquivosIni().LeInteiro(sIni, "Log", lpNome, 0) == 1), "a switch is on for 1 alone");
   }
   Exige(RastreamentoLigado() == ((LogPerformance() || LogMemory()) && (LogEntrada() || LogSaida())),
         "something to measure and something to write");
@@ -82,7 +82,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qt
   apoio::RegistroFalso registro;
   registro.m_textos[{CString(kChaveSuite) + "Miran Empresarial", "Path"}] = pasta.Caminho();
   apoio::RelogioFalso relogio;
-  apoio::SistemaFalso sistema;
+  apoio::InformacoesFalsas sistema;
   const apoio::ServicosTrocados servicos(nullptr, &registro, &relogio, &sistema);
   const CString sIni = pasta / "log.ini";
 
@@ -97,11 +97,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qt
 
   relogio.m_ticks = MomentoDeCarga();
   Exige(CarregaConfiguracaoLog() == relogio.m_ticks, "loaded");
-  ConfereChaves(sistema, sIni);
-  const CString sProcessos = sistema.LeTextoIni(sIni, "Log", "Processos", "todos", 259);
+  ConfereChaves(sIni);
+  const CString sProcessos = plataforma::ArquivosIni().LeTexto(sIni, "Log", "Processos", "todos", 259);
   Exige(ProcessoRastreado(sProcesso) == Rastreado(sProcesso, sProcessos), "the processes to be traced");
 
-  const std::uint64_t uiVale = std::uint64_t{1000} * sistema.LeInteiroIni(sIni, "Log", "TimeoutConfig", 600);
+  const std::uint64_t uiVale =
+      std::uint64_t{1000} * plataforma::ArquivosIni().LeInteiro(sIni, "Log", "TimeoutConfig", 600);
   const std::uint64_t uiCarga = relogio.m_ticks;
   const std::uint64_t uiUltimo = std::numeric_limits<std::uint32_t>::max();
   relogio.m_ticks = static_cast<std::uint32_t>(std::min(uiCarga + uiVale, uiUltimo));

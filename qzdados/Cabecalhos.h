@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/Arquivos.h"
 #include "core/qzdatabase/disco/CabecalhoArquivo.h"
 
 /// One header as it stands in a file, with what holds of it.

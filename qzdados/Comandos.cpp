@@ -97,7 +97,7 @@ CString PastaDe(const CString &sCaminho) {
   const bool bTermina = sCaminho.empty() || sCaminho.find_last_of("\\/") == sCaminho.size() - 1;
   const CString sPasta = sCaminho + (bTermina ? "" : sCaminho.find('/') != CString::npos ? "/" : "\\");
   std::vector<CString> nomes;
-  const bool bPasta = falha && !plataforma::Arquivos().Lista(sPasta, "*", &nomes);
+  const bool bPasta = falha && !plataforma::Arquivos().Lista(sPasta, &nomes);
   return bPasta ? sPasta : CString();
 }
 

@@ -3,7 +3,7 @@
 
 #include <stdexcept>
 
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/Arquivos.h"
 
 /// A file that could not be opened, read or written; the text (Windows-1252, without the file's name) is for the user.
 class CErroArquivo : public std::runtime_error {

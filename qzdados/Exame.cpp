@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "client/Codificacao.h"
+#include "core/errors/CodigosResultado.h"
 #include "core/qzdatabase/disco/PercorreArquivo.h"
 #include "core/qzdatabase/disco/QZCrc64.h"
 #include "qzdados/LeitorLinhas.h"

@@ -115,7 +115,7 @@ void ConfereVersaoAusente(const Conferencia &conferencia, bool bDiario, Exames &
 
 std::vector<ResultadoExame> ExaminaPasta(const CString &sPasta, const FProgresso &progresso) {
   std::vector<CString> nomes;
-  Exige(plataforma::Arquivos().Lista(sPasta, "*", &nomes));
+  Exige(plataforma::Arquivos().Lista(sPasta, &nomes));
   Exames exames;
   std::set<CString> presentes;
   for (const CString &sNome : nomes) {

@@ -6,12 +6,14 @@
 
 namespace {
 
-constexpr char kArquivo[] = "QZDF_Veiculos.cpp";
+/// The operations' own, in whose name this class traces.
+constexpr char kFonte[] = "QZDF_Veiculos.cpp";
 
 }  // namespace
 
-void CChamadaServico::CedeProcessador() {
+const IQZDF_Profiler *CChamadaServico::AposCeder(const IQZDF_Profiler &profiler) {
   Sleep(0);
+  return &profiler;
 }
 
 HRESULT CChamadaServico::Guarda(CorpoSEH corpo, void *pContexto, const plataforma::AbandonoSEH &abandono) const {
@@ -30,7 +32,7 @@ HRESULT CChamadaServico::Guarda(CorpoSEH corpo, void *pContexto, const plataform
 void CChamadaServico::Rastreia(HRESULT hr, const char *lpExpressao) const {
   if (Falhou(hr)) {
     IgnoraFalhas([&] {
-      const CQZRastro rastro(&m_profiler, {m_nome.lpNome}, kArquivo);
+      const CQZRastro rastro(&m_profiler, {m_nome.lpNome}, kFonte);
       static_cast<void>(rastro.FalhaVariavel(hr, lpExpressao, m_lpVariavel, m_nome.iLinha));
     });
   }

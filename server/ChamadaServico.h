@@ -10,7 +10,7 @@
 
 /// Qualified name of an operation and the source line that a traced failure names: the line where the name is given.
 struct NomeOperacao {
-  // Implicit: operations pass their name as a plain literal.
+  /// Implicit: operations pass their name as a plain literal.
   NomeOperacao(const char *lpTexto, int iLinhaDeQuemChama = __builtin_LINE())
       : lpNome(lpTexto), iLinha(iLinhaDeQuemChama) {}
 
@@ -36,7 +36,7 @@ public:
       : m_profiler(profiler),
         m_nome(nome),
         m_lpVariavel(lpVariavel),
-        m_escopo((CedeProcessador(), &profiler), {nome.lpNome}, formata) {}
+        m_escopo(AposCeder(profiler), {nome.lpNome}, formata) {}
 
   /// Runs `corpo`, a callable that returns HRESULT, under the guard.
   template <class Corpo>
@@ -56,8 +56,8 @@ public:
   }
 
 private:
-  /// Every operation yields once on entry.
-  static void CedeProcessador();
+  /// The profiler, after yielding: every operation does once on entry, before its scope opens.
+  static const IQZDF_Profiler *AposCeder(const IQZDF_Profiler &profiler);
 
   HRESULT Guarda(CorpoSEH corpo, void *pContexto, const plataforma::AbandonoSEH &abandono) const;
   void Rastreia(HRESULT hr, const char *lpExpressao) const;

@@ -5,13 +5,7 @@ CContagemModulo &CContagemModulo::DoProcesso() {
   return contagem;
 }
 
-CContagemModulo::CContagemModulo() : m_hZerou(CreateEventA(nullptr, FALSE, FALSE, nullptr)) {}
-
-CContagemModulo::~CContagemModulo() {
-  if (m_hZerou != nullptr) {
-    CloseHandle(m_hZerou);
-  }
-}
+CContagemModulo::CContagemModulo() : m_zerou(CreateEventA(nullptr, FALSE, FALSE, nullptr)) {}
 
 void CContagemModulo::Trava() {
   ++m_lQuantidade;
@@ -21,6 +15,6 @@ void CContagemModulo::Destrava() {
   // The activity is noted before the count falls: whoever sees zero also sees that there was use a moment ago.
   m_bAtividade.store(true);
   if (--m_lQuantidade == 0) {
-    SetEvent(m_hZerou);
+    SetEvent(m_zerou.get());
   }
 }

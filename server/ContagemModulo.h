@@ -5,6 +5,8 @@
 
 #include <atomic>
 
+#include "core/platform/win32/Posses.h"
+
 /// What keeps the process alive: the service objects in use, the locks that clients put on the class object and the
 /// creations under way. Any thread may call.
 class CContagemModulo {
@@ -13,12 +15,11 @@ public:
   static CContagemModulo &DoProcesso();
 
   CContagemModulo();
-  ~CContagemModulo();
   CContagemModulo(const CContagemModulo &) = delete;
   CContagemModulo &operator=(const CContagemModulo &) = delete;
 
   /// False when the system could not create the event; the process cannot serve then.
-  bool Pronta() const { return m_hZerou != nullptr; }
+  bool Pronta() const { return m_zerou != nullptr; }
 
   void Trava();
   void Destrava();
@@ -32,12 +33,12 @@ public:
   void LimpaAtividade() { m_bAtividade.store(false); }
 
   /// Auto-reset event, signalled whenever the count falls to zero.
-  HANDLE EventoZerou() const { return m_hZerou; }
+  HANDLE EventoZerou() const { return m_zerou.get(); }
 
 private:
   std::atomic<LONG> m_lQuantidade{0};
   std::atomic<bool> m_bAtividade{false};
-  HANDLE m_hZerou;
+  plataforma::PosseHandle m_zerou;
 };
 
 /// Holds the process for a scope.

@@ -5,6 +5,9 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
+
+#include "core/platform/win32/Posses.h"
 
 /// The wait for the end of a process, on a thread of the system's pool.
 ///
@@ -21,20 +24,20 @@ public:
   CEsperaProcesso &operator=(const CEsperaProcesso &) = delete;
 
   DWORD IdProcesso() const { return m_idProcesso; }
-  bool Terminou() const { return WaitForSingleObject(m_hProcesso, 0) == WAIT_OBJECT_0; }
+  bool Terminou() const { return WaitForSingleObject(m_processo.get(), 0) == WAIT_OBJECT_0; }
 
 private:
   struct Aviso;
 
-  CEsperaProcesso(DWORD idProcesso, HANDLE hProcesso) : m_idProcesso(idProcesso), m_hProcesso(hProcesso) {}
+  CEsperaProcesso(DWORD idProcesso, plataforma::PosseHandle processo)
+      : m_idProcesso(idProcesso), m_processo(std::move(processo)) {}
   bool Registra(std::function<void()> aoTerminar);
-  static void CALLBACK AoTerminar(void *pReferencia, BOOLEAN bTempo);
+  static void CALLBACK AoTerminar(void *pAviso, BOOLEAN bTempo);
 
   DWORD m_idProcesso;
-  HANDLE m_hProcesso;
+  plataforma::PosseHandle m_processo;
   HANDLE m_hEspera = nullptr;
   std::shared_ptr<Aviso> m_spAviso;
-  std::shared_ptr<Aviso> *m_pReferencia = nullptr;  // belongs to the callback once that has begun
 };
 
 #endif

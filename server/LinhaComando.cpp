@@ -7,27 +7,27 @@
 namespace {
 
 struct Chave {
-  std::string_view palavra;  // lower case
-  Comando comando;
+  std::string_view palavra;  ///< lower case
+  EComando comando;
 };
 
 constexpr Chave kChaves[] = {
-    {"regserver", Comando::Registra},
-    {"unregserver", Comando::Desregistra},
-    {"regserverperuser", Comando::RegistraPorUsuario},
-    {"unregserverperuser", Comando::DesregistraPorUsuario},
+    {"regserver", EComando::Registra},
+    {"unregserver", EComando::Desregistra},
+    {"regserverperuser", EComando::RegistraPorUsuario},
+    {"unregserverperuser", EComando::DesregistraPorUsuario},
 };
 
 char Minuscula(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-bool MesmaPalavra(std::string_view palavra, std::string_view minuscula) {
-  if (palavra.size() != minuscula.size()) {
+bool MesmaPalavra(std::string_view sPalavra, std::string_view sMinuscula) {
+  if (sPalavra.size() != sMinuscula.size()) {
     return false;
   }
-  for (std::size_t i = 0; i < palavra.size(); ++i) {
-    if (Minuscula(palavra[i]) != minuscula[i]) {
+  for (std::size_t i = 0; i < sPalavra.size(); ++i) {
+    if (Minuscula(sPalavra[i]) != sMinuscula[i]) {
       return false;
     }
   }
@@ -50,10 +50,10 @@ Resposta Procura(const char *lpLinha, Resposta senao, Casa casa) {
 
 }  // namespace
 
-Comando LeLinhaComando(const char *lpLinha) {
-  return Procura(lpLinha, Comando::Serve, [](std::string_view palavra) -> std::optional<Comando> {
+EComando LeLinhaComando(const char *lpLinha) {
+  return Procura(lpLinha, EComando::Serve, [](std::string_view sPalavra) -> std::optional<EComando> {
     for (const Chave &chave : kChaves) {
-      if (MesmaPalavra(palavra, chave.palavra)) {
+      if (MesmaPalavra(sPalavra, chave.palavra)) {
         return chave.comando;
       }
     }
@@ -62,7 +62,7 @@ Comando LeLinhaComando(const char *lpLinha) {
 }
 
 bool IniciadoParaCliente(const char *lpLinha) {
-  return Procura(lpLinha, false, [](std::string_view palavra) {
-    return MesmaPalavra(palavra, "embedding") ? std::optional(true) : std::nullopt;
+  return Procura(lpLinha, false, [](std::string_view sPalavra) {
+    return MesmaPalavra(sPalavra, "embedding") ? std::optional(true) : std::nullopt;
   });
 }

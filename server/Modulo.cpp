@@ -17,6 +17,8 @@
 
 namespace {
 
+constexpr char kFonte[] = "Modulo.cpp";
+
 /// Pause between the end of the message loop and the revocation of the class object, in milliseconds: what had begun
 /// before the suspension comes through.
 constexpr DWORD kPausa = 1000;
@@ -53,7 +55,7 @@ HRESULT DefineSeguranca() {
 void RelataFalha(const CString &sOque, const char *lpChamada, HRESULT hr) {
   DizErro("Kalvo: falha ao " + sOque + ": " + TextoCodigo(static_cast<unsigned long>(hr)));
   const CQZProfilerEmpresa profiler;
-  static_cast<void>(CQZRastro(&profiler, {"CKalvoModule::Executa"}, "Modulo.cpp").Falha(hr, lpChamada, __LINE__));
+  static_cast<void>(CQZRastro(&profiler, {"CKalvoModule::Executa"}, kFonte).Falha(hr, lpChamada, __LINE__));
 }
 
 /// Runs the message loop until a quit message.
@@ -69,6 +71,7 @@ void ProcessaMensagens() {
 
 int CKalvoModule::Executa(const char *lpLinhaComando) {
   SetErrorMode(SEM_FAILCRITICALERRORS);
+  // First of all: whatever fails from here on is to be found in the error log.
   InstalaLogDeErros();
   CQZMensagem::Instala();
   if (!m_contagem.Pronta()) {
@@ -85,8 +88,8 @@ int CKalvoModule::Executa(const char *lpLinhaComando) {
         "DefineSeguranca()", hr);
     return hr;
   }
-  const Comando eComando = LeLinhaComando(lpLinhaComando);
-  if (eComando != Comando::Serve) {
+  const EComando eComando = LeLinhaComando(lpLinhaComando);
+  if (eComando != EComando::Serve) {
     return ExecutaRegistro(eComando);
   }
   m_msPrimeiroUso = IniciadoParaCliente(lpLinhaComando) ? kTempoPrimeiroUso : INFINITE;

@@ -6,21 +6,20 @@ CMonitorEncerramento::CMonitorEncerramento(CContagemModulo &contagem, DWORD idPr
     : m_contagem(contagem),
       m_idPrincipal(idPrincipal),
       m_msPrimeiroUso(msPrimeiroUso),
-      m_hParar(CreateEventA(nullptr, TRUE, FALSE, nullptr)) {
-  if (m_hParar == nullptr) {
+      m_parar(CreateEventA(nullptr, TRUE, FALSE, nullptr)) {
+  if (!m_parar) {
     throw HRESULT_FROM_WIN32(GetLastError());
   }
   m_thread = std::thread([this] { Executa(); });
 }
 
 CMonitorEncerramento::~CMonitorEncerramento() {
-  SetEvent(m_hParar);
+  SetEvent(m_parar.get());
   m_thread.join();
-  CloseHandle(m_hParar);
 }
 
 CMonitorEncerramento::Espera CMonitorEncerramento::EsperaZerar(DWORD ms) const {
-  const HANDLE eventos[] = {m_hParar, m_contagem.EventoZerou()};
+  const HANDLE eventos[] = {m_parar.get(), m_contagem.EventoZerou()};
   switch (WaitForMultipleObjects(2, eventos, FALSE, ms)) {
     case WAIT_OBJECT_0 + 1:
       return Espera::Zerou;

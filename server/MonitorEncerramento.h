@@ -5,6 +5,7 @@
 
 #include <thread>
 
+#include "core/platform/win32/Posses.h"
 #include "server/ContagemModulo.h"
 
 /// Time without use after which the process ends, in milliseconds.
@@ -38,7 +39,7 @@ private:
   CContagemModulo &m_contagem;
   DWORD m_idPrincipal;
   DWORD m_msPrimeiroUso;
-  HANDLE m_hParar;
+  plataforma::PosseHandle m_parar;
   std::thread m_thread;
 };
 

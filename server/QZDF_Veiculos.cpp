@@ -12,9 +12,6 @@
 
 namespace {
 
-/// What an object answers that lost its register to a machine fault.
-constexpr HRESULT kSemRegistro = CodigoResultado(0x8004EAC5);
-
 /// Count of references while the object is being destroyed: a reference taken and released meanwhile, by the component
 /// platform for instance, must not destroy it again.
 constexpr LONG kEmDestruicao = -0x40000000;
@@ -188,13 +185,15 @@ HRESULT CQZDF_Veiculos::Opera(const IQZDF_Profiler &profiler, const NomeOperacao
     const CChamadaServico chamada(profiler, nome, "hr", formata);
     auto guardado = [&]() -> HRESULT {
       zera();
-      return spBase != nullptr ? corpo(*spBase) : kSemRegistro;
+      return spBase != nullptr ? corpo(*spBase) : codigos::kSemRegistro;
     };
+    // For a fault that somebody further out takes: control never comes back to the lines below.
     const HRESULT hr = chamada.Guarda(guardado, [&] {
       trava.Solta();
       PerdeRegistro();
       SoltaBase(spBase);
     });
+    // The lock is part of the register: it must be free before the last reference may go.
     trava.Solta();
     if (EhErroSEH(hr)) {
       PerdeRegistro();

@@ -79,7 +79,7 @@ private:
 
   const CUsoDoModulo m_uso;
   CInterno m_interno;
-  IUnknown *const m_pExterno;  // not counted: the aggregating object outlives this one
+  IUnknown *const m_pExterno;  ///< not counted: the aggregating object outlives this one
   std::atomic<LONG> m_lReferencias{1};
   std::atomic<std::shared_ptr<CBaseVeiculos>> m_spBase;
   HRESULT m_hrConstruct = 0;

@@ -7,10 +7,10 @@
 
 #include <memory>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 #include "core/errors/guard/TraducaoExcecoes.h"
+#include "core/platform/win32/Posses.h"
 #include "server/RetratoChaves.h"
 #include "server/SaidaErro.h"
 #include "server/ValoresRegistro.h"
@@ -42,11 +42,7 @@ HRESULT Primeira(HRESULT hrAntes, HRESULT hr) {
 struct SoltaBiblioteca {
   void operator()(ITypeLib *p) const { p->Release(); }
 };
-struct LiberaModulo {
-  void operator()(HMODULE h) const { FreeLibrary(h); }
-};
 using Biblioteca = std::unique_ptr<ITypeLib, SoltaBiblioteca>;
-using Modulo = std::unique_ptr<std::remove_pointer_t<HMODULE>, LiberaModulo>;
 
 class CRegistroServidor {
 public:
@@ -64,8 +60,8 @@ public:
       return hr;
     }
     std::vector<std::wstring> chaves;
-    for (const std::wstring &chave : ChavesTocadas()) {
-      chaves.push_back(kClasses + chave);
+    for (const std::wstring &sChave : ChavesTocadas()) {
+      chaves.push_back(kClasses + sChave);
     }
     const CRetratoChaves antes(m_hRaiz, chaves);
     hr = GravaTudo();
@@ -80,8 +76,8 @@ public:
   /// Goes on after a failure: what can be removed is. The first failure is the result.
   HRESULT Desregistra() const {
     HRESULT hr = DesregistraBiblioteca();
-    for (const std::wstring &chave : ChavesRemovidas()) {
-      hr = Primeira(hr, ApagaChave(chave));
+    for (const std::wstring &sChave : ChavesRemovidas()) {
+      hr = Primeira(hr, ApagaChave(sChave));
     }
     return hr;
   }
@@ -110,12 +106,12 @@ private:
       hr = FAILED(hr) ? hr : RegistraProxy();
     }
     // Also after the DLL's own registration, which may leave out what it cannot write without saying so.
-    hr = FAILED(hr) ? hr : GravaValores(ValoresDoProxy(Visao::De64Bits, m_sProxy));
-    return FAILED(hr) ? hr : GravaValores(ValoresDoProxy(Visao::De32Bits, m_sProxy32));
+    hr = FAILED(hr) ? hr : GravaValores(ValoresDoProxy(EVisao::De64Bits, m_sProxy));
+    return FAILED(hr) ? hr : GravaValores(ValoresDoProxy(EVisao::De32Bits, m_sProxy32));
   }
 
-  HRESULT Relata(const CString &operacao, const std::wstring &alvo, HRESULT hr) const {
-    DizErro("Kalvo: falha ao " + operacao + " " + Texto1252(alvo) + ": erro " +
+  HRESULT Relata(const CString &sOperacao, const std::wstring &sAlvo, HRESULT hr) const {
+    DizErro("Kalvo: falha ao " + sOperacao + " " + Texto1252(sAlvo) + ": erro " +
             TextoCodigo(static_cast<unsigned long>(hr)));
     if (hr == E_ACCESSDENIED && !m_bPorUsuario) {
       DizErro("Kalvo: execute como administrador, ou use /RegServerPerUser para registrar s\xF3 para este usu\xE1rio");
@@ -123,8 +119,8 @@ private:
     return hr;
   }
 
-  HRESULT RelataChave(const CString &operacao, const std::wstring &chave, LSTATUS erro) const {
-    return Relata(operacao + " a chave", (m_bPorUsuario ? L"HKCU\\" : L"HKLM\\") + (kClasses + chave),
+  HRESULT RelataChave(const CString &sOperacao, const std::wstring &sChave, LSTATUS erro) const {
+    return Relata(sOperacao + " a chave", (m_bPorUsuario ? L"HKCU\\" : L"HKLM\\") + (kClasses + sChave),
                   HRESULT_FROM_WIN32(static_cast<DWORD>(erro)));
   }
 
@@ -133,11 +129,11 @@ private:
       HKEY hChave = nullptr;
       LSTATUS erro = RegCreateKeyExW(m_hRaiz, (kClasses + valor.chave).c_str(), 0, nullptr, 0, KEY_WRITE, nullptr,
                                      &hChave, nullptr);
+      const plataforma::PosseChave posse(hChave);
       if (erro == ERROR_SUCCESS) {
         erro = RegSetValueExW(hChave, valor.nome.empty() ? nullptr : valor.nome.c_str(), 0, REG_SZ,
                               reinterpret_cast<const BYTE *>(valor.texto.c_str()),
                               static_cast<DWORD>((valor.texto.size() + 1) * sizeof(wchar_t)));
-        RegCloseKey(hChave);
       }
       if (erro != ERROR_SUCCESS) {
         return RelataChave("gravar", valor.chave, erro);
@@ -146,15 +142,15 @@ private:
     return S_OK;
   }
 
-  HRESULT ApagaChave(const std::wstring &chave) const {
-    const LSTATUS erro = RegDeleteTreeW(m_hRaiz, (kClasses + chave).c_str());
-    return erro == ERROR_SUCCESS || erro == ERROR_FILE_NOT_FOUND ? S_OK : RelataChave("apagar", chave, erro);
+  HRESULT ApagaChave(const std::wstring &sChave) const {
+    const LSTATUS erro = RegDeleteTreeW(m_hRaiz, (kClasses + sChave).c_str());
+    return erro == ERROR_SUCCESS || erro == ERROR_FILE_NOT_FOUND ? S_OK : RelataChave("apagar", sChave, erro);
   }
 
   HRESULT RegistraBiblioteca() const {
-    std::wstring caminho = m_sExecutavel;
+    std::wstring sCaminho = m_sExecutavel;
     const auto registra = m_bPorUsuario ? RegisterTypeLibForUser : RegisterTypeLib;
-    const HRESULT hr = registra(m_spBiblioteca.get(), caminho.data(), nullptr);
+    const HRESULT hr = registra(m_spBiblioteca.get(), sCaminho.data(), nullptr);
     return FAILED(hr) ? Relata("registrar a biblioteca de tipos de", m_sExecutavel, hr) : S_OK;
   }
 
@@ -163,7 +159,7 @@ private:
     if (RegOpenKeyExW(m_hRaiz, (kClasses + ChaveDaBiblioteca()).c_str(), 0, KEY_READ, &hChave) != ERROR_SUCCESS) {
       return S_OK;
     }
-    RegCloseKey(hChave);
+    const plataforma::PosseChave posse(hChave);
     const auto remove = m_bPorUsuario ? UnRegisterTypeLibForUser : UnRegisterTypeLib;
     const HRESULT hr = remove(LIBID_Kalvo, 1, 0, LOCALE_NEUTRAL, SYS_WIN64);
     return FAILED(hr) ? Relata("remover a biblioteca de tipos", ChaveDaBiblioteca(), hr) : S_OK;
@@ -183,16 +179,16 @@ private:
   std::wstring m_sPasta;
   std::wstring m_sProxy;
   std::wstring m_sProxy32;
-  Modulo m_hProxy;
+  plataforma::PosseModulo m_hProxy;
   Biblioteca m_spBiblioteca;
 };
 
 }  // namespace
 
-HRESULT ExecutaRegistro(Comando eComando) {
+HRESULT ExecutaRegistro(EComando eComando) {
   try {
-    CRegistroServidor registro(eComando == Comando::RegistraPorUsuario || eComando == Comando::DesregistraPorUsuario);
-    const bool bRegistra = eComando == Comando::Registra || eComando == Comando::RegistraPorUsuario;
+    CRegistroServidor registro(eComando == EComando::RegistraPorUsuario || eComando == EComando::DesregistraPorUsuario);
+    const bool bRegistra = eComando == EComando::Registra || eComando == EComando::RegistraPorUsuario;
     return bRegistra ? registro.Registra() : registro.Desregistra();
   } catch (...) {
     return QZTranslateThrownExceptionToHresult();

@@ -9,6 +9,6 @@
 /// initialised; for the whole machine it needs the rights of an administrator. A failure is said on the error output,
 /// with the key or file and the error, and is the result; a registration that fails leaves the keys as they were, a
 /// removal removes what it can. Both directions may be repeated; a removal needs nothing but the executable.
-HRESULT ExecutaRegistro(Comando eComando);
+HRESULT ExecutaRegistro(EComando eComando);
 
 #endif

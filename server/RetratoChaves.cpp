@@ -1,50 +1,44 @@
 #include "server/RetratoChaves.h"
 
-#include <memory>
-#include <type_traits>
+#include "core/platform/win32/Posses.h"
 
 namespace {
-
-struct FechaChave {
-  void operator()(HKEY h) const { RegCloseKey(h); }
-};
-using Chave = std::unique_ptr<std::remove_pointer_t<HKEY>, FechaChave>;
 
 constexpr DWORD kMaiorNomeValor = 16384;  // characters, the system's limits, the final zero included
 constexpr DWORD kMaiorNomeChave = 256;
 
 /// True when the key is not there any more.
-bool Apaga(HKEY hPai, const std::wstring &chave) {
-  const LSTATUS erro = RegDeleteTreeW(hPai, chave.c_str());
+bool Apaga(HKEY hPai, const std::wstring &sChave) {
+  const LSTATUS erro = RegDeleteTreeW(hPai, sChave.c_str());
   return erro == ERROR_SUCCESS || erro == ERROR_FILE_NOT_FOUND;
 }
 
 }  // namespace
 
 CRetratoChaves::CRetratoChaves(HKEY hRaiz, const std::vector<std::wstring> &chaves) : m_hRaiz(hRaiz) {
-  for (const std::wstring &chave : chaves) {
-    m_chaves[chave] = Le(hRaiz, chave);
+  for (const std::wstring &sChave : chaves) {
+    m_chaves[sChave] = Le(hRaiz, sChave);
   }
 }
 
 bool CRetratoChaves::Restaura() const {
   bool bTudo = true;
-  for (const auto &[chave, ramo] : m_chaves) {
-    bTudo = Poe(chave, ramo, Le(m_hRaiz, chave)) && bTudo;
+  for (const auto &[sChave, ramo] : m_chaves) {
+    bTudo = Poe(sChave, ramo, Le(m_hRaiz, sChave)) && bTudo;
   }
   return bTudo;
 }
 
-CRetratoChaves::Ramo CRetratoChaves::Le(HKEY hPai, const std::wstring &chave) {
+CRetratoChaves::Ramo CRetratoChaves::Le(HKEY hPai, const std::wstring &sChave) {
   Ramo ramo;
   HKEY h = nullptr;
-  const LSTATUS erro = RegOpenKeyExW(hPai, chave.c_str(), 0, KEY_READ, &h);
+  const LSTATUS erro = RegOpenKeyExW(hPai, sChave.c_str(), 0, KEY_READ, &h);
   if (erro == ERROR_FILE_NOT_FOUND) {
     return ramo;
   }
   ramo.eSituacao = erro == ERROR_SUCCESS ? Situacao::Presente : Situacao::Ilegivel;
   if (erro == ERROR_SUCCESS) {
-    const Chave spChave(h);
+    const plataforma::PosseChave posse(h);
     LeValores(h, ramo);
     LeFilhos(h, ramo);
   }
@@ -79,29 +73,29 @@ void CRetratoChaves::LeFilhos(HKEY hChave, Ramo &ramo) {
     if (RegEnumKeyExW(hChave, dwIndice, nome.data(), &dwNome, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) {
       return;
     }
-    const std::wstring filho(nome.data(), dwNome);
-    ramo.filhos[filho] = Le(hChave, filho);
+    const std::wstring sFilho(nome.data(), dwNome);
+    ramo.filhos[sFilho] = Le(hChave, sFilho);
   }
 }
 
-bool CRetratoChaves::Poe(const std::wstring &chave, const Ramo &antes, const Ramo &agora) const {
+bool CRetratoChaves::Poe(const std::wstring &sChave, const Ramo &antes, const Ramo &agora) const {
   if (antes.eSituacao == Situacao::Ilegivel || agora == antes) {
     return true;
   }
   if (antes.eSituacao == Situacao::Ausente) {
-    return Apaga(m_hRaiz, chave);
+    return Apaga(m_hRaiz, sChave);
   }
   const bool bMudou = agora.eSituacao != Situacao::Presente || agora.valores != antes.valores;
-  const bool bValores = !bMudou || PoeValores(chave, antes, agora);
-  return PoeFilhos(chave, antes, agora) && bValores;
+  const bool bValores = !bMudou || PoeValores(sChave, antes, agora);
+  return PoeFilhos(sChave, antes, agora) && bValores;
 }
 
-bool CRetratoChaves::PoeValores(const std::wstring &chave, const Ramo &antes, const Ramo &agora) const {
+bool CRetratoChaves::PoeValores(const std::wstring &sChave, const Ramo &antes, const Ramo &agora) const {
   HKEY h = nullptr;
-  if (RegCreateKeyExW(m_hRaiz, chave.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &h, nullptr) != ERROR_SUCCESS) {
+  if (RegCreateKeyExW(m_hRaiz, sChave.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &h, nullptr) != ERROR_SUCCESS) {
     return false;
   }
-  const Chave spChave(h);
+  const plataforma::PosseChave posse(h);
   bool bTudo = true;
   for (const auto &[nome, valor] : agora.valores) {
     if (antes.valores.count(nome) == 0) {
@@ -116,8 +110,8 @@ bool CRetratoChaves::PoeValores(const std::wstring &chave, const Ramo &antes, co
   return bTudo;
 }
 
-bool CRetratoChaves::PoeFilhos(const std::wstring &chave, const Ramo &antes, const Ramo &agora) const {
-  const std::wstring sPrefixo = chave + L"\\";
+bool CRetratoChaves::PoeFilhos(const std::wstring &sChave, const Ramo &antes, const Ramo &agora) const {
+  const std::wstring sPrefixo = sChave + L"\\";
   bool bTudo = true;
   for (const auto &[nome, ramo] : agora.filhos) {
     if (antes.filhos.count(nome) == 0) {

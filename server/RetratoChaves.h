@@ -36,13 +36,13 @@ private:
     bool operator==(const Ramo &) const = default;
   };
 
-  static Ramo Le(HKEY hPai, const std::wstring &chave);
+  static Ramo Le(HKEY hPai, const std::wstring &sChave);
   static void LeValores(HKEY hChave, Ramo &ramo);
   static void LeFilhos(HKEY hChave, Ramo &ramo);
   /// Makes the key at a path hold `antes`; it holds `agora`.
-  bool Poe(const std::wstring &chave, const Ramo &antes, const Ramo &agora) const;
-  bool PoeValores(const std::wstring &chave, const Ramo &antes, const Ramo &agora) const;
-  bool PoeFilhos(const std::wstring &chave, const Ramo &antes, const Ramo &agora) const;
+  bool Poe(const std::wstring &sChave, const Ramo &antes, const Ramo &agora) const;
+  bool PoeValores(const std::wstring &sChave, const Ramo &antes, const Ramo &agora) const;
+  bool PoeFilhos(const std::wstring &sChave, const Ramo &antes, const Ramo &agora) const;
 
   HKEY m_hRaiz;
   std::map<std::wstring, Ramo> m_chaves;

@@ -31,15 +31,15 @@ std::wstring ChaveClasse() {
 }
 
 /// Where a view of the classes stands below their root.
-std::wstring Prefixo(Visao eVisao) {
-  return eVisao == Visao::De32Bits ? L"Wow6432Node\\" : L"";
+std::wstring Prefixo(EVisao eVisao) {
+  return eVisao == EVisao::De32Bits ? L"Wow6432Node\\" : L"";
 }
 
-std::wstring ChaveProxy(Visao eVisao) {
+std::wstring ChaveProxy(EVisao eVisao) {
   return Prefixo(eVisao) + L"CLSID\\" + TextoGuid(kClsidProxy);
 }
 
-std::wstring ChaveInterface(Visao eVisao) {
+std::wstring ChaveInterface(EVisao eVisao) {
   return Prefixo(eVisao) + L"Interface\\" + TextoGuid(IID_IQZDF_Veiculos);
 }
 
@@ -50,46 +50,46 @@ std::wstring ChaveTodasAsBibliotecas() {
 }  // namespace
 
 std::vector<ValorRegistro> ValoresDoServidor(const std::wstring &sExecutavel) {
-  const std::wstring clsid = TextoGuid(CLSID_CQZDF_Veiculos);
-  const std::wstring classe = ChaveClasse();
-  const std::wstring progId = kProgId;
-  const std::wstring semVersao = kProgIdSemVersao;
+  const std::wstring sClsid = TextoGuid(CLSID_CQZDF_Veiculos);
+  const std::wstring sClasse = ChaveClasse();
+  const std::wstring sProgId = kProgId;
+  const std::wstring sSemVersao = kProgIdSemVersao;
   return {
       {ChaveAppId(), L"", L"Kalvo"},
       {L"AppID\\Kalvo.EXE", L"AppID", kAppId},
-      {progId, L"", kNomeClasse},
-      {progId + L"\\CLSID", L"", clsid},
-      {semVersao, L"", kNomeClasse},
-      {semVersao + L"\\CLSID", L"", clsid},
-      {semVersao + L"\\CurVer", L"", progId},
-      {classe, L"", kNomeClasse},
-      {classe, L"AppID", kAppId},
-      {classe + L"\\ProgID", L"", progId},
-      {classe + L"\\VersionIndependentProgID", L"", semVersao},
+      {sProgId, L"", kNomeClasse},
+      {sProgId + L"\\CLSID", L"", sClsid},
+      {sSemVersao, L"", kNomeClasse},
+      {sSemVersao + L"\\CLSID", L"", sClsid},
+      {sSemVersao + L"\\CurVer", L"", sProgId},
+      {sClasse, L"", kNomeClasse},
+      {sClasse, L"AppID", kAppId},
+      {sClasse + L"\\ProgID", L"", sProgId},
+      {sClasse + L"\\VersionIndependentProgID", L"", sSemVersao},
       // Quoted: an unquoted path with blanks would let another program answer for it.
-      {classe + L"\\LocalServer32", L"", L"\"" + sExecutavel + L"\""},
-      {classe + L"\\TypeLib", L"", TextoGuid(LIBID_Kalvo)},
+      {sClasse + L"\\LocalServer32", L"", L"\"" + sExecutavel + L"\""},
+      {sClasse + L"\\TypeLib", L"", TextoGuid(LIBID_Kalvo)},
   };
 }
 
-std::vector<ValorRegistro> ValoresDoProxy(Visao eVisao, const std::wstring &sProxy) {
-  const std::wstring interface_ = ChaveInterface(eVisao);
-  const std::wstring servidor = ChaveProxy(eVisao) + L"\\InProcServer32";
+std::vector<ValorRegistro> ValoresDoProxy(EVisao eVisao, const std::wstring &sProxy) {
+  const std::wstring sInterface_ = ChaveInterface(eVisao);
+  const std::wstring sServidor = ChaveProxy(eVisao) + L"\\InProcServer32";
   return {
-      {interface_, L"", kNomeInterface},
-      {interface_ + L"\\ProxyStubClsid32", L"", TextoGuid(kClsidProxy)},
-      {interface_ + L"\\NumMethods", L"", kMetodos},
+      {sInterface_, L"", kNomeInterface},
+      {sInterface_ + L"\\ProxyStubClsid32", L"", TextoGuid(kClsidProxy)},
+      {sInterface_ + L"\\NumMethods", L"", kMetodos},
       {ChaveProxy(eVisao), L"", L"PSFactoryBuffer"},
-      {servidor, L"", sProxy},
-      {servidor, L"ThreadingModel", L"Both"},
+      {sServidor, L"", sProxy},
+      {sServidor, L"ThreadingModel", L"Both"},
   };
 }
 
 std::vector<std::wstring> ChavesRemovidas() {
-  return {ChaveInterface(Visao::De32Bits),
-          ChaveProxy(Visao::De32Bits),
-          ChaveInterface(Visao::De64Bits),
-          ChaveProxy(Visao::De64Bits),
+  return {ChaveInterface(EVisao::De32Bits),
+          ChaveProxy(EVisao::De32Bits),
+          ChaveInterface(EVisao::De64Bits),
+          ChaveProxy(EVisao::De64Bits),
           ChaveClasse(),
           kProgIdSemVersao,
           kProgId,

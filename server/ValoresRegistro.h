@@ -19,10 +19,10 @@ std::vector<ValorRegistro> ValoresDoServidor(const std::wstring &sExecutavel);
 
 /// Whose classes: 32-bit programs have keys of their own for interfaces and the DLLs that they load. All other keys of
 /// the registration, those of the local server among them, programs of both kinds find in the one place.
-enum class Visao { De64Bits, De32Bits };
+enum class EVisao { De64Bits, De32Bits };
 
 /// The interface and its proxy/stub for the programs of one kind, as the DLL's own registration writes them.
-std::vector<ValorRegistro> ValoresDoProxy(Visao eVisao, const std::wstring &sProxy);
+std::vector<ValorRegistro> ValoresDoProxy(EVisao eVisao, const std::wstring &sProxy);
 
 /// Keys that a registration may create or change, the type library's included, each with all below it.
 std::vector<std::wstring> ChavesTocadas();

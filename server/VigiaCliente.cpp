@@ -29,7 +29,7 @@ bool PlataformaRecolhe() {
 /// Shared with the waits, which may outlive the watch for a moment.
 struct CVigiaCliente::Estado {
   std::mutex mutex;
-  IObjetoVigiado *pObjeto;  // null once the watch is gone
+  IObjetoVigiado *pObjeto;  ///< null once the watch is gone
   std::vector<std::unique_ptr<CEsperaProcesso>> chamadores;
 
   /// True when every caller has ended; false when none is known. Under the mutex.

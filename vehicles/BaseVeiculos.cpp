@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "core/platform/MemoriaTarefa.h"
+#include "core/platform/Travas.h"
 #include "vehicles/FiltroVeiculos.h"
 
 namespace {
@@ -53,6 +54,7 @@ HRESULT CBaseVeiculos::Procura(const tagREG_FILTRO_VEICULOSPS &Filtro, std::uint
     QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoAberto);
   }
   const CFiltroVeiculos filtro(Filtro);
+  // Where every record passes, positions are a count; the scan still visits, for the failures that reading would meet.
   const bool bSoConta = puiTodas != nullptr && filtro.PassaTudo();
   std::uint64_t uiQtd = 0;
   const HRESULT hr = QuantidadeSobTrava(rastro, &uiQtd);
@@ -60,6 +62,7 @@ HRESULT CBaseVeiculos::Procura(const tagREG_FILTRO_VEICULOSPS &Filtro, std::uint
     return hr;
   }
   const auto percorre = [&] {
+    // One exact text of an indexed field leaves few records; the filter judges those by the other criteria.
     if (const auto chave = filtro.ChaveExata()) {
       return m_pDataBase->m_Veiculos.PercorreTexto(
           chave->uiCampo, chave->sTexto, uiQtd,

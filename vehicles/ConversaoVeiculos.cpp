@@ -2,9 +2,10 @@
 #include <cstddef>
 #include <optional>
 
-#include "core/platform/ArquivoNoLivro.h"
 #include "core/platform/Plataforma.h"
+#include "core/platform/PosseNoLivro.h"
 #include "core/platform/TravaEntreProcessos.h"
+#include "core/platform/Travas.h"
 #include "core/qzdatabase/banco/QZDataBaseUtil.h"
 #include "core/qzdatabase/disco/NomeTrava.h"
 #include "core/qzdatabase/disco/PercorreArquivo.h"
@@ -57,7 +58,7 @@ plataforma::FalhaArquivo AbreParaVer(const CString &sCaminho, std::unique_ptr<pl
   FalhaArquivo falha;
   Insiste(kTentativasInsistencia, [&](bool) {
     falha = Arquivos().Abre(sCaminho, {Acesso::Leitura, Compartilhamento::NegaNada, Criacao::SoExistente}, parquivo);
-    return falha.causa == CausaArquivo::ViolacaoCompartilhamento ? Veredito::OutraVez : Veredito::Acabou;
+    return falha.causa == CausaArquivo::ViolacaoCompartilhamento ? EVeredito::OutraVez : EVeredito::Acabou;
   });
   return falha.NaoEsta() ? kSemFalha : falha;
 }
@@ -71,7 +72,7 @@ plataforma::FalhaArquivo Identifica(const CString &sCaminho, std::optional<Ident
   if (falha || aberto == nullptr) {
     return falha;
   }
-  const plataforma::CQZArquivoNoLivro arquivo(std::move(aberto));
+  const plataforma::CQZPosseNoLivro arquivo(std::move(aberto));
   bool bCabecalho = false;
   std::uint16_t iVersao = 0;
   std::uint64_t uiTamanho = 0;
@@ -79,6 +80,7 @@ plataforma::FalhaArquivo Identifica(const CString &sCaminho, std::optional<Ident
   if (!falha) {
     falha = arquivo->Tamanho(&uiTamanho);
   }
+  // Records alone are compared: the file may have got its header since the journal was written.
   const std::uint64_t uiInicio = bCabecalho ? std::min<std::uint64_t>(kTamanhoCabecalho, uiTamanho) : 0;
   const auto identifica = [&](std::uint64_t uiDe, std::optional<IdentidadeRegistros> *pIdentidade) {
     IdentidadeRegistros identidade{uiTamanho - uiDe, 0};
@@ -105,7 +107,7 @@ plataforma::FalhaArquivo LeDiario(const CString &sEmpresa, std::optional<Identid
   if (falha || aberto == nullptr) {
     return falha;
   }
-  const plataforma::CQZArquivoNoLivro diario(std::move(aberto));
+  const plataforma::CQZPosseNoLivro diario(std::move(aberto));
   RegDiario reg{};
   std::uint64_t uiTamanho = 0;
   falha = diario->Tamanho(&uiTamanho);
@@ -135,10 +137,12 @@ HRESULT ExaminaDiario(const CString &sEmpresa, EDiario *peDiario) {
   if (falha) {
     return CQZFileBase::CatchInicializacao(falha);
   }
+  // A missing base is one without records: that of a base whose only record was dropped.
   if (base.value_or(IdentidadeRegistros{}) == *convertida) {
     *peDiario = EDiario::FaltaVersao;
   } else if (companheiro == convertida && (!base || baseSemPrimeiro == convertida)) {
     *peDiario = EDiario::FaltaTrocar;
+    // Else the base is as before and its companion missing or torn: the work starts anew.
   } else if (baseSemPrimeiro != convertida) {
     return codigos::kTraNaoRenomeado;
   }
@@ -154,7 +158,7 @@ plataforma::FalhaArquivo EscreveDiario(const CString &sEmpresa, const Identidade
   if (const FalhaArquivo falha = Arquivos().Abre(CaminhoDaBase(sEmpresa, kArquivoDiario), modo, &arquivo)) {
     return falha;
   }
-  const CQZArquivoNoLivro diario(std::move(arquivo));
+  const CQZPosseNoLivro diario(std::move(arquivo));
   if (const FalhaArquivo falha = diario->Grava(0, &reg, sizeof(reg))) {
     return falha;
   }
@@ -177,7 +181,7 @@ void EncerraDiario(const CString &sEmpresa) {
       Arquivos().Abre(CaminhoDaBase(sEmpresa, kArquivoVersao), modo, &versao)) {
     return;
   }
-  const CQZArquivoNoLivro aberto(std::move(versao));
+  const CQZPosseNoLivro aberto(std::move(versao));
   if (!aberto->Descarrega()) {
     static_cast<void>(ApagaDiario(sEmpresa));
   }
@@ -251,6 +255,7 @@ HRESULT CBaseVeiculos::ConverteBaseV01() {
   if (eDiario != EDiario::Nenhum) {
     return codigos::kOk;
   }
+  // RemoveRegistroZero has the journal written between the finished companion and its move.
   bool bDiario = false;
   const auto gravaDiario = [&]() -> HRESULT {
     std::optional<IdentidadeRegistros> companheiro, semUso;

@@ -50,6 +50,7 @@ bool CPadraoCuringa::Define(std::string_view sPadrao) {
   if (m_pDobra == nullptr || SoDoSistema(sPadrao)) {
     return false;
   }
+  // Letters at the beginning tell most texts from the pattern without any bits.
   m_uiPrefixo = std::min(sPadrao.find('*'), sPadrao.size());
   if (sPadrao.size() > kMaiorCampo) {
     return false;
@@ -111,6 +112,7 @@ bool CPadraoCuringa::Casa(const char *lpCampo, std::size_t uiLargura) const {
   if (m_uiSinais == 0) {
     return true;
   }
+  // 64 bytes from the field's first are read whatever its width; what lies behind the text does not count.
   const Letras letras(lpCampo);
   const std::uint64_t uiFim =
       std::uint64_t{1} << std::countr_zero(letras.OndeEsta(_mm_setzero_si128()) | (std::uint64_t{1} << uiLargura));
@@ -125,6 +127,7 @@ bool CPadraoCuringa::Casa(const char *lpCampo, std::size_t uiLargura) const {
     for (std::size_t i = 0; i < sinal.uiLetras; ++i) {
       uiAceitam |= letras.OndeEsta(_mm_load_si128(reinterpret_cast<const __m128i *>(sinal.letras[i].data())));
     }
+    // Places whose next letter the sign accepts move one on.
     uiLugares = ((uiLugares & uiAceitam) << 1) & uiAteOFim;
     if (uiLugares == 0) {
       return false;

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "core/qzdatabase/arquivo/QZFileBase.h"
+#include "core/qzdatabase/arquivo/NomeTipoRegistro.h"
 #include "core/qzdatabase/arquivo/QZIndices.h"
 #include "vehicles/RegVeiculoPS.h"
 #include "vehicles/ResumosVeiculos.h"

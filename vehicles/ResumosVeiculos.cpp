@@ -116,17 +116,20 @@ void CResumosVeiculos::Restringe(const Coluna &coluna, std::size_t uiLugar, std:
 bool CResumosVeiculos::Acha(const CriterioResumo &criterio, std::size_t uiLugar, const RegVeiculo *pRegistros,
                             std::size_t qtd, Candidatos *pCandidatos) const {
   pCandidatos->qtd = 0;
+  // The block's bounds only ever grow, so they may keep a block in, never wrongly leave it out.
   if (m_iMaiorAno < criterio.iAnoInicial || m_iMenorAno > criterio.iAnoFinal) {
     return true;
   }
   if (criterio.uiMascaraAssinatura != 0 && !AsseguraAssinaturas(pRegistros - uiLugar)) {
     return false;
   }
+  // All records of the run are candidates at first; each column in force takes some out.
   Mascaras mascaras;
   mascaras.fill(0xFFFF);
   if (qtd % kPorGrupo != 0) {
     mascaras[qtd / kPorGrupo] = static_cast<std::uint16_t>((1U << qtd % kPorGrupo) - 1);
   }
+  // A block that lies within the bounds as a whole needs no look at its years.
   if (m_iMenorAno < criterio.iAnoInicial || m_iMaiorAno > criterio.iAnoFinal) {
     const __m128i menor = ComSinal(Quatro(criterio.iAnoInicial));
     const __m128i maior = ComSinal(Quatro(criterio.iAnoFinal));
@@ -141,6 +144,7 @@ bool CResumosVeiculos::Acha(const CriterioResumo &criterio, std::size_t uiLugar,
     Restringe(m_ufs, uiLugar, qtd, passam, &mascaras);
   }
   for (std::size_t i = 0; i < kMetades; ++i) {
+    // Half a signature without a bit in force would let all pass: its column is not read.
     const auto uiMascara = static_cast<std::uint32_t>(criterio.uiMascaraAssinatura >> (32 * i));
     if (uiMascara != 0) {
       const __m128i mascara = Quatro(uiMascara);
@@ -154,6 +158,7 @@ bool CResumosVeiculos::Acha(const CriterioResumo &criterio, std::size_t uiLugar,
       pCandidatos->lugares[pCandidatos->qtd++] =
           static_cast<std::uint16_t>(i * kPorGrupo + static_cast<std::size_t>(std::countr_zero(uiRestam)));
     }
+    // Told as soon as it is known: the rest of the run need not be counted.
     if (pCandidatos->qtd > qtd / 4) {
       return false;
     }

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "core/qzdatabase/arquivo/QZFileBase.h"
+#include "core/qzdatabase/arquivo/NomeTipoRegistro.h"
 
 inline constexpr char kArquivoVersao[] = "DFVEIVS.DAT";
 

@@ -18,14 +18,14 @@ bool EhConsole(std::FILE *pArquivo) {
   return ::isatty(::fileno(pArquivo)) != 0;
 }
 
-// Terminals show UTF-8; the conversion is made where texts are written.
+/// Terminals show UTF-8; the conversion is made where texts are written.
 CPaginaConsole::CPaginaConsole() = default;
 CPaginaConsole::~CPaginaConsole() {
   std::fflush(stdout);
 }
 void CPaginaConsole::Restaura() {}
 
-// There is no text mode here.
+/// There is no text mode here.
 void SaidaEmBytes() {}
 void EntradaEmBytes() {}
 
@@ -38,7 +38,7 @@ void EscreveErro(std::string_view sTexto) {
   EscreveEm(stderr, sTexto);
 }
 
-// As they are: names of files are bytes here.
+/// As they are: names of files are bytes here.
 std::vector<std::string> PalavrasDoUsuario(int iPalavras, char **pPalavras) {
   return {pPalavras + 1, pPalavras + iPalavras};
 }

@@ -63,8 +63,8 @@ void EscreveErro(std::string_view sTexto) {
   std::fwrite(sTexto.data(), 1, sTexto.size(), stderr);
 }
 
-// Taken from the system and not from main's parameters: those are in the process's code page, and the C runtime
-// replaces a pattern such as ABC* by the names of files.
+/// Taken from the system and not from main's parameters: those are in the process's code page, and the C runtime
+/// replaces a pattern such as ABC* by the names of files.
 std::vector<std::string> PalavrasDoUsuario(int /*iPalavras*/, char ** /*pPalavras*/) {
   struct CLibera {
     void operator()(LPWSTR *pTextos) const { LocalFree(pTextos); }

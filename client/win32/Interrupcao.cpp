@@ -11,7 +11,7 @@ namespace {
 std::atomic<int> g_iTrabalhos{0};
 std::atomic<bool> g_bPedida{false};
 
-// Runs in a thread of its own.
+/// Runs in a thread of its own.
 BOOL WINAPI AoInterromper(DWORD dwMotivo) {
   if (g_iTrabalhos == 0 || g_bPedida.exchange(true)) {
     CPaginaConsole::Restaura();

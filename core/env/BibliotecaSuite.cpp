@@ -4,9 +4,9 @@
 #include "core/platform/Plataforma.h"
 
 std::unique_ptr<plataforma::IBiblioteca> CarregaBibliotecaSuite(ModuloQZ eModulo, const CString &sNomeArquivo) {
-  const CString diretorio = CQZPath::DiretorioInstalacao(eModulo);
-  if (!plataforma::CaminhoAbsoluto(diretorio)) {
+  const CString sDiretorio = CQZPath::DiretorioInstalacao(eModulo);
+  if (!plataforma::EhCaminhoAbsoluto(sDiretorio)) {
     return nullptr;
   }
-  return plataforma::Bibliotecas().Carrega(CQZPath::Junta(CQZPath::Junta(diretorio, "x64"), sNomeArquivo));
+  return plataforma::Bibliotecas().Carrega(CQZPath::Junta(CQZPath::Junta(sDiretorio, "x64"), sNomeArquivo));
 }

@@ -29,7 +29,7 @@ bool EhData(const plataforma::CamposData &campos) {
 
 }  // namespace
 
-bool ParaTicks(const plataforma::CamposData &campos, std::uint64_t *ticks) {
+bool ParaTicks(const plataforma::CamposData &campos, std::uint64_t *puiTicks) {
   if (!EhData(campos) || campos.hora > 23 || campos.minuto > 59 || campos.segundo > 59 || campos.milissegundo > 999) {
     return false;
   }
@@ -38,11 +38,11 @@ bool ParaTicks(const plataforma::CamposData &campos, std::uint64_t *ticks) {
   const TicksDuracao dia = days((sys_days(data) - kInicio).count());
   const TicksDuracao hora =
       hours(campos.hora) + minutes(campos.minuto) + seconds(campos.segundo) + milliseconds(campos.milissegundo);
-  *ticks = static_cast<std::uint64_t>((dia + hora).count());
+  *puiTicks = static_cast<std::uint64_t>((dia + hora).count());
   return true;
 }
 
-bool ParaCampos(std::uint64_t ticks, plataforma::CamposData *campos) {
+bool ParaCampos(std::uint64_t ticks, plataforma::CamposData *pCampos) {
   if (static_cast<std::int64_t>(ticks) < 0) {
     return false;
   }
@@ -52,14 +52,14 @@ bool ParaCampos(std::uint64_t ticks, plataforma::CamposData *campos) {
   const year_month_day civil(data);
   const std::chrono::hh_mm_ss hora(std::chrono::duration_cast<milliseconds>(total - dia));
   const auto u16 = [](auto valor) { return static_cast<std::uint16_t>(valor); };
-  *campos = {u16(static_cast<int>(civil.year())),
-             u16(static_cast<unsigned>(civil.month())),
-             u16(std::chrono::weekday(data).c_encoding()),
-             u16(static_cast<unsigned>(civil.day())),
-             u16(hora.hours().count()),
-             u16(hora.minutes().count()),
-             u16(hora.seconds().count()),
-             u16(hora.subseconds().count())};
+  *pCampos = {u16(static_cast<int>(civil.year())),
+              u16(static_cast<unsigned>(civil.month())),
+              u16(std::chrono::weekday(data).c_encoding()),
+              u16(static_cast<unsigned>(civil.day())),
+              u16(hora.hours().count()),
+              u16(hora.minutes().count()),
+              u16(hora.seconds().count()),
+              u16(hora.subseconds().count())};
   return true;
 }
 

@@ -10,10 +10,10 @@
 namespace calendario {
 
 /// False when the fields are no date or time of the years 1601 to 30827 (the day of the week is not looked at).
-bool ParaTicks(const plataforma::CamposData &campos, std::uint64_t *ticks);
+bool ParaTicks(const plataforma::CamposData &campos, std::uint64_t *puiTicks);
 
 /// False for ticks beyond what a signed 64-bit count holds.
-bool ParaCampos(std::uint64_t ticks, plataforma::CamposData *campos);
+bool ParaCampos(std::uint64_t ticks, plataforma::CamposData *pCampos);
 
 }  // namespace calendario
 

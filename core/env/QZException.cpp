@@ -41,8 +41,9 @@ bool CQZException::GetErrorMessage(char *lpBuffer, std::uint32_t uiTamanho, std:
 }
 
 int CQZException::ReportError(std::uint32_t uiTipo, std::uint32_t /*uiAjuda*/) {
-  const CString sTextoSO = m_uiErroSO != 0 ? plataforma::Sistema().TextoErro(m_uiErroSO) : CString();
+  const CString sTextoSO = m_uiErroSO != 0 ? plataforma::Informacoes().TextoErro(m_uiErroSO) : CString();
   const std::uint32_t uiIcone = (uiTipo & kTodosOsIcones) == 0 ? plataforma::kIconeExclamacao : 0;
-  return plataforma::Caixa().Mostra(TextoDaCaixa(GetTexto(), m_uiMensagem, m_uiErroSO, sTextoSO),
-                                    NomeProduto(m_uiSistema), uiTipo | uiIcone, plataforma::DonoCaixa::JanelaDaThread);
+  return plataforma::CaixaMensagem().Mostra(TextoDaCaixa(GetTexto(), m_uiMensagem, m_uiErroSO, sTextoSO),
+                                            NomeProduto(m_uiSistema), uiTipo | uiIcone,
+                                            plataforma::DonoCaixa::JanelaDaThread);
 }

@@ -11,8 +11,8 @@ struct LinhaModulo {
   const char *lpProduto;  ///< name of the product's registry key
 };
 
-// The rows of the suite's module table that this system uses. The electronic-invoice module has no row of its own: its
-// directories derive from module "DF".
+/// The rows of the suite's module table that this system uses. The electronic-invoice module has no row of its own: its
+/// directories derive from module "DF".
 constexpr LinhaModulo kModulos[] = {{QZ_DF, "DF", "Miran Empresarial"}};
 
 const LinhaModulo *ProcuraModulo(ModuloQZ eModulo) {
@@ -24,26 +24,26 @@ const LinhaModulo *ProcuraModulo(ModuloQZ eModulo) {
   return nullptr;
 }
 
-CString ComBarraFinal(CString diretorio) {
-  if (!diretorio.empty() && diretorio.back() != '\\') {
-    diretorio += '\\';
+CString ComBarraFinal(CString sDiretorio) {
+  if (!sDiretorio.empty() && sDiretorio.back() != '\\') {
+    sDiretorio += '\\';
   }
-  return diretorio;
+  return sDiretorio;
 }
 
-CString LeDiretorio(const CString &chave, const CString &nome) {
-  return ComBarraFinal(plataforma::Registro().LeTexto(chave, nome, false).value_or(CString()));
+CString LeDiretorio(const CString &sChave, const CString &sNome) {
+  return ComBarraFinal(plataforma::Registro().LeTexto(sChave, sNome, false).value_or(CString()));
 }
 
 /// Where the file name starts: behind the last separator.
-std::size_t InicioNome(const CString &caminho) {
-  const std::size_t barra = caminho.find_last_of("\\/:");
+std::size_t InicioNome(const CString &sCaminho) {
+  const std::size_t barra = sCaminho.find_last_of("\\/:");
   return barra == CString::npos ? 0 : barra + 1;
 }
 
-std::size_t PontoDaExtensao(const CString &caminho) {
-  const std::size_t ponto = caminho.find_last_of('.');
-  return ponto == CString::npos || ponto < InicioNome(caminho) ? CString::npos : ponto;
+std::size_t PontoDaExtensao(const CString &sCaminho) {
+  const std::size_t ponto = sCaminho.find_last_of('.');
+  return ponto == CString::npos || ponto < InicioNome(sCaminho) ? CString::npos : ponto;
 }
 
 }  // namespace
@@ -70,12 +70,12 @@ CString CQZPath::DiretorioModulo(ModuloQZ eModulo, const CString &sEmpresa) {
 CString CQZPath::DiretorioEmpresa(ModuloQZ eModulo, const CString &sEmpresa) {
   const bool bNotaEletronica = eModulo == QZ_NFE;
   const LinhaModulo *pLinha = ProcuraModulo(bNotaEletronica ? QZ_DF : eModulo);
-  const CString chave = Junta(Junta(kChaveSuite, "Empresas"), sEmpresa);
-  if (pLinha == nullptr || !plataforma::Registro().ExisteChave(chave)) {
+  const CString sChave = Junta(Junta(kChaveSuite, "Empresas"), sEmpresa);
+  if (pLinha == nullptr || !plataforma::Registro().ExisteChave(sChave)) {
     return {};
   }
-  const CString diretorio = LeDiretorio(chave, pLinha->lpCodigo);
-  return bNotaEletronica && !diretorio.empty() ? diretorio + "NFe\\" : diretorio;
+  const CString sDiretorio = LeDiretorio(sChave, pLinha->lpCodigo);
+  return bNotaEletronica && !sDiretorio.empty() ? sDiretorio + "NFe\\" : sDiretorio;
 }
 
 CString CQZPath::DiretorioInstalacao(ModuloQZ eModulo) {
@@ -87,27 +87,27 @@ CString CQZPath::DiretorioCompartilhado(const CString &sNomeValor) {
   return LeDiretorio(kChaveSuite, sNomeValor);
 }
 
-CString CQZPath::Junta(const CString &esquerda, const CString &direita) {
-  if (esquerda.empty() || direita.empty()) {
-    return esquerda + direita;
+CString CQZPath::Junta(const CString &sEsquerda, const CString &sDireita) {
+  if (sEsquerda.empty() || sDireita.empty()) {
+    return sEsquerda + sDireita;
   }
-  const bool bEsquerda = esquerda.back() == '\\';
-  const bool bDireita = direita.front() == '\\';
+  const bool bEsquerda = sEsquerda.back() == '\\';
+  const bool bDireita = sDireita.front() == '\\';
   if (bEsquerda && bDireita) {
-    return esquerda + direita.substr(1);
+    return sEsquerda + sDireita.substr(1);
   }
-  return bEsquerda || bDireita ? esquerda + direita : esquerda + "\\" + direita;
+  return bEsquerda || bDireita ? sEsquerda + sDireita : sEsquerda + "\\" + sDireita;
 }
 
-CString CQZPath::ChangeExtension(const CString &caminho, const CString &extensao) {
-  return caminho.substr(0, PontoDaExtensao(caminho)) + "." + extensao;
+CString CQZPath::ChangeExtension(const CString &sCaminho, const CString &sExtensao) {
+  return sCaminho.substr(0, PontoDaExtensao(sCaminho)) + "." + sExtensao;
 }
 
-CString CQZPath::Extensao(const CString &caminho) {
-  const std::size_t ponto = PontoDaExtensao(caminho);
-  return ponto == CString::npos ? CString() : caminho.substr(ponto + 1);
+CString CQZPath::Extensao(const CString &sCaminho) {
+  const std::size_t ponto = PontoDaExtensao(sCaminho);
+  return ponto == CString::npos ? CString() : sCaminho.substr(ponto + 1);
 }
 
-bool CQZPath::TemExtensao(const CString &caminho, const char *extensao) {
-  return plataforma::Maiusculas(Extensao(caminho)) == extensao;
+bool CQZPath::TemExtensao(const CString &sCaminho, const char *lpExtensao) {
+  return plataforma::Maiusculas(Extensao(sCaminho)) == lpExtensao;
 }

@@ -42,17 +42,17 @@ public:
   /// A directory that all products share, by the name of its registry value ("Relatorios", "Ajuda", ...).
   static CString DiretorioCompartilhado(const CString &sNomeValor);
 
-  /// `esquerda` and `direita` with exactly one `\` between them; when one is empty, the other.
-  static CString Junta(const CString &esquerda, const CString &direita);
+  /// `sEsquerda` and `sDireita` with exactly one `\` between them; when one is empty, the other.
+  static CString Junta(const CString &sEsquerda, const CString &sDireita);
 
   /// The path with the extension of its file name (the text after the last '.') replaced, or added when it has none.
-  static CString ChangeExtension(const CString &caminho, const CString &extensao);
+  static CString ChangeExtension(const CString &sCaminho, const CString &sExtensao);
 
   /// The text after the last '.' of the file name; empty when there is none.
-  static CString Extensao(const CString &caminho);
+  static CString Extensao(const CString &sCaminho);
 
-  /// True when the extension is `extensao`, given in capitals; letter case of the path does not matter.
-  static bool TemExtensao(const CString &caminho, const char *extensao);
+  /// True when the extension is `lpExtensao`, given in capitals; letter case of the path does not matter.
+  static bool TemExtensao(const CString &sCaminho, const char *lpExtensao);
 };
 
 #endif

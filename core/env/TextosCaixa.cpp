@@ -8,7 +8,7 @@ struct LinhaProduto {
   const char *lpNome;
 };
 
-// The rows of the suite's product list that this system uses.
+/// The rows of the suite's product list that this system uses.
 constexpr LinhaProduto kProdutos[] = {{1, "ME", "Miran Empresarial"}};
 
 const LinhaProduto *Procura(std::uint32_t uiSistema) {
@@ -25,7 +25,7 @@ CString Numero(std::uint32_t uiNumero) {
   return std::to_string(static_cast<std::int32_t>(uiNumero));
 }
 
-// Windows-1252. Split where a hexadecimal digit follows an escape.
+/// Windows-1252. Split where a hexadecimal digit follows an escape.
 constexpr char kErroDesconhecido[] =
     "Erro desconhecido encontrado. C\xF3"
     "digo (";

@@ -70,6 +70,48 @@ inline constexpr HRESULT kArqBloqueio = CodigoResultado(0x80043F00);
 inline constexpr HRESULT kArqDiscoCheio = CodigoResultado(0x80043F08);
 inline constexpr HRESULT kArqOutra = CodigoResultado(0x80043F10);
 
+/// What an error number of the operating system is put into where an exception carries one.
+inline constexpr std::uint32_t kBaseSistema = 0x80040000;
+
+// What the call guard makes of thrown exceptions that carry no code of their own.
+
+inline constexpr HRESULT kExcecaoSistema = CodigoResultado(0x8004EA61);       ///< CQZException without an error number
+inline constexpr HRESULT kExcecaoMemoria = CodigoResultado(0x8004EA62);       ///< CMemoryException
+inline constexpr HRESULT kExcecaoFramework = CodigoResultado(0x8004EA63);     ///< any other CException
+inline constexpr HRESULT kExcecaoBadAlloc = CodigoResultado(0x8004EA64);      ///< std::bad_alloc
+inline constexpr HRESULT kExcecaoPadrao = CodigoResultado(0x8004EA65);        ///< any other std::exception
+inline constexpr HRESULT kExcecaoDesconhecida = CodigoResultado(0x8004EA66);  ///< anything else
+
+// What it makes of machine faults, from kFalhaAcessoInvalido to kFalhaConsolidacaoDePilha without a gap.
+
+inline constexpr HRESULT kFalhaAcessoInvalido = CodigoResultado(0x8004EAC5);         ///< access violation
+inline constexpr HRESULT kFalhaForaDoVetor = CodigoResultado(0x8004EAC6);            ///< array bounds exceeded
+inline constexpr HRESULT kFalhaPontoDeParada = CodigoResultado(0x8004EAC7);          ///< breakpoint
+inline constexpr HRESULT kFalhaDesalinhamento = CodigoResultado(0x8004EAC8);         ///< data type misalignment
+inline constexpr HRESULT kFalhaRealDenormal = CodigoResultado(0x8004EAC9);           ///< float denormal operand
+inline constexpr HRESULT kFalhaRealDivisaoPorZero = CodigoResultado(0x8004EACA);     ///< float divide by zero
+inline constexpr HRESULT kFalhaRealInexato = CodigoResultado(0x8004EACB);            ///< float inexact result
+inline constexpr HRESULT kFalhaRealInvalida = CodigoResultado(0x8004EACC);           ///< float invalid operation
+inline constexpr HRESULT kFalhaRealEstouro = CodigoResultado(0x8004EACD);            ///< float overflow
+inline constexpr HRESULT kFalhaRealPilha = CodigoResultado(0x8004EACE);              ///< float stack check
+inline constexpr HRESULT kFalhaRealPequeno = CodigoResultado(0x8004EACF);            ///< float underflow
+inline constexpr HRESULT kFalhaPaginaDeGuarda = CodigoResultado(0x8004EAD0);         ///< guard page
+inline constexpr HRESULT kFalhaInstrucaoIlegal = CodigoResultado(0x8004EAD1);        ///< illegal instruction
+inline constexpr HRESULT kFalhaPaginaNaoLida = CodigoResultado(0x8004EAD2);          ///< in-page error
+inline constexpr HRESULT kFalhaDivisaoPorZero = CodigoResultado(0x8004EAD3);         ///< integer divide by zero
+inline constexpr HRESULT kFalhaEstouroDeInteiro = CodigoResultado(0x8004EAD4);       ///< integer overflow
+inline constexpr HRESULT kFalhaDisposicaoInvalida = CodigoResultado(0x8004EAD5);     ///< invalid disposition
+inline constexpr HRESULT kFalhaHandleInvalido = CodigoResultado(0x8004EAD6);         ///< invalid handle
+inline constexpr HRESULT kFalhaSemContinuacao = CodigoResultado(0x8004EAD7);         ///< non-continuable exception
+inline constexpr HRESULT kFalhaInstrucaoPrivilegiada = CodigoResultado(0x8004EAD8);  ///< privileged instruction
+inline constexpr HRESULT kFalhaPassoAPasso = CodigoResultado(0x8004EAD9);            ///< single step
+inline constexpr HRESULT kFalhaEstouroDePilha = CodigoResultado(0x8004EADA);         ///< stack overflow
+inline constexpr HRESULT kFalhaConsolidacaoDePilha = CodigoResultado(0x8004EADB);    ///< unwind consolidate
+/// What an object answers that lost its register to a fault, of whatever kind.
+inline constexpr HRESULT kSemRegistro = kFalhaAcessoInvalido;
+/// A fault without a code of its own.
+inline constexpr HRESULT kFalhaOutra = CodigoResultado(0x8004EE47);
+
 }  // namespace codigos
 
 #endif

@@ -8,7 +8,7 @@
 
 namespace {
 
-// Windows-1252. Split where a hexadecimal digit follows an escape.
+/// Windows-1252. Split where a hexadecimal digit follows an escape.
 constexpr char kSeveridadeDesconhecida[] =
     "Desconhecido ou novo c\xF3"
     "digo de SEVERITY";
@@ -68,15 +68,15 @@ CString NomeHRESULT(HRESULT hr) {
   return TextoOuVazio(nomes::DeHRESULT(BitsResultado(hr)));
 }
 
-// A sibling server of the suite has fixed texts for its FACILITY_ITF codes 501-512, 1522-1525, 1733, 1739-1979 and
-// 2339. They belong to that program and none is kept here: all codes go to the message library.
+/// A sibling server of the suite has fixed texts for its FACILITY_ITF codes 501-512, 1522-1525, 1733, 1739-1979 and
+/// 2339. They belong to that program and none is kept here: all codes go to the message library.
 CString DescricaoHRESULT(HRESULT hr) {
   return DescricaoDaBiblioteca(hr);
 }
 
-// Put together piece by piece: a description may hold '%', so none of these texts may become a format. The label for
-// "description" stands before the symbolic name, the description itself behind the value; readers of the error file
-// search for it that way.
+/// Put together piece by piece: a description may hold '%', so none of these texts may become a format. The label for
+/// "description" stands before the symbolic name, the description itself behind the value; readers of the error file
+/// search for it that way.
 CString LinhaDescrita(const CString &sExpressao, const CString &sVariavel, HRESULT hr) {
   return sVariavel + " = " + sExpressao + "\t" + sVariavel + " = " + Hexadecimal(hr) + " " + DescricaoHRESULT(hr) +
          "\t" + Parte("SEVERITY", SeveridadeResultado(hr), NomeSeveridade(hr)) + "\t" +

@@ -31,7 +31,7 @@ constexpr Nome kHRESULT[] = {
 
 #undef KALVO_NOME
 
-// Where the SDK has several names for a number, the one its header lists first; 84 is FACILITY_MBN.
+/// Where the SDK has several names for a number, the one its header lists first; 84 is FACILITY_MBN.
 constexpr Nome kFacilidades[] = {{0, "FACILITY_NULL"},
                                  {1, "FACILITY_RPC"},
                                  {2, "FACILITY_DISPATCH"},
@@ -91,12 +91,12 @@ constexpr Nome kFacilidades[] = {{0, "FACILITY_NULL"},
 
 template <std::size_t N>
 constexpr bool Ascendente(const Nome (&tabela)[N]) {
-  const Nome *anterior = nullptr;
+  const Nome *pAnterior = nullptr;
   for (const Nome &nome : tabela) {
-    if (anterior != nullptr && anterior->uValor >= nome.uValor) {
+    if (pAnterior != nullptr && pAnterior->uValor >= nome.uValor) {
       return false;
     }
-    anterior = &nome;
+    pAnterior = &nome;
   }
   return true;
 }
@@ -105,9 +105,9 @@ static_assert(Ascendente(kWin32) && Ascendente(kHRESULT) && Ascendente(kFacilida
 
 template <std::size_t N>
 const char *Procura(const Nome (&tabela)[N], std::uint32_t uValor) {
-  const Nome *achado = std::lower_bound(std::begin(tabela), std::end(tabela), uValor,
-                                        [](const Nome &nome, std::uint32_t valor) { return nome.uValor < valor; });
-  return achado != std::end(tabela) && achado->uValor == uValor ? achado->lpNome : nullptr;
+  const Nome *pAchado = std::lower_bound(std::begin(tabela), std::end(tabela), uValor,
+                                         [](const Nome &nome, std::uint32_t valor) { return nome.uValor < valor; });
+  return pAchado != std::end(tabela) && pAchado->uValor == uValor ? pAchado->lpNome : nullptr;
 }
 
 }  // namespace

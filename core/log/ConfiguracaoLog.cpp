@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr char kArquivo[] = "log.ini";
+constexpr char kArquivoIni[] = "log.ini";
 constexpr char kSecao[] = "Log";
 constexpr std::uint32_t kTimeoutPadrao = 600;
 constexpr std::uint64_t kMsPorSegundo = 1000;
@@ -41,27 +41,28 @@ std::string_view Processos() {
   return atual != nullptr ? std::string_view(atual->texto) : kTodos;
 }
 
-void DefineProcessos(const CString &texto) {
-  if (texto == Processos()) {
+void DefineProcessos(const CString &sTexto) {
+  if (sTexto == Processos()) {
     return;
   }
-  auto novo = std::make_unique<TextoProcessos>(TextoProcessos{texto, g_processos.load()});
+  auto novo = std::make_unique<TextoProcessos>(TextoProcessos{sTexto, g_processos.load()});
   while (!g_processos.compare_exchange_weak(novo->anterior, novo.get())) {
   }
   static_cast<void>(novo.release());
 }
 
 void LeArquivo() {
-  plataforma::ISistema &sistema = plataforma::Sistema();
-  const CString instalacao = CQZPath::DiretorioInstalacao(QZ_DF);
+  plataforma::IArquivosIni &ini = plataforma::ArquivosIni();
+  const CString sInstalacao = CQZPath::DiretorioInstalacao(QZ_DF);
   // A bare file name would make the system look in its own directory instead of the current one.
-  const CString arquivo = instalacao.empty() ? sistema.CaminhoAbsoluto(kArquivo) : CQZPath::Junta(instalacao, kArquivo);
+  const CString sArquivo = sInstalacao.empty() ? plataforma::Informacoes().CaminhoAbsoluto(kArquivoIni)
+                                               : CQZPath::Junta(sInstalacao, kArquivoIni);
   unsigned chaves = 0;
   for (const auto &[nome, chave] : kChaves) {
-    chaves |= sistema.LeInteiroIni(arquivo, kSecao, nome, 0) == 1 ? chave : 0U;
+    chaves |= ini.LeInteiro(sArquivo, kSecao, nome, 0) == 1 ? chave : 0U;
   }
-  const std::uint64_t timeout = sistema.LeInteiroIni(arquivo, kSecao, "TimeoutConfig", kTimeoutPadrao);
-  DefineProcessos(sistema.LeTextoIni(arquivo, kSecao, "Processos", CString(kTodos).c_str(), kMaximoProcessos));
+  const std::uint64_t timeout = ini.LeInteiro(sArquivo, kSecao, "TimeoutConfig", kTimeoutPadrao);
+  DefineProcessos(ini.LeTexto(sArquivo, kSecao, "Processos", CString(kTodos).c_str(), kMaximoProcessos));
   g_timeoutMs = timeout * kMsPorSegundo;
   g_chaves = chaves;
 }
@@ -103,17 +104,17 @@ bool RastreamentoLigado() noexcept {
 }
 
 bool ProcessoRastreado(const CString &sProcesso) noexcept {
-  std::string_view resto = Processos();
-  if (resto.find(kTodos) != std::string_view::npos) {
+  std::string_view sResto = Processos();
+  if (sResto.find(kTodos) != std::string_view::npos) {
     return true;
   }
-  while (!resto.empty()) {
-    const std::size_t fim = std::min(resto.find_first_of(kSeparadores), resto.size());
-    const std::string_view trecho = resto.substr(0, fim);
-    if (!trecho.empty() && sProcesso.find(trecho) != CString::npos) {
+  while (!sResto.empty()) {
+    const std::size_t fim = std::min(sResto.find_first_of(kSeparadores), sResto.size());
+    const std::string_view sTrecho = sResto.substr(0, fim);
+    if (!sTrecho.empty() && sProcesso.find(sTrecho) != CString::npos) {
       return true;
     }
-    resto.remove_prefix(std::min(fim + 1, resto.size()));
+    sResto.remove_prefix(std::min(fim + 1, sResto.size()));
   }
   return false;
 }

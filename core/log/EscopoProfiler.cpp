@@ -15,8 +15,8 @@ struct CQZEscopoProfiler::Aberto {
 
   const IQZDF_Profiler *Profiler() const { return profiler ? &*profiler : nullptr; }
 
-  void Grava(TipoRegistro eTipo, const CString &resto) const {
-    GravaLinhaLog(ColunasComuns(Profiler(), origem, eTipo), resto, eTipo, Profiler());
+  void Grava(ETipoRegistro eTipo, const CString &sResto) const {
+    GravaLinhaLog(ColunasComuns(Profiler(), origem, eTipo), sResto, eTipo, Profiler());
   }
 };
 
@@ -30,23 +30,23 @@ std::uint64_t Crescimento(std::uint64_t antes, std::uint64_t agora) {
 
 }  // namespace
 
-void CQZEscopoProfiler::Descarta::operator()(Aberto *aberto) const {
-  delete aberto;
+void CQZEscopoProfiler::Descarta::operator()(Aberto *pAberto) const {
+  delete pAberto;
 }
 
 void CQZEscopoProfiler::Inicia(const IQZDF_Profiler *pProfiler, const NomeFuncao &funcao,
                                const std::function<ParametrosEscopo()> &formata) noexcept {
   try {
-    plataforma::ISistema &sistema = plataforma::Sistema();
+    plataforma::IInformacoes &informacoes = plataforma::Informacoes();
     const std::uint64_t uiTicks = plataforma::Relogio().Ticks();
-    CString sProcesso = sistema.NomeProcesso();
+    CString sProcesso = informacoes.NomeProcesso();
     if (!ProcessoRastreado(sProcesso)) {
       return;
     }
     std::unique_ptr<Aberto, Descarta> aberto(new Aberto);
     const bool bPar = LogEntrada() && LogSaida();
-    aberto->origem = {funcao.Texto(), bPar ? sistema.NovoGuid() : CString(), std::move(sProcesso),
-                      sistema.UsuarioLocal()};
+    aberto->origem = {funcao.Texto(), bPar ? informacoes.NovoGuid() : CString(), std::move(sProcesso),
+                      informacoes.UsuarioLocal()};
     if (pProfiler != nullptr) {
       aberto->profiler.emplace(pProfiler->GetEmpresa(), pProfiler->GetUsuario(), pProfiler->GetSessao());
     }
@@ -56,13 +56,13 @@ void CQZEscopoProfiler::Inicia(const IQZDF_Profiler *pProfiler, const NomeFuncao
     if (!LogEntrada()) {
       return;
     }
-    CString resto = ColunaNumero(m_aberto->uiMemoria) + ColunaNumero(0) + ColunaNumero(0);
+    CString sResto = ColunaNumero(m_aberto->uiMemoria) + ColunaNumero(0) + ColunaNumero(0);
     ParametrosEscopo parametros = formata();
     parametros.resize(std::min(parametros.size(), kMaximoParametros));
     for (const auto &[nome, valor] : parametros) {
-      resto.append(nome).append(" = ").append(valor).append("\t");
+      sResto.append(nome).append(" = ").append(valor).append("\t");
     }
-    m_aberto->Grava(TipoRegistro::Entrou, resto);
+    m_aberto->Grava(ETipoRegistro::Entrou, sResto);
   } catch (...) {
     // The record is lost; the operation goes on.
   }
@@ -77,8 +77,8 @@ void CQZEscopoProfiler::Fim() noexcept {
     }
     const std::uint64_t uiDuracao = LogPerformance() ? Crescimento(aberto->uiTicks, plataforma::Relogio().Ticks()) : 0;
     const std::uint64_t uiMemoria = LogMemory() ? MemoriaDoProcesso() : 0;
-    aberto->Grava(TipoRegistro::Saiu, ColunaNumero(uiMemoria) + ColunaNumero(uiDuracao) +
-                                          ColunaNumero(Crescimento(aberto->uiMemoria, uiMemoria)));
+    aberto->Grava(ETipoRegistro::Saiu, ColunaNumero(uiMemoria) + ColunaNumero(uiDuracao) +
+                                           ColunaNumero(Crescimento(aberto->uiMemoria, uiMemoria)));
   } catch (...) {
     // The record is lost; the operation's result stands.
   }

@@ -50,7 +50,7 @@ public:
 private:
   struct Aberto;
   struct Descarta {
-    void operator()(Aberto *aberto) const;
+    void operator()(Aberto *pAberto) const;
   };
 
   void Inicia(const IQZDF_Profiler *pProfiler, const NomeFuncao &funcao,

@@ -10,14 +10,14 @@
 namespace {
 
 template <class... Argumentos>
-CString Formata(const char *formato, Argumentos... argumentos) {
+CString Formata(const char *lpFormato, Argumentos... argumentos) {
   char texto[64] = "";
-  std::snprintf(texto, sizeof(texto), formato, argumentos...);
+  std::snprintf(texto, sizeof(texto), lpFormato, argumentos...);
   return texto;
 }
 
-CString Coluna(const CString &texto) {
-  return texto.empty() ? CString() : texto + "\t";
+CString Coluna(const CString &sTexto) {
+  return sTexto.empty() ? CString() : sTexto + "\t";
 }
 
 /// The system's time; the machine's own where a configured shift leads out of the calendar, so that the record is not
@@ -45,23 +45,23 @@ CString Identidade(const IQZDF_Profiler *pProfiler) {
   }
   return CString("E").append(pProfiler->GetEmpresa()) + "\t" + Formata("U%03d\t", pProfiler->GetUsuario()) +
          Formata("S%08d\t", static_cast<std::int32_t>(pProfiler->GetSessao())) +
-         Formata("T%08d\t", static_cast<std::int32_t>(plataforma::Sistema().IdThread()));
+         Formata("T%08d\t", static_cast<std::int32_t>(plataforma::Informacoes().IdThread()));
 }
 
 CString MemoriaDaMaquina() {
   std::uint64_t disponivel = 0;
   std::uint64_t total = 0;
-  if (!plataforma::Sistema().MemoriaMaquina(&disponivel, &total)) {
+  if (!plataforma::Informacoes().MemoriaMaquina(&disponivel, &total)) {
     disponivel = total = 0;
   }
   return ColunaNumero(disponivel) + ColunaNumero(total);
 }
 
-const char *NomeTipo(TipoRegistro eTipo) {
+const char *NomeTipo(ETipoRegistro eTipo) {
   switch (eTipo) {
-    case TipoRegistro::Entrou:
+    case ETipoRegistro::Entrou:
       return "ENTROU\t";
-    case TipoRegistro::Saiu:
+    case ETipoRegistro::Saiu:
       return "SAIU\t";
     default:
       return "ERRO\t";
@@ -71,7 +71,7 @@ const char *NomeTipo(TipoRegistro eTipo) {
 /// The low double word is printed whole and signed, as readers of the file know it.
 CString VersaoPrograma() {
   plataforma::VersaoArquivo versao;
-  if (!plataforma::Sistema().VersaoPrograma(&versao)) {
+  if (!plataforma::Informacoes().VersaoPrograma(&versao)) {
     versao = {};
   }
   const std::uint32_t alta = versao.maisSignificativa;
@@ -79,20 +79,20 @@ CString VersaoPrograma() {
 }
 
 CString VersaoSO() {
-  const plataforma::VersaoSistema versao = plataforma::Sistema().VersaoSO();
+  const plataforma::VersaoSistema versao = plataforma::Informacoes().VersaoSO();
   return Formata("%u.%u.%u\t", versao.maior, versao.menor, versao.compilacao);
 }
 
 }  // namespace
 
-CString ColunasComuns(const IQZDF_Profiler *pProfiler, const OrigemRegistro &origem, TipoRegistro eTipo) {
+CString ColunasComuns(const IQZDF_Profiler *pProfiler, const OrigemRegistro &origem, ETipoRegistro eTipo) {
   return DataHora() + Coluna(origem.sProcesso) + Coluna(origem.sUsuarioLocal) + Coluna(origem.sFuncao) +
          Coluna(origem.sGuid) + Identidade(pProfiler) + NomeTipo(eTipo) + MemoriaDaMaquina();
 }
 
 std::uint64_t MemoriaDoProcesso() {
   std::uint64_t bytes = 0;
-  return plataforma::Sistema().MemoriaProcesso(&bytes) ? bytes : 0;
+  return plataforma::Informacoes().MemoriaProcesso(&bytes) ? bytes : 0;
 }
 
 CString ColunaNumero(std::uint64_t valor) {
@@ -103,11 +103,12 @@ void GravaRegistroErro(const IQZDF_Profiler *pProfiler, const CString &sFuncao, 
                        const CString &sLog) noexcept {
   try {
     CarregaConfiguracaoLog();
-    plataforma::ISistema &sistema = plataforma::Sistema();
-    const OrigemRegistro origem{sFuncao, sistema.NovoGuid(), sistema.NomeProcesso(), sistema.UsuarioLocal()};
-    const CString resto = ColunaNumero(MemoriaDoProcesso()) + VersaoPrograma() + VersaoSO() + lpArquivo + "\t" +
-                          std::to_string(iLinha) + "\t" + sLog + "\t";
-    GravaLinhaLog(ColunasComuns(pProfiler, origem, TipoRegistro::Erro), resto, TipoRegistro::Erro, pProfiler);
+    plataforma::IInformacoes &informacoes = plataforma::Informacoes();
+    const OrigemRegistro origem{sFuncao, informacoes.NovoGuid(), informacoes.NomeProcesso(),
+                                informacoes.UsuarioLocal()};
+    const CString sResto = ColunaNumero(MemoriaDoProcesso()) + VersaoPrograma() + VersaoSO() + lpArquivo + "\t" +
+                           std::to_string(iLinha) + "\t" + sLog + "\t";
+    GravaLinhaLog(ColunasComuns(pProfiler, origem, ETipoRegistro::Erro), sResto, ETipoRegistro::Erro, pProfiler);
   } catch (...) {
     // The record is lost; the failure that it tells of is returned to the caller all the same.
   }

@@ -17,7 +17,7 @@ struct OrigemRegistro {
 
 /// The columns that all records begin with, from "Data" to "MemoriaTotal". An empty text of the origin is left out with
 /// its tab, so that later columns move to the left. Without a profiler its four columns stay empty.
-CString ColunasComuns(const IQZDF_Profiler *pProfiler, const OrigemRegistro &origem, TipoRegistro eTipo);
+CString ColunasComuns(const IQZDF_Profiler *pProfiler, const OrigemRegistro &origem, ETipoRegistro eTipo);
 
 /// Private bytes of the process; 0 when they cannot be had.
 std::uint64_t MemoriaDoProcesso();

@@ -13,7 +13,7 @@ public:
   virtual ~IBiblioteca() = default;
 
   /// Address of an exported function, valid until the library is freed; null when it has none of that name.
-  virtual void *Funcao(const char *nome) = 0;
+  virtual void *Funcao(const char *lpNome) = 0;
 
 protected:
   IBiblioteca() = default;
@@ -28,7 +28,7 @@ public:
 
   /// Loads a library by its absolute path, looking for what it needs in its own directory first; null when that fails.
   /// Never shows a message box.
-  virtual std::unique_ptr<IBiblioteca> Carrega(const CString &caminho) = 0;
+  virtual std::unique_ptr<IBiblioteca> Carrega(const CString &sCaminho) = 0;
 
 protected:
   IBibliotecas() = default;

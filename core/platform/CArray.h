@@ -40,8 +40,6 @@ public:
     return m_itens.size() - 1;
   }
 
-  void RemoveAll() { m_itens.clear(); }
-
   /// Removes one element; an index past the end raises CInvalidArgException.
   void RemoveAt(std::size_t indice) {
     Verifica(indice);

@@ -2,7 +2,8 @@
 #define KALVO_CORE_PLATFORM_CFILEEXCEPTION_H
 
 #include "core/platform/CException.h"
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/FalhaArquivo.h"
+#include "core/platform/Tipos.h"
 
 /// A failed file operation of the framework, thrown by pointer. The file services of this system return the same facts
 /// as a FalhaArquivo instead; the exception comes from code that uses the framework's own file classes.

@@ -27,7 +27,7 @@ public:
   /// Shows a box, blocks until somebody answers it and returns the answer. Where nobody can see a box (a service, a
   /// server activated without a desktop) returns 0 at once: there a box would hold its thread, and whatever locks that
   /// thread has, for ever.
-  virtual int Mostra(const CString &texto, const CString &titulo, std::uint32_t tipo, DonoCaixa dono) = 0;
+  virtual int Mostra(const CString &sTexto, const CString &sTitulo, std::uint32_t tipo, DonoCaixa eDono) = 0;
 
 protected:
   ICaixaMensagem() = default;

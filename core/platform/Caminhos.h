@@ -6,7 +6,7 @@
 namespace plataforma {
 
 /// True when a path names the same place whatever the current directory and drive are. Any thread may call.
-bool CaminhoAbsoluto(const CString &caminho);
+bool EhCaminhoAbsoluto(const CString &sCaminho);
 
 }  // namespace plataforma
 

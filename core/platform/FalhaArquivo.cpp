@@ -1,4 +1,4 @@
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/FalhaArquivo.h"
 
 namespace plataforma {
 

@@ -10,7 +10,7 @@ namespace plataforma {
 void *AlocaTarefa(std::size_t bytes);
 
 /// Frees what AlocaTarefa gave; null does nothing.
-void LiberaTarefa(void *memoria);
+void LiberaTarefa(void *pMemoria);
 
 }  // namespace plataforma
 

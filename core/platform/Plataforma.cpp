@@ -12,23 +12,24 @@ std::atomic<const Servicos *> g_emVigor{nullptr};
 }  // namespace
 
 const Servicos &ServicosDoSistema() {
-  static const Servicos servicos{&ArquivosDoSistema(),    &RegistroDoSistema(),    &RelogioDoSistema(),
-                                 &BibliotecasDoSistema(), &InformacoesDoSistema(), &CaixaDoSistema()};
-  return servicos;
+  static const Servicos pServicos{&ArquivosDoSistema(),     &RegistroDoSistema(),    &RelogioDoSistema(),
+                                  &BibliotecasDoSistema(),  &InformacoesDoSistema(), &ArquivosIniDoSistema(),
+                                  &CaixaMensagemDoSistema()};
+  return pServicos;
 }
 
 const Servicos &ServicosEmVigor() {
-  const Servicos *servicos = g_emVigor.load(std::memory_order_acquire);
-  if (servicos == nullptr) {
+  const Servicos *pServicos = g_emVigor.load(std::memory_order_acquire);
+  if (pServicos == nullptr) {
     // Entered, so that the next call finds them without asking whether they have been made.
-    const Servicos *const doSistema = &ServicosDoSistema();
-    servicos = g_emVigor.compare_exchange_strong(servicos, doSistema) ? doSistema : servicos;
+    const Servicos *const pDoSistema = &ServicosDoSistema();
+    pServicos = g_emVigor.compare_exchange_strong(pServicos, pDoSistema) ? pDoSistema : pServicos;
   }
-  return *servicos;
+  return *pServicos;
 }
 
-void SubstituiServicos(const Servicos *servicos) {
-  g_emVigor.store(servicos, std::memory_order_release);
+void SubstituiServicos(const Servicos *pServicos) {
+  g_emVigor.store(pServicos, std::memory_order_release);
 }
 
 }  // namespace plataforma

@@ -1,24 +1,26 @@
 #ifndef KALVO_CORE_PLATFORM_PLATAFORMA_H
 #define KALVO_CORE_PLATFORM_PLATAFORMA_H
 
+#include "core/platform/Arquivos.h"
+#include "core/platform/ArquivosIni.h"
 #include "core/platform/Bibliotecas.h"
 #include "core/platform/CaixaMensagem.h"
+#include "core/platform/Informacoes.h"
 #include "core/platform/Registro.h"
 #include "core/platform/Relogio.h"
-#include "core/platform/Sistema.h"
-#include "core/platform/SistemaArquivos.h"
 
 namespace plataforma {
 
 /// The services of the operating system that the layers above use, gathered so that a test can put its own in place.
 /// The object does not own the services.
 struct Servicos {
-  ISistemaArquivos *arquivos;
+  IArquivos *arquivos;
   IRegistro *registro;
   IRelogio *relogio;
   IBibliotecas *bibliotecas;
-  ISistema *sistema;
-  ICaixaMensagem *caixa;
+  IInformacoes *informacoes;
+  IArquivosIni *arquivosIni;
+  ICaixaMensagem *caixaMensagem;
 };
 
 /// The operating system's own services; valid for the life of the process.
@@ -27,11 +29,11 @@ const Servicos &ServicosDoSistema();
 /// The services in force: the operating system's own unless replaced.
 const Servicos &ServicosEmVigor();
 
-/// Puts `servicos` in force for the whole process, null for the system's own. Not synchronised: only while no other
+/// Puts `pServicos` in force for the whole process, null for the system's own. Not synchronised: only while no other
 /// thread uses the layers above. The object must outlive its use.
-void SubstituiServicos(const Servicos *servicos);
+void SubstituiServicos(const Servicos *pServicos);
 
-inline ISistemaArquivos &Arquivos() {
+inline IArquivos &Arquivos() {
   return *ServicosEmVigor().arquivos;
 }
 inline IRegistro &Registro() {
@@ -43,11 +45,14 @@ inline IBibliotecas &Bibliotecas() {
 inline IRelogio &Relogio() {
   return *ServicosEmVigor().relogio;
 }
-inline ISistema &Sistema() {
-  return *ServicosEmVigor().sistema;
+inline IInformacoes &Informacoes() {
+  return *ServicosEmVigor().informacoes;
 }
-inline ICaixaMensagem &Caixa() {
-  return *ServicosEmVigor().caixa;
+inline IArquivosIni &ArquivosIni() {
+  return *ServicosEmVigor().arquivosIni;
+}
+inline ICaixaMensagem &CaixaMensagem() {
+  return *ServicosEmVigor().caixaMensagem;
 }
 
 }  // namespace plataforma

@@ -16,14 +16,14 @@ public:
   virtual ~IRegistro() = default;
 
   /// True when the key exists and can be opened for reading.
-  virtual bool ExisteChave(const CString &chave) = 0;
+  virtual bool ExisteChave(const CString &sChave) = 0;
 
-  /// A text value (REG_SZ or REG_EXPAND_SZ) up to its first zero byte; `expande` replaces %NAME% in a REG_EXPAND_SZ by
+  /// A text value (REG_SZ or REG_EXPAND_SZ) up to its first zero byte; `bExpande` replaces %NAME% in a REG_EXPAND_SZ by
   /// the process environment. Empty optional when the key or value is missing or of another type.
-  virtual std::optional<CString> LeTexto(const CString &chave, const CString &nome, bool expande) = 0;
+  virtual std::optional<CString> LeTexto(const CString &sChave, const CString &sNome, bool bExpande) = 0;
 
   /// A REG_DWORD value. Empty optional when the key or value is missing or of another type.
-  virtual std::optional<std::uint32_t> LeNumero(const CString &chave, const CString &nome) = 0;
+  virtual std::optional<std::uint32_t> LeNumero(const CString &sChave, const CString &sNome) = 0;
 
 protected:
   IRegistro() = default;

@@ -33,7 +33,7 @@ public:
 
   /// Converts local time to UTC by the machine's present time zone; both in 100-nanosecond ticks since 1601. False,
   /// with the system's error number, when the moment cannot be converted.
-  virtual bool LocalParaUtc(std::uint64_t local, std::uint64_t *utc, std::uint32_t *erroSO) = 0;
+  virtual bool LocalParaUtc(std::uint64_t local, std::uint64_t *puiUtc, std::uint32_t *puiErroSO) = 0;
 
 protected:
   IRelogio() = default;

@@ -11,7 +11,7 @@ namespace plataforma {
 /// waits for ever as soon as a writer waits.
 ///
 /// The members have the standard names, so that the standard guards hold it. Where a machine fault may abandon the
-/// holder's stack it is held through CQZTravaLeitura and CQZTravaEscrita (LivroTravas.h).
+/// holder's stack it is held through CQZTravaLeitura and CQZTravaEscrita (Travas.h).
 class SecaoCompartilhada {
 public:
   SecaoCompartilhada();

@@ -21,7 +21,7 @@ enum class NivelTrava : unsigned char {
 class SecaoCritica {
 public:
   /// Throws an HRESULT (0x80070000 | error) when the system cannot create the lock.
-  explicit SecaoCritica(NivelTrava nivel);
+  explicit SecaoCritica(NivelTrava eNivel);
   ~SecaoCritica();
   SecaoCritica(const SecaoCritica &) = delete;
   SecaoCritica &operator=(const SecaoCritica &) = delete;

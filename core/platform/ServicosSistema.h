@@ -1,12 +1,13 @@
 #ifndef KALVO_CORE_PLATFORM_SERVICOSSISTEMA_H
 #define KALVO_CORE_PLATFORM_SERVICOSSISTEMA_H
 
+#include "core/platform/Arquivos.h"
+#include "core/platform/ArquivosIni.h"
 #include "core/platform/Bibliotecas.h"
 #include "core/platform/CaixaMensagem.h"
+#include "core/platform/Informacoes.h"
 #include "core/platform/Registro.h"
 #include "core/platform/Relogio.h"
-#include "core/platform/Sistema.h"
-#include "core/platform/SistemaArquivos.h"
 
 namespace plataforma {
 
@@ -14,12 +15,13 @@ namespace plataforma {
 // destroyed, so that code that runs late at process exit may still use them. Layers above ask for the services in force
 // (Plataforma.h) instead.
 
-ISistemaArquivos &ArquivosDoSistema();
+IArquivos &ArquivosDoSistema();
 IRegistro &RegistroDoSistema();
 IRelogio &RelogioDoSistema();
 IBibliotecas &BibliotecasDoSistema();
-ISistema &InformacoesDoSistema();
-ICaixaMensagem &CaixaDoSistema();
+IInformacoes &InformacoesDoSistema();
+IArquivosIni &ArquivosIniDoSistema();
+ICaixaMensagem &CaixaMensagemDoSistema();
 
 }  // namespace plataforma
 

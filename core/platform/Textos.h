@@ -7,12 +7,12 @@ namespace plataforma {
 
 /// Upper case by the rules of the Windows ANSI code page, accented letters included: the folding that file and
 /// registry names undergo.
-CString Maiusculas(const CString &texto);
+CString Maiusculas(const CString &sTexto);
 
 /// The Windows shell's wildcard match (`PathMatchSpecA`): '*' any run, '?' one character, letter case ignored, ';'
 /// separates alternative patterns, blanks before a pattern are skipped, "*.*" matches everything. Both texts are
 /// zero-terminated. Any thread may call; never fails.
-bool CasaCuringa(const char *texto, const char *padrao);
+bool CasaCuringa(const char *lpTexto, const char *lpPadrao);
 
 /// True when every letter of the Windows ANSI code page takes one byte.
 bool PaginaDeUmByte();

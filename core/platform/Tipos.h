@@ -16,6 +16,11 @@ constexpr HRESULT CodigoResultado(std::uint32_t bits) {
   return static_cast<HRESULT>(bits);
 }
 
+/// The result code of a Win32 error number, of which the low 16 bits count.
+constexpr HRESULT CodigoWin32(std::uint32_t erro) {
+  return CodigoResultado(0x80070000U | (erro & 0xFFFFU));
+}
+
 /// The 32 bits of a result code, for comparison with codes written in hexadecimal.
 constexpr std::uint32_t BitsResultado(HRESULT hr) {
   return static_cast<std::uint32_t>(hr);

@@ -1,4 +1,4 @@
-#include "core/platform/LivroTravas.h"
+#include "core/platform/LivroDaThread.h"
 #include "core/platform/TravaEntreProcessos.h"
 
 namespace plataforma {
@@ -6,13 +6,13 @@ namespace plataforma {
 CQZTravaDeProcesso::CQZTravaDeProcesso(ITravaEntreProcessos &trava, std::uint32_t limiteMs)
     : m_trava(trava), m_bTomada(trava.Toma(limiteMs)) {
   if (m_bTomada) {
-    LivroTravas::Anota(&trava, [](void *objeto) { static_cast<ITravaEntreProcessos *>(objeto)->Solta(); });
+    LivroDaThread::Anota(&trava, [](void *pObjeto) { static_cast<ITravaEntreProcessos *>(pObjeto)->Solta(); });
   }
 }
 
 CQZTravaDeProcesso::~CQZTravaDeProcesso() {
   if (m_bTomada) {
-    LivroTravas::Retira(&m_trava);
+    LivroDaThread::Retira(&m_trava);
     m_trava.Solta();
   }
 }

@@ -27,9 +27,9 @@ protected:
   ITravaEntreProcessos &operator=(const ITravaEntreProcessos &) = default;
 };
 
-/// Makes the lock known under `nome` (letters, digits and '-'), visible to all sessions of the machine where the
+/// Makes the lock known under `sNome` (letters, digits and '-'), visible to all sessions of the machine where the
 /// account may create such names, else to this session.
-std::unique_ptr<ITravaEntreProcessos> CriaTravaEntreProcessos(const CString &nome);
+std::unique_ptr<ITravaEntreProcessos> CriaTravaEntreProcessos(const CString &sNome);
 
 /// Holds a lock between processes for a scope, known to the thread's ledger like every other lock. The lock object must
 /// outlive a machine fault inside the scope: it lives on the heap.

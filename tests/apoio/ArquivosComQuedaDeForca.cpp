@@ -30,9 +30,9 @@ public:
     const FalhaArquivo falha = m_base->Grava(posicao, origem, feitos);
     if (!falha && feitos != 0) {
       const auto onde = static_cast<std::size_t>(posicao);
-      std::string &atual = m_conteudo->atual;
-      atual.resize(std::max(atual.size(), onde + feitos));
-      atual.replace(onde, feitos, static_cast<const char *>(origem), feitos);
+      std::string &sAtual = m_conteudo->atual;
+      sAtual.resize(std::max(sAtual.size(), onde + feitos));
+      sAtual.replace(onde, feitos, static_cast<const char *>(origem), feitos);
     }
     return queda ? queda : falha;
   }
@@ -45,7 +45,7 @@ public:
     }
     return falha;
   }
-  FalhaArquivo UltimaEscrita(std::uint64_t *ticks) override { return m_base->UltimaEscrita(ticks); }
+  FalhaArquivo UltimaEscrita(std::uint64_t *puiTicks) override { return m_base->UltimaEscrita(puiTicks); }
   /// The device is this object: to flush the real one would only take time.
   FalhaArquivo Descarrega() override {
     const FalhaArquivo queda = m_dono.Muda();
@@ -78,9 +78,9 @@ void ArquivosComQuedaDeForca::Prepara(Queda eQueda, std::size_t n) {
 
 /// What is mapped changes without a call, up to the end of the process.
 void ArquivosComQuedaDeForca::FixaMapas() {
-  for (const auto &[pConteudo, bytes] : m_mapas) {
+  for (const auto &[pConteudo, sBytes] : m_mapas) {
     if (!Caiu()) {
-      pConteudo->atual = bytes;
+      pConteudo->atual = sBytes;
     }
   }
 }
@@ -91,39 +91,39 @@ FalhaArquivo ArquivosComQuedaDeForca::Muda() {
   return Caiu() ? plataforma::FalhaWin32(1117) : plataforma::kSemFalha;
 }
 
-FalhaArquivo ArquivosComQuedaDeForca::Abre(const CString &caminho, const plataforma::ModoAbertura &modo,
-                                           std::unique_ptr<plataforma::IArquivoAberto> *arquivo) {
-  arquivo->reset();
+FalhaArquivo ArquivosComQuedaDeForca::Abre(const CString &sCaminho, const plataforma::ModoAbertura &modo,
+                                           std::unique_ptr<plataforma::IArquivoAberto> *pArquivo) {
+  pArquivo->reset();
   if (modo.criacao != Criacao::SoExistente) {
     if (const FalhaArquivo queda = Muda()) {
       return queda;
     }
   }
   std::shared_ptr<Conteudo> conteudo;
-  if (const auto conhecido = m_conteudos.find(caminho); conhecido != m_conteudos.end()) {
+  if (const auto conhecido = m_conteudos.find(sCaminho); conhecido != m_conteudos.end()) {
     conteudo = conhecido->second;
   } else {
     // Read before the open, which may empty the file.
-    const std::string bytes = ExisteNoDisco(caminho) ? LeArquivo(caminho) : "";
-    conteudo = std::make_shared<Conteudo>(Conteudo{bytes, bytes});
+    const std::string sBytes = ExisteNoDisco(sCaminho) ? LeArquivo(sCaminho) : "";
+    conteudo = std::make_shared<Conteudo>(Conteudo{sBytes, sBytes});
   }
   std::unique_ptr<plataforma::IArquivoAberto> base;
-  const FalhaArquivo falha = ArquivosDecorado::Abre(caminho, modo, &base);
+  const FalhaArquivo falha = ArquivosDecorado::Abre(sCaminho, modo, &base);
   if (!falha) {
     if (modo.criacao == Criacao::CriaVazio) {
       conteudo->atual.clear();
     }
-    m_conteudos[caminho] = conteudo;
-    *arquivo = std::make_unique<Arquivo>(*this, std::move(conteudo), std::move(base));
+    m_conteudos[sCaminho] = conteudo;
+    *pArquivo = std::make_unique<Arquivo>(*this, std::move(conteudo), std::move(base));
   }
   return falha;
 }
 
-FalhaArquivo ArquivosComQuedaDeForca::Apaga(const CString &caminho) {
+FalhaArquivo ArquivosComQuedaDeForca::Apaga(const CString &sCaminho) {
   const FalhaArquivo queda = Muda();
-  const FalhaArquivo falha = queda ? queda : ArquivosDecorado::Apaga(caminho);
+  const FalhaArquivo falha = queda ? queda : ArquivosDecorado::Apaga(sCaminho);
   if (!falha) {
-    m_conteudos.erase(caminho);
+    m_conteudos.erase(sCaminho);
   }
   return falha;
 }
@@ -146,10 +146,10 @@ void ArquivosComQuedaDeForca::CortaForca() {
   if (std::any_of(m_conteudos.begin(), m_conteudos.end(), [](const auto &par) { return par.second.use_count() > 1; })) {
     throw std::logic_error("a file is still open");
   }
-  for (const auto &[caminho, conteudo] : m_conteudos) {
-    std::string &bytes = m_eQueda == Queda::DoProcesso ? conteudo->atual : conteudo->descarregado;
-    bytes.resize(m_eQueda == Queda::TamanhoPerdido ? bytes.size() : conteudo->atual.size());
-    EscreveArquivo(caminho, bytes);
+  for (const auto &[sCaminho, conteudo] : m_conteudos) {
+    std::string &sBytes = m_eQueda == Queda::DoProcesso ? conteudo->atual : conteudo->descarregado;
+    sBytes.resize(m_eQueda == Queda::TamanhoPerdido ? sBytes.size() : conteudo->atual.size());
+    EscreveArquivo(sCaminho, sBytes);
   }
   m_conteudos.clear();
 }

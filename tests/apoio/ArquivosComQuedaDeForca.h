@@ -31,10 +31,10 @@ public:
   /// Puts every file on disk to what the device has, and begins anew. No file may be open.
   void CortaForca();
 
-  FalhaArquivo Abre(const CString &caminho, const plataforma::ModoAbertura &modo,
-                    std::unique_ptr<plataforma::IArquivoAberto> *arquivo) override;
-  FalhaArquivo Apaga(const CString &caminho) override;
-  FalhaArquivo MoveSubstituindo(const CString &origem, const CString &destino) override;
+  FalhaArquivo Abre(const CString &sCaminho, const plataforma::ModoAbertura &modo,
+                    std::unique_ptr<plataforma::IArquivoAberto> *pArquivo) override;
+  FalhaArquivo Apaga(const CString &sCaminho) override;
+  FalhaArquivo MoveSubstituindo(const CString &sOrigem, const CString &sDestino) override;
 
 private:
   class Arquivo;

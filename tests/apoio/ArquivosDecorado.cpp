@@ -11,7 +11,7 @@ using plataforma::ModoAbertura;
 /// An open file whose operations count too.
 class ArquivosComFalha::Arquivo final : public IArquivoAberto {
 public:
-  Arquivo(ArquivosComFalha &dono, const CString &caminho) : m_dono(dono), m_caminho(caminho) {
+  Arquivo(ArquivosComFalha &dono, const CString &sCaminho) : m_dono(dono), m_caminho(sCaminho) {
     const std::lock_guard<std::mutex> guarda(m_dono.m_mutex);
     m_dono.m_abertos.insert(this);
   }
@@ -37,13 +37,13 @@ public:
     const FalhaArquivo falha = Passa(kOpAjustaTamanho);
     return falha ? falha : m_base->AjustaTamanho(tamanho);
   }
-  FalhaArquivo UltimaEscrita(std::uint64_t *ticks) override {
+  FalhaArquivo UltimaEscrita(std::uint64_t *puiTicks) override {
     const FalhaArquivo falha = Passa(kOpTamanho);
     if (!falha && m_dono.m_ultimaEscrita != 0) {
-      *ticks = m_dono.m_ultimaEscrita;
+      *puiTicks = m_dono.m_ultimaEscrita;
       return plataforma::kSemFalha;
     }
-    return falha ? falha : m_base->UltimaEscrita(ticks);
+    return falha ? falha : m_base->UltimaEscrita(puiTicks);
   }
   FalhaArquivo Mapeia(std::size_t qtd, std::byte **ppBytes) override {
     const FalhaArquivo falha = Passa(kOpAjustaTamanho);
@@ -59,7 +59,7 @@ public:
     m_morte = falha;
     m_base.reset();
   }
-  bool Chama(const CString &caminho) const { return m_caminho == caminho; }
+  bool Chama(const CString &sCaminho) const { return m_caminho == sCaminho; }
   std::unique_ptr<IArquivoAberto> &Base() { return m_base; }
 
 private:
@@ -109,16 +109,16 @@ int ArquivosComFalha::Abertos() const {
       std::count_if(m_abertos.begin(), m_abertos.end(), [](Arquivo *pAberto) { return pAberto->Base() != nullptr; }));
 }
 
-std::optional<std::string> ArquivosComFalha::Conteudo(const CString &caminho) {
+std::optional<std::string> ArquivosComFalha::Conteudo(const CString &sCaminho) {
   std::unique_ptr<IArquivoAberto> proprio;
   IArquivoAberto *pArquivo = nullptr;
   {
     const std::lock_guard<std::mutex> guarda(m_mutex);
     for (Arquivo *pAberto : m_abertos) {
-      pArquivo = pAberto->Chama(caminho) && pAberto->Base() ? pAberto->Base().get() : pArquivo;
+      pArquivo = pAberto->Chama(sCaminho) && pAberto->Base() ? pAberto->Base().get() : pArquivo;
     }
   }
-  if (pArquivo == nullptr && !ArquivosDecorado::Abre(caminho, {}, &proprio)) {
+  if (pArquivo == nullptr && !ArquivosDecorado::Abre(sCaminho, {}, &proprio)) {
     pArquivo = proprio.get();
   }
   if (pArquivo == nullptr) {
@@ -126,21 +126,21 @@ std::optional<std::string> ArquivosComFalha::Conteudo(const CString &caminho) {
   }
   std::uint64_t uiTamanho = 0;
   FalhaArquivo falha = pArquivo->Tamanho(&uiTamanho);
-  std::string bytes(static_cast<std::size_t>(uiTamanho), '\0');
-  falha = falha ? falha : pArquivo->Le(0, bytes.data(), bytes.size());
-  return falha ? "cannot be read" : bytes;
+  std::string sBytes(static_cast<std::size_t>(uiTamanho), '\0');
+  falha = falha ? falha : pArquivo->Le(0, sBytes.data(), sBytes.size());
+  return falha ? "cannot be read" : sBytes;
 }
 
 /// True when the operation is one that the plan is about.
-bool ArquivosComFalha::PlanoArmado::Conta(Operacao operacao, const CString &caminho) {
-  if ((plano.operacoes & operacao) == 0 || caminho.find(plano.trecho) == CString::npos) {
+bool ArquivosComFalha::PlanoArmado::Conta(Operacao operacao, const CString &sCaminho) {
+  if ((plano.operacoes & operacao) == 0 || sCaminho.find(plano.trecho) == CString::npos) {
     return false;
   }
   ++vistas;
   return vistas == plano.outra || (plano.bPersistente ? vistas >= plano.enesima : vistas == plano.enesima);
 }
 
-FalhaArquivo ArquivosComFalha::Passa(Operacao operacao, const CString &caminho, Arquivo *pAberto,
+FalhaArquivo ArquivosComFalha::Passa(Operacao operacao, const CString &sCaminho, Arquivo *pAberto,
                                      const std::function<void(std::size_t)> &gravaAntes) {
   std::unique_lock<std::mutex> guarda(m_mutex);
   if (operacao == kOpAbre && m_aberturasPerdidas != 0) {
@@ -148,7 +148,7 @@ FalhaArquivo ArquivosComFalha::Passa(Operacao operacao, const CString &caminho, 
     return m_falhaMorte;
   }
   for (std::size_t i = 0; i < m_planos.size(); ++i) {
-    if (!m_planos[i].Conta(operacao, caminho)) {
+    if (!m_planos[i].Conta(operacao, sCaminho)) {
       continue;
     }
     ++m_disparos;
@@ -175,33 +175,33 @@ FalhaArquivo ArquivosComFalha::Passa(Operacao operacao, const CString &caminho, 
   return plataforma::kSemFalha;
 }
 
-FalhaArquivo ArquivosComFalha::Abre(const CString &caminho, const ModoAbertura &modo,
+FalhaArquivo ArquivosComFalha::Abre(const CString &sCaminho, const ModoAbertura &modo,
                                     std::unique_ptr<IArquivoAberto> *arquivo) {
   arquivo->reset();
   // First, as the file system does: a file that was created has an owner, whatever memory there is.
-  auto aberto = std::make_unique<Arquivo>(*this, caminho);
-  const FalhaArquivo injetada = Passa(kOpAbre, caminho);
-  const FalhaArquivo falha = injetada ? injetada : ArquivosDecorado::Abre(caminho, modo, &aberto->Base());
+  auto aberto = std::make_unique<Arquivo>(*this, sCaminho);
+  const FalhaArquivo injetada = Passa(kOpAbre, sCaminho);
+  const FalhaArquivo falha = injetada ? injetada : ArquivosDecorado::Abre(sCaminho, modo, &aberto->Base());
   if (!falha) {
     *arquivo = std::move(aberto);
   }
   return falha;
 }
 
-FalhaArquivo ArquivosComFalha::Existe(const CString &caminho, bool *existe) {
-  *existe = false;
-  const FalhaArquivo falha = Passa(kOpExiste, caminho);
-  return falha ? falha : ArquivosDecorado::Existe(caminho, existe);
+FalhaArquivo ArquivosComFalha::Existe(const CString &sCaminho, bool *pbExiste) {
+  *pbExiste = false;
+  const FalhaArquivo falha = Passa(kOpExiste, sCaminho);
+  return falha ? falha : ArquivosDecorado::Existe(sCaminho, pbExiste);
 }
 
-FalhaArquivo ArquivosComFalha::TamanhoDe(const CString &caminho, std::uint64_t *tamanho) {
-  const FalhaArquivo falha = Passa(kOpTamanho, caminho);
-  return falha ? falha : ArquivosDecorado::TamanhoDe(caminho, tamanho);
+FalhaArquivo ArquivosComFalha::TamanhoDe(const CString &sCaminho, std::uint64_t *tamanho) {
+  const FalhaArquivo falha = Passa(kOpTamanho, sCaminho);
+  return falha ? falha : ArquivosDecorado::TamanhoDe(sCaminho, tamanho);
 }
 
-FalhaArquivo ArquivosComFalha::Apaga(const CString &caminho) {
-  const FalhaArquivo falha = Passa(kOpApaga, caminho);
-  return falha ? falha : ArquivosDecorado::Apaga(caminho);
+FalhaArquivo ArquivosComFalha::Apaga(const CString &sCaminho) {
+  const FalhaArquivo falha = Passa(kOpApaga, sCaminho);
+  return falha ? falha : ArquivosDecorado::Apaga(sCaminho);
 }
 
 FalhaArquivo ArquivosComFalha::MoveSubstituindo(const CString &origem, const CString &destino) {
@@ -210,10 +210,10 @@ FalhaArquivo ArquivosComFalha::MoveSubstituindo(const CString &origem, const CSt
   return falha ? falha : ArquivosDecorado::MoveSubstituindo(origem, destino);
 }
 
-FalhaArquivo ArquivosComFalha::Lista(const CString &diretorio, const CString &mascara, std::vector<CString> *nomes) {
-  nomes->clear();
-  const FalhaArquivo falha = Passa(kOpLista, diretorio + mascara);
-  return falha ? falha : ArquivosDecorado::Lista(diretorio, mascara, nomes);
+FalhaArquivo ArquivosComFalha::Lista(const CString &sDiretorio, std::vector<CString> *pNomes) {
+  pNomes->clear();
+  const FalhaArquivo falha = Passa(kOpLista, sDiretorio);
+  return falha ? falha : ArquivosDecorado::Lista(sDiretorio, pNomes);
 }
 
 }  // namespace apoio

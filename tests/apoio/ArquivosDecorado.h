@@ -9,36 +9,36 @@
 #include <string>
 #include <vector>
 
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/Arquivos.h"
 
 namespace apoio {
 
 using plataforma::FalhaArquivo;
 
 /// Forwards every operation to another file system, which must outlive it.
-class ArquivosDecorado : public plataforma::ISistemaArquivos {
+class ArquivosDecorado : public plataforma::IArquivos {
 public:
-  explicit ArquivosDecorado(plataforma::ISistemaArquivos &base) : m_base(base) {}
+  explicit ArquivosDecorado(plataforma::IArquivos &base) : m_base(base) {}
 
-  FalhaArquivo Abre(const CString &caminho, const plataforma::ModoAbertura &modo,
-                    std::unique_ptr<plataforma::IArquivoAberto> *arquivo) override {
-    return m_base.Abre(caminho, modo, arquivo);
+  FalhaArquivo Abre(const CString &sCaminho, const plataforma::ModoAbertura &modo,
+                    std::unique_ptr<plataforma::IArquivoAberto> *pArquivo) override {
+    return m_base.Abre(sCaminho, modo, pArquivo);
   }
-  FalhaArquivo Existe(const CString &caminho, bool *existe) override { return m_base.Existe(caminho, existe); }
-  bool SomenteLeitura(const CString &caminho) override { return m_base.SomenteLeitura(caminho); }
-  FalhaArquivo TamanhoDe(const CString &caminho, std::uint64_t *tamanho) override {
-    return m_base.TamanhoDe(caminho, tamanho);
+  FalhaArquivo Existe(const CString &sCaminho, bool *pbExiste) override { return m_base.Existe(sCaminho, pbExiste); }
+  bool SomenteLeitura(const CString &sCaminho) override { return m_base.SomenteLeitura(sCaminho); }
+  FalhaArquivo TamanhoDe(const CString &sCaminho, std::uint64_t *puiTamanho) override {
+    return m_base.TamanhoDe(sCaminho, puiTamanho);
   }
-  FalhaArquivo Apaga(const CString &caminho) override { return m_base.Apaga(caminho); }
-  FalhaArquivo MoveSubstituindo(const CString &origem, const CString &destino) override {
-    return m_base.MoveSubstituindo(origem, destino);
+  FalhaArquivo Apaga(const CString &sCaminho) override { return m_base.Apaga(sCaminho); }
+  FalhaArquivo MoveSubstituindo(const CString &sOrigem, const CString &sDestino) override {
+    return m_base.MoveSubstituindo(sOrigem, sDestino);
   }
-  FalhaArquivo Lista(const CString &diretorio, const CString &mascara, std::vector<CString> *nomes) override {
-    return m_base.Lista(diretorio, mascara, nomes);
+  FalhaArquivo Lista(const CString &sDiretorio, std::vector<CString> *pNomes) override {
+    return m_base.Lista(sDiretorio, pNomes);
   }
 
 private:
-  plataforma::ISistemaArquivos &m_base;
+  plataforma::IArquivos &m_base;
 };
 
 /// Kinds of operations that can be made to fail; a mask of them.
@@ -95,17 +95,17 @@ public:
   int Abertos() const;
 
   /// All bytes of a file, read through the handle that holds it where there is one; nothing when it is not there.
-  std::optional<std::string> Conteudo(const CString &caminho);
+  std::optional<std::string> Conteudo(const CString &sCaminho);
   /// From now on all files were last written at this time, whatever is written: a change need not wait for the clock.
   void FixaUltimaEscrita(std::uint64_t ticks) { m_ultimaEscrita = ticks; }
 
-  FalhaArquivo Abre(const CString &caminho, const plataforma::ModoAbertura &modo,
-                    std::unique_ptr<plataforma::IArquivoAberto> *arquivo) override;
-  FalhaArquivo Existe(const CString &caminho, bool *existe) override;
-  FalhaArquivo TamanhoDe(const CString &caminho, std::uint64_t *tamanho) override;
-  FalhaArquivo Apaga(const CString &caminho) override;
-  FalhaArquivo MoveSubstituindo(const CString &origem, const CString &destino) override;
-  FalhaArquivo Lista(const CString &diretorio, const CString &mascara, std::vector<CString> *nomes) override;
+  FalhaArquivo Abre(const CString &sCaminho, const plataforma::ModoAbertura &modo,
+                    std::unique_ptr<plataforma::IArquivoAberto> *pArquivo) override;
+  FalhaArquivo Existe(const CString &sCaminho, bool *pbExiste) override;
+  FalhaArquivo TamanhoDe(const CString &sCaminho, std::uint64_t *puiTamanho) override;
+  FalhaArquivo Apaga(const CString &sCaminho) override;
+  FalhaArquivo MoveSubstituindo(const CString &sOrigem, const CString &sDestino) override;
+  FalhaArquivo Lista(const CString &sDiretorio, std::vector<CString> *pNomes) override;
 
 private:
   class Arquivo;
@@ -113,12 +113,12 @@ private:
     PlanoFalha plano;
     std::size_t vistas = 0;
 
-    bool Conta(Operacao operacao, const CString &caminho);
+    bool Conta(Operacao operacao, const CString &sCaminho);
   };
 
   /// Counts one operation; the failure it shall have, or none. Before a failure `gravaAntes` is called with the number
   /// of bytes that are written nevertheless, then what the plan has to run, which may not come back.
-  FalhaArquivo Passa(Operacao operacao, const CString &caminho, Arquivo *pAberto = nullptr,
+  FalhaArquivo Passa(Operacao operacao, const CString &sCaminho, Arquivo *pAberto = nullptr,
                      const std::function<void(std::size_t)> &gravaAntes = nullptr);
 
   mutable std::mutex m_mutex;

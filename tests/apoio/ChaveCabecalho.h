@@ -26,12 +26,12 @@ private:
   public:
     RegistroComChave(plataforma::IRegistro &base, bool bLigada) : m_bLigada(bLigada), m_base(base) {}
 
-    bool ExisteChave(const CString &chave) override { return m_base.ExisteChave(chave); }
-    std::optional<CString> LeTexto(const CString &chave, const CString &nome, bool bExpande) override {
-      return m_base.LeTexto(chave, nome, bExpande);
+    bool ExisteChave(const CString &sChave) override { return m_base.ExisteChave(sChave); }
+    std::optional<CString> LeTexto(const CString &sChave, const CString &sNome, bool bExpande) override {
+      return m_base.LeTexto(sChave, sNome, bExpande);
     }
-    std::optional<std::uint32_t> LeNumero(const CString &chave, const CString &nome) override {
-      return nome == kValorCabecalho ? std::optional<std::uint32_t>(m_bLigada) : m_base.LeNumero(chave, nome);
+    std::optional<std::uint32_t> LeNumero(const CString &sChave, const CString &sNome) override {
+      return sNome == kValorCabecalho ? std::optional<std::uint32_t>(m_bLigada) : m_base.LeNumero(sChave, sNome);
     }
 
     bool m_bLigada;

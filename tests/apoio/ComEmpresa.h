@@ -19,34 +19,34 @@ namespace apoio {
 class ComEmpresa : public ::testing::Test {
 protected:
   /// All bytes of a file, which may be open; nothing when it is not there.
-  std::optional<std::string> Inteiro(const CString &nome) { return m_falhas.Conteudo(m_empresa.Caminho(nome)); }
+  std::optional<std::string> Inteiro(const CString &sNome) { return m_falhas.Conteudo(m_empresa.Caminho(sNome)); }
   /// Has the disk hold a data file with this content, or none, without the help of what is tested.
-  void Poe(const CString &nome, const std::optional<std::string> &dados) {
+  void Poe(const CString &sNome, const std::optional<std::string> &dados) {
     if (dados) {
-      m_empresa.Escreve(nome, NoDisco(nome, *dados));
+      m_empresa.Escreve(sNome, NoDisco(sNome, *dados));
     } else {
-      static_cast<void>(plataforma::ServicosDoSistema().arquivos->Apaga(m_empresa.Caminho(nome)));
+      static_cast<void>(plataforma::ServicosDoSistema().arquivos->Apaga(m_empresa.Caminho(sNome)));
     }
   }
   /// `acao` runs right before the N-th opening of a file: another program that comes in between.
-  PlanoFalha AntesDeAbrir(const CString &nome, std::function<void()> acao, std::size_t enesima = 1) {
+  PlanoFalha AntesDeAbrir(const CString &sNome, std::function<void()> acao, std::size_t enesima = 1) {
     return {.operacoes = kOpAbre,
-            .trecho = m_empresa.Caminho(nome),
+            .trecho = m_empresa.Caminho(sNome),
             .enesima = enesima,
             .falha = {},
             .aoFalhar = std::move(acao)};
   }
 
-  static PlanoFalha Plano(unsigned operacoes, const CString &trecho, std::uint32_t erro, bool bPersistente = true,
+  static PlanoFalha Plano(unsigned operacoes, const CString &sTrecho, std::uint32_t erro, bool bPersistente = true,
                           std::size_t gravaAntes = 7) {
     return {.operacoes = operacoes,
-            .trecho = trecho,
+            .trecho = sTrecho,
             .bPersistente = bPersistente,
             .falha = plataforma::FalhaWin32(erro),
             .gravaAntes = gravaAntes};
   }
-  void Falha(unsigned operacoes, const CString &trecho, std::uint32_t erro, bool bPersistente = true) {
-    m_falhas.Arma(Plano(operacoes, trecho, erro, bPersistente));
+  void Falha(unsigned operacoes, const CString &sTrecho, std::uint32_t erro, bool bPersistente = true) {
+    m_falhas.Arma(Plano(operacoes, sTrecho, erro, bPersistente));
   }
 
   EmpresaComBase m_empresa;

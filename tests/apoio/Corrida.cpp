@@ -37,16 +37,16 @@ public:
   explicit ArquivosSemPasso(unsigned uiSemente)
       : ArquivosDecorado(*plataforma::ServicosDoSistema().arquivos), m_gerador(uiSemente) {}
 
-  FalhaArquivo Abre(const CString &caminho, const plataforma::ModoAbertura &modo,
-                    std::unique_ptr<plataforma::IArquivoAberto> *arquivo) override {
+  FalhaArquivo Abre(const CString &sCaminho, const plataforma::ModoAbertura &modo,
+                    std::unique_ptr<plataforma::IArquivoAberto> *pArquivo) override {
     Demora();
-    const FalhaArquivo falha = ArquivosDecorado::Abre(caminho, modo, arquivo);
+    const FalhaArquivo falha = ArquivosDecorado::Abre(sCaminho, modo, pArquivo);
     Demora();
     return falha;
   }
-  FalhaArquivo MoveSubstituindo(const CString &origem, const CString &destino) override {
+  FalhaArquivo MoveSubstituindo(const CString &sOrigem, const CString &sDestino) override {
     Demora();
-    return ArquivosDecorado::MoveSubstituindo(origem, destino);
+    return ArquivosDecorado::MoveSubstituindo(sOrigem, sDestino);
   }
 
 private:
@@ -68,16 +68,16 @@ unsigned Rodadas() {
   return lpRodadas != nullptr ? static_cast<unsigned>(std::max(1, std::atoi(lpRodadas))) : 6;
 }
 
-std::string LinhaDaLista(const CString &nome) {
-  return std::string(1, static_cast<char>(nome.size())) + std::string(3, '\0') + nome;
+std::string LinhaDaLista(const CString &sNome) {
+  return std::string(1, static_cast<char>(sNome.size())) + std::string(3, '\0') + sNome;
 }
 
-Corrida::Corrida(const std::string &nome, const EmpresaTeste &empresa, unsigned uiProcessos,
+Corrida::Corrida(const std::string &sNome, const EmpresaTeste &empresa, unsigned uiProcessos,
                  const std::string &sConfiguracao)
     : m_empresa(empresa) {
   for (unsigned i = 0; i < uiProcessos; ++i) {
     m_filhos.emplace_back(
-        nome, std::vector<std::string>{empresa.Codigo(), empresa.Caminho(""), std::to_string(i), sConfiguracao});
+        sNome, std::vector<std::string>{empresa.Codigo(), empresa.Caminho(""), std::to_string(i), sConfiguracao});
   }
   m_sTitulo = std::to_string(uiProcessos) + " processes, headers " + (CabecalhosLigados() ? "on" : "off") + ", " +
               sConfiguracao + ": ";
@@ -87,21 +87,21 @@ Corrida::~Corrida() {
   for (ProcessoFilho &filho : m_filhos) {
     EXPECT_EQ(filho.Espera(), 0);
   }
-  std::ostringstream linha;
-  linha << m_sTitulo << m_uiRodada << " rounds, " << m_uiConfirmados << " acknowledged";
+  std::ostringstream sLinha;
+  sLinha << m_sTitulo << m_uiRodada << " rounds, " << m_uiConfirmados << " acknowledged";
   std::size_t uiErrados = 0;
-  for (const auto &[oque, qtd] : m_contas) {
-    linha << ", " << qtd << " " << oque;
+  for (const auto &[sOque, qtd] : m_contas) {
+    sLinha << ", " << qtd << " " << sOque;
     uiErrados += qtd;
   }
-  std::cout << linha.str() << std::endl;
+  std::cout << sLinha.str() << std::endl;
   EXPECT_EQ(uiErrados, 0U) << "in the line above";
 }
 
 bool Corrida::Proxima() {
-  for (const CString &nome : Arquivos()) {
-    if (plataforma::Arquivos().Apaga(m_empresa.Caminho(nome))) {
-      throw std::runtime_error("cannot delete " + nome);
+  for (const CString &sNome : Arquivos()) {
+    if (plataforma::Arquivos().Apaga(m_empresa.Caminho(sNome))) {
+      throw std::runtime_error("cannot delete " + sNome);
     }
   }
   if (m_uiRodada == Rodadas()) {
@@ -131,28 +131,28 @@ std::vector<unsigned> Corrida::Roda() {
   return feitos;
 }
 
-void Corrida::Conta(const std::string &oque, std::size_t qtd) {
+void Corrida::Conta(const std::string &sOque, std::size_t qtd) {
   if (qtd != 0) {
-    m_contas[oque] += qtd;
+    m_contas[sOque] += qtd;
   }
 }
 
 void Corrida::Recusa(HRESULT hr) {
-  std::ostringstream oque;
-  oque << "with 0x" << std::hex << BitsResultado(hr);
+  std::ostringstream sOque;
+  sOque << "with 0x" << std::hex << BitsResultado(hr);
   Conta("refused");
-  Conta(oque.str());
+  Conta(sOque.str());
 }
 
-std::string Corrida::Dados(const CString &nome) const {
-  const std::string bytes = m_empresa.Existe(nome) ? m_empresa.Le(nome) : "";
-  return bytes.substr(CabecalhosLigados() ? std::min(kTamanhoCabecalho, bytes.size()) : 0);
+std::string Corrida::Dados(const CString &sNome) const {
+  const std::string sBytes = m_empresa.Existe(sNome) ? m_empresa.Le(sNome) : "";
+  return sBytes.substr(CabecalhosLigados() ? std::min(kTamanhoCabecalho, sBytes.size()) : 0);
 }
 
-void Corrida::ConfereRegistros(const CString &nome, std::size_t cbRegistro, std::multiset<std::string> registros) {
-  const std::string dados = Dados(nome);
-  for (std::size_t i = 0; i < dados.size(); i += cbRegistro) {
-    const auto achado = registros.find(dados.substr(i, cbRegistro));
+void Corrida::ConfereRegistros(const CString &sNome, std::size_t cbRegistro, std::multiset<std::string> registros) {
+  const std::string sDados = Dados(sNome);
+  for (std::size_t i = 0; i < sDados.size(); i += cbRegistro) {
+    const auto achado = registros.find(sDados.substr(i, cbRegistro));
     if (achado == registros.end()) {
       Conta("written by nobody or twice");
     } else {
@@ -163,22 +163,22 @@ void Corrida::ConfereRegistros(const CString &nome, std::size_t cbRegistro, std:
 }
 
 void Corrida::ConferePasta(const std::vector<CString> &listados) {
-  std::string lista = Dados("QZDATABASE_FILE_CTRL.DAT");
-  for (const CString &nome : listados) {
-    const std::string linha = LinhaDaLista(nome);
-    const std::size_t onde = lista.find(linha);
+  std::string sLista = Dados("QZDATABASE_FILE_CTRL.DAT");
+  for (const CString &sNome : listados) {
+    const std::string sLinha = LinhaDaLista(sNome);
+    const std::size_t onde = sLista.find(sLinha);
     Conta("names missing", onde == std::string::npos);
-    lista.erase(std::min(onde, lista.size()), linha.size());
+    sLista.erase(std::min(onde, sLista.size()), sLinha.size());
   }
-  Conta("names twice", !lista.empty());
-  for (const CString &nome : Arquivos()) {
-    Conta("left over", !nome.ends_with(".DAT"));
+  Conta("names twice", !sLista.empty());
+  for (const CString &sNome : Arquivos()) {
+    Conta("left over", !sNome.ends_with(".DAT"));
   }
 }
 
 std::vector<CString> Corrida::Arquivos() const {
   std::vector<CString> nomes;
-  if (plataforma::Arquivos().Lista(m_empresa.Caminho(""), "*", &nomes)) {
+  if (plataforma::Arquivos().Lista(m_empresa.Caminho(""), &nomes)) {
     throw std::runtime_error("cannot list the directory");
   }
   return nomes;

@@ -18,15 +18,16 @@ namespace apoio {
 unsigned Rodadas();
 
 /// A line of the list of created files.
-std::string LinhaDaLista(const CString &nome);
+std::string LinhaDaLista(const CString &sNome);
 
 /// Processes that do the same thing to one company at the same moment, round after round: a round costs milliseconds,
 /// not the start of a process. What went wrong is counted by kind. Destruction prints a line of the figures and fails
 /// the test unless they are all 0.
 class Corrida {
 public:
-  /// Starts the children. Each runs the registered function `nome`, which hands its arguments on to Corre.
-  Corrida(const std::string &nome, const EmpresaTeste &empresa, unsigned uiProcessos, const std::string &sConfiguracao);
+  /// Starts the children. Each runs the registered function `sNome`, which hands its arguments on to Corre.
+  Corrida(const std::string &sNome, const EmpresaTeste &empresa, unsigned uiProcessos,
+          const std::string &sConfiguracao);
   ~Corrida();
 
   /// False when the rounds are over (Rodadas). Else the company's directory is empty and a new round begins.
@@ -37,15 +38,15 @@ public:
   // What the round left is counted where it is not as it must be.
 
   /// The data of a file, without its header, is these records in any order.
-  void ConfereRegistros(const CString &nome, std::size_t cbRegistro, std::multiset<std::string> registros);
+  void ConfereRegistros(const CString &sNome, std::size_t cbRegistro, std::multiset<std::string> registros);
   /// The list of created files has these names, each once, and nothing else; no companion of a file is left.
   void ConferePasta(const std::vector<CString> &listados);
   /// A process, or the one that opens the company afterwards, was refused.
   void Recusa(HRESULT hr);
-  void Conta(const std::string &oque, std::size_t qtd = 1);
+  void Conta(const std::string &sOque, std::size_t qtd = 1);
 
   /// The data of a file, without its header; empty when the file is missing.
-  std::string Dados(const CString &nome) const;
+  std::string Dados(const CString &sNome) const;
   unsigned Rodada() const { return m_uiRodada; }
 
   /// One try of a child's part: `*puiFeitos` counts the steps done so far, over all tries.

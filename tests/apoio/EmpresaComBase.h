@@ -22,11 +22,12 @@ requires std::is_trivially_copyable_v<T> std::string Bytes(const T &valor) {
 }
 
 /// The bytes of a whole data file with this content: behind a header where headers are on.
-inline std::string NoDisco(const CString &nome, const std::string &dados) {
-  if (!CabecalhosLigados() || nome.ends_with("TRA")) {
-    return dados;
+inline std::string NoDisco(const CString &sNome, const std::string &sDados) {
+  if (!CabecalhosLigados() || sNome.ends_with("TRA")) {
+    return sDados;
   }
-  return Bytes(MontaRegVersao()) + Bytes(MontaRegCabecalho(0, nome, CalculaCrc64(dados.data(), dados.size()))) + dados;
+  return Bytes(MontaRegVersao()) + Bytes(MontaRegCabecalho(0, sNome, CalculaCrc64(sDados.data(), sDados.size()))) +
+         sDados;
 }
 
 /// The content of a text file with these lines.
@@ -46,26 +47,26 @@ inline std::string Linhas(const std::vector<std::string> &textos) {
 class EmpresaComBase : public EmpresaTeste {
 public:
   /// What a file holds behind its header.
-  std::string Le(const CString &nome) const {
-    std::string conteudo = EmpresaTeste::Le(nome);
+  std::string Le(const CString &sNome) const {
+    std::string sConteudo = EmpresaTeste::Le(sNome);
     RegVersaoArquivo versao{};
-    std::memcpy(&versao, conteudo.data(), std::min(conteudo.size(), sizeof(versao)));
+    std::memcpy(&versao, sConteudo.data(), std::min(sConteudo.size(), sizeof(versao)));
     if (!RegVersaoConfere(versao)) {
-      return conteudo;
+      return sConteudo;
     }
-    conteudo.resize(std::max(conteudo.size(), kTamanhoCabecalho));
+    sConteudo.resize(std::max(sConteudo.size(), kTamanhoCabecalho));
     RegCabecalhoArquivo cabecalho{};
-    std::memcpy(&cabecalho, conteudo.data() + kPosicaoRegCabecalho, sizeof(cabecalho));
-    EXPECT_TRUE(RegCabecalhoConfere(cabecalho)) << nome;
-    EXPECT_TRUE(NomeConfere(cabecalho, nome)) << nome;
-    conteudo.erase(0, kTamanhoCabecalho);
-    const std::uint64_t uiCrc = CalculaCrc64(conteudo.data(), conteudo.size());
-    EXPECT_EQ(std::uint64_t{cabecalho.uiCrcDados}, uiCrc) << nome;
-    return conteudo;
+    std::memcpy(&cabecalho, sConteudo.data() + kPosicaoRegCabecalho, sizeof(cabecalho));
+    EXPECT_TRUE(RegCabecalhoConfere(cabecalho)) << sNome;
+    EXPECT_TRUE(NomeConfere(cabecalho, sNome)) << sNome;
+    sConteudo.erase(0, kTamanhoCabecalho);
+    const std::uint64_t uiCrc = CalculaCrc64(sConteudo.data(), sConteudo.size());
+    EXPECT_EQ(std::uint64_t{cabecalho.uiCrcDados}, uiCrc) << sNome;
+    return sConteudo;
   }
 
   /// All bytes of a file.
-  std::string LeInteiro(const CString &nome) const { return EmpresaTeste::Le(nome); }
+  std::string LeInteiro(const CString &sNome) const { return EmpresaTeste::Le(sNome); }
 };
 
 }  // namespace apoio

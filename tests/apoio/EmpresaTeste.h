@@ -27,11 +27,11 @@ public:
   CString ChaveDaEmpresa() const { return CString(kChaveSuite) + "Empresas\\" + m_codigo; }
   CQZProfilerEmpresa Dono() const { return CQZProfilerEmpresa(m_codigo, 7, 42); }
 
-  CString Caminho(const CString &nome) const { return m_pasta / nome; }
-  std::string Le(const CString &nome) const { return LeArquivo(Caminho(nome)); }
-  void Escreve(const CString &nome, const std::string &conteudo) const { EscreveArquivo(Caminho(nome), conteudo); }
-  void CriaSubpasta(const CString &nome) const { m_pasta.CriaSubpasta(nome); }
-  bool Existe(const CString &nome) const { return ExisteNoDisco(Caminho(nome)); }
+  CString Caminho(const CString &sNome) const { return m_pasta / sNome; }
+  std::string Le(const CString &sNome) const { return LeArquivo(Caminho(sNome)); }
+  void Escreve(const CString &sNome, const std::string &sConteudo) const { EscreveArquivo(Caminho(sNome), sConteudo); }
+  void CriaSubpasta(const CString &sNome) const { m_pasta.CriaSubpasta(sNome); }
+  bool Existe(const CString &sNome) const { return ExisteNoDisco(Caminho(sNome)); }
 
 private:
   PastaTemporaria m_pasta;

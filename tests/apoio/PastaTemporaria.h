@@ -17,10 +17,10 @@ public:
 
   /// Absolute path, `\`-separated and ending with `\`.
   const CString &Caminho() const { return m_caminho; }
-  /// Path of a file in the directory; `nome` may name sub-directories with `\`.
-  CString operator/(const CString &nome) const { return m_caminho + nome; }
+  /// Path of a file in the directory; `sNome` may name sub-directories with `\`.
+  CString operator/(const CString &sNome) const { return m_caminho + sNome; }
   /// Creates a sub-directory (its parent must exist) and returns its path, ending with `\`.
-  CString CriaSubpasta(const CString &nome) const;
+  CString CriaSubpasta(const CString &sNome) const;
 
 private:
   CString m_caminho;
@@ -29,15 +29,15 @@ private:
 // Whole files, past the services under test. Failures throw std::runtime_error, so that no test goes on with a file it
 // does not have.
 
-void EscreveArquivo(const CString &caminho, const std::string &conteudo);
-std::string LeArquivo(const CString &caminho);
+void EscreveArquivo(const CString &sCaminho, const std::string &sConteudo);
+std::string LeArquivo(const CString &sCaminho);
 
 /// A path with `\` as the C library of this platform takes it.
-std::string CaminhoDoSistema(const CString &caminho);
+std::string CaminhoDoSistema(const CString &sCaminho);
 
 /// True when a file or directory is there.
-bool ExisteNoDisco(const CString &caminho);
-void MarcaSomenteLeitura(const CString &caminho, bool bSomenteLeitura);
+bool ExisteNoDisco(const CString &sCaminho);
+void MarcaSomenteLeitura(const CString &sCaminho, bool bSomenteLeitura);
 
 /// True when the read-only attribute keeps no one from opening for writing or replacing a file. Wine behaves so for
 /// the superuser; Windows never does.

@@ -16,8 +16,8 @@ std::map<std::string, FuncaoFilha> &Filhas() {
 
 }  // namespace
 
-RegistraFilha::RegistraFilha(const char *nome, FuncaoFilha funcao) {
-  Filhas()[nome] = funcao;
+RegistraFilha::RegistraFilha(const char *lpNome, FuncaoFilha funcao) {
+  Filhas()[lpNome] = funcao;
 }
 
 bool ExecutaFilha(int argc, char **argv, int *codigo) {
@@ -36,16 +36,16 @@ ProcessoFilho::~ProcessoFilho() {
 }
 
 std::string ProcessoFilho::LeLinha() {
-  std::string linha;
+  std::string sLinha;
   char letra = 0;
   while (::read(m_saida, &letra, 1) == 1 && letra != '\n') {
-    linha.append(letra == '\r' ? 0 : 1, letra);
+    sLinha.append(letra == '\r' ? 0 : 1, letra);
   }
-  return linha;
+  return sLinha;
 }
 
-void ProcessoFilho::EnviaLinha(const std::string &linha) {
-  for (const char letra : linha + "\n") {
+void ProcessoFilho::EnviaLinha(const std::string &sLinha) {
+  for (const char letra : sLinha + "\n") {
     if (::write(m_entrada, &letra, 1) != 1) {
       throw std::runtime_error("child does not listen");
     }

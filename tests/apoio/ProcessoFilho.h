@@ -33,7 +33,7 @@ public:
   /// Next line that the child writes, without its end; empty when the child ended. Blocks.
   std::string LeLinha();
   /// Sends a line.
-  void EnviaLinha(const std::string &linha);
+  void EnviaLinha(const std::string &sLinha);
   /// Closes the child's input, waits for its end and returns its exit code.
   int Espera();
   /// Ends the child by force, as a crash would, and waits until it is gone.

@@ -15,12 +15,12 @@ public:
   /// Texts by key (without a final `\`) and value name.
   std::map<std::pair<CString, CString>, CString> m_textos;
 
-  bool ExisteChave(const CString &chave) override {
-    const auto primeiro = m_textos.lower_bound({chave, CString()});
-    return primeiro != m_textos.end() && primeiro->first.first == chave;
+  bool ExisteChave(const CString &sChave) override {
+    const auto primeiro = m_textos.lower_bound({sChave, CString()});
+    return primeiro != m_textos.end() && primeiro->first.first == sChave;
   }
-  std::optional<CString> LeTexto(const CString &chave, const CString &nome, bool) override {
-    const auto achado = m_textos.find({chave, nome});
+  std::optional<CString> LeTexto(const CString &sChave, const CString &sNome, bool) override {
+    const auto achado = m_textos.find({sChave, sNome});
     return achado != m_textos.end() ? std::optional<CString>(achado->second) : std::nullopt;
   }
   std::optional<std::uint32_t> LeNumero(const CString &, const CString &) override { return std::nullopt; }

@@ -16,18 +16,18 @@ public:
   RegistroTeste(const RegistroTeste &) = delete;
   RegistroTeste &operator=(const RegistroTeste &) = delete;
 
-  void CriaChave(const CString &chave);
+  void CriaChave(const CString &sChave);
   /// A REG_SZ; without `bTerminador` its stored bytes lack the final zero.
-  void DefineTexto(const CString &chave, const CString &nome, const CString &texto, bool bTerminador = true);
+  void DefineTexto(const CString &sChave, const CString &sNome, const CString &sTexto, bool bTerminador = true);
   /// A REG_EXPAND_SZ.
-  void DefineTextoExpansivel(const CString &chave, const CString &nome, const CString &texto);
+  void DefineTextoExpansivel(const CString &sChave, const CString &sNome, const CString &sTexto);
   /// A REG_DWORD.
-  void DefineNumero(const CString &chave, const CString &nome, std::uint32_t numero);
+  void DefineNumero(const CString &sChave, const CString &sNome, std::uint32_t numero);
   /// A REG_BINARY.
-  void DefineBinario(const CString &chave, const CString &nome, const CString &bytes);
-  void RemoveValor(const CString &chave, const CString &nome);
+  void DefineBinario(const CString &sChave, const CString &sNome, const CString &sBytes);
+  void RemoveValor(const CString &sChave, const CString &sNome);
   /// Removes a key with everything below it.
-  void RemoveChave(const CString &chave);
+  void RemoveChave(const CString &sChave);
 
 private:
   std::vector<CString> m_chaves;

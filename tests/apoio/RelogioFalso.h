@@ -29,9 +29,9 @@ public:
 
   std::uint32_t Ticks() override { return m_ticks += m_passo; }
   plataforma::CamposData HoraLocal() override { return m_horaLocal; }
-  bool LocalParaUtc(std::uint64_t local, std::uint64_t *utc, std::uint32_t *erroSO) override {
-    *erroSO = 87;
-    *utc = local + m_deslocamentoUtc;
+  bool LocalParaUtc(std::uint64_t local, std::uint64_t *puiUtc, std::uint32_t *puiErroSO) override {
+    *puiErroSO = 87;
+    *puiUtc = local + m_deslocamentoUtc;
     return m_bLocalParaUtc;
   }
 

@@ -8,15 +8,17 @@ namespace apoio {
 /// Puts replaced services in force for a scope; a null one stays as it is. Scopes may nest.
 class ServicosTrocados {
 public:
-  explicit ServicosTrocados(plataforma::ISistemaArquivos *arquivos, plataforma::IRegistro *registro = nullptr,
-                            plataforma::IRelogio *relogio = nullptr, plataforma::ISistema *sistema = nullptr,
-                            plataforma::ICaixaMensagem *caixa = nullptr)
+  explicit ServicosTrocados(plataforma::IArquivos *pArquivos, plataforma::IRegistro *pRegistro = nullptr,
+                            plataforma::IRelogio *pRelogio = nullptr, plataforma::IInformacoes *pInformacoes = nullptr,
+                            plataforma::ICaixaMensagem *pCaixaMensagem = nullptr,
+                            plataforma::IArquivosIni *pArquivosIni = nullptr)
       : m_anteriores(plataforma::ServicosEmVigor()), m_novos(m_anteriores) {
-    m_novos.arquivos = arquivos != nullptr ? arquivos : m_novos.arquivos;
-    m_novos.registro = registro != nullptr ? registro : m_novos.registro;
-    m_novos.relogio = relogio != nullptr ? relogio : m_novos.relogio;
-    m_novos.sistema = sistema != nullptr ? sistema : m_novos.sistema;
-    m_novos.caixa = caixa != nullptr ? caixa : m_novos.caixa;
+    m_novos.arquivos = pArquivos != nullptr ? pArquivos : m_novos.arquivos;
+    m_novos.registro = pRegistro != nullptr ? pRegistro : m_novos.registro;
+    m_novos.relogio = pRelogio != nullptr ? pRelogio : m_novos.relogio;
+    m_novos.informacoes = pInformacoes != nullptr ? pInformacoes : m_novos.informacoes;
+    m_novos.caixaMensagem = pCaixaMensagem != nullptr ? pCaixaMensagem : m_novos.caixaMensagem;
+    m_novos.arquivosIni = pArquivosIni != nullptr ? pArquivosIni : m_novos.arquivosIni;
     plataforma::SubstituiServicos(&m_novos);
   }
   ~ServicosTrocados() { plataforma::SubstituiServicos(&m_anteriores); }

@@ -50,7 +50,7 @@ void CEstorvo::Trabalha() {
 CString CEstorvo::SorteiaArquivo() {
   const CString &sPasta = m_pastas[m_gerador() % m_pastas.size()];
   std::vector<CString> nomes;
-  static_cast<void>(plataforma::Arquivos().Lista(sPasta, "*", &nomes));
+  static_cast<void>(plataforma::Arquivos().Lista(sPasta, &nomes));
   std::erase_if(nomes, [this](const CString &sNome) { return m_eModo == Modo::Tudo && !sNome.ends_with(".DAT"); });
   return nomes.empty() ? "" : sPasta + nomes[m_gerador() % nomes.size()];
 }

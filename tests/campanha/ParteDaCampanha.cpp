@@ -21,7 +21,7 @@ unsigned DoAmbiente(const char *lpNome, unsigned uiSenao) {
 void CopiaPasta(const CString &sOrigem, const CString &sDestino) {
   std::vector<CString> nomes;
   CreateDirectoryA(sDestino.c_str(), nullptr);
-  static_cast<void>(plataforma::Arquivos().Lista(sOrigem, "*", &nomes));
+  static_cast<void>(plataforma::Arquivos().Lista(sOrigem, &nomes));
   for (const CString &sNome : nomes) {
     CopyFileA((sOrigem + sNome).c_str(), (sDestino + "\\" + sNome).c_str(), FALSE);
   }
@@ -62,7 +62,7 @@ Empresa &ParteDaCampanha::MaisUmaEmpresa() {
 
 std::vector<std::string> ParteDaCampanha::Sobras(const CString &sPasta, const char *lpFim) {
   std::vector<CString> nomes;
-  EXPECT_FALSE(plataforma::Arquivos().Lista(sPasta, "*", &nomes));
+  EXPECT_FALSE(plataforma::Arquivos().Lista(sPasta, &nomes));
   std::erase_if(nomes, [&](const CString &sNome) { return !sNome.ends_with(lpFim); });
   return {nomes.begin(), nomes.end()};
 }

@@ -37,7 +37,7 @@ std::string ErroUso(F Executa) {
   return "";
 }
 
-TEST(Argumentos, OptionsAndValuesInAnyOrder) {
+TEST(Argumentos, OpcoesEValoresEmQualquerOrdem) {
   const CTextos aTextos{"le", "3", "--csv", "--sessao=7", "--empresa", "0001", "--", "--csv"};
   const CArgumentos argumentos(aTextos, ProgramaVeiculos());
   EXPECT_EQ(argumentos.Comando().sNome, "le");
@@ -47,7 +47,7 @@ TEST(Argumentos, OptionsAndValuesInAnyOrder) {
   EXPECT_EQ(UsuarioDeArgumentos(argumentos), 1);
 }
 
-TEST(Argumentos, WrongUsageNamesTheOption) {
+TEST(Argumentos, UsoErradoDizAOpcao) {
   const struct {
     CTextos aTextos;
     const char *pTrecho;
@@ -80,7 +80,7 @@ TEST(Argumentos, WrongUsageNamesTheOption) {
   EXPECT_EQ(UsuarioDeArgumentos(Le({"conta", "--usuario", "65535"})), 65535);
 }
 
-TEST(Ajuda, AskedForAnywhereButNotWithinAValue) {
+TEST(Ajuda, PedidaEmQualquerLugarMenosDentroDeUmValor) {
   const struct {
     CTextos aTextos;
     const char *pTrecho;  // of the text; empty: none is asked for
@@ -110,7 +110,7 @@ TEST(Ajuda, AskedForAnywhereButNotWithinAValue) {
   }
 }
 
-TEST(Argumentos, CharactersOutsideWindows1252) {
+TEST(Argumentos, LetrasForaDoWindows1252) {
   const std::vector<std::wstring> aBons{L"--descricao", L"ba\u00FA \u20AC"};
   EXPECT_EQ(TextosDaLinhaDeComando(aBons), (CTextos{"--descricao", "ba\xFA \x80"}));
   const struct {
@@ -125,7 +125,7 @@ TEST(Argumentos, CharactersOutsideWindows1252) {
   }
 }
 
-TEST(Filtro, MasksFromLists) {
+TEST(Filtro, MascarasDeListas) {
   const struct {
     const char *pOpcao;
     const char *pLista;
@@ -160,7 +160,7 @@ TEST(Filtro, MasksFromLists) {
   }
 }
 
-TEST(Filtro, RangesAndTextsReachTheirFields) {
+TEST(Filtro, FaixasETextosChegamAosSeusCampos) {
   const auto filtro =
       Filtro({"--tara-min", "1", "--tara-max", "2", "--kg-min",  "3", "--kg-max",  "4",  "--m3-min",    "5",
               "--m3-max",   "6", "--ano-min",  "7", "--ano-max", "8", "--cliente", "9",  "--descricao", "D*",
@@ -171,7 +171,7 @@ TEST(Filtro, RangesAndTextsReachTheirFields) {
   EXPECT_NE(ErroUso([] { Filtro({"--tara-min", "-1"}); }).find("--tara-min: "), std::string::npos);
 }
 
-TEST(Campos, OnlyTheOptionsGivenChangeTheVehicle) {
+TEST(Campos, SoAsOpcoesDadasMudamOVeiculo) {
   tagREG_VEICULOPS veiculo{};
   EXPECT_FALSE(AplicaCampos(Le({"grava", "--posicao", "3"}), veiculo));
   ASSERT_TRUE(AplicaCampos(Le({"grava", "--placa", "ABC1D23", "--tara", "7500,25", "--cliente", "12"}), veiculo));
@@ -185,7 +185,7 @@ TEST(Campos, OnlyTheOptionsGivenChangeTheVehicle) {
   EXPECT_EQ(veiculo.iPonteiroCliente, 12);
 }
 
-TEST(Progresso, LineOfFixedWidth) {
+TEST(Progresso, LinhaDeLarguraFixa) {
   const std::string sMeio = "[" + std::string(25, '#') + std::string(25, ' ') + "]  50%";
   EXPECT_EQ(LinhaProgresso(5, 10), sMeio);
   for (const auto &[uiFeito, uiTotal] : std::vector<std::pair<std::size_t, std::size_t>>{{10, 10}, {11, 10}, {0, 0}}) {

@@ -10,7 +10,7 @@
 
 namespace {
 
-TEST(Campo, FillsWithoutTerminatorAndNeverCuts) {
+TEST(Campo, EncheSemZeroFinalENuncaCorta) {
   char aCampo[6];
   const std::string sSentinela = "xxxxxx";
   const auto copia = [&](std::string_view sTexto) {
@@ -31,7 +31,7 @@ TEST(Campo, FillsWithoutTerminatorAndNeverCuts) {
   }
 }
 
-TEST(Moeda, Table) {
+TEST(Moeda, Tabela) {
   constexpr auto kMaior = std::numeric_limits<std::int64_t>::max();
   constexpr auto kMenor = std::numeric_limits<std::int64_t>::min();
   const struct {

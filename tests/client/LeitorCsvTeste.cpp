@@ -12,7 +12,7 @@
 
 namespace {
 
-std::vector<CLinhaCsv> LeTudo(const std::string &sBytes, std::optional<eCodificacao> eDada = std::nullopt) {
+std::vector<CLinhaCsv> LeTudo(const std::string &sBytes, std::optional<ECodificacao> eDada = std::nullopt) {
   const CConteudoTexto conteudo = Decodifica(sBytes, eDada);
   CLeitorCsv leitor(conteudo);
   std::vector<CLinhaCsv> aLinhas;
@@ -22,7 +22,7 @@ std::vector<CLinhaCsv> LeTudo(const std::string &sBytes, std::optional<eCodifica
   return aLinhas;
 }
 
-TEST(LeitorCsv, ColumnsInAnyOrderQuotesAndLineEnds) {
+TEST(LeitorCsv, ColunasEmQualquerOrdemAspasEFinsDeLinha) {
   const auto aLinhas = LeTudo(
       "descricao;tara;codigo;ano;posicao\r\n"
       "\"a;\"\"b\"\"\";1234,5;\"X1\";2020;9\r\n"
@@ -51,7 +51,7 @@ TEST(LeitorCsv, ColumnsInAnyOrderQuotesAndLineEnds) {
   EXPECT_EQ(aLinhas[4].uiLinha, 9U);
 }
 
-TEST(LeitorCsv, BadLinesAreToldAndDoNotDisturbTheNext) {
+TEST(LeitorCsv, LinhasRuinsSaoDitasENaoEstorvamASeguinte) {
   const struct {
     std::string sLinha;
     const char *pTrecho;
@@ -77,7 +77,7 @@ TEST(LeitorCsv, BadLinesAreToldAndDoNotDisturbTheNext) {
   }
 }
 
-TEST(LeitorCsv, QuotesThatNeverCloseSpoilTheirLineAlone) {
+TEST(LeitorCsv, AspasQueNaoFechamEstragamSoASuaLinha) {
   std::string sTexto = "codigo;descricao\nA;\"aberta\n";
   for (int i = 0; i < 200; ++i) {
     sTexto += "B;2\n";
@@ -98,54 +98,54 @@ std::string Em16(const std::u16string &sTexto, bool bMaiorPrimeiro) {
   return sBytes;
 }
 
-TEST(Codificacao, MarkDecidesThenTheUserThenTheBytes) {
+TEST(Codificacao, DecideAMarcaDepoisOUsuarioDepoisOsBytes) {
   using namespace std::string_literals;
   const std::string s1252 = "codigo;descricao\nA;ba\xFA \x80\n";
   const std::string s8 = "codigo;descricao\nA;ba\xC3\xBA \xE2\x82\xAC\n";
   const std::u16string s16 = u"codigo;descricao\nA;ba\u00FA \u20AC\n";
   const struct {
     std::string sBytes;
-    std::optional<eCodificacao> eDada;
+    std::optional<ECodificacao> eDada;
     bool bAviso;
   } aBons[] = {
       {s1252, std::nullopt, false},
-      {s1252, eCodificacao::windows1252, false},
+      {s1252, ECodificacao::windows1252, false},
       {s8, std::nullopt, true},
-      {s8, eCodificacao::utf8, false},
+      {s8, ECodificacao::utf8, false},
       {"\xEF\xBB\xBF" + s8, std::nullopt, false},
       {Em16(u"\uFEFF" + s16, false), std::nullopt, false},
-      {Em16(u"\uFEFF" + s16, true), eCodificacao::utf16le, false},
-      {Em16(s16, false), eCodificacao::utf16le, false},
-      {Em16(s16, true), eCodificacao::utf16be, false},
+      {Em16(u"\uFEFF" + s16, true), ECodificacao::utf16le, false},
+      {Em16(s16, false), ECodificacao::utf16le, false},
+      {Em16(s16, true), ECodificacao::utf16be, false},
   };
   for (const auto &caso : aBons) {
     EXPECT_EQ(LeCampo(LeTudo(caso.sBytes, caso.eDada).at(0).veiculo.szDescricao), "ba\xFA \x80") << caso.sBytes;
     EXPECT_EQ(Decodifica(caso.sBytes, caso.eDada).sAviso.empty(), !caso.bAviso) << caso.sBytes;
   }
-  EXPECT_EQ(Codifica(s1252, eCodificacao::utf8), s8);
-  EXPECT_EQ(Codifica(s1252, eCodificacao::utf16be), Em16(s16, true));
+  EXPECT_EQ(Codifica(s1252, ECodificacao::utf8), s8);
+  EXPECT_EQ(Codifica(s1252, ECodificacao::utf16be), Em16(s16, true));
   EXPECT_NE(Decodifica(s1252 + s8, std::nullopt).sAviso, "");
   EXPECT_FALSE(Decodifica(s1252 + s8, std::nullopt).bUtf8);
-  EXPECT_EQ(LeCampo(LeTudo(s8, eCodificacao::windows1252)[0].veiculo.szDescricao), "ba\xC3\xBA \xE2\x82\xAC");
+  EXPECT_EQ(LeCampo(LeTudo(s8, ECodificacao::windows1252)[0].veiculo.szDescricao), "ba\xC3\xBA \xE2\x82\xAC");
 
   // Told otherwise than marked, UTF-16 without a mark, half a character, UTF-32.
-  EXPECT_THROW(Decodifica("\xEF\xBB\xBF" + s8, eCodificacao::windows1252), CErroCodificacao);
+  EXPECT_THROW(Decodifica("\xEF\xBB\xBF" + s8, ECodificacao::windows1252), CErroCodificacao);
   EXPECT_THROW(Decodifica(Em16(s16, false), std::nullopt), CErroCodificacao);
   EXPECT_THROW(Decodifica(Em16(s16, true), std::nullopt), CErroCodificacao);
-  EXPECT_THROW(Decodifica(Em16(s16, true) + "x", eCodificacao::utf16be), CErroCodificacao);
+  EXPECT_THROW(Decodifica(Em16(s16, true) + "x", ECodificacao::utf16be), CErroCodificacao);
   EXPECT_THROW(Decodifica("\xFF\xFE\0\0c\0\0\0"s, std::nullopt), CErroCodificacao);
 
   // No Windows-1252 form, a look-alike that must not be taken for a letter, beyond 16 bits, malformed UTF-8.
   for (const std::string sRuim : {"\xE6\x97\xA5", "\xC4\x81", "\xF0\x9F\x9A\x9A", "\xFA", "\xC3", "\xC0\xAF"}) {
-    const auto aLinhas = LeTudo("codigo\n" + sRuim + "\nB\n", eCodificacao::utf8);
+    const auto aLinhas = LeTudo("codigo\n" + sRuim + "\nB\n", ECodificacao::utf8);
     ASSERT_EQ(aLinhas.size(), 2U);
     EXPECT_NE(aLinhas[0].sErro, "");
     EXPECT_EQ(LeCampo(aLinhas[1].veiculo.szCodigo), "B");
   }
-  EXPECT_NE(LeTudo(Em16(u"codigo\n\xD83D\xDE9A\n", false), eCodificacao::utf16le)[0].sErro, "");
+  EXPECT_NE(LeTudo(Em16(u"codigo\n\xD83D\xDE9A\n", false), ECodificacao::utf16le)[0].sErro, "");
 }
 
-TEST(LeitorCsv, BadHeaderNamesTheColumn) {
+TEST(LeitorCsv, CabecalhoRuimDizAColuna) {
   for (const auto &[sTexto, sTrecho] :
        std::vector<std::pair<std::string, std::string>>{{"codigo;cor\n", "\"cor\""},
                                                         {"codigo;descrisao\n", "\"descricao\""},
@@ -162,7 +162,7 @@ TEST(LeitorCsv, BadHeaderNamesTheColumn) {
   }
 }
 
-TEST(Importacao, GoesOnAfterBadLinesAndTellsWhereItStopped) {
+TEST(Importacao, SegueDepoisDeLinhasRuinsEDizOndeParou) {
   const CConteudoTexto conteudo{"ano;codigo\n1;A\nx;\n3;B\n4;A\n5;\n6;\n", false, ""};
   std::vector<std::size_t> aRecusadas;
   std::vector<unsigned> aGravados;

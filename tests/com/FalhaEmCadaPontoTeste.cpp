@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "core/platform/LivroTravas.h"
+#include "core/platform/LivroDaThread.h"
 #include "core/platform/ServicosSistema.h"
 #include "server/ContagemModulo.h"
 #include "tests/apoio/ArquivosDecorado.h"
@@ -209,7 +209,7 @@ bool Roda(const Cenario &cenario, const Falhas &falhas, int n, OutroChamador &ou
     falhas.arma(arquivos, n);
     const HRESULT hr = cenario.chama(spVeiculos, sEmpresa.Ponteiro());
     bFalhou = falhas.desarma(arquivos);
-    EXPECT_EQ(plataforma::LivroTravas::Marca(), 0U);
+    EXPECT_EQ(plataforma::LivroDaThread::Marca(), 0U);
     if (FAILED(hr)) {
       EXPECT_TRUE(bFalhou);
       EXPECT_EQ(Bits(hr), falhas.codigo(n));

@@ -12,7 +12,7 @@
 #include "core/env/QZException.h"
 #include "core/errors/QZExceptionEx.h"
 #include "core/platform/CFileException.h"
-#include "core/platform/LivroTravas.h"
+#include "core/platform/LivroDaThread.h"
 #include "core/platform/ServicosSistema.h"
 #include "tests/apoio/ArquivosDecorado.h"
 #include "tests/apoio/ChaveCabecalho.h"
@@ -99,7 +99,7 @@ TEST(FalhaSobTrava, UmaChamadaFalhaEOsOutrosContinuam) {
       ASSERT_EQ(Bits(spVeiculos->Grava(&lPos, Veiculo("PERDIDO"))), falha.hr);
       EXPECT_EQ(lPos, 0);
       EXPECT_EQ(rastro.Toma(), std::vector<std::string>{"CQZDF_Veiculos::Grava|QZDF_Veiculos.cpp|pfInSEHFuncao()"});
-      ASSERT_EQ(plataforma::LivroTravas::Marca(), 0U);
+      ASSERT_EQ(plataforma::LivroDaThread::Marca(), 0U);
 
       // The other object first, while the file still bears the half-written record.
       tagREG_VEICULOPS veiculo;

@@ -9,8 +9,9 @@
 #include <vector>
 
 #include "core/errors/guard/win32/ChamadaSEH.h"
-#include "core/platform/LivroTravas.h"
+#include "core/platform/LivroDaThread.h"
 #include "core/platform/MemoriaMapeada.h"
+#include "core/platform/Travas.h"
 #include "tests/apoio/ProcessoFilho.h"
 
 // Real faults of the processor and the system under the call guard. The faulting statements are plain ones on values
@@ -19,7 +20,7 @@
 namespace {
 
 using plataforma::CQZTrava;
-using plataforma::LivroTravas;
+using plataforma::LivroDaThread;
 using plataforma::NivelTrava;
 using plataforma::SecaoCritica;
 
@@ -185,7 +186,7 @@ TEST(Guarda, TravasTomadasAntesDaFalhaFicamLivres) {
                 return falha.corpo();
               }),
               falha.hr);
-    EXPECT_EQ(LivroTravas::Marca(), 0U);
+    EXPECT_EQ(LivroDaThread::Marca(), 0U);
     ASSERT_TRUE(LivreParaOutraThread(interna));
     ASSERT_TRUE(LivreParaOutraThread(externa));
   }
@@ -222,7 +223,7 @@ TEST(Guarda, QuemESaltadoPorOutroSoltaTudoEAbandona) {
       RaiseException(s_codigo, 0, 0, nullptr);
       return 0;
     };
-    return ChamaSEH(levantaComTrava, nullptr, {[](void *) { s_marcas.push_back(LivroTravas::Marca()); }, nullptr});
+    return ChamaSEH(levantaComTrava, nullptr, {[](void *) { s_marcas.push_back(LivroDaThread::Marca()); }, nullptr});
   };
   for (const DWORD codigo : {0xE06D7363UL, 0xE0000001UL, 0xC0000409UL}) {
     SCOPED_TRACE(codigo);
@@ -267,13 +268,13 @@ TEST(Guarda, QuadroInternoSoltaSoOSeu) {
                 const CQZTrava outra(interna);
                 return kLeituraDeNulo.corpo();
               });
-              uiNoMeio = LivroTravas::Marca();
+              uiNoMeio = LivroDaThread::Marca();
               return kDivisao.corpo();
             }),
             0x8004EAD3U);
   EXPECT_EQ(hrInterno, 0x8004EAC5U);
   EXPECT_EQ(uiNoMeio, 1U);
-  EXPECT_EQ(LivroTravas::Marca(), 0U);
+  EXPECT_EQ(LivroDaThread::Marca(), 0U);
   ASSERT_TRUE(LivreParaOutraThread(interna));
   ASSERT_TRUE(LivreParaOutraThread(externa));
 }
@@ -287,7 +288,7 @@ TEST(Guarda, SolturaQueFalhaNaoImpedeAsOutras) {
               return kDivisao.corpo();
             }),
             0x8004EAD3U);
-  EXPECT_EQ(LivroTravas::Marca(), 0U);
+  EXPECT_EQ(LivroDaThread::Marca(), 0U);
   ASSERT_TRUE(LivreParaOutraThread(secao));
 }
 
@@ -309,7 +310,7 @@ TEST(Guarda, ThrowAtravessaOQuadroComDestrutores) {
                std::runtime_error);
   EXPECT_TRUE(bDestruiu);
   EXPECT_FALSE(bAbandonou);
-  EXPECT_EQ(LivroTravas::Marca(), 0U);
+  EXPECT_EQ(LivroDaThread::Marca(), 0U);
   ASSERT_TRUE(LivreParaOutraThread(secao));
 }
 

@@ -5,27 +5,27 @@
 TEST(LinhaComando, PrimeiraPalavraInteiraQueCasaDecide) {
   const struct {
     const char *lpLinha;
-    Comando eComando;
+    EComando eComando;
   } linhas[] = {
-      {nullptr, Comando::Serve},
-      {"", Comando::Serve},
-      {"-Embedding", Comando::Serve},
-      {"RegServer", Comando::Serve},
-      {"/RegServer", Comando::Registra},
-      {"-regserver", Comando::Registra},
-      {"/REGSERVER", Comando::Registra},
-      {"\"/RegServer\"", Comando::Registra},
-      {"/UnregServer", Comando::Desregistra},
-      {"/RegServerPerUser", Comando::RegistraPorUsuario},
-      {"-unregserverperuser", Comando::DesregistraPorUsuario},
-      {"/RegServerX", Comando::Serve},
-      {"/RegServe", Comando::Serve},
-      {"/ RegServer", Comando::Serve},
-      {"x-RegServer", Comando::Registra},
-      {"-Embedding\t/UnregServer", Comando::Desregistra},
-      {"/UnregServer /RegServer", Comando::Desregistra},
-      {"//RegServer", Comando::Registra},
-      {"-", Comando::Serve},
+      {nullptr, EComando::Serve},
+      {"", EComando::Serve},
+      {"-Embedding", EComando::Serve},
+      {"RegServer", EComando::Serve},
+      {"/RegServer", EComando::Registra},
+      {"-regserver", EComando::Registra},
+      {"/REGSERVER", EComando::Registra},
+      {"\"/RegServer\"", EComando::Registra},
+      {"/UnregServer", EComando::Desregistra},
+      {"/RegServerPerUser", EComando::RegistraPorUsuario},
+      {"-unregserverperuser", EComando::DesregistraPorUsuario},
+      {"/RegServerX", EComando::Serve},
+      {"/RegServe", EComando::Serve},
+      {"/ RegServer", EComando::Serve},
+      {"x-RegServer", EComando::Registra},
+      {"-Embedding\t/UnregServer", EComando::Desregistra},
+      {"/UnregServer /RegServer", EComando::Desregistra},
+      {"//RegServer", EComando::Registra},
+      {"-", EComando::Serve},
   };
   for (const auto &linha : linhas) {
     EXPECT_EQ(LeLinhaComando(linha.lpLinha), linha.eComando) << (linha.lpLinha != nullptr ? linha.lpLinha : "(null)");

@@ -6,11 +6,12 @@
 
 #include "core/env/QZException.h"
 #include "core/env/QZPath.h"
+#include "core/platform/ServicosSistema.h"
 #include "tests/apoio/CaixaFalsa.h"
+#include "tests/apoio/InformacoesFalsas.h"
 #include "tests/apoio/PastaTemporaria.h"
 #include "tests/apoio/RegistroFalso.h"
 #include "tests/apoio/ServicosTrocados.h"
-#include "tests/apoio/SistemaFalso.h"
 
 namespace {
 
@@ -44,9 +45,9 @@ protected:
 
   apoio::PastaTemporaria m_pasta;
   apoio::RegistroFalso m_registro;
-  apoio::SistemaFalso m_sistema;
+  apoio::InformacoesFalsas m_informacoes;
   CaixaFalsa m_caixa;
-  apoio::ServicosTrocados m_servicos{nullptr, &m_registro, nullptr, &m_sistema, &m_caixa};
+  apoio::ServicosTrocados m_servicos{nullptr, &m_registro, nullptr, &m_informacoes, &m_caixa};
 };
 
 TEST_F(QZMensagem, LinhasDoCatalogo) {
@@ -104,7 +105,7 @@ TEST_F(QZMensagem, SemCatalogoUmaCaixaACadaConsulta) {
 
 TEST_F(QZMensagem, ExibeMensagem) {
   Escreve("       1Falhou\n");
-  m_sistema.m_textoErro = "Arquivo\r\nausente.\r\n";
+  m_informacoes.m_textoErro = "Arquivo\r\nausente.\r\n";
   const struct {
     std::uint32_t uiMensagem, uiErroSO, uiTipo;
     CString sTexto;
@@ -118,7 +119,7 @@ TEST_F(QZMensagem, ExibeMensagem) {
     CQZMensagem::ExibeMensagem(caso.uiMensagem, 1, caso.uiErroSO, caso.uiTipo);
     EXPECT_EQ(m_caixa.Toma(), (Caixas{{caso.sTexto, kTitulo, caso.uiTipo, DonoCaixa::Nenhum}}));
   }
-  m_sistema.m_textoErro = CString(300, 'y');
+  m_informacoes.m_textoErro = CString(300, 'y');
   CQZMensagem::ExibeMensagem(1, 1, 2, 0);
   EXPECT_EQ(m_caixa.Toma()[0].texto, "Falhou\nErro do SO: 2 - " + CString(255, 'y'));
 }

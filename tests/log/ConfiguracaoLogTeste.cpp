@@ -66,12 +66,12 @@ TEST_F(ConfiguracaoLog, RecargaPorIdade) {
     SCOPED_TRACE(caso.timeout);
     Configura(caso.timeout);
     const std::uint32_t inicio = m_relogio.m_ticks;
-    m_sistema.m_textosIni = 0;
+    m_ini.m_textos = 0;
     for (const std::uint32_t ticks : caso.ticks) {
       m_relogio.m_ticks = inicio + ticks;
       RastreamentoHabilitado();
     }
-    EXPECT_EQ(m_sistema.m_textosIni, caso.leituras);
+    EXPECT_EQ(m_ini.m_textos, caso.leituras);
   }
 }
 
@@ -93,10 +93,10 @@ TEST_F(ConfiguracaoLog, NovoTimeoutValeDaChamadaSeguinte) {
 
 TEST_F(ConfiguracaoLog, TickZeroContaComoNuncaCarregada) {
   Configura("", 0);
-  m_sistema.m_textosIni = 0;
+  m_ini.m_textos = 0;
   CarregaConfiguracaoLog();
   CarregaConfiguracaoLog();
-  EXPECT_EQ(m_sistema.m_textosIni, 2);
+  EXPECT_EQ(m_ini.m_textos, 2);
 }
 
 TEST_F(ConfiguracaoLog, SemInstalacaoLeDoDiretorioAtual) {
@@ -104,7 +104,7 @@ TEST_F(ConfiguracaoLog, SemInstalacaoLeDoDiretorioAtual) {
   CarregaEm(m_relogio.m_ticks - 1);
   EXPECT_FALSE(RastreamentoHabilitado());
   apoio::EscreveArquivo(m_dados / "log.ini", "[Log]\r\nSaida=1\r\nMemory=1");
-  m_sistema.m_diretorioAtual = m_dados.Caminho();
+  m_informacoes.m_diretorioAtual = m_dados.Caminho();
   CarregaEm(m_relogio.m_ticks - 1);
   EXPECT_TRUE(RastreamentoHabilitado());
 }

@@ -22,7 +22,7 @@ protected:
         return ParametrosEscopo{{"lPos", std::to_string(1)}};
       });
       m_relogio.m_ticks += static_cast<std::uint32_t>(ms);
-      m_sistema.m_uiMemoriaProcesso += static_cast<std::uint64_t>(bytes);
+      m_informacoes.m_uiMemoriaProcesso += static_cast<std::uint64_t>(bytes);
     }
     std::vector<std::string> linhas = Profiler();
     linhas.erase(linhas.begin(), linhas.begin() + static_cast<std::ptrdiff_t>(std::min(linhas.size(), antes)));
@@ -69,7 +69,7 @@ TEST_F(EscopoProfiler, OQueCadaChaveLiga) {
     SCOPED_TRACE(caso.ini);
     Configura(caso.ini);
     m_relogio.m_ticks += 1000;
-    m_sistema.m_uiMemoriaProcesso = 1000;
+    m_informacoes.m_uiMemoriaProcesso = 1000;
     EXPECT_EQ(Opera(caso.ms, caso.bytes), caso.linhas);
   }
 }
@@ -122,7 +122,7 @@ TEST_F(EscopoProfiler, ChavesQueMudamDuranteAOperacao) {
   m_relogio.m_ticks += 700000;
   escopo.reset();
   EXPECT_EQ(Profiler().size(), 2U) << "the end reads nothing anew";
-  m_sistema.m_processo.clear();
+  m_informacoes.m_processo.clear();
   Configura("Saida=1\r\nPerformance=1");
   escopo.emplace(&m_profiler, NomeFuncao{"C::F"});
   escopo.reset();

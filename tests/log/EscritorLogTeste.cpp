@@ -6,7 +6,7 @@ namespace {
 
 class EscritorLog : public LogTeste {
 protected:
-  void Grava(const CString &linha) { GravaLinhaLog("c\t", linha, TipoRegistro::Erro, &m_profiler); }
+  void Grava(const CString &linha) { GravaLinhaLog("c\t", linha, ETipoRegistro::Erro, &m_profiler); }
   const CString m_caminho = m_dados / kArquivoErros;
 };
 

@@ -11,11 +11,12 @@
 #include "core/log/EscritorLog.h"
 #include "core/log/QZProfilerEmpresa.h"
 #include "tests/apoio/ArquivosDecorado.h"
+#include "tests/apoio/ArquivosIniContados.h"
+#include "tests/apoio/InformacoesFalsas.h"
 #include "tests/apoio/PastaTemporaria.h"
 #include "tests/apoio/RegistroFalso.h"
 #include "tests/apoio/RelogioFalso.h"
 #include "tests/apoio/ServicosTrocados.h"
-#include "tests/apoio/SistemaFalso.h"
 
 /// The key under which the installation directory stands.
 inline const CString kChaveInstalacao = CString(kChaveSuite) + "Miran Empresarial";
@@ -76,9 +77,10 @@ protected:
   apoio::PastaTemporaria m_dados;
   apoio::RegistroFalso m_registro;
   apoio::RelogioFalso m_relogio;
-  apoio::SistemaFalso m_sistema;
+  apoio::InformacoesFalsas m_informacoes;
+  apoio::ArquivosIniContados m_ini;
   apoio::ArquivosComFalha m_falhas{plataforma::ArquivosDoSistema()};
-  apoio::ServicosTrocados m_servicos{&m_falhas, &m_registro, &m_relogio, &m_sistema};
+  apoio::ServicosTrocados m_servicos{&m_falhas, &m_registro, &m_relogio, &m_informacoes, nullptr, &m_ini};
   CQZProfilerEmpresa m_profiler{"0001", 7, 42};
 };
 

@@ -52,14 +52,14 @@ TEST_F(RegistroErro, VersoesETextosQueFaltam) {
                {{0x00060005, 0x00030007}, "|6.5.196615|"},
                {{0xFFFFFFFF, 0xFFFFFFFF}, "|65535.65535.-1|"}};
   for (const auto &caso : casos) {
-    m_sistema.m_versaoPrograma = caso.versao;
+    m_informacoes.m_versaoPrograma = caso.versao;
     Grava(&m_profiler);
     EXPECT_NE(ErrosDaEmpresa().back().find(caso.texto), std::string::npos) << ErrosDaEmpresa().back();
   }
-  m_sistema.m_bVersao = m_sistema.m_bMemoria = false;
-  m_sistema.m_guid.clear();
-  m_sistema.m_usuario.clear();
-  m_sistema.m_processo.clear();
+  m_informacoes.m_bVersao = m_informacoes.m_bMemoria = false;
+  m_informacoes.m_guid.clear();
+  m_informacoes.m_usuario.clear();
+  m_informacoes.m_processo.clear();
   Grava(&m_profiler, "a\r\nb\rc\n\td%n");
   EXPECT_EQ(ErrosDaEmpresa().back(),
             "21/11/2025|09:05:07.042|C::F|E0001|U007|S00000042|T00004660|ERRO|0|0|0|0.0.0|10.0.19045|C.cpp|9|abc|d%n|");

@@ -4,9 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "core/platform/Arquivos.h"
 #include "core/platform/DobraCuringa.h"
-#include "core/platform/Mascara.h"
-#include "core/platform/SistemaArquivos.h"
 
 namespace {
 
@@ -70,15 +69,6 @@ TEST(DobraDoCuringa, DizOMesmoDeTodoParDeLetras) {
       }
     }
   }
-}
-
-TEST(CasaMascara, SoAsteriscoEInterrogacao) {
-  EXPECT_TRUE(CasaMascara("A;B", "A;B"));
-  EXPECT_TRUE(CasaMascara("", ""));
-  EXPECT_FALSE(CasaMascara("SEMPONTO", "*.*"));
-  EXPECT_FALSE(CasaMascara("ABC", "abc"));
-  // Tries must not multiply with the number of asterisks; this one would not end.
-  EXPECT_FALSE(CasaMascara(CString(200, 'A'), "*A*A*A*A*A*A*A*A*A*A*A*A*A*A*A*AB"));
 }
 
 TEST(CausaDoErroWin32, Tabela) {

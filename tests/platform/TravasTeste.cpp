@@ -9,8 +9,9 @@
 #include <thread>
 #include <vector>
 
-#include "core/platform/LivroTravas.h"
+#include "core/platform/LivroDaThread.h"
 #include "core/platform/TravaEntreProcessos.h"
+#include "core/platform/Travas.h"
 #include "tests/apoio/PastaTemporaria.h"
 #include "tests/apoio/ProcessoFilho.h"
 
@@ -43,45 +44,45 @@ TEST(CQZTrava, RecursivaEExclusiva) {
   const CQZTrava trava(temporaria);
   std::thread primeira(soma);
   std::thread segunda([&] {
-    EXPECT_EQ(LivroTravas::Marca(), 0u) << "each thread has its own ledger";
+    EXPECT_EQ(LivroDaThread::Marca(), 0u) << "each thread has its own ledger";
     soma();
   });
   primeira.join();
   segunda.join();
   EXPECT_EQ(contador, 40000);
-  EXPECT_EQ(LivroTravas::Marca(), 1u);
+  EXPECT_EQ(LivroDaThread::Marca(), 1u);
 }
 
 // A file is opened under one lock and closed under another: entries leave in any order.
-TEST(LivroTravas, RetiraPeloObjetoESoltaAteAMarcaDoMaisNovoAoMaisVelho) {
+TEST(LivroDaThread, RetiraPeloObjetoESoltaAteAMarcaDoMaisNovoAoMaisVelho) {
   int objetos[] = {0, 1, 2, 3};
   g_soltos.clear();
-  LivroTravas::Anota(&objetos[0], AnotaSoltura);
-  const std::size_t marca = LivroTravas::Marca();
+  LivroDaThread::Anota(&objetos[0], AnotaSoltura);
+  const std::size_t marca = LivroDaThread::Marca();
   for (const int i : {1, 2, 1, 3}) {
-    LivroTravas::Anota(&objetos[i], AnotaSoltura);
+    LivroDaThread::Anota(&objetos[i], AnotaSoltura);
   }
-  LivroTravas::Retira(&objetos[1]);
-  LivroTravas::Retira(&g_soltos);
-  LivroTravas::SoltaAte(marca);
+  LivroDaThread::Retira(&objetos[1]);
+  LivroDaThread::Retira(&g_soltos);
+  LivroDaThread::SoltaAte(marca);
   EXPECT_EQ(g_soltos, (std::vector<int>{3, 2, 1}));
-  EXPECT_EQ(LivroTravas::Marca(), marca);
-  LivroTravas::Retira(&objetos[0]);
+  EXPECT_EQ(LivroDaThread::Marca(), marca);
+  LivroDaThread::Retira(&objetos[0]);
   EXPECT_EQ(g_soltos.size(), 3u) << "taking out releases nothing";
-  EXPECT_EQ(LivroTravas::Marca(), 0u);
+  EXPECT_EQ(LivroDaThread::Marca(), 0u);
 }
 
-TEST(LivroTravas, SoltaOQueUmaPilhaAbandonadaTinha) {
+TEST(LivroDaThread, SoltaOQueUmaPilhaAbandonadaTinha) {
   SecaoCritica externa(NivelTrava::Container);
   SecaoCritica interna(NivelTrava::ArquivoDados);
-  const std::size_t marca = LivroTravas::Marca();
+  const std::size_t marca = LivroDaThread::Marca();
   alignas(CQZTrava) std::byte abandonadas[3][sizeof(CQZTrava)];  // their destructors never run
   new (abandonadas[0]) CQZTrava(externa);
   new (abandonadas[1]) CQZTrava(interna);
   new (abandonadas[2]) CQZTrava(interna);
-  EXPECT_EQ(LivroTravas::Marca(), marca + 3);
-  LivroTravas::SoltaAte(marca);
-  EXPECT_EQ(LivroTravas::Marca(), marca);
+  EXPECT_EQ(LivroDaThread::Marca(), marca + 3);
+  LivroDaThread::SoltaAte(marca);
+  EXPECT_EQ(LivroDaThread::Marca(), marca);
   TomaEmOutraThread(externa);
   TomaEmOutraThread(interna);
 }
@@ -119,7 +120,7 @@ TEST(SecaoCompartilhada, LeitoresJuntosEscritoresSos) {
     thread.join();
   }
   EXPECT_EQ(uiUm, 40000U);
-  EXPECT_EQ(LivroTravas::Marca(), 0U);
+  EXPECT_EQ(LivroDaThread::Marca(), 0U);
 }
 
 TEST(SecaoCompartilhada, PilhaAbandonada) {
@@ -127,13 +128,13 @@ TEST(SecaoCompartilhada, PilhaAbandonada) {
   {
     alignas(CQZTravaLeitura) std::byte abandonada[sizeof(CQZTravaLeitura)];
     new (abandonada) CQZTravaLeitura(secao);
-    LivroTravas::SoltaAte(0);
+    LivroDaThread::SoltaAte(0);
     EXPECT_FALSE(secao.Suspeita()) << "readers change nothing";
   }
   {
     alignas(CQZTravaEscrita) std::byte abandonada[sizeof(CQZTravaEscrita)];
     new (abandonada) CQZTravaEscrita(secao);
-    LivroTravas::SoltaAte(0);
+    LivroDaThread::SoltaAte(0);
     EXPECT_TRUE(secao.Suspeita());
   }
   std::thread([&] {
@@ -154,12 +155,12 @@ TEST(OrdemDasTravasDeathTest, PermiteDescerRepetirETemporariosEQuebraEncerra) {
     const CQZTrava trava2(interna);
     const CQZTrava trava3(temporaria);
     for (SecaoCritica *pPermitida : {&outraTemporaria, &externa, &interna}) {
-      LivroTravas::VerificaOrdem(*pPermitida);
+      plataforma::VerificaOrdem(*pPermitida);
     }
   }
   const CQZTrava trava(interna);
-  EXPECT_DEATH(LivroTravas::VerificaOrdem(externa), "out of order");
-  EXPECT_DEATH(LivroTravas::VerificaOrdem(outraInterna), "out of order");
+  EXPECT_DEATH(plataforma::VerificaOrdem(externa), "out of order");
+  EXPECT_DEATH(plataforma::VerificaOrdem(outraInterna), "out of order");
   if (KALVO_VERIFICA_TRAVAS) {
     EXPECT_DEATH(const CQZTrava quebra(externa), "out of order");
     SecaoCompartilhada compartilhada;

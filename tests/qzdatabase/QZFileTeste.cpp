@@ -141,7 +141,7 @@ TEST_F(ArquivoDeRegistros, MudancaAbandonadaRecarrega) {
   std::thread([this] {
     alignas(plataforma::CQZTravaEscrita) std::byte abandonada[sizeof(plataforma::CQZTravaEscrita)];
     new (abandonada) plataforma::CQZTravaEscrita(m_banco.m_Registros.Leitores());
-    plataforma::LivroTravas::SoltaAte(0);
+    plataforma::LivroDaThread::SoltaAte(0);
   }).join();
   m_falhas.Arma({.operacoes = apoio::kOpLe, .trecho = "TESTE.DAT", .enesima = 100});
   RegTeste reg;

@@ -21,7 +21,7 @@ FalhaArquivo UltimaFalha() {
 
 }  // namespace
 
-ArquivoAberto::ArquivoAberto(Acesso acesso) : m_eAcesso(acesso) {}
+ArquivoAberto::ArquivoAberto(Acesso eAcesso) : m_eAcesso(eAcesso) {}
 
 ArquivoAberto::~ArquivoAberto() {
   if (m_pMapa != nullptr) {
@@ -29,11 +29,11 @@ ArquivoAberto::~ArquivoAberto() {
   }
 }
 
-FalhaArquivo ArquivoAberto::Le(std::uint64_t posicao, void *destino, std::size_t qtd) {
+FalhaArquivo ArquivoAberto::Le(std::uint64_t posicao, void *pDestino, std::size_t qtd) {
   if (m_eAcesso == Acesso::Escrita) {
     return FalhaWin32(kErroAcesso);
   }
-  auto *resto = static_cast<char *>(destino);
+  auto *resto = static_cast<char *>(pDestino);
   while (qtd > 0) {
     const ssize_t lidos = ::pread(m_descritor.Numero(), resto, qtd, static_cast<off_t>(posicao));
     if (lidos < 0 && errno == EINTR) {
@@ -50,11 +50,11 @@ FalhaArquivo ArquivoAberto::Le(std::uint64_t posicao, void *destino, std::size_t
   return kSemFalha;
 }
 
-FalhaArquivo ArquivoAberto::Grava(std::uint64_t posicao, const void *origem, std::size_t qtd) {
+FalhaArquivo ArquivoAberto::Grava(std::uint64_t posicao, const void *pOrigem, std::size_t qtd) {
   if (m_eAcesso == Acesso::Leitura) {
     return FalhaWin32(kErroAcesso);
   }
-  const auto *resto = static_cast<const char *>(origem);
+  const auto *resto = static_cast<const char *>(pOrigem);
   while (qtd > 0) {
     const ssize_t gravados = ::pwrite(m_descritor.Numero(), resto, qtd, static_cast<off_t>(posicao));
     if (gravados < 0 && errno == EINTR) {
@@ -87,13 +87,13 @@ FalhaArquivo ArquivoAberto::AjustaTamanho(std::uint64_t tamanho) {
   return ::ftruncate(m_descritor.Numero(), static_cast<off_t>(tamanho)) == 0 ? kSemFalha : UltimaFalha();
 }
 
-FalhaArquivo ArquivoAberto::UltimaEscrita(std::uint64_t *ticks) {
+FalhaArquivo ArquivoAberto::UltimaEscrita(std::uint64_t *puiTicks) {
   struct stat info {};
   if (::fstat(m_descritor.Numero(), &info) != 0) {
     return UltimaFalha();
   }
-  *ticks = static_cast<std::uint64_t>(info.st_mtim.tv_sec) * 10'000'000u +
-           static_cast<std::uint64_t>(info.st_mtim.tv_nsec) / 100u;
+  *puiTicks = static_cast<std::uint64_t>(info.st_mtim.tv_sec) * 10'000'000u +
+              static_cast<std::uint64_t>(info.st_mtim.tv_nsec) / 100u;
   return kSemFalha;
 }
 

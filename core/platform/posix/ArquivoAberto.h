@@ -1,7 +1,7 @@
 #ifndef KALVO_CORE_PLATFORM_POSIX_ARQUIVOABERTO_H
 #define KALVO_CORE_PLATFORM_POSIX_ARQUIVOABERTO_H
 
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/Arquivos.h"
 #include "core/platform/posix/UsoArquivo.h"
 
 namespace plataforma {
@@ -10,7 +10,7 @@ namespace plataforma {
 /// it readable), so the access is checked here.
 class ArquivoAberto final : public IArquivoAberto {
 public:
-  explicit ArquivoAberto(Acesso acesso);
+  explicit ArquivoAberto(Acesso eAcesso);
   ~ArquivoAberto() override;
   ArquivoAberto(const ArquivoAberto &) = delete;
   ArquivoAberto &operator=(const ArquivoAberto &) = delete;
@@ -18,11 +18,11 @@ public:
   /// To be filled with the file's descriptor; everything else needs that.
   Descritor *Posse() { return &m_descritor; }
 
-  FalhaArquivo Le(std::uint64_t posicao, void *destino, std::size_t qtd) override;
-  FalhaArquivo Grava(std::uint64_t posicao, const void *origem, std::size_t qtd) override;
+  FalhaArquivo Le(std::uint64_t posicao, void *pDestino, std::size_t qtd) override;
+  FalhaArquivo Grava(std::uint64_t posicao, const void *pOrigem, std::size_t qtd) override;
   FalhaArquivo Tamanho(std::uint64_t *tamanho) override;
   FalhaArquivo AjustaTamanho(std::uint64_t tamanho) override;
-  FalhaArquivo UltimaEscrita(std::uint64_t *ticks) override;
+  FalhaArquivo UltimaEscrita(std::uint64_t *puiTicks) override;
   FalhaArquivo Descarrega() override;
   FalhaArquivo Mapeia(std::size_t qtd, std::byte **ppBytes) override;
 

@@ -11,17 +11,17 @@ namespace {
 
 constexpr std::string_view kBrancos = " \t\r\n\v\f";
 
-CString Aparado(std::string_view texto) {
-  const std::size_t inicio = texto.find_first_not_of(kBrancos);
+CString Aparado(std::string_view sTexto) {
+  const std::size_t inicio = sTexto.find_first_not_of(kBrancos);
   if (inicio == std::string_view::npos) {
     return {};
   }
-  return CString(texto.substr(inicio, texto.find_last_not_of(kBrancos) - inicio + 1));
+  return CString(sTexto.substr(inicio, sTexto.find_last_not_of(kBrancos) - inicio + 1));
 }
 
-CString SemAspas(const CString &valor) {
-  const bool bAspas = valor.size() >= 2 && valor.front() == valor.back() && (valor[0] == '"' || valor[0] == '\'');
-  return bAspas ? valor.substr(1, valor.size() - 2) : valor;
+CString SemAspas(const CString &sValor) {
+  const bool bAspas = sValor.size() >= 2 && sValor.front() == sValor.back() && (sValor[0] == '"' || sValor[0] == '\'');
+  return bAspas ? sValor.substr(1, sValor.size() - 2) : sValor;
 }
 
 /// Value of a digit of any base, 99 for anything else.
@@ -34,47 +34,47 @@ std::uint32_t Digito(char letra) {
 }
 
 /// The base that a prefix names, 10 without one.
-std::uint32_t BaseDe(std::string_view digitos) {
-  if (digitos.starts_with("0x")) {
+std::uint32_t BaseDe(std::string_view sDigitos) {
+  if (sDigitos.starts_with("0x")) {
     return 16;
   }
-  return digitos.starts_with("0o") ? 8 : digitos.starts_with("0b") ? 2 : 10;
+  return sDigitos.starts_with("0o") ? 8 : sDigitos.starts_with("0b") ? 2 : 10;
 }
 
 }  // namespace
 
-std::optional<CString> ValorIni(const std::string &caminho, const CString &secao, const CString &chave) {
-  std::ifstream arquivo(caminho, std::ios::binary);
-  const CString secaoProcurada = Maiusculas(secao);
-  const CString chaveProcurada = Maiusculas(chave);
+std::optional<CString> ValorIni(const std::string &sCaminho, const CString &sSecao, const CString &sChave) {
+  std::ifstream arquivo(sCaminho, std::ios::binary);
+  const CString sSecaoProcurada = Maiusculas(sSecao);
+  const CString sChaveProcurada = Maiusculas(sChave);
   bool bNaSecao = false;
-  for (std::string bruta; std::getline(arquivo, bruta);) {
-    const CString linha = Aparado(bruta);
-    if (linha.starts_with('[')) {
+  for (std::string sBruta; std::getline(arquivo, sBruta);) {
+    const CString sLinha = Aparado(sBruta);
+    if (sLinha.starts_with('[')) {
       if (bNaSecao) {
         return std::nullopt;
       }
-      bNaSecao = Maiusculas(Aparado(linha.substr(1, linha.find_last_of(']') - 1))) == secaoProcurada;
+      bNaSecao = Maiusculas(Aparado(sLinha.substr(1, sLinha.find_last_of(']') - 1))) == sSecaoProcurada;
       continue;
     }
-    const std::size_t igual = linha.find('=');
-    if (bNaSecao && igual != CString::npos && Maiusculas(Aparado(linha.substr(0, igual))) == chaveProcurada) {
-      return SemAspas(Aparado(linha.substr(igual + 1)));
+    const std::size_t igual = sLinha.find('=');
+    if (bNaSecao && igual != CString::npos && Maiusculas(Aparado(sLinha.substr(0, igual))) == sChaveProcurada) {
+      return SemAspas(Aparado(sLinha.substr(igual + 1)));
     }
   }
   return std::nullopt;
 }
 
-std::uint32_t NumeroIni(const CString &valor) {
-  std::string_view resto = valor;
-  resto.remove_prefix(std::min(resto.find_first_not_of(kBrancos), resto.size()));
-  const bool bNegativo = resto.starts_with('-');
-  resto.remove_prefix(bNegativo || resto.starts_with('+') ? 1 : 0);
-  const std::uint32_t base = BaseDe(resto);
-  resto.remove_prefix(base == 10 ? 0 : 2);
+std::uint32_t NumeroIni(const CString &sValor) {
+  std::string_view sResto = sValor;
+  sResto.remove_prefix(std::min(sResto.find_first_not_of(kBrancos), sResto.size()));
+  const bool bNegativo = sResto.starts_with('-');
+  sResto.remove_prefix(bNegativo || sResto.starts_with('+') ? 1 : 0);
+  const std::uint32_t base = BaseDe(sResto);
+  sResto.remove_prefix(base == 10 ? 0 : 2);
   std::uint32_t numero = 0;
-  for (; !resto.empty() && Digito(resto.front()) < base; resto.remove_prefix(1)) {
-    numero = numero * base + Digito(resto.front());
+  for (; !sResto.empty() && Digito(sResto.front()) < base; sResto.remove_prefix(1)) {
+    numero = numero * base + Digito(sResto.front());
   }
   return bNegativo ? 0 - numero : numero;
 }

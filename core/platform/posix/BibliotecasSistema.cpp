@@ -10,12 +10,12 @@ namespace {
 
 class BibliotecaSistema final : public IBiblioteca {
 public:
-  explicit BibliotecaSistema(void *modulo) : m_modulo(modulo) {}
+  explicit BibliotecaSistema(void *pModulo) : m_modulo(pModulo) {}
   ~BibliotecaSistema() override { dlclose(m_modulo); }
   BibliotecaSistema(const BibliotecaSistema &) = delete;
   BibliotecaSistema &operator=(const BibliotecaSistema &) = delete;
 
-  void *Funcao(const char *nome) override { return dlsym(m_modulo, nome); }
+  void *Funcao(const char *lpNome) override { return dlsym(m_modulo, lpNome); }
 
 private:
   void *m_modulo;
@@ -23,11 +23,11 @@ private:
 
 class BibliotecasSistema final : public IBibliotecas {
 public:
-  std::unique_ptr<IBiblioteca> Carrega(const CString &caminho) override {
-    CString nativo = caminho;
-    std::replace(nativo.begin(), nativo.end(), '\\', '/');
-    void *modulo = dlopen(nativo.c_str(), RTLD_NOW | RTLD_LOCAL);
-    return modulo == nullptr ? nullptr : std::make_unique<BibliotecaSistema>(modulo);
+  std::unique_ptr<IBiblioteca> Carrega(const CString &sCaminho) override {
+    CString sNativo = sCaminho;
+    std::replace(sNativo.begin(), sNativo.end(), '\\', '/');
+    void *pModulo = dlopen(sNativo.c_str(), RTLD_NOW | RTLD_LOCAL);
+    return pModulo == nullptr ? nullptr : std::make_unique<BibliotecaSistema>(pModulo);
   }
 };
 

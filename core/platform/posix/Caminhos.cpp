@@ -1,5 +1,5 @@
 #include "core/platform/Caminhos.h"
 
-bool plataforma::CaminhoAbsoluto(const CString &caminho) {
-  return !caminho.empty() && (caminho.front() == '/' || caminho.front() == '\\');
+bool plataforma::EhCaminhoAbsoluto(const CString &sCaminho) {
+  return !sCaminho.empty() && (sCaminho.front() == '/' || sCaminho.front() == '\\');
 }

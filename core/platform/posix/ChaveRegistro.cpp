@@ -8,24 +8,24 @@ namespace {
 /// A key of the registry in memory, by its path.
 class ChaveMemoria final : public IChaveRegistro {
 public:
-  ChaveMemoria(CString chave, AcessoChave eAcesso)
-      : m_chave(std::move(chave)), m_bEscrita(eAcesso == AcessoChave::LeituraEscrita) {}
+  ChaveMemoria(CString sChave, AcessoChave eAcesso)
+      : m_chave(std::move(sChave)), m_bEscrita(eAcesso == AcessoChave::LeituraEscrita) {}
 
-  std::optional<CString> LeTexto(const CString &nome, bool expande) override {
-    return RegistroMemoria::DoProcesso().LeTexto(m_chave, nome, expande);
+  std::optional<CString> LeTexto(const CString &sNome, bool bExpande) override {
+    return RegistroMemoria::DoProcesso().LeTexto(m_chave, sNome, bExpande);
   }
-  std::optional<std::uint32_t> LeNumero(const CString &nome) override {
-    return RegistroMemoria::DoProcesso().LeNumero(m_chave, nome);
+  std::optional<std::uint32_t> LeNumero(const CString &sNome) override {
+    return RegistroMemoria::DoProcesso().LeNumero(m_chave, sNome);
   }
-  bool GravaTexto(const CString &nome, const CString &texto) override {
+  bool GravaTexto(const CString &sNome, const CString &sTexto) override {
     if (m_bEscrita) {
-      RegistroMemoria::DoProcesso().DefineTexto(m_chave, nome, texto);
+      RegistroMemoria::DoProcesso().DefineTexto(m_chave, sNome, sTexto);
     }
     return m_bEscrita;
   }
-  bool CriaSubchave(const CString &nome) override {
+  bool CriaSubchave(const CString &sNome) override {
     if (m_bEscrita) {
-      RegistroMemoria::DoProcesso().CriaChave(m_chave + "\\" + nome);
+      RegistroMemoria::DoProcesso().CriaChave(m_chave + "\\" + sNome);
     }
     return m_bEscrita;
   }
@@ -37,12 +37,12 @@ private:
 
 }  // namespace
 
-std::unique_ptr<IChaveRegistro> AbreChaveRegistro(const CString &chave, AcessoChave eAcesso, const CString &maquina) {
+std::unique_ptr<IChaveRegistro> AbreChaveRegistro(const CString &sChave, AcessoChave eAcesso, const CString &sMaquina) {
   // There is no other machine to ask.
-  if (!maquina.empty() || !RegistroMemoria::DoProcesso().ExisteChave(chave)) {
+  if (!sMaquina.empty() || !RegistroMemoria::DoProcesso().ExisteChave(sChave)) {
     return nullptr;
   }
-  return std::make_unique<ChaveMemoria>(chave.substr(0, chave.find_last_not_of('\\') + 1), eAcesso);
+  return std::make_unique<ChaveMemoria>(sChave.substr(0, sChave.find_last_not_of('\\') + 1), eAcesso);
 }
 
 }  // namespace plataforma

@@ -52,27 +52,27 @@ std::uint32_t ErroWin32DeErrno(int erro) {
   }
 }
 
-std::uint32_t ErroWin32DeCaminho(int erro, const std::string &caminho) {
+std::uint32_t ErroWin32DeCaminho(int erro, const std::string &sCaminho) {
   struct stat info {};
-  if (erro == ENOENT && ::stat(DiretorioDe(caminho).c_str(), &info) != 0) {
+  if (erro == ENOENT && ::stat(DiretorioDe(sCaminho).c_str(), &info) != 0) {
     return 3;  // ERROR_PATH_NOT_FOUND
   }
   return ErroWin32DeErrno(erro);
 }
 
-std::string CaminhoNativo(const CString &caminho) {
+std::string CaminhoNativo(const CString &sCaminho) {
   // A path ends at its first zero byte for the system calls; cutting it here keeps the directory part consistent.
-  std::string nativo = caminho.substr(0, caminho.find('\0'));
-  std::replace(nativo.begin(), nativo.end(), '\\', '/');
-  return nativo;
+  std::string sNativo = sCaminho.substr(0, sCaminho.find('\0'));
+  std::replace(sNativo.begin(), sNativo.end(), '\\', '/');
+  return sNativo;
 }
 
-std::string DiretorioDe(const std::string &caminho) {
-  const std::size_t barra = caminho.rfind('/');
+std::string DiretorioDe(const std::string &sCaminho) {
+  const std::size_t barra = sCaminho.rfind('/');
   if (barra == std::string::npos) {
     return ".";
   }
-  return barra == 0 ? "/" : caminho.substr(0, barra);
+  return barra == 0 ? "/" : sCaminho.substr(0, barra);
 }
 
 }  // namespace plataforma

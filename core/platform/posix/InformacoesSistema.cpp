@@ -11,7 +11,6 @@
 
 #include "core/platform/Permanente.h"
 #include "core/platform/ServicosSistema.h"
-#include "core/platform/posix/ArquivoIni.h"
 #include "core/platform/posix/ErrosPosix.h"
 
 namespace plataforma {
@@ -25,21 +24,21 @@ std::uint64_t TamanhoPagina() {
   return static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
 }
 
-class InformacoesSistema final : public ISistema {
+class InformacoesSistema final : public IInformacoes {
 public:
   CString NomeProcesso() override {
     std::error_code erro;
-    CString nome = std::filesystem::read_symlink("/proc/self/exe", erro).filename().string();
-    std::transform(nome.begin(), nome.end(), nome.begin(), Minuscula);
-    return nome;
+    CString sNome = std::filesystem::read_symlink("/proc/self/exe", erro).filename().string();
+    std::transform(sNome.begin(), sNome.end(), sNome.begin(), Minuscula);
+    return sNome;
   }
 
   CString UsuarioLocal() override {
     passwd conta{};
-    passwd *achada = nullptr;
+    passwd *pAchada = nullptr;
     std::array<char, 4096> area{};
-    ::getpwuid_r(::geteuid(), &conta, area.data(), area.size(), &achada);
-    return achada != nullptr ? CString(conta.pw_name) : CString();
+    ::getpwuid_r(::geteuid(), &conta, area.data(), area.size(), &pAchada);
+    return pAchada != nullptr ? CString(conta.pw_name) : CString();
   }
 
   std::uint32_t IdThread() override { return static_cast<std::uint32_t>(::gettid()); }
@@ -57,7 +56,7 @@ public:
     return texto;
   }
 
-  bool MemoriaProcesso(std::uint64_t *bytes) override {
+  bool MemoriaProcesso(std::uint64_t *puiBytes) override {
     std::ifstream contadores("/proc/self/statm");
     std::uint64_t total = 0;
     std::uint64_t residentes = 0;
@@ -65,18 +64,18 @@ public:
     if (!(contadores >> total >> residentes >> compartilhadas) || residentes < compartilhadas) {
       return false;
     }
-    *bytes = (residentes - compartilhadas) * TamanhoPagina();
+    *puiBytes = (residentes - compartilhadas) * TamanhoPagina();
     return true;
   }
 
-  bool MemoriaMaquina(std::uint64_t *disponivel, std::uint64_t *total) override {
+  bool MemoriaMaquina(std::uint64_t *puiDisponivel, std::uint64_t *puiTotal) override {
     const long livres = ::sysconf(_SC_AVPHYS_PAGES);
     const long todas = ::sysconf(_SC_PHYS_PAGES);
     if (livres < 0 || todas < 0) {
       return false;
     }
-    *disponivel = static_cast<std::uint64_t>(livres) * TamanhoPagina();
-    *total = static_cast<std::uint64_t>(todas) * TamanhoPagina();
+    *puiDisponivel = static_cast<std::uint64_t>(livres) * TamanhoPagina();
+    *puiTotal = static_cast<std::uint64_t>(todas) * TamanhoPagina();
     return true;
   }
 
@@ -94,31 +93,20 @@ public:
     return versao;
   }
 
-  // The codes are the product's platform's, whose texts nobody has here.
+  /// The codes are the product's platform's, whose texts nobody has here.
   CString TextoErro(std::uint32_t) override { return {}; }
 
-  CString CaminhoAbsoluto(const CString &caminho) override {
+  CString CaminhoAbsoluto(const CString &sCaminho) override {
     std::error_code erro;
-    CString absoluto = std::filesystem::absolute(CaminhoNativo(caminho), erro).lexically_normal().string();
-    std::replace(absoluto.begin(), absoluto.end(), '/', '\\');
-    return erro ? caminho : absoluto;
-  }
-
-  std::uint32_t LeInteiroIni(const CString &arquivo, const char *secao, const char *chave,
-                             std::uint32_t padrao) override {
-    const CString valor = ValorIni(CaminhoNativo(arquivo), secao, chave).value_or(CString());
-    return valor.empty() ? padrao : NumeroIni(valor);
-  }
-
-  CString LeTextoIni(const CString &arquivo, const char *secao, const char *chave, const char *padrao,
-                     std::size_t maximo) override {
-    return ValorIni(CaminhoNativo(arquivo), secao, chave).value_or(padrao).substr(0, maximo);
+    CString sAbsoluto = std::filesystem::absolute(CaminhoNativo(sCaminho), erro).lexically_normal().string();
+    std::replace(sAbsoluto.begin(), sAbsoluto.end(), '/', '\\');
+    return erro ? sCaminho : sAbsoluto;
   }
 };
 
 }  // namespace
 
-ISistema &InformacoesDoSistema() {
+IInformacoes &InformacoesDoSistema() {
   return Permanente<InformacoesSistema>();
 }
 

@@ -8,8 +8,8 @@ void *AlocaTarefa(std::size_t bytes) {
   return std::malloc(bytes);
 }
 
-void LiberaTarefa(void *memoria) {
-  std::free(memoria);
+void LiberaTarefa(void *pMemoria) {
+  std::free(pMemoria);
 }
 
 }  // namespace plataforma

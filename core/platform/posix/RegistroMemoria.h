@@ -19,23 +19,23 @@ public:
   /// The registry of this process, which RegistroDoSistema hands out; never destroyed.
   static RegistroMemoria &DoProcesso();
 
-  bool ExisteChave(const CString &chave) override;
-  std::optional<CString> LeTexto(const CString &chave, const CString &nome, bool expande) override;
-  std::optional<std::uint32_t> LeNumero(const CString &chave, const CString &nome) override;
+  bool ExisteChave(const CString &sChave) override;
+  std::optional<CString> LeTexto(const CString &sChave, const CString &sNome, bool bExpande) override;
+  std::optional<std::uint32_t> LeNumero(const CString &sChave, const CString &sNome) override;
 
   /// Creates a key and the keys above it; nothing happens when it exists.
-  void CriaChave(const CString &chave);
+  void CriaChave(const CString &sChave);
 
   // Each replaces a value of any type, and creates the key when needed.
-  void DefineTexto(const CString &chave, const CString &nome, const CString &texto);
-  void DefineTextoExpansivel(const CString &chave, const CString &nome, const CString &texto);
-  void DefineNumero(const CString &chave, const CString &nome, std::uint32_t numero);
-  void DefineBinario(const CString &chave, const CString &nome, const CString &bytes);
+  void DefineTexto(const CString &sChave, const CString &sNome, const CString &sTexto);
+  void DefineTextoExpansivel(const CString &sChave, const CString &sNome, const CString &sTexto);
+  void DefineNumero(const CString &sChave, const CString &sNome, std::uint32_t numero);
+  void DefineBinario(const CString &sChave, const CString &sNome, const CString &sBytes);
 
-  void RemoveValor(const CString &chave, const CString &nome);
+  void RemoveValor(const CString &sChave, const CString &sNome);
 
   /// Removes a key with everything below it.
-  void RemoveChave(const CString &chave);
+  void RemoveChave(const CString &sChave);
 
 private:
   struct Texto {
@@ -48,8 +48,8 @@ private:
   using Valor = std::variant<Texto, std::uint32_t, Binario>;
   using Valores = std::map<CString, Valor>;  ///< by folded name
 
-  void Define(const CString &chave, const CString &nome, const Valor &valor);
-  std::optional<Valor> Acha(const CString &chave, const CString &nome);
+  void Define(const CString &sChave, const CString &sNome, const Valor &valor);
+  std::optional<Valor> Acha(const CString &sChave, const CString &sNome);
 
   std::mutex m_mutex;
   std::map<CString, Valores> m_chaves;  ///< by folded path without final separator

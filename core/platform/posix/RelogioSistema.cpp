@@ -38,17 +38,17 @@ public:
             u16(campos.tm_hour),        u16(campos.tm_min),     u16(campos.tm_sec),  u16(agora.tv_nsec / 1000000)};
   }
 
-  bool LocalParaUtc(std::uint64_t local, std::uint64_t *utc, std::uint32_t *erroSO) override {
+  bool LocalParaUtc(std::uint64_t local, std::uint64_t *puiUtc, std::uint32_t *puiErroSO) override {
     const std::time_t agora = std::time(nullptr);
     tm campos{};
     localtime_r(&agora, &campos);
     const std::int64_t deslocamento = campos.tm_gmtoff * static_cast<std::int64_t>(kTicksPorSegundo);
     const auto destino = static_cast<std::int64_t>(local) - deslocamento;
     if (static_cast<std::int64_t>(local) < 0 || destino < 0) {
-      *erroSO = kErroParametroInvalido;
+      *puiErroSO = kErroParametroInvalido;
       return false;
     }
-    *utc = static_cast<std::uint64_t>(destino);
+    *puiUtc = static_cast<std::uint64_t>(destino);
     return true;
   }
 };

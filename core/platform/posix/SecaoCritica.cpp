@@ -16,7 +16,7 @@ pthread_mutex_t *Mutex(std::byte *area) {
 
 }  // namespace
 
-SecaoCritica::SecaoCritica(NivelTrava nivel) : m_eNivel(nivel) {
+SecaoCritica::SecaoCritica(NivelTrava eNivel) : m_eNivel(eNivel) {
   static_assert(sizeof(pthread_mutex_t) <= sizeof(m_area) && alignof(pthread_mutex_t) <= 16);
   pthread_mutexattr_t atributos;
   ::pthread_mutexattr_init(&atributos);
@@ -24,7 +24,7 @@ SecaoCritica::SecaoCritica(NivelTrava nivel) : m_eNivel(nivel) {
   const int erro = ::pthread_mutex_init(new (m_area) pthread_mutex_t, &atributos);
   ::pthread_mutexattr_destroy(&atributos);
   if (erro != 0) {
-    throw CodigoResultado(0x80070000u | ErroWin32DeErrno(erro));
+    throw CodigoWin32(ErroWin32DeErrno(erro));
   }
 }
 

@@ -1,12 +1,13 @@
 #include "core/platform/TravaEntreProcessos.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <cstdlib>
 #include <functional>
 #include <thread>
+
+#include "core/platform/posix/UsoArquivo.h"
 
 namespace plataforma {
 namespace {
@@ -20,19 +21,12 @@ std::string ArquivoDasTravas() {
 /// never removed: removing it would let two holders lock two files of one name.
 class TravaDeByte final : public ITravaEntreProcessos {
 public:
-  explicit TravaDeByte(const CString &nome)
-      : m_fd(::open(ArquivoDasTravas().c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)),
-        m_byte(static_cast<off_t>(std::hash<CString>()(nome) >> 2)) {}
-  ~TravaDeByte() override {
-    if (m_fd >= 0) {
-      ::close(m_fd);
-    }
-  }
-  TravaDeByte(const TravaDeByte &) = delete;
-  TravaDeByte &operator=(const TravaDeByte &) = delete;
+  explicit TravaDeByte(const CString &sNome)
+      : m_descritor(::open(ArquivoDasTravas().c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)),
+        m_byte(static_cast<off_t>(std::hash<CString>()(sNome) >> 2)) {}
 
   bool Toma(std::uint32_t limiteMs) override {
-    if (m_fd < 0) {
+    if (!m_descritor.Valido()) {
       return false;
     }
     // The kernel's wait knows no limit, hence the polling.
@@ -55,17 +49,17 @@ private:
     faixa.l_whence = SEEK_SET;
     faixa.l_start = m_byte;
     faixa.l_len = 1;
-    return ::fcntl(m_fd, F_OFD_SETLK, &faixa) == 0;
+    return ::fcntl(m_descritor.Numero(), F_OFD_SETLK, &faixa) == 0;
   }
 
-  int m_fd;
+  Descritor m_descritor;
   off_t m_byte;
 };
 
 }  // namespace
 
-std::unique_ptr<ITravaEntreProcessos> CriaTravaEntreProcessos(const CString &nome) {
-  return std::make_unique<TravaDeByte>(nome);
+std::unique_ptr<ITravaEntreProcessos> CriaTravaEntreProcessos(const CString &sNome) {
+  return std::make_unique<TravaDeByte>(sNome);
 }
 
 }  // namespace plataforma

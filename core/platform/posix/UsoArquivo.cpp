@@ -10,7 +10,7 @@
 namespace plataforma {
 namespace {
 
-// One byte for each statement, from this position on.
+/// One byte for each statement, from this position on.
 constexpr off_t kPrimeiroByte = off_t{1} << 62;
 
 enum Declaracao : off_t { kLe = 0, kGrava = 1, kNegaLeitura = 2, kNegaEscrita = 3 };
@@ -90,10 +90,10 @@ bool EmUso(int fd) {
   return OutroDeclara(fd, kLe, 2);
 }
 
-bool AindaNomeia(const char *caminho, int fd) {
+bool AindaNomeia(const char *lpCaminho, int fd) {
   struct stat nomeado {};
   struct stat aberto {};
-  return ::stat(caminho, &nomeado) == 0 && ::fstat(fd, &aberto) == 0 && nomeado.st_dev == aberto.st_dev &&
+  return ::stat(lpCaminho, &nomeado) == 0 && ::fstat(fd, &aberto) == 0 && nomeado.st_dev == aberto.st_dev &&
          nomeado.st_ino == aberto.st_ino;
 }
 

@@ -3,7 +3,7 @@
 
 #include <sys/stat.h>
 
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/Arquivos.h"
 
 namespace plataforma {
 
@@ -52,8 +52,8 @@ bool DeclaraUso(int fd, const ModoAbertura &modo);
 /// True when the file is open anywhere. Only with the turn on the file.
 bool EmUso(int fd);
 
-/// True when `caminho` still names the file that `fd` is open on.
-bool AindaNomeia(const char *caminho, int fd);
+/// True when `lpCaminho` still names the file that `fd` is open on.
+bool AindaNomeia(const char *lpCaminho, int fd);
 
 /// True when no one may write to the file: what the read-only attribute is here. The superuser, whom the system would
 /// let pass, is bound by it too.

@@ -1,29 +1,31 @@
 #include <windows.h>
 
+#include <utility>
+
 #include "core/platform/Permanente.h"
 #include "core/platform/ServicosSistema.h"
+#include "core/platform/win32/Posses.h"
 
 namespace plataforma {
 namespace {
 
 class BibliotecaSistema final : public IBiblioteca {
 public:
-  explicit BibliotecaSistema(HMODULE modulo) : m_modulo(modulo) {}
-  ~BibliotecaSistema() override { ::FreeLibrary(m_modulo); }
-  BibliotecaSistema(const BibliotecaSistema &) = delete;
-  BibliotecaSistema &operator=(const BibliotecaSistema &) = delete;
+  explicit BibliotecaSistema(PosseModulo modulo) : m_modulo(std::move(modulo)) {}
 
-  void *Funcao(const char *nome) override { return reinterpret_cast<void *>(::GetProcAddress(m_modulo, nome)); }
+  void *Funcao(const char *lpNome) override {
+    return reinterpret_cast<void *>(::GetProcAddress(m_modulo.get(), lpNome));
+  }
 
 private:
-  HMODULE m_modulo;
+  PosseModulo m_modulo;
 };
 
 class BibliotecasSistema final : public IBibliotecas {
 public:
-  std::unique_ptr<IBiblioteca> Carrega(const CString &caminho) override {
-    const HMODULE modulo = ::LoadLibraryExA(caminho.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
-    return modulo == nullptr ? nullptr : std::make_unique<BibliotecaSistema>(modulo);
+  std::unique_ptr<IBiblioteca> Carrega(const CString &sCaminho) override {
+    PosseModulo modulo(::LoadLibraryExA(sCaminho.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+    return modulo ? std::make_unique<BibliotecaSistema>(std::move(modulo)) : nullptr;
   }
 };
 

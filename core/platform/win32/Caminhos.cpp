@@ -12,12 +12,12 @@ constexpr bool LetraDeUnidade(char c) {
 
 }  // namespace
 
-// "C:\..." or "\\server\...". Neither "C:name" nor "\name": they depend on the current directory or drive.
-bool plataforma::CaminhoAbsoluto(const CString &caminho) {
-  if (caminho.size() < 3) {
+/// "C:\..." or "\\server\...". Neither "C:name" nor "\name": they depend on the current directory or drive.
+bool plataforma::EhCaminhoAbsoluto(const CString &sCaminho) {
+  if (sCaminho.size() < 3) {
     return false;
   }
-  const bool bUnidade = LetraDeUnidade(caminho[0]) && caminho[1] == ':' && Separador(caminho[2]);
-  const bool bRede = Separador(caminho[0]) && Separador(caminho[1]) && !Separador(caminho[2]);
+  const bool bUnidade = LetraDeUnidade(sCaminho[0]) && sCaminho[1] == ':' && Separador(sCaminho[2]);
+  const bool bRede = Separador(sCaminho[0]) && Separador(sCaminho[1]) && !Separador(sCaminho[2]);
   return bUnidade || bRede;
 }

@@ -5,12 +5,11 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <memory>
-#include <type_traits>
 #include <vector>
 
 #include "core/platform/Permanente.h"
 #include "core/platform/ServicosSistema.h"
+#include "core/platform/win32/Posses.h"
 
 namespace plataforma {
 namespace {
@@ -24,23 +23,18 @@ CString CaminhoPrograma() {
   return qtd < MAX_PATH ? CString(caminho, qtd) : CString();
 }
 
-struct LiberaModulo {
-  void operator()(HMODULE modulo) const { ::FreeLibrary(modulo); }
-};
-using Modulo = std::unique_ptr<std::remove_pointer_t<HMODULE>, LiberaModulo>;
-
 template <class Funcao>
-Funcao *FuncaoDe(const Modulo &modulo, const char *nome) {
-  return reinterpret_cast<Funcao *>(reinterpret_cast<void *>(::GetProcAddress(modulo.get(), nome)));
+Funcao *FuncaoDe(const PosseModulo &modulo, const char *lpNome) {
+  return reinterpret_cast<Funcao *>(reinterpret_cast<void *>(::GetProcAddress(modulo.get(), lpNome)));
 }
 
-class InformacoesSistema final : public ISistema {
+class InformacoesSistema final : public IInformacoes {
 public:
   CString NomeProcesso() override {
-    const CString caminho = CaminhoPrograma();
-    CString nome = caminho.substr(caminho.find_last_of('\\') + 1);
-    ::CharLowerBuffA(nome.data(), static_cast<DWORD>(nome.size()));
-    return nome;
+    const CString sCaminho = CaminhoPrograma();
+    CString sNome = sCaminho.substr(sCaminho.find_last_of('\\') + 1);
+    ::CharLowerBuffA(sNome.data(), static_cast<DWORD>(sNome.size()));
+    return sNome;
   }
 
   CString UsuarioLocal() override {
@@ -63,7 +57,7 @@ public:
     return texto;
   }
 
-  bool MemoriaProcesso(std::uint64_t *bytes) override {
+  bool MemoriaProcesso(std::uint64_t *puiBytes) override {
     PROCESS_MEMORY_COUNTERS_EX contadores{};
     contadores.cb = sizeof(contadores);
     if (!::GetProcessMemoryInfo(::GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS *>(&contadores),
@@ -71,23 +65,23 @@ public:
       return false;
     }
     // Two names for the same figure, of which some systems fill in only one.
-    *bytes = std::max(contadores.PrivateUsage, contadores.PagefileUsage);
+    *puiBytes = std::max(contadores.PrivateUsage, contadores.PagefileUsage);
     return true;
   }
 
-  bool MemoriaMaquina(std::uint64_t *disponivel, std::uint64_t *total) override {
+  bool MemoriaMaquina(std::uint64_t *puiDisponivel, std::uint64_t *puiTotal) override {
     MEMORYSTATUSEX estado{};
     estado.dwLength = sizeof(estado);
     if (!::GlobalMemoryStatusEx(&estado)) {
       return false;
     }
-    *disponivel = estado.ullAvailPhys;
-    *total = estado.ullTotalPhys;
+    *puiDisponivel = estado.ullAvailPhys;
+    *puiTotal = estado.ullTotalPhys;
     return true;
   }
 
-  bool VersaoPrograma(VersaoArquivo *versao) override {
-    const Modulo biblioteca(::LoadLibraryExA("version.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
+  bool VersaoPrograma(VersaoArquivo *pVersao) override {
+    const PosseModulo biblioteca(::LoadLibraryExA("version.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
     if (!biblioteca) {
       return false;
     }
@@ -97,20 +91,20 @@ public:
     if (tamanhoDoBloco == nullptr || leBloco == nullptr || consulta == nullptr) {
       return false;
     }
-    const CString programa = CaminhoPrograma();
+    const CString sPrograma = CaminhoPrograma();
     DWORD ignorado = 0;
-    std::vector<char> bloco(tamanhoDoBloco(programa.c_str(), &ignorado));
-    void *achado = nullptr;
+    std::vector<char> bloco(tamanhoDoBloco(sPrograma.c_str(), &ignorado));
+    void *pAchado = nullptr;
     UINT qtd = 0;
-    if (bloco.empty() || !leBloco(programa.c_str(), 0, static_cast<DWORD>(bloco.size()), bloco.data()) ||
-        !consulta(bloco.data(), "\\", &achado, &qtd) || qtd < sizeof(VS_FIXEDFILEINFO)) {
+    if (bloco.empty() || !leBloco(sPrograma.c_str(), 0, static_cast<DWORD>(bloco.size()), bloco.data()) ||
+        !consulta(bloco.data(), "\\", &pAchado, &qtd) || qtd < sizeof(VS_FIXEDFILEINFO)) {
       return false;
     }
-    const auto *const fixa = static_cast<const VS_FIXEDFILEINFO *>(achado);
+    const auto *const fixa = static_cast<const VS_FIXEDFILEINFO *>(pAchado);
     if (fixa->dwSignature != kAssinaturaVersao) {
       return false;
     }
-    *versao = {fixa->dwFileVersionMS, fixa->dwFileVersionLS};
+    *pVersao = {fixa->dwFileVersionMS, fixa->dwFileVersionLS};
     return true;
   }
 
@@ -121,38 +115,24 @@ public:
   }
 
   CString TextoErro(std::uint32_t erro) override {
-    char *texto = nullptr;
+    char *lpTexto = nullptr;
     const DWORD qtd = ::FormatMessageA(
         FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, erro,
-        MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<char *>(&texto), 0, nullptr);
-    const std::unique_ptr<char, decltype(&::LocalFree)> dono(texto, ::LocalFree);
-    return CString(qtd != 0 ? texto : "", qtd);
+        MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<char *>(&lpTexto), 0, nullptr);
+    const PosseLocal dono(lpTexto);
+    return CString(qtd != 0 ? lpTexto : "", qtd);
   }
 
-  CString CaminhoAbsoluto(const CString &caminho) override {
+  CString CaminhoAbsoluto(const CString &sCaminho) override {
     char absoluto[MAX_PATH + 1] = "";
-    const DWORD qtd = ::GetFullPathNameA(caminho.c_str(), sizeof(absoluto), absoluto, nullptr);
-    return qtd != 0 && qtd < sizeof(absoluto) ? CString(absoluto, qtd) : caminho;
-  }
-
-  std::uint32_t LeInteiroIni(const CString &arquivo, const char *secao, const char *chave,
-                             std::uint32_t padrao) override {
-    return ::GetPrivateProfileIntA(secao, chave, static_cast<INT>(padrao), arquivo.c_str());
-  }
-
-  CString LeTextoIni(const CString &arquivo, const char *secao, const char *chave, const char *padrao,
-                     std::size_t maximo) override {
-    CString texto(maximo + 1, '\0');
-    const DWORD qtd = ::GetPrivateProfileStringA(secao, chave, padrao, texto.data(), static_cast<DWORD>(texto.size()),
-                                                 arquivo.c_str());
-    texto.resize(qtd);
-    return texto;
+    const DWORD qtd = ::GetFullPathNameA(sCaminho.c_str(), sizeof(absoluto), absoluto, nullptr);
+    return qtd != 0 && qtd < sizeof(absoluto) ? CString(absoluto, qtd) : sCaminho;
   }
 };
 
 }  // namespace
 
-ISistema &InformacoesDoSistema() {
+IInformacoes &InformacoesDoSistema() {
   return Permanente<InformacoesSistema>();
 }
 

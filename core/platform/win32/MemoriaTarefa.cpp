@@ -10,8 +10,8 @@ void *AlocaTarefa(std::size_t bytes) {
   return CoTaskMemAlloc(bytes);
 }
 
-void LiberaTarefa(void *memoria) {
-  CoTaskMemFree(memoria);
+void LiberaTarefa(void *pMemoria) {
+  CoTaskMemFree(pMemoria);
 }
 
 }  // namespace plataforma

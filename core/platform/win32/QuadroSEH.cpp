@@ -4,7 +4,7 @@
 //
 #include <malloc.h>
 
-#include "core/platform/LivroTravas.h"
+#include "core/platform/LivroDaThread.h"
 
 namespace plataforma {
 namespace {
@@ -53,10 +53,10 @@ LONG Filtra(EXCEPTION_POINTERS *pExcecao, Quadro *pQuadro) {
 /// Releases what the thread took since `marca`. A release that faults in its turn is given up, and the next one is done
 /// all the same.
 void SoltaDesde(std::size_t marca, FiltroSEH filtro) {
-  while (LivroTravas::Marca() > marca) {
+  while (LivroDaThread::Marca() > marca) {
     ChamaEmQuadroSEH(
         [](void *pMarca) -> HRESULT {
-          LivroTravas::SoltaAte(*static_cast<const std::size_t *>(pMarca));
+          LivroDaThread::SoltaAte(*static_cast<const std::size_t *>(pMarca));
           return 0;
         },
         &marca, filtro);
@@ -86,7 +86,7 @@ void Abandona(Quadro *pQuadro) {
                 .bTomada = false,
                 .filtro = filtro,
                 .abandono = abandono,
-                .marca = LivroTravas::Marca()};
+                .marca = LivroDaThread::Marca()};
   if (SehCall(corpo, pContexto, &quadro) == 0) {
     return {.bExcecao = false, .hr = quadro.hr, .codigo = 0};
   }

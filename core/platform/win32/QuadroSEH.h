@@ -8,7 +8,7 @@ struct _EXCEPTION_RECORD;  // NOLINT(bugprone-reserved-identifier): the platform
 namespace plataforma {
 
 /// What runs under a structured-exception frame. It must not hold objects whose destructors matter across a fault: the
-/// stack is abandoned without running them. What is in the thread's ledger (LivroTravas) is the exception, the frame
+/// stack is abandoned without running them. What is in the thread's ledger (LivroDaThread) is the exception, the frame
 /// releases it.
 using CorpoSEH = HRESULT (*)(void *pContexto);
 

@@ -7,16 +7,16 @@ namespace {
 
 class RegistroSistema final : public IRegistro {
 public:
-  bool ExisteChave(const CString &chave) override { return AbreChaveRegistro(chave) != nullptr; }
+  bool ExisteChave(const CString &sChave) override { return AbreChaveRegistro(sChave) != nullptr; }
 
-  std::optional<CString> LeTexto(const CString &chave, const CString &nome, bool expande) override {
-    const auto aberta = AbreChaveRegistro(chave);
-    return aberta ? aberta->LeTexto(nome, expande) : std::nullopt;
+  std::optional<CString> LeTexto(const CString &sChave, const CString &sNome, bool bExpande) override {
+    const auto aberta = AbreChaveRegistro(sChave);
+    return aberta ? aberta->LeTexto(sNome, bExpande) : std::nullopt;
   }
 
-  std::optional<std::uint32_t> LeNumero(const CString &chave, const CString &nome) override {
-    const auto aberta = AbreChaveRegistro(chave);
-    return aberta ? aberta->LeNumero(nome) : std::nullopt;
+  std::optional<std::uint32_t> LeNumero(const CString &sChave, const CString &sNome) override {
+    const auto aberta = AbreChaveRegistro(sChave);
+    return aberta ? aberta->LeNumero(sNome) : std::nullopt;
   }
 };
 

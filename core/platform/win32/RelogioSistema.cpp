@@ -19,14 +19,14 @@ public:
             agora.wHour, agora.wMinute, agora.wSecond,    agora.wMilliseconds};
   }
 
-  bool LocalParaUtc(std::uint64_t local, std::uint64_t *utc, std::uint32_t *erroSO) override {
+  bool LocalParaUtc(std::uint64_t local, std::uint64_t *puiUtc, std::uint32_t *puiErroSO) override {
     const FILETIME origem{static_cast<DWORD>(local), static_cast<DWORD>(local >> 32)};
     FILETIME destino{};
     if (::LocalFileTimeToFileTime(&origem, &destino) == 0) {
-      *erroSO = ::GetLastError();
+      *puiErroSO = ::GetLastError();
       return false;
     }
-    *utc = (std::uint64_t{destino.dwHighDateTime} << 32) | destino.dwLowDateTime;
+    *puiUtc = (std::uint64_t{destino.dwHighDateTime} << 32) | destino.dwLowDateTime;
     return true;
   }
 };

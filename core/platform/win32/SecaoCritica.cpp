@@ -15,10 +15,10 @@ CRITICAL_SECTION *Secao(std::byte *area) {
 
 }  // namespace
 
-SecaoCritica::SecaoCritica(NivelTrava nivel) : m_eNivel(nivel) {
+SecaoCritica::SecaoCritica(NivelTrava eNivel) : m_eNivel(eNivel) {
   static_assert(sizeof(CRITICAL_SECTION) <= sizeof(m_area) && alignof(CRITICAL_SECTION) <= 16);
   if (!::InitializeCriticalSectionAndSpinCount(new (m_area) CRITICAL_SECTION, 0)) {
-    throw CodigoResultado(0x80070000u | (::GetLastError() & 0xFFFFu));
+    throw CodigoWin32(::GetLastError());
   }
 }
 

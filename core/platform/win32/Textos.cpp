@@ -6,14 +6,14 @@
 
 namespace plataforma {
 
-CString Maiusculas(const CString &texto) {
-  CString maiusculas(texto);
-  ::CharUpperBuffA(maiusculas.data(), static_cast<DWORD>(maiusculas.size()));
-  return maiusculas;
+CString Maiusculas(const CString &sTexto) {
+  CString sMaiusculas(sTexto);
+  ::CharUpperBuffA(sMaiusculas.data(), static_cast<DWORD>(sMaiusculas.size()));
+  return sMaiusculas;
 }
 
-bool CasaCuringa(const char *texto, const char *padrao) {
-  return ::PathMatchSpecA(texto, padrao) != FALSE;
+bool CasaCuringa(const char *lpTexto, const char *lpPadrao) {
+  return ::PathMatchSpecA(lpTexto, lpPadrao) != FALSE;
 }
 
 bool PaginaDeUmByte() {

@@ -4,6 +4,8 @@
 
 #include <sddl.h>
 
+#include "core/platform/win32/Posses.h"
+
 namespace plataforma {
 namespace {
 
@@ -13,61 +15,52 @@ class DescritorAberto {
 public:
   DescritorAberto() {
     const char *const sddl = "D:(A;;GA;;;SY)(A;;GA;;;OW)(A;;0x00100001;;;AU)";  // SYNCHRONIZE | MUTEX_MODIFY_STATE
-    if (!::ConvertStringSecurityDescriptorToSecurityDescriptorA(sddl, SDDL_REVISION_1, &m_descritor, nullptr)) {
-      m_descritor = nullptr;
+    PSECURITY_DESCRIPTOR pDescritor = nullptr;
+    if (::ConvertStringSecurityDescriptorToSecurityDescriptorA(sddl, SDDL_REVISION_1, &pDescritor, nullptr)) {
+      m_descritor.reset(pDescritor);
     }
-    m_atributos = {sizeof(m_atributos), m_descritor, FALSE};
+    m_atributos = {sizeof(m_atributos), m_descritor.get(), FALSE};
   }
-  ~DescritorAberto() { ::LocalFree(m_descritor); }
-  DescritorAberto(const DescritorAberto &) = delete;
-  DescritorAberto &operator=(const DescritorAberto &) = delete;
 
   SECURITY_ATTRIBUTES *Atributos() { return &m_atributos; }
 
 private:
-  PSECURITY_DESCRIPTOR m_descritor = nullptr;
+  PosseLocal m_descritor;
   SECURITY_ATTRIBUTES m_atributos{};
 };
 
-HANDLE CriaMutex(const CString &nome) {
+PosseHandle CriaMutex(const CString &sNome) {
   DescritorAberto descritor;
-  return ::CreateMutexExA(descritor.Atributos(), nome.c_str(), 0, SYNCHRONIZE | MUTEX_MODIFY_STATE);
+  return PosseHandle(::CreateMutexExA(descritor.Atributos(), sNome.c_str(), 0, SYNCHRONIZE | MUTEX_MODIFY_STATE));
 }
 
 class TravaMutex final : public ITravaEntreProcessos {
 public:
-  explicit TravaMutex(const CString &nome) : m_hMutex(CriaMutex("Global\\" + nome)) {
-    if (m_hMutex == nullptr) {
-      m_hMutex = CriaMutex("Local\\" + nome);
+  explicit TravaMutex(const CString &sNome) : m_mutex(CriaMutex("Global\\" + sNome)) {
+    if (!m_mutex) {
+      m_mutex = CriaMutex("Local\\" + sNome);
     }
   }
-  ~TravaMutex() override {
-    if (m_hMutex != nullptr) {
-      ::CloseHandle(m_hMutex);
-    }
-  }
-  TravaMutex(const TravaMutex &) = delete;
-  TravaMutex &operator=(const TravaMutex &) = delete;
 
   bool Toma(std::uint32_t limiteMs) override {
-    if (m_hMutex == nullptr) {
+    if (!m_mutex) {
       return false;
     }
     // Abandoned: the former holder died, and the lock is ours.
-    const DWORD espera = ::WaitForSingleObject(m_hMutex, limiteMs);
+    const DWORD espera = ::WaitForSingleObject(m_mutex.get(), limiteMs);
     return espera == WAIT_OBJECT_0 || espera == WAIT_ABANDONED;
   }
 
-  void Solta() override { ::ReleaseMutex(m_hMutex); }
+  void Solta() override { ::ReleaseMutex(m_mutex.get()); }
 
 private:
-  HANDLE m_hMutex;
+  PosseHandle m_mutex;
 };
 
 }  // namespace
 
-std::unique_ptr<ITravaEntreProcessos> CriaTravaEntreProcessos(const CString &nome) {
-  return std::make_unique<TravaMutex>(nome);
+std::unique_ptr<ITravaEntreProcessos> CriaTravaEntreProcessos(const CString &sNome) {
+  return std::make_unique<TravaMutex>(sNome);
 }
 
 }  // namespace plataforma

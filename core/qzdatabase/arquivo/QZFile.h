@@ -9,7 +9,8 @@
 #include <utility>
 
 #include "core/platform/CArray.h"
-#include "core/platform/LivroTravas.h"
+#include "core/platform/Travas.h"
+#include "core/qzdatabase/arquivo/NomeTipoRegistro.h"
 #include "core/qzdatabase/arquivo/QZBlocosRegistros.h"
 #include "core/qzdatabase/arquivo/QZFileBase.h"
 #include "core/qzdatabase/arquivo/QZIndices.h"
@@ -83,7 +84,7 @@ protected:
   void EsvaziaMemoria() override;
 
 private:
-  static constexpr char kFonte[] = "QZFile.h";
+  static constexpr char kFonteH[] = "QZFile.h";
   static constexpr NomeFuncao Nome(const char *lpMetodo) { return {"CQZFile<", NomeTipoRegistro<T>::kNome, lpMetodo}; }
 
   static constexpr std::size_t kLote = 64;     ///< records read under one lock
@@ -140,7 +141,7 @@ private:
 
 template <typename T>
 HRESULT CQZFile<T>::OnInicializa() {
-  const CQZOperacao rastro(this, Nome(">::OnInicializa"), kFonte);
+  const CQZOperacao rastro(this, Nome(">::OnInicializa"), kFonteH);
   QZ_VERIFICA(rastro, "__super::OnInicializa()", CQZFileBase::OnInicializa());
   QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AbreArquivo(eModoLeitura));
   return CarregaAoInicializar();
@@ -148,7 +149,7 @@ HRESULT CQZFile<T>::OnInicializa() {
 
 template <typename T>
 HRESULT CQZFile<T>::CarregaMemoria() {
-  const CQZRastro rastro(this, Nome(">::OnInicializa"), kFonte);
+  const CQZRastro rastro(this, Nome(">::OnInicializa"), kFonteH);
   std::uint64_t uiTamanho = 0;
   plataforma::FalhaArquivo falha = TamanhoDados(&uiTamanho);
   if (falha.causa == plataforma::CausaArquivo::FimDeArquivo || (!falha && uiTamanho % sizeof(T) != 0)) {
@@ -198,6 +199,7 @@ plataforma::FalhaArquivo CQZFile<T>::LeCarga(std::uint64_t *puiCrc) {
   EsvaziaMemoria();  // no longer served; two contents need not fit into memory
   m_aCarga.DefineTamanho(static_cast<std::size_t>(uiTamanho / sizeof(T)));
   std::uint64_t uiCrc = 0;
+  // A block at a time, while it is in the processor's cache: read, digested and taken into the CRC.
   for (std::size_t i = 0; !falha && i < m_aCarga.GetSize();) {
     const auto trecho = m_aCarga.TrechoEm(i, m_aCarga.GetSize());
     falha = Arquivo().Le(PosicaoNoArquivo(i), trecho.pRegistros, trecho.qtd * sizeof(T));
@@ -207,6 +209,7 @@ plataforma::FalhaArquivo CQZFile<T>::LeCarga(std::uint64_t *puiCrc) {
     uiCrc = falha || puiCrc == nullptr ? 0 : CalculaCrc64(trecho.pRegistros, trecho.qtd * sizeof(T), uiCrc);
     i += trecho.qtd;
   }
+  // The header vouches for a torn record at the end too.
   const auto cbResto = static_cast<std::size_t>(uiTamanho % sizeof(T));
   if (!falha && puiCrc != nullptr && cbResto != 0) {
     T resto;
@@ -241,7 +244,7 @@ template <typename T>
 HRESULT CQZFile<T>::GetQuantidade(std::uint64_t *puiQtd) {
   *puiQtd = 0;
   if (!MemoriaServe()) {
-    const CQZRastro rastro(this, Nome(">::GetQuantidade"), kFonte);
+    const CQZRastro rastro(this, Nome(">::GetQuantidade"), kFonteH);
     const plataforma::CQZTrava trava(Secao());
     QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   }
@@ -251,7 +254,7 @@ HRESULT CQZFile<T>::GetQuantidade(std::uint64_t *puiQtd) {
 
 template <typename T>
 HRESULT CQZFile<T>::Le(std::uint64_t uiPosicao, T *pReg) {
-  const CQZOperacao rastro(this, Nome(">::Le"), kFonte);
+  const CQZOperacao rastro(this, Nome(">::Le"), kFonteH);
   if (uiPosicao == 0) {
     QZ_RETORNA_CODIGO(rastro, codigos::kPosicaoZero);
   }
@@ -361,6 +364,7 @@ HRESULT CQZFile<T>::PercorreTrechos(std::uint64_t uiPrimeira, std::uint64_t uiUl
     if (Falhou(hr)) {
       return hr;
     }
+    // No step: whatever is wrong with the position, Le finds it again and traces it outside the readers' access.
     if (!bFim && uiPosicao == uiAntes) {
       T descartado;
       return Le(uiPosicao, &descartado);
@@ -374,7 +378,7 @@ HRESULT CQZFile<T>::PercorreTrechos(std::uint64_t uiPrimeira, std::uint64_t uiUl
 template <typename T>
 template <typename F>
 HRESULT CQZFile<T>::VisitaTrecho(std::uint64_t uiUltima, F &&visita, std::uint64_t *puiPosicao, bool *pbFim) {
-  const CQZRastro rastro(this, Nome(">::Le"), kFonte);
+  const CQZRastro rastro(this, Nome(">::Le"), kFonteH);
   const Acesso acesso(*this);
   // Before the range is looked at: an empty one of a file that cannot be had is not an answer.
   if (acesso.AAssegurar()) {
@@ -415,7 +419,7 @@ HRESULT CQZFile<T>::PercorreTexto(std::size_t uiCampo, std::string_view sTexto, 
 /// One step of what the index was found to lack.
 template <typename T>
 HRESULT CQZFile<T>::TrabalhaNoIndice(std::size_t uiCampo, std::uint64_t uiHash) {
-  const CQZRastro rastro(this, Nome(">::Le"), kFonte);
+  const CQZRastro rastro(this, Nome(">::Le"), kFonteH);
   const plataforma::CQZTrava trava(Secao());
   QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   const plataforma::CQZTravaEscrita travaEscrita(Leitores());
@@ -429,11 +433,12 @@ template <typename T>
 template <typename F>
 HRESULT CQZFile<T>::VisitaPorIndice(std::size_t uiCampo, std::uint64_t uiHash, std::uint64_t uiUltima, F &&visita,
                                     std::optional<std::uint64_t> *puiResto) {
-  const CQZRastro rastro(this, Nome(">::Le"), kFonte);
+  const CQZRastro rastro(this, Nome(">::Le"), kFonteH);
   const Acesso acesso(*this);
   if (acesso.AAssegurar()) {
     QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   }
+  // Where Percorre would fail it is left to it, so that the failure is the same.
   if (!MemoriaIgual() || uiUltima > m_aRegistros.GetSize()) {
     *puiResto = 1;
     return codigos::kOk;
@@ -453,6 +458,7 @@ HRESULT CQZFile<T>::VisitaPorIndice(std::size_t uiCampo, std::uint64_t uiHash, s
     case EResposta::Varios: {
       const bool bSegue =
           uiPosicao <= uiUltima && visita(uiPosicao, m_aRegistros[static_cast<std::size_t>(uiPosicao - 1)]);
+      // The first is visited under the access under which the index answered; the others are Percorre's.
       *puiResto = bSegue && eResposta == EResposta::Varios ? uiPosicao + 1 : 0;
       break;
     }
@@ -462,7 +468,7 @@ HRESULT CQZFile<T>::VisitaPorIndice(std::size_t uiCampo, std::uint64_t uiHash, s
 
 template <typename T>
 HRESULT CQZFile<T>::Grava(std::uint64_t &uiPosicao, const T &reg) {
-  const CQZOperacao rastro(this, Nome(">::Grava"), kFonte);
+  const CQZOperacao rastro(this, Nome(">::Grava"), kFonteH);
   QZ_VERIFICA(rastro, "GravaColecao(uiPosicao, aRegistros)", GravaFaixa(uiPosicao, &reg, 1));
   return codigos::kOk;
 }
@@ -474,7 +480,7 @@ HRESULT CQZFile<T>::GravaColecao(std::uint64_t &uiPosicao, const CArray<T> &aReg
 
 template <typename T>
 HRESULT CQZFile<T>::GravaFaixa(std::uint64_t &uiPosicao, const T *pRegistros, std::size_t qtd) {
-  const CQZOperacao rastro(this, Nome(">::GravaColecao"), kFonte);
+  const CQZOperacao rastro(this, Nome(">::GravaColecao"), kFonteH);
   if (qtd == 0) {
     return codigos::kOk;
   }
@@ -510,6 +516,7 @@ HRESULT CQZFile<T>::GravaFaixa(std::uint64_t &uiPosicao, const T *pRegistros, st
     QZ_VERIFICA(rastro, "GravaRegistros(uiPosicao, aRegistros)", GravaRegistros(uiIndice, pRegistros, qtd));
     return codigos::kOk;
   };
+  // The caller's position changes only with a write that has happened.
   const HRESULT hr = TentaGravar(fixaLugar, grava);
   if (!Falhou(hr)) {
     uiPosicao = uiIndice + 1;
@@ -530,7 +537,7 @@ bool CQZFile<T>::PrecisaGravar(std::uint64_t uiPosicao, const T *pRegistros, std
 /// One attempt.
 template <typename T>
 HRESULT CQZFile<T>::GravaRegistros(std::uint64_t uiIndice, const T *pRegistros, std::size_t qtd) {
-  const CQZRastro rastro(this, Nome(">::GravaRegistros"), kFonte);
+  const CQZRastro rastro(this, Nome(">::GravaRegistros"), kFonteH);
   const auto indice = static_cast<std::size_t>(uiIndice);
   Transacao().Inicia(PosicaoNoArquivo(uiIndice), PosicaoNoArquivo(m_aRegistros.GetSize()));
   NotaAntigos(indice, qtd);

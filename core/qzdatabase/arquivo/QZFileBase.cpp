@@ -1,9 +1,11 @@
 #include "core/qzdatabase/arquivo/QZFileBase.h"
 
 #include "core/platform/CodigoEstrangeiro.h"
+#include "core/platform/LivroDaThread.h"
 #include "core/platform/Plataforma.h"
 #include "core/platform/Textos.h"
 #include "core/platform/TravaEntreProcessos.h"
+#include "core/platform/Travas.h"
 #include "core/qzdatabase/disco/NomeTrava.h"
 #include "core/qzdatabase/disco/PercorreArquivo.h"
 
@@ -81,6 +83,7 @@ HRESULT CQZFileBase::AbreNoModo(EModoAbertura eModoAbertura, bool bCriando, bool
   if (m_abertura.Modo() == eModoAbertura && MemoriaServe()) {
     return codigos::kOk;
   }
+  // In a reading mode what is pending could not be undone any more; opening for writing undoes it in AposAbrir.
   if (eModoAbertura != eModoLeituraGravacao) {
     QZ_VERIFICA(rastro, "RestauraPendencia()", RestauraPendencia());
   }
@@ -95,12 +98,14 @@ HRESULT CQZFileBase::AbreNoModo(EModoAbertura eModoAbertura, bool bCriando, bool
   QZ_VERIFICA(rastro, "GerenciaControleCriacaoArquivos(eModoAbertura)",
               GerenciaControleCriacaoArquivos(eModoAbertura, &pLista, &bListadoEPresente));
 
+  // From here on the object must be put back into what it was wherever the file cannot be had.
   const EModoAbertura eModoAnterior = m_abertura.Modo();
   const EMemoria eMemoriaAnterior = m_eMemoria;
   LargaArquivo();
   const bool bCria = bCriando && eModoAbertura == eModoCriacao;
   const HRESULT hr = bCria ? m_abertura.Cria(CaminhoCompleto()) : m_abertura.Abre(CaminhoCompleto(), eModoAbertura);
   pLista.reset();
+  // With the file there the entry stays, whatever fails from here on.
   m_bEntradaNova = m_bEntradaNova && Falhou(hr);
   if (ExisteArquivo()) {
     m_bACriar = m_bACriar || bCria || eMemoriaAnterior == EMemoria::NuncaExistiu;
@@ -160,10 +165,12 @@ HRESULT CQZFileBase::AposAbrir(EModoAbertura eModoAbertura) {
   const CQZRastro rastro(this, {"CQZFileBase::AbreArquivo"}, kFonte);
   m_bExistiu = true;
   m_bDadosConferidos = false;
+  // Checking means reading all of the file: only one that others may have written to is checked again.
   if (!m_abertura.MesmoArquivo()) {
     m_cabecalho.Esquece();
   }
   HRESULT hr = codigos::kOk;
+  // Before the header is looked at: half a write of ours is what it would find damaged.
   if (m_transacao.Pendente() && eModoAbertura == eModoLeituraGravacao) {
     static_cast<void>(
         QZ_FALHOU(rastro, hr, "RestauraPendencia()", CatchGravacao(m_transacao.DesfazSeNossa(Arquivo()))));
@@ -171,10 +178,12 @@ HRESULT CQZFileBase::AposAbrir(EModoAbertura eModoAbertura) {
   if (!Falhou(hr) && eModoAbertura != eModoLeituraCompartilhada) {
     static_cast<void>(QZ_FALHOU(rastro, hr, "GerenciaCabecalho()", GerenciaCabecalho()));
   }
+  // The same file has the content that memory was loaded with; only its state was given up.
   if (!Falhou(hr) && !MemoriaServe() && !m_abertura.MesmoArquivo()) {
     ++m_uiCargas;
     static_cast<void>(QZ_FALHOU(rastro, hr, "CarregaMemoria()", CarregaMemoria()));
   }
+  // Closed, so that no operation works on a file that was not examined to the end.
   if (Falhou(hr)) {
     m_abertura.Fecha();
     m_cabecalho.Esquece();
@@ -310,8 +319,8 @@ HRESULT CQZFileBase::RestauraPendencia() {
 }
 
 /// A failure that was that of a dead handle is none of the file.
-Veredito CQZFileBase::AposTentativaFalha(HRESULT hr) {
-  return TrocaArquivoMorto() || !EhUmaExcecaoFatal(hr) ? Veredito::OutraVez : Veredito::Acabou;
+EVeredito CQZFileBase::AposTentativaFalha(HRESULT hr) {
+  return TrocaArquivoMorto() || !EhUmaExcecaoFatal(hr) ? EVeredito::OutraVez : EVeredito::Acabou;
 }
 
 void CQZFileBase::ConfirmaGravacao() {
@@ -340,6 +349,7 @@ void CQZFileBase::DesfazCriacao() {
   if (!m_bACriar) {
     return;
   }
+  // Nobody deletes an open file, not even who has it open.
   LargaArquivo();
   const CString sCaminho = CaminhoCompleto();
   std::uint64_t uiTamanho = 0;
@@ -451,6 +461,7 @@ HRESULT CQZFileBase::GerenciaControleCriacaoArquivos(EModoAbertura eModoAbertura
     m_bACriar = m_bACriar || (bExiste && bInterrompida);
     *pbListadoEPresente = bExiste;
   } else if (eModoAbertura == eModoCriacao) {
+    // Flag and note come before the entry: an end between them leaves a note without an entry, which harms nobody.
     m_bEntradaNova = true;
     CQZIntencaoGravacao::AnotaCriacao(CaminhoCompleto(), m_sNomeArquivo);
     QZ_VERIFICA(rastro, "CriaControleCriacaoArquivos()",
@@ -592,6 +603,7 @@ HRESULT CQZFileBase::ValidaCabecalhoV01() {
   if (!Falhou(hr)) {
     return hr;
   }
+  // Traced before the repair, so that the log tells of the damage even where it is put right.
   const HRESULT hrDano = rastro.Codigo(hr, __LINE__);
   if (!ReparaGravacaoInterrompida()) {
     return hrDano;
@@ -637,17 +649,18 @@ bool CQZFileBase::ReparaGravacaoInterrompida() {
 HRESULT CQZFileBase::CriaCabecalho() {
   const CQZRastro rastro(this, {"CQZFileBase::CriaCabecalho"}, kFonte);
   const CString sCaminho = CaminhoCompleto();
+  // The companion holds every byte of the file; until the move the file itself is not touched.
   HRESULT hr = EscreveCompanheiroComCabecalho(rastro);
   if (!Falhou(hr)) {
     m_abertura.FechaParaReabrir();
     // Whoever kept us from moving may have written: a copy that is out of date must not replace the file.
     const auto confereOriginal = [&] {
       if (Falhou(m_abertura.Abre(sCaminho, eModoLeitura, 1))) {
-        return Movimento::Espera;
+        return EMovimento::Espera;
       }
       const bool bMesmo = m_abertura.MesmoArquivo();
       m_abertura.FechaParaReabrir();
-      return bMesmo ? Movimento::Tenta : Movimento::Desiste;
+      return bMesmo ? EMovimento::Tenta : EMovimento::Desiste;
     };
     static_cast<void>(QZ_FALHOU(rastro, hr,
                                 "CQZDataBaseUtil::RenomeiaArquivoTRA(GetEmpresa(), m_eModulo, m_sNomeArquivo)",

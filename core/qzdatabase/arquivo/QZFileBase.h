@@ -10,20 +10,16 @@
 #include "core/env/QZPath.h"
 #include "core/errors/CodigosResultado.h"
 #include "core/log/QZOperacao.h"
-#include "core/platform/LivroTravas.h"
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/Arquivos.h"
+#include "core/platform/SecaoCompartilhada.h"
+#include "core/platform/SecaoCritica.h"
 #include "core/qzdatabase/arquivo/DonoDeArquivos.h"
 #include "core/qzdatabase/arquivo/ServicosDeArquivo.h"
 #include "core/qzdatabase/disco/AberturaArquivo.h"
 #include "core/qzdatabase/disco/CodigosArquivo.h"
 #include "core/qzdatabase/disco/TransacaoGravacao.h"
 
-/// Name of a record type as it stands in the qualified names of the error records ("struct RegVeiculo"). Every record
-/// type specialises it with a `kNome`.
-template <typename T>
-struct NomeTipoRegistro;
-
-/// Name of the list of created files (ListaCriados.h), which is a data file too.
+/// Name of the list of created files (IListaCriados), which is a data file too.
 inline constexpr char kArquivoControle[] = "QZDATABASE_FILE_CTRL.DAT";
 
 /// What a file's copy in memory is worth.
@@ -203,7 +199,7 @@ private:
   void VoltaAoModo(EModoAbertura eModoAnterior);
   void LargaArquivo();
   bool TrocaArquivoMorto();
-  Veredito AposTentativaFalha(HRESULT hr);
+  EVeredito AposTentativaFalha(HRESULT hr);
 
   [[nodiscard]] HRESULT GerenciaControleCriacaoArquivos(EModoAbertura eModoAbertura,
                                                         std::unique_ptr<IListaCriados> *pLista,
@@ -257,11 +253,11 @@ HRESULT CQZFileBase::TentaGravar(P &&fixaLugar, F &&tentativa) {
       hr = fixaLugar();
       uiCargas = m_uiCargas;
       if (Falhou(hr)) {
-        return Veredito::Acabou;
+        return EVeredito::Acabou;
       }
     }
     hr = Falhou(hr) ? hr : tentativa();
-    return Falhou(hr) ? AposTentativaFalha(hr) : Veredito::Acabou;
+    return Falhou(hr) ? AposTentativaFalha(hr) : EVeredito::Acabou;
   });
   if (Falhou(hr)) {
     static_cast<void>(RestauraPendencia());

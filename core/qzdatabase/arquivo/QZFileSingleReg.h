@@ -4,6 +4,8 @@
 #include <cstring>
 #include <type_traits>
 
+#include "core/platform/Travas.h"
+#include "core/qzdatabase/arquivo/NomeTipoRegistro.h"
 #include "core/qzdatabase/arquivo/QZFileBase.h"
 
 /// A file that holds exactly one record of the plain structure T, such as a base's version. The record is read once, at
@@ -35,7 +37,7 @@ protected:
   void EsvaziaMemoria() override;
 
 private:
-  static constexpr char kFonte[] = "QZFileSingleReg.h";
+  static constexpr char kFonteH[] = "QZFileSingleReg.h";
   static constexpr NomeFuncao Nome(const char *lpMetodo) {
     return {"CQZFileSingleReg<", NomeTipoRegistro<T>::kNome, lpMetodo};
   }
@@ -58,23 +60,23 @@ CQZFileSingleReg<T>::CQZFileSingleReg(const CString &sNomeArquivo, IDonoDeArquiv
 
 template <typename T>
 HRESULT CQZFileSingleReg<T>::OnInicializa() {
-  const CQZOperacao rastro(this, Nome(">::OnInicializa"), kFonte);
+  const CQZOperacao rastro(this, Nome(">::OnInicializa"), kFonteH);
   QZ_VERIFICA(rastro, "__super::OnInicializa()", CQZFileBase::OnInicializa());
   HRESULT hr = codigos::kOk;
   // A file without its record may be one that another program is creating at this moment, in several steps.
   Insiste(kTentativasAbertura, [&](bool bUltima) {
     if (QZ_FALHOU(rastro, hr, "AbreArquivo(eModoLeitura)", AbreArquivo(eModoLeitura)) || bUltima || !SemConteudo()) {
-      return Veredito::Acabou;
+      return EVeredito::Acabou;
     }
     FechaArquivo();
-    return Veredito::OutraVez;
+    return EVeredito::OutraVez;
   });
   return Falhou(hr) ? hr : CarregaAoInicializar();
 }
 
 template <typename T>
 HRESULT CQZFileSingleReg<T>::CarregaMemoria() {
-  const CQZRastro rastro(this, Nome(">::OnInicializa"), kFonte);
+  const CQZRastro rastro(this, Nome(">::OnInicializa"), kFonteH);
   std::uint64_t uiTamanho = 0;
   plataforma::FalhaArquivo falha = TamanhoDados(&uiTamanho);
   if (!falha && uiTamanho == 0 && ACriar()) {
@@ -116,7 +118,7 @@ HRESULT CQZFileSingleReg<T>::OnFinaliza() {
 
 template <typename T>
 HRESULT CQZFileSingleReg<T>::Le(T *pReg) {
-  const CQZOperacao rastro(this, Nome(">::Le"), kFonte);
+  const CQZOperacao rastro(this, Nome(">::Le"), kFonteH);
   const plataforma::CQZTrava trava(Secao());
   QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   if (!ExisteArquivo() || !m_bTemRegistro) {
@@ -128,7 +130,7 @@ HRESULT CQZFileSingleReg<T>::Le(T *pReg) {
 
 template <typename T>
 HRESULT CQZFileSingleReg<T>::Grava(const T &reg) {
-  const CQZOperacao rastro(this, Nome(">::Grava"), kFonte);
+  const CQZOperacao rastro(this, Nome(">::Grava"), kFonteH);
   const plataforma::CQZTrava trava(Secao());
   QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   if (!PrecisaGravar(reg)) {
@@ -169,7 +171,8 @@ bool CQZFileSingleReg<T>::SemConteudo() {
 /// One attempt. A file that this write creates has no old record.
 template <typename T>
 HRESULT CQZFileSingleReg<T>::GravaRegistro(const T &reg) {
-  const CQZOperacao rastro(this, Nome(">::GravaRegistro"), kFonte);
+  const CQZOperacao rastro(this, Nome(">::GravaRegistro"), kFonteH);
+  // Without one, undoing cuts the file back to its header instead of leaving a record of zeros.
   const std::size_t cbAntes = m_bTemRegistro ? sizeof(T) : 0;
   Transacao().Inicia(TamanhoCabecalho(), TamanhoCabecalho() + cbAntes);
   Transacao().NotaAntigo(&m_reg, cbAntes);

@@ -72,6 +72,7 @@ public:
     if (!achado.bOutros) {
       return EResposta::SoUm;
     }
+    // With others behind it the entry is a lower bound; it answers once the record there has the hash.
     const bool bExato = achado.uiPosicao <= registros.GetSize() &&
                         Hash(uiCampo, registros[static_cast<std::size_t>(achado.uiPosicao - 1)]) == uiHash;
     return bExato ? EResposta::Varios : EResposta::FaltaFazer;
@@ -200,6 +201,8 @@ private:
   static void TrocaUm(Indice *pIndice, std::size_t uiCampo, const CQZBlocosRegistros<T> &registros,
                       std::size_t uiIndice, const T &novo) {
     const std::uint64_t uiHash = Hash(uiCampo, novo);
+    // Entered already: the position changes its hash. What the building has not come to it will meet as it is then;
+    // only the record right behind the last one entered is entered at once, so that a finished index stays finished.
     if (uiIndice < pIndice->uiFeitos && uiIndice < registros.GetSize()) {
       const std::uint64_t uiAntigo = Hash(uiCampo, registros[uiIndice]);
       if (uiAntigo != uiHash) {

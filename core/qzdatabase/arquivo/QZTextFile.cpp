@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/platform/Travas.h"
 #include "core/qzdatabase/disco/QZLeitorSequencial.h"
 
 using plataforma::CQZTrava;
@@ -60,10 +61,12 @@ HRESULT CQZTextFile::CarregaMemoria() {
     TamanhoLinha uiDeclarado = 0;
     falha = leitor.Le(&uiDeclarado, sizeof(uiDeclarado));
     if (!falha) {
+      // A damaged length must not become a request for memory.
       linha.uiTamanhoNoArquivo = std::min<std::uint64_t>(uiDeclarado, leitor.Restam());
       bFimDanificado = linha.uiTamanhoNoArquivo != uiDeclarado;
       linha.sTexto.resize(static_cast<std::size_t>(linha.uiTamanhoNoArquivo));
       falha = leitor.Le(linha.sTexto.data(), linha.sTexto.size());
+      // Programs of the suite see a line up to its first zero byte; its place on disk is that of all its bytes.
       linha.sTexto.resize(std::min(linha.sTexto.find('\0'), linha.sTexto.size()));
       aRegistros.Add(linha);
       linha.uiOffset += sizeof(uiDeclarado) + linha.uiTamanhoNoArquivo;
@@ -167,6 +170,7 @@ HRESULT CQZTextFile::GravaLinhas(std::uint64_t &uiPosicao, const CStringArray &a
       return codigos::kOk;
     }
   }
+  // Callers find 0 there when lines that were to go to the end could not be written.
   const std::uint64_t uiPedida = uiPosicao;
   uiPosicao = DeveGravarNoFinal(uiPedida, aRegistros) ? 0 : uiPedida;
   bool bShrink = false;
@@ -273,12 +277,14 @@ HRESULT CQZTextFile::GravaRegistros(std::uint64_t &uiPosicao, const CStringArray
     for (std::size_t i = 0; i < aRegistros.GetSize(); ++i) {
       AcrescentaLinha(&sBytes, aRegistros[i]);
     }
+    // The copies that memory will take over, made while they may still fail.
     CStringArray aTextos = aRegistros;
     m_aRegistros.Reserva(indice + aRegistros.GetSize());
     std::uint64_t uiOnde = bNoFinal ? 0 : OndeGravar(indice);
     if (bNoFinal) {
       QZ_VERIFICA(rastro, "CatchGravacao(pEx)", CatchGravacao(Arquivo().Tamanho(&uiOnde)));
     }
+    // One write for all lines: a failure leaves all of them or none.
     const HRESULT hr = GravaBytes(rastro, uiOnde, sBytes, false);
     if (Falhou(hr)) {
       return hr;

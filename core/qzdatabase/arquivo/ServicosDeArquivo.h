@@ -5,14 +5,14 @@
 
 #include "core/env/QZPath.h"
 #include "core/log/QZProfilerEmpresa.h"
+#include "core/platform/Arquivos.h"
 #include "core/platform/CArray.h"
-#include "core/platform/SistemaArquivos.h"
 #include "core/qzdatabase/disco/AberturaArquivo.h"
 
 // What a file needs done with other files, each in a database of its own: databases stand above files, so the file asks
 // through these interfaces. Failures are traced by whoever meets them first.
 
-/// The list of the data files that the system has created in a directory (ListaCriados.h).
+/// The list of the data files that the system has created in a directory: a text file, kArquivoControle.
 class IListaCriados {
 public:
   virtual ~IListaCriados() = default;

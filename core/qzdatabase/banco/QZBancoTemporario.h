@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "core/platform/LivroTravas.h"
+#include "core/platform/PosseNoLivro.h"
 #include "core/qzdatabase/banco/QZDataBase.h"
 
 /// A database with one file, for one piece of work of one thread. At the end of the scope it is finished and destroyed;
@@ -13,8 +13,7 @@ template <class TFile>
 class CQZBancoTemporario {
 public:
   CQZBancoTemporario(ModuloQZ eModulo, const CString &sNomeArquivo)
-      : m_conteudo(std::make_unique<Conteudo>(eModulo, sNomeArquivo)),
-        m_noLivro(m_conteudo.get(), [](void *pConteudo) { delete static_cast<Conteudo *>(pConteudo); }) {}
+      : m_conteudo(std::make_unique<Conteudo>(eModulo, sNomeArquivo)) {}
 
   ~CQZBancoTemporario() {
     try {
@@ -39,8 +38,7 @@ private:
     TFile arquivo;
   };
 
-  std::unique_ptr<Conteudo> m_conteudo;
-  plataforma::CQZNoLivro m_noLivro;
+  plataforma::CQZPosseNoLivro<Conteudo> m_conteudo;
 };
 
 #endif

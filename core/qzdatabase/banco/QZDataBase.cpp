@@ -82,7 +82,7 @@ HRESULT CQZDataBase::RenomeiaGroup(const CString &sFileName) {
   const CString sMascaraTRA = CQZPath::ChangeExtension(sFileName, "TRA");
   std::vector<CString> nomes;
   const plataforma::FalhaArquivo falha =
-      plataforma::Arquivos().Lista(CQZPath::DiretorioModulo(GetModulo(), GetEmpresa()), sMascaraTRA, &nomes);
+      plataforma::Arquivos().Lista(CQZPath::DiretorioModulo(GetModulo(), GetEmpresa()), &nomes);
   if (!falha.NaoEsta()) {
     QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CQZFileBase::CatchInicializacao(falha));
   }

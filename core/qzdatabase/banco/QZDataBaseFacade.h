@@ -9,12 +9,10 @@
 
 #include "core/errors/CodigosResultado.h"
 #include "core/log/QZOperacao.h"
-#include "core/platform/LivroTravas.h"
+#include "core/platform/LivroDaThread.h"
 #include "core/platform/Textos.h"
+#include "core/platform/Travas.h"
 #include "core/qzdatabase/disco/QZCrc64.h"
-
-/// Source-file column of the records that the shared databases leave.
-inline constexpr char kFonteDataBaseFacade[] = "QZDataBaseFacade.h";
 
 /// Name of a database class as it stands in the qualified names of the error records ("class CQZDataBase_Veiculos").
 /// Every database that is shared specialises it with a `kNome`.
@@ -45,6 +43,8 @@ public:
   bool Possui(const CString &sEmpresa);
 
 private:
+  static constexpr char kFonteH[] = "QZDataBaseFacade.h";
+
   /// The CRC of the company code comes first; the code itself tells apart two companies with one CRC.
   using Chave = std::pair<std::uint64_t, CString>;
 
@@ -92,7 +92,7 @@ HRESULT CQZDataBaseContainer<TDataBase>::Inicializa(const CString &sEmpresa, std
                                                     TDataBase **ppDataBase) {
   const CQZProfilerEmpresa profiler(sEmpresa, iUsuario, static_cast<std::uint32_t>(lNumeroSessao));
   const CQZOperacao rastro(&profiler, {"CQZDataBaseContainer<", NomeTipoBanco<TDataBase>::kNome, ">::Inicializa"},
-                           kFonteDataBaseFacade);
+                           kFonteH);
   const Chave chave = ChaveDaEmpresa(sEmpresa);
   const plataforma::CQZTrava trava(m_secao);
   const Descarte descarte(*this);
@@ -154,6 +154,8 @@ protected:
   TDataBase *m_pDataBase = nullptr;
 
 private:
+  static constexpr char kFonteH[] = "QZDataBaseFacade.h";
+
   inline static CQZDataBaseContainer<TDataBase> m_ContainerFacade;
 };
 
@@ -161,7 +163,7 @@ template <typename TDataBase, typename TBase>
 HRESULT CQZDataBaseFacade<TDataBase, TBase>::QZDataBaseInicializa() {
   const CQZOperacao rastro(
       this, {"CQZDataBaseFacade<", NomeTipoBanco<TDataBase>::kNome, ",class CQZBaseParaRotinas>::QZDataBaseInicializa"},
-      kFonteDataBaseFacade);
+      kFonteH);
   if (this->GetEmpresa().empty()) {
     QZ_RETORNA_CODIGO(rastro, codigos::kSemEmpresa);
   }
@@ -174,8 +176,7 @@ HRESULT CQZDataBaseFacade<TDataBase, TBase>::QZDataBaseInicializa() {
 template <typename TDataBase, typename TBase>
 HRESULT CQZDataBaseFacade<TDataBase, TBase>::OnFinaliza() {
   const CQZOperacao rastro(
-      this, {"CQZDataBaseFacade<", NomeTipoBanco<TDataBase>::kNome, ",class CQZBaseParaRotinas>::OnFinaliza"},
-      kFonteDataBaseFacade);
+      this, {"CQZDataBaseFacade<", NomeTipoBanco<TDataBase>::kNome, ",class CQZBaseParaRotinas>::OnFinaliza"}, kFonteH);
   HRESULT hrDataBase = codigos::kOk;
   if (m_pDataBase != nullptr) {
     static_cast<void>(QZ_FALHOU(rastro, hrDataBase, "m_ContainerFacade.Finaliza(GetEmpresa(), m_pDataBase)",

@@ -4,18 +4,28 @@
 #include <vector>
 
 #include "core/platform/Plataforma.h"
+#include "core/platform/Textos.h"
 
 namespace {
 
 constexpr char kFonte[] = "QZDataBaseUtil.cpp";
 
-/// True when `sNome` has the mask's length and only digits, at least one, from the mask's first '?' up to its first
-/// '.'.
+/// True when `sNome` has the mask's length, what stands before the mask's first '?' and its extension, letter case
+/// aside, and digits, at least one, from that '?' up to the mask's first '.'.
 bool AtendeMascara(const CString &sNome, const CString &sMascara) {
   const std::size_t inicio = sMascara.find('?');
-  const std::size_t fim = std::min(sMascara.find('.'), sMascara.size());
-  return sNome.size() == sMascara.size() && fim > inicio &&
-         sNome.substr(inicio, fim - inicio).find_first_not_of("0123456789") == CString::npos;
+  const std::size_t fim = sMascara.find('.');
+  if (sNome.size() != sMascara.size() || fim == CString::npos || fim <= inicio) {
+    return false;
+  }
+  const CString sMaiusculo = plataforma::Maiusculas(sNome);
+  const CString sMascaraMaiuscula = plataforma::Maiusculas(sMascara);
+  const CString sExtensao = CQZPath::Extensao(sMaiusculo);
+  const CString sExtensaoDaMascara = CQZPath::Extensao(sMascaraMaiuscula);
+  return sMaiusculo.compare(0, inicio, sMascaraMaiuscula, 0, inicio) == 0 &&
+         sNome.substr(inicio, fim - inicio).find_first_not_of("0123456789") == CString::npos &&
+         std::equal(sExtensaoDaMascara.begin(), sExtensaoDaMascara.end(), sExtensao.begin(), sExtensao.end(),
+                    [](char daMascara, char letra) { return daMascara == '?' || daMascara == letra; });
 }
 
 /// Takes the file out of the list of created files, then deletes it. In this order an interruption leaves a file that
@@ -89,6 +99,7 @@ HRESULT CQZDataBaseUtil::ResolveTRAEsquecido(const IQZDF_Profiler *pOwner, Modul
   QZ_VERIFICA(rastro, "CatchInicializacao(pEx)",
               CQZFileBase::CatchInicializacao(plataforma::Arquivos().Existe(
                   CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeArquivo), &bTemArquivo)));
+  // The file still has all records: nothing is lost with the companion, which this run makes anew.
   if (bTemArquivo) {
     QZ_VERIFICA(rastro, "DeletaArquivo(pOwner->GetEmpresa(), eModulo, sNomeTRA)",
                 DeletaArquivo(sEmpresa, eModulo, sNomeTRA));
@@ -97,6 +108,7 @@ HRESULT CQZDataBaseUtil::ResolveTRAEsquecido(const IQZDF_Profiler *pOwner, Modul
   std::uint64_t uiTamanho = 0;
   QZ_VERIFICA(rastro, "CatchInicializacao(pEx)",
               CQZFileBase::CatchInicializacao(plataforma::Arquivos().TamanhoDe(sCaminhoTRA, &uiTamanho)));
+  // The only copy: where it is torn it is refused, and kept.
   if (uiTamanho % cbRegistro != 0) {
     QZ_RETORNA_CODIGO(rastro, codigos::kTamanhoNaoMultiplo);
   }
@@ -110,14 +122,12 @@ HRESULT CQZDataBaseUtil::ProcuraPelaMascara(const IQZDF_Profiler *pOwner, Modulo
                                             CString *psNome) {
   const CQZRastro rastro(pOwner, {"CQZDataBaseUtil::RemoveRegistroZero"}, kFonte);
   psNome->clear();
-  const std::size_t inicio = sMascara.find('?');
-  if (inicio == CString::npos) {
+  if (sMascara.find('?') == CString::npos) {
     QZ_RETORNA_CODIGO(rastro, codigos::kMascaraSemCuringa);
   }
   std::vector<CString> nomes;
-  const CString sListagem = sMascara.substr(0, inicio) + "*." + CQZPath::Extensao(sMascara);
   const plataforma::FalhaArquivo falha =
-      plataforma::Arquivos().Lista(CQZPath::DiretorioModulo(eModulo, pOwner->GetEmpresa()), sListagem, &nomes);
+      plataforma::Arquivos().Lista(CQZPath::DiretorioModulo(eModulo, pOwner->GetEmpresa()), &nomes);
   if (!falha.NaoEsta()) {
     QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CQZFileBase::CatchInicializacao(falha));
   }

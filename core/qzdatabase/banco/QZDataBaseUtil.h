@@ -58,7 +58,7 @@ public:
   [[nodiscard]] static HRESULT DeletaArquivo(const CString &sEmpresa, ModuloQZ eModulo, const CString &sNomeArquivo);
 
 private:
-  static constexpr char kFonteUtil[] = "QZDataBaseUtil.h";
+  static constexpr char kFonteH[] = "QZDataBaseUtil.h";
 
   // The parts of RemoveRegistroZero trace their own failures, under its name.
 
@@ -89,7 +89,7 @@ private:
 template <typename T>
 HRESULT CQZDataBaseUtil::LeSingleReg(const IQZDF_Profiler *pOwner, ModuloQZ eModulo, T *pReg,
                                      const CString &sNomeArquivo) {
-  const CQZRastro rastro(pOwner, {"CQZDataBaseUtil::LeSingleReg"}, kFonteUtil);
+  const CQZRastro rastro(pOwner, {"CQZDataBaseUtil::LeSingleReg"}, kFonteH);
   *pReg = T{};
   CQZBancoTemporario<CQZFileSingleReg<T>> temporario(eModulo, sNomeArquivo);
   QZ_VERIFICA(rastro, "qzDB.Inicializa(pOwner)", temporario.Banco().Inicializa(*pOwner));
@@ -102,7 +102,7 @@ HRESULT CQZDataBaseUtil::LeSingleReg(const IQZDF_Profiler *pOwner, ModuloQZ eMod
 template <typename T>
 HRESULT CQZDataBaseUtil::GravaSingleReg(const IQZDF_Profiler *pOwner, ModuloQZ eModulo, const T &reg,
                                         const CString &sNomeArquivo) {
-  const CQZRastro rastro(pOwner, {"CQZDataBaseUtil::GravaSingleReg"}, kFonteUtil);
+  const CQZRastro rastro(pOwner, {"CQZDataBaseUtil::GravaSingleReg"}, kFonteH);
   CQZBancoTemporario<CQZFileSingleReg<T>> temporario(eModulo, sNomeArquivo);
   QZ_VERIFICA(rastro, "qzDB.Inicializa(pOwner)", temporario.Banco().Inicializa(*pOwner));
   QZ_VERIFICA(rastro, "qzFile.Grava(reg)", temporario.Arquivo().Grava(reg));
@@ -134,7 +134,7 @@ template <typename T>
 HRESULT CQZDataBaseUtil::RemoveRegistroZeroDe(const IQZDF_Profiler *pOwner, ModuloQZ eModulo,
                                               const CString &sNomeArquivo, const std::function<HRESULT()> &antesDaTroca,
                                               const std::function<HRESULT()> &desfaz) {
-  const CQZRastro rastro(pOwner, {"CQZDataBaseUtil::RemoveRegistroZero"}, kFonteUtil);
+  const CQZRastro rastro(pOwner, {"CQZDataBaseUtil::RemoveRegistroZero"}, kFonteH);
   const CString sEmpresa = pOwner->GetEmpresa();
   const CString sNomeTRA = CQZPath::ChangeExtension(sNomeArquivo, "TRA");
   bool bAdotado = false;
@@ -149,6 +149,7 @@ HRESULT CQZDataBaseUtil::RemoveRegistroZeroDe(const IQZDF_Profiler *pOwner, Modu
     static_cast<void>(DeletaArquivo(sEmpresa, eModulo, sNomeTRA));
     return hr;
   }
+  // Nothing is left but the dropped record: the file goes, as a rewrite without records asks for.
   if (!bTemCompanheiro) {
     QZ_VERIFICA(rastro, "RenomeiaArquivoTRA(pOwner->GetEmpresa(), eModulo, sNomeArquivo)",
                 RenomeiaArquivoTRA(sEmpresa, eModulo, sNomeArquivo));
@@ -156,6 +157,7 @@ HRESULT CQZDataBaseUtil::RemoveRegistroZeroDe(const IQZDF_Profiler *pOwner, Modu
   }
   if (QZ_FALHOU(rastro, hr, "RenomeiaArquivoTRA(pOwner->GetEmpresa(), eModulo, sNomeArquivo)",
                 MoveTRA(sEmpresa, eModulo, sNomeArquivo))) {
+    // Gone, it may have been moved although the call said otherwise: then nothing may be taken back.
     bool bAindaEsta = false;
     const CString sCaminhoTRA = CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeTRA);
     if (!plataforma::Arquivos().Existe(sCaminhoTRA, &bAindaEsta) && bAindaEsta && (!desfaz || !Falhou(desfaz()))) {
@@ -168,7 +170,7 @@ HRESULT CQZDataBaseUtil::RemoveRegistroZeroDe(const IQZDF_Profiler *pOwner, Modu
 template <typename T>
 HRESULT CQZDataBaseUtil::GravaTRASemRegistroZero(const IQZDF_Profiler *pOwner, ModuloQZ eModulo,
                                                  const CString &sNomeArquivo, bool *pbTemCompanheiro) {
-  const CQZRastro rastro(pOwner, {"CQZDataBaseUtil::RemoveRegistroZero"}, kFonteUtil);
+  const CQZRastro rastro(pOwner, {"CQZDataBaseUtil::RemoveRegistroZero"}, kFonteH);
   CQZBancoTemporario<CQZFile<T>> origem(eModulo, sNomeArquivo);
   CQZBancoTemporario<CQZFile<T>> companheiro(eModulo, CQZPath::ChangeExtension(sNomeArquivo, "TRA"));
   QZ_VERIFICA(rastro, "qzDB.Inicializa(pOwner)", origem.Banco().Inicializa(*pOwner));

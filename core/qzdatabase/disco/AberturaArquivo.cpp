@@ -83,14 +83,14 @@ HRESULT CQZAberturaArquivo::TentaAbrir(const CString &sCaminho, const plataforma
     const FalhaArquivo falha = plataforma::Arquivos().Abre(sCaminho, modo, &m_arquivo);
     if (!falha || (falha.erroSO == kErroJaExiste && modo.criacao == plataforma::Criacao::CriaNovo)) {
       hr = codigos::kOk;
-      return Veredito::Acabou;
+      return EVeredito::Acabou;
     }
     const HRESULT hrDesiste = CodigoDaAbertura(sCaminho, falha, bUltima);
     if (!Falhou(hrDesiste)) {
-      return Veredito::OutraVez;
+      return EVeredito::OutraVez;
     }
     hr = hrDesiste;
-    return Veredito::Acabou;
+    return EVeredito::Acabou;
   });
   return hr;
 }

@@ -4,7 +4,7 @@
 #include <memory>
 #include <optional>
 
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/Arquivos.h"
 #include "core/qzdatabase/disco/Insistencia.h"
 #include "core/qzdatabase/disco/IntencaoGravacao.h"
 
@@ -65,7 +65,7 @@ private:
   std::optional<Aparencia> Olha() const;
 
   std::unique_ptr<plataforma::IArquivoAberto> m_arquivo;
-  CQZIntencaoGravacao m_intencao;  // behind the handle, so that it goes before it
+  CQZIntencaoGravacao m_intencao;  ///< behind the handle, so that it goes before it
   EModoAbertura m_eModo = eModoFechado;
   std::optional<Aparencia> m_aparencia;
   bool m_bMesmo = false;

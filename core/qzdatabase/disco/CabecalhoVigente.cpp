@@ -61,6 +61,7 @@ FalhaArquivo CQZCabecalhoVigente::Examina(IArquivoAberto &arquivo,
   if (falha) {
     return falha;
   }
+  // Before the data are read, which takes seconds for a large file.
   if (!NomeConfere(reg, m_sNomeArquivo)) {
     *phr = codigos::kCabecalhoDeOutroArquivo;
     return plataforma::kSemFalha;
@@ -73,6 +74,7 @@ FalhaArquivo CQZCabecalhoVigente::Examina(IArquivoAberto &arquivo,
     *phr = codigos::kDadosNaoConferem;
     return plataforma::kSemFalha;
   }
+  // Only a header that holds is taken over; after a failure the last one that held stands.
   m_reg = reg;
   m_bNoDisco = true;
   m_uiCrcDados = uiCrc;

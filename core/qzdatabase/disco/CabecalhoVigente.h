@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/Arquivos.h"
 #include "core/qzdatabase/disco/CabecalhoArquivo.h"
 
 /// The header of one file as it stands and as it should stand: whether the file has one, whether it has been checked,

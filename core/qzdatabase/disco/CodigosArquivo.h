@@ -2,7 +2,7 @@
 #define KALVO_CORE_QZDATABASE_DISCO_CODIGOSARQUIVO_H
 
 #include "core/errors/CodigosResultado.h"
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/Arquivos.h"
 
 /// Result code of a failed file operation; 0 for none.
 HRESULT CodigoDaFalha(const plataforma::FalhaArquivo &falha);

@@ -9,7 +9,7 @@ FalhaArquivo ApagaInsistindo(const CString &sCaminho) {
     if (falha.NaoEsta()) {
       falha = plataforma::kSemFalha;
     }
-    return falha ? Veredito::OutraVez : Veredito::Acabou;
+    return falha ? EVeredito::OutraVez : EVeredito::Acabou;
   });
   return falha;
 }
@@ -18,11 +18,11 @@ FalhaArquivo MoveInsistindo(const CString &sOrigem, const CString &sDestino,
                             const AntesDeMoverDeNovo &antesDeMoverDeNovo) {
   FalhaArquivo falha;
   Insiste(kTentativasInsistencia, [&](bool) {
-    const Movimento eMovimento = falha && antesDeMoverDeNovo ? antesDeMoverDeNovo() : Movimento::Tenta;
-    if (eMovimento == Movimento::Tenta) {
+    const EMovimento eMovimento = falha && antesDeMoverDeNovo ? antesDeMoverDeNovo() : EMovimento::Tenta;
+    if (eMovimento == EMovimento::Tenta) {
       falha = plataforma::Arquivos().MoveSubstituindo(sOrigem, sDestino);
     }
-    return falha && !falha.NaoEsta() && eMovimento != Movimento::Desiste ? Veredito::OutraVez : Veredito::Acabou;
+    return falha && !falha.NaoEsta() && eMovimento != EMovimento::Desiste ? EVeredito::OutraVez : EVeredito::Acabou;
   });
   return falha;
 }

@@ -14,14 +14,14 @@ inline constexpr int kTentativasInsistencia = 50;
 inline constexpr std::uint32_t kPausaInsistenciaMs = 10;
 
 /// What an attempt has come to.
-enum class Veredito { Acabou, OutraVez };
+enum class EVeredito { Acabou, OutraVez };
 
 /// Makes at most `iTentativas` attempts, until one has come to an end, well or badly. `tentativa(bUltima)` decides that
 /// itself, while the operating system's answer to its own call is at hand: what the disk looks like afterwards may be
 /// somebody else's doing.
 template <typename F>
 void Insiste(int iTentativas, F &&tentativa) {
-  for (int i = 1; i <= iTentativas && tentativa(i == iTentativas) == Veredito::OutraVez; ++i) {
+  for (int i = 1; i <= iTentativas && tentativa(i == iTentativas) == EVeredito::OutraVez; ++i) {
     plataforma::Relogio().Espera(kPausaInsistenciaMs);
   }
 }
@@ -30,8 +30,8 @@ void Insiste(int iTentativas, F &&tentativa) {
 plataforma::FalhaArquivo ApagaInsistindo(const CString &sCaminho);
 
 /// What is to become of a move whose first attempt failed.
-enum class Movimento { Tenta, Espera, Desiste };
-using AntesDeMoverDeNovo = std::function<Movimento()>;
+enum class EMovimento { Tenta, Espera, Desiste };
+using AntesDeMoverDeNovo = std::function<EMovimento()>;
 
 /// Moves a file onto another or onto a free name. No failure only when this very call moved it: a file of origin that
 /// vanishes between two attempts is one. `antesDeMoverDeNovo`, when given, is asked before each attempt but the first.

@@ -6,10 +6,10 @@
 #include <vector>
 
 #include "core/env/QZPath.h"
-#include "core/platform/ArquivoNoLivro.h"
 #include "core/platform/CodigoEstrangeiro.h"
 #include "core/platform/MemoriaMapeada.h"
 #include "core/platform/Plataforma.h"
+#include "core/platform/PosseNoLivro.h"
 #include "core/qzdatabase/disco/PercorreArquivo.h"
 #include "core/qzdatabase/disco/QZCrc64.h"
 
@@ -75,7 +75,7 @@ bool LeNota(const CString &sCaminho, const CString &sNomeArquivo, Nota *pNota) {
   if (plataforma::Arquivos().Abre(sCaminho, {}, &aberto)) {
     return false;
   }
-  const plataforma::CQZArquivoNoLivro companheiro(std::move(aberto));
+  const plataforma::CQZPosseNoLivro companheiro(std::move(aberto));
   if (companheiro->Le(0, tudo.data(), tudo.size())) {
     return false;
   }
@@ -154,6 +154,7 @@ private:
 
   /// Whether the file's data, repaired so, have the CRC of the header that they would get.
   FalhaArquivo Confere(const Reparo &reparo, bool *pbSim) {
+    // With the note's bytes the file itself counts up to the write and from behind it; without them, all of it.
     const std::uint64_t uiFimEscrita = m_reg.uiOnde + m_reg.cb;
     const std::uint64_t uiAte = reparo.bCompleta ? std::min(m_reg.uiOnde, reparo.uiTamanho) : reparo.uiTamanho;
     const std::uint64_t uiDe = reparo.bCompleta ? uiFimEscrita : reparo.uiTamanho;
@@ -220,7 +221,7 @@ void CQZIntencaoGravacao::AnotaCriacao(const CString &sCaminhoArquivo, const CSt
   std::unique_ptr<IArquivoAberto> aberto;
   const ModoAbertura modo{Acesso::Escrita, Compartilhamento::Exclusivo, plataforma::Criacao::CriaVazio};
   if (!Arquivos().Abre(Caminho(sCaminhoArquivo), modo, &aberto)) {
-    const CQZArquivoNoLivro companheiro(std::move(aberto));
+    const CQZPosseNoLivro companheiro(std::move(aberto));
     static_cast<void>(companheiro->Grava(0, tudo.data(), tudo.size()));
   }
 }
@@ -271,6 +272,7 @@ void CQZIntencaoGravacao::Anuncia(const Escrita &escrita) noexcept {
   if (m_pMapa == nullptr) {
     return;
   }
+  // Set before memory is touched: a note that may stand there must not be deleted with the companion.
   m_bAnunciada = true;
   const std::size_t cbGuardados = escrita.cb <= kMaiorGuardado ? escrita.cb : 0;
   const RegIntencao reg{
@@ -286,6 +288,7 @@ void CQZIntencaoGravacao::Anuncia(const Escrita &escrita) noexcept {
       .uiTamanhoDepois = escrita.uiTamanhoDepois,
   };
   const bool bFeito = plataforma::TocaMemoriaMapeada([&] {
+    // The old note goes first; the seal over the new one is the last to be written.
     EscreveSelo(m_pMapa, 0);
     std::memcpy(m_pMapa, &reg, sizeof(reg));
     if (cbGuardados != 0) {
@@ -293,6 +296,7 @@ void CQZIntencaoGravacao::Anuncia(const Escrita &escrita) noexcept {
     }
     EscreveSelo(m_pMapa, Selo(reinterpret_cast<const char *>(m_pMapa), cbGuardados));
   });
+  // The device has failed: the write goes on without a note, as it does without a companion.
   if (!bFeito) {
     m_bAnunciada = false;
     Encerra();

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/Arquivos.h"
 #include "core/qzdatabase/disco/CabecalhoArquivo.h"
 
 /// What a write to a file with header is about to do, noted beside the file before the file is touched: a process that

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/Arquivos.h"
 
 /// Reads an open file from `uiInicio` to before `uiFim`, in pieces that stay in the processor's cache, and calls
 /// `visita(posicao, bytes, qtd)` for each, which returns a FalhaArquivo. Stops at the first failure.

@@ -137,12 +137,15 @@ KALVO_COM_MULTIPLICACAO std::uint64_t CalculaPorMultiplicacao(const void *pDados
   for (__m128i &bloco : blocos) {
     bloco = _mm_loadu_si128(p++);
   }
+  // The CRC so far enters as a change of the first eight bytes, by linearity.
   blocos[0] = _mm_xor_si128(blocos[0], _mm_cvtsi64_si128(static_cast<long long>(uiInicial)));
+  // Four chains: each multiplication waits for the one before it in its own chain only.
   for (cb -= kPasso; cb >= kPasso; cb -= kPasso) {
     for (__m128i &bloco : blocos) {
       bloco = _mm_xor_si128(Dobra<8 * kPasso>(bloco), _mm_loadu_si128(p++));
     }
   }
+  // The chains joined, 16 bytes are left that stand for all; tables do the last step.
   __m128i resto = blocos[0];
   for (std::size_t i = 1; i < kBlocos; ++i) {
     resto = _mm_xor_si128(Dobra<128>(resto), blocos[i]);

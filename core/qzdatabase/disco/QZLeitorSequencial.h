@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "core/platform/SistemaArquivos.h"
+#include "core/platform/Arquivos.h"
 
 /// Reads a range of an open file from front to back, in pieces large enough that short lines cost no system call.
 class CQZLeitorSequencial {

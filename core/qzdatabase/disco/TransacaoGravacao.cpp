@@ -33,6 +33,7 @@ FalhaArquivo CQZTransacaoGravacao::Grava(IArquivoAberto &arquivo, const void *pB
   if (m_bNovoGuardado) {
     m_sNovo.assign(pNovos, cb);
   }
+  // In this order: noted, pending, written. An end after either of the first two leaves a file that is whole.
   AnunciaGravacao(pNovos, cb);
   m_bPendente = true;
   FalhaArquivo falha = arquivo.Grava(m_uiOnde, pBytes, cb);
@@ -92,6 +93,7 @@ FalhaArquivo CQZTransacaoGravacao::Desfaz(IArquivoAberto &arquivo) {
   if (!falha && uiTamanho > m_uiTamanho) {
     falha = arquivo.AjustaTamanho(m_uiTamanho);
   }
+  // Also where undoing failed: it is pending still, and the header is not written before it has succeeded.
   m_cabecalho.SegueDados(m_uiCrcAntes);
   return falha;
 }
@@ -143,6 +145,7 @@ FalhaArquivo CQZTransacaoGravacao::FaixaDeixadaAssim(IArquivoAberto &arquivo, bo
     return falha;
   }
   const auto [uiMenor, uiMaior] = std::minmax(m_uiTamanho, m_uiTamanhoNovo);
+  // Neither our write nor its undoing ever makes the file shorter or longer than this.
   if (!m_bNovoGuardado || uiTamanho < uiMenor || uiTamanho > uiMaior) {
     return plataforma::kSemFalha;
   }

@@ -11,7 +11,7 @@
 
 namespace apoio {
 
-ProcessoFilho::ProcessoFilho(const std::string &nome, const std::vector<std::string> &argumentos) {
+ProcessoFilho::ProcessoFilho(const std::string &sNome, const std::vector<std::string> &argumentos) {
   // A child that ended must show as an empty answer, not as a signal that ends the tests.
   ::signal(SIGPIPE, SIG_IGN);
   int paraFilho[2];
@@ -23,11 +23,11 @@ ProcessoFilho::ProcessoFilho(const std::string &nome, const std::vector<std::str
   ::posix_spawn_file_actions_init(&acoes);
   ::posix_spawn_file_actions_adddup2(&acoes, paraFilho[0], STDIN_FILENO);
   ::posix_spawn_file_actions_adddup2(&acoes, doFilho[1], STDOUT_FILENO);
-  std::vector<std::string> textos{"filho", "--filho", nome};
+  std::vector<std::string> textos{"filho", "--filho", sNome};
   textos.insert(textos.end(), argumentos.begin(), argumentos.end());
   std::vector<char *> argv;
-  for (std::string &texto : textos) {
-    argv.push_back(texto.data());
+  for (std::string &sTexto : textos) {
+    argv.push_back(sTexto.data());
   }
   argv.push_back(nullptr);
   pid_t processo = 0;

@@ -14,45 +14,45 @@ plataforma::RegistroMemoria &Registro() {
 }  // namespace
 
 RegistroTeste::~RegistroTeste() {
-  for (const CString &chave : m_chaves) {
-    Registro().RemoveChave(chave);
+  for (const CString &sChave : m_chaves) {
+    Registro().RemoveChave(sChave);
   }
 }
 
-void RegistroTeste::CriaChave(const CString &chave) {
-  if (!chave.starts_with("SOFTWARE\\Wow6432Node\\Tarvel\\")) {
-    throw std::runtime_error("not a test key: " + chave);
+void RegistroTeste::CriaChave(const CString &sChave) {
+  if (!sChave.starts_with("SOFTWARE\\Wow6432Node\\Tarvel\\")) {
+    throw std::runtime_error("not a test key: " + sChave);
   }
-  m_chaves.push_back(chave);
-  Registro().CriaChave(chave);
+  m_chaves.push_back(sChave);
+  Registro().CriaChave(sChave);
 }
 
-void RegistroTeste::DefineTexto(const CString &chave, const CString &nome, const CString &texto, bool bTerminador) {
-  CriaChave(chave);
-  Registro().DefineTexto(chave, nome, bTerminador ? texto + CString(1, '\0') : texto);
+void RegistroTeste::DefineTexto(const CString &sChave, const CString &sNome, const CString &sTexto, bool bTerminador) {
+  CriaChave(sChave);
+  Registro().DefineTexto(sChave, sNome, bTerminador ? sTexto + CString(1, '\0') : sTexto);
 }
 
-void RegistroTeste::DefineTextoExpansivel(const CString &chave, const CString &nome, const CString &texto) {
-  CriaChave(chave);
-  Registro().DefineTextoExpansivel(chave, nome, texto);
+void RegistroTeste::DefineTextoExpansivel(const CString &sChave, const CString &sNome, const CString &sTexto) {
+  CriaChave(sChave);
+  Registro().DefineTextoExpansivel(sChave, sNome, sTexto);
 }
 
-void RegistroTeste::DefineNumero(const CString &chave, const CString &nome, std::uint32_t numero) {
-  CriaChave(chave);
-  Registro().DefineNumero(chave, nome, numero);
+void RegistroTeste::DefineNumero(const CString &sChave, const CString &sNome, std::uint32_t numero) {
+  CriaChave(sChave);
+  Registro().DefineNumero(sChave, sNome, numero);
 }
 
-void RegistroTeste::DefineBinario(const CString &chave, const CString &nome, const CString &bytes) {
-  CriaChave(chave);
-  Registro().DefineBinario(chave, nome, bytes);
+void RegistroTeste::DefineBinario(const CString &sChave, const CString &sNome, const CString &sBytes) {
+  CriaChave(sChave);
+  Registro().DefineBinario(sChave, sNome, sBytes);
 }
 
-void RegistroTeste::RemoveValor(const CString &chave, const CString &nome) {
-  Registro().RemoveValor(chave, nome);
+void RegistroTeste::RemoveValor(const CString &sChave, const CString &sNome) {
+  Registro().RemoveValor(sChave, sNome);
 }
 
-void RegistroTeste::RemoveChave(const CString &chave) {
-  Registro().RemoveChave(chave);
+void RegistroTeste::RemoveChave(const CString &sChave) {
+  Registro().RemoveChave(sChave);
 }
 
 }  // namespace apoio

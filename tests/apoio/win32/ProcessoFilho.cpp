@@ -10,8 +10,8 @@ namespace apoio {
 namespace {
 
 /// An argument without quotes in it, as the C runtime of the child will read it back.
-std::string Citado(const std::string &argumento) {
-  return "\"" + argumento + (argumento.ends_with('\\') ? "\\\"" : "\"");
+std::string Citado(const std::string &sArgumento) {
+  return "\"" + sArgumento + (sArgumento.ends_with('\\') ? "\\\"" : "\"");
 }
 
 /// A pipe of which only the child's end is inherited; returns a descriptor of ours.
@@ -25,12 +25,12 @@ int CriaTubo(HANDLE *leitura, HANDLE *escrita, const HANDLE *nossa) {
 
 }  // namespace
 
-ProcessoFilho::ProcessoFilho(const std::string &nome, const std::vector<std::string> &argumentos) {
+ProcessoFilho::ProcessoFilho(const std::string &sNome, const std::vector<std::string> &argumentos) {
   char programa[MAX_PATH + 1] = "";
   ::GetModuleFileNameA(nullptr, programa, MAX_PATH);
-  std::string comando = Citado(programa) + " --filho " + nome;
-  for (const std::string &argumento : argumentos) {
-    comando += " " + Citado(argumento);
+  std::string sComando = Citado(programa) + " --filho " + sNome;
+  for (const std::string &sArgumento : argumentos) {
+    sComando += " " + Citado(sArgumento);
   }
   STARTUPINFOA inicio{};
   inicio.cb = sizeof(inicio);
@@ -41,7 +41,7 @@ ProcessoFilho::ProcessoFilho(const std::string &nome, const std::vector<std::str
   m_saida = CriaTubo(&hNossa, &inicio.hStdOutput, &hNossa);
   PROCESS_INFORMATION processo{};
   const BOOL bIniciou =
-      ::CreateProcessA(programa, comando.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &inicio, &processo);
+      ::CreateProcessA(programa, sComando.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &inicio, &processo);
   ::CloseHandle(inicio.hStdInput);
   ::CloseHandle(inicio.hStdOutput);
   if (!bIniciou) {

@@ -7,82 +7,83 @@
 namespace apoio {
 namespace {
 
-void Confere(LSTATUS estado, const CString &oque) {
+void Confere(LSTATUS estado, const CString &sOque) {
   if (estado != ERROR_SUCCESS) {
-    throw std::runtime_error("registry error " + std::to_string(estado) + ": " + oque);
+    throw std::runtime_error("registry error " + std::to_string(estado) + ": " + sOque);
   }
 }
 
-CString SemBarra(const CString &chave) {
-  return chave.substr(0, chave.find_last_not_of('\\') + 1);
+CString SemBarra(const CString &sChave) {
+  return sChave.substr(0, sChave.find_last_not_of('\\') + 1);
 }
 
-CString Terminado(const CString &texto) {
-  return texto + CString(1, '\0');
+CString Terminado(const CString &sTexto) {
+  return sTexto + CString(1, '\0');
 }
 
 /// Opens a key, which is created when needed.
-HKEY AbreChave(const CString &chave) {
+HKEY AbreChave(const CString &sChave) {
   HKEY hChave = nullptr;
-  Confere(::RegCreateKeyExA(HKEY_LOCAL_MACHINE, SemBarra(chave).c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &hChave,
+  Confere(::RegCreateKeyExA(HKEY_LOCAL_MACHINE, SemBarra(sChave).c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &hChave,
                             nullptr),
-          chave);
+          sChave);
   return hChave;
 }
 
 /// Stores exactly these bytes.
-void Grava(const CString &chave, const CString &nome, DWORD tipo, const CString &bytes) {
+void Grava(const CString &sChave, const CString &sNome, DWORD tipo, const CString &sBytes) {
   // The system adds a missing final zero when one follows the bytes it is given: something else follows here.
-  const CString seguidos = bytes + "#";
-  const HKEY hChave = AbreChave(chave);
-  const LSTATUS estado = ::RegSetValueExA(
-      hChave, nome.c_str(), 0, tipo, reinterpret_cast<const BYTE *>(seguidos.data()), static_cast<DWORD>(bytes.size()));
+  const CString sSeguidos = sBytes + "#";
+  const HKEY hChave = AbreChave(sChave);
+  const LSTATUS estado =
+      ::RegSetValueExA(hChave, sNome.c_str(), 0, tipo, reinterpret_cast<const BYTE *>(sSeguidos.data()),
+                       static_cast<DWORD>(sBytes.size()));
   ::RegCloseKey(hChave);
-  Confere(estado, nome);
+  Confere(estado, sNome);
 }
 
 }  // namespace
 
 RegistroTeste::~RegistroTeste() {
-  for (const CString &chave : m_chaves) {
-    ::RegDeleteTreeA(HKEY_LOCAL_MACHINE, chave.c_str());
+  for (const CString &sChave : m_chaves) {
+    ::RegDeleteTreeA(HKEY_LOCAL_MACHINE, sChave.c_str());
   }
 }
 
-void RegistroTeste::CriaChave(const CString &chave) {
-  if (!chave.starts_with("SOFTWARE\\Wow6432Node\\Tarvel\\")) {
-    throw std::runtime_error("not a test key: " + chave);
+void RegistroTeste::CriaChave(const CString &sChave) {
+  if (!sChave.starts_with("SOFTWARE\\Wow6432Node\\Tarvel\\")) {
+    throw std::runtime_error("not a test key: " + sChave);
   }
-  m_chaves.push_back(SemBarra(chave));
-  ::RegCloseKey(AbreChave(chave));
+  m_chaves.push_back(SemBarra(sChave));
+  ::RegCloseKey(AbreChave(sChave));
 }
 
-void RegistroTeste::DefineTexto(const CString &chave, const CString &nome, const CString &texto, bool bTerminador) {
-  CriaChave(chave);
-  Grava(chave, nome, REG_SZ, bTerminador ? Terminado(texto) : texto);
+void RegistroTeste::DefineTexto(const CString &sChave, const CString &sNome, const CString &sTexto, bool bTerminador) {
+  CriaChave(sChave);
+  Grava(sChave, sNome, REG_SZ, bTerminador ? Terminado(sTexto) : sTexto);
 }
 
-void RegistroTeste::DefineTextoExpansivel(const CString &chave, const CString &nome, const CString &texto) {
-  CriaChave(chave);
-  Grava(chave, nome, REG_EXPAND_SZ, Terminado(texto));
+void RegistroTeste::DefineTextoExpansivel(const CString &sChave, const CString &sNome, const CString &sTexto) {
+  CriaChave(sChave);
+  Grava(sChave, sNome, REG_EXPAND_SZ, Terminado(sTexto));
 }
 
-void RegistroTeste::DefineNumero(const CString &chave, const CString &nome, std::uint32_t numero) {
-  CriaChave(chave);
-  Grava(chave, nome, REG_DWORD, CString(reinterpret_cast<const char *>(&numero), sizeof(numero)));
+void RegistroTeste::DefineNumero(const CString &sChave, const CString &sNome, std::uint32_t numero) {
+  CriaChave(sChave);
+  Grava(sChave, sNome, REG_DWORD, CString(reinterpret_cast<const char *>(&numero), sizeof(numero)));
 }
 
-void RegistroTeste::DefineBinario(const CString &chave, const CString &nome, const CString &bytes) {
-  CriaChave(chave);
-  Grava(chave, nome, REG_BINARY, bytes);
+void RegistroTeste::DefineBinario(const CString &sChave, const CString &sNome, const CString &sBytes) {
+  CriaChave(sChave);
+  Grava(sChave, sNome, REG_BINARY, sBytes);
 }
 
-void RegistroTeste::RemoveValor(const CString &chave, const CString &nome) {
-  Confere(::RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, SemBarra(chave).c_str(), nome.c_str()), nome);
+void RegistroTeste::RemoveValor(const CString &sChave, const CString &sNome) {
+  Confere(::RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, SemBarra(sChave).c_str(), sNome.c_str()), sNome);
 }
 
-void RegistroTeste::RemoveChave(const CString &chave) {
-  Confere(::RegDeleteTreeA(HKEY_LOCAL_MACHINE, SemBarra(chave).c_str()), chave);
+void RegistroTeste::RemoveChave(const CString &sChave) {
+  Confere(::RegDeleteTreeA(HKEY_LOCAL_MACHINE, SemBarra(sChave).c_str()), sChave);
 }
 
 }  // namespace apoio

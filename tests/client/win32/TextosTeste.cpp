@@ -13,7 +13,7 @@
 
 namespace {
 
-TEST(TextoParametro, TwoZeroBytesAtAnEvenOffsetBehindTheText) {
+TEST(TextoParametro, DoisZerosEmPosicaoParAtrasDoTexto) {
   for (const std::string sTexto : {"", "1", "0001", "00012", "A\xE3O", "\xFF\xFF"}) {
     CQZTextoParametro parametro(sTexto);
     const char *const pBytes = reinterpret_cast<const char *>(parametro.Get());
@@ -25,7 +25,7 @@ TEST(TextoParametro, TwoZeroBytesAtAnEvenOffsetBehindTheText) {
   }
 }
 
-TEST(Erro, CodeAndText) {
+TEST(Erro, CodigoETexto) {
   EXPECT_STREQ(CQZErroVeiculos(static_cast<HRESULT>(0x810809DA)).what(),
                "0x810809DA: posi\347\343o al\351m do \372ltimo registro");
   const std::string sNegado = TextoDoSistema(5);
@@ -71,7 +71,7 @@ std::set<std::uint32_t> CodigosDe(const std::string &sArquivo) {
   return codigos;
 }
 
-TEST(Erro, HeaderDocumentsAndServerKnowTheSameCodes) {
+TEST(Erro, CabecalhoDocumentosEServidorSabemOsMesmosCodigos) {
   std::set<std::uint32_t> doCabecalho;
   for (const CQZTextoErro &erro : kTextosErro) {
     EXPECT_TRUE(doCabecalho.insert(erro.uiCodigo).second) << std::hex << erro.uiCodigo;

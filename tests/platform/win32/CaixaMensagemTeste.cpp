@@ -14,7 +14,7 @@ int MostraSemEspectador(const std::vector<std::string> &) {
   if (estacao == nullptr || !SetProcessWindowStation(estacao)) {
     return 100;
   }
-  return plataforma::CaixaDoSistema().Mostra("texto", "titulo", 0x30, plataforma::DonoCaixa::JanelaDaThread);
+  return plataforma::CaixaMensagemDoSistema().Mostra("texto", "titulo", 0x30, plataforma::DonoCaixa::JanelaDaThread);
 }
 
 const apoio::RegistraFilha g_mostra("mostra_sem_espectador", MostraSemEspectador);

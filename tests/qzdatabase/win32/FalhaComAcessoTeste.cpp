@@ -18,7 +18,7 @@ protected:
         plataforma::ChamaEmQuadroSEH([](void *pCorpo) -> HRESULT { return (*static_cast<F *>(pCorpo))(); }, &corpo,
                                      [](const _EXCEPTION_RECORD &) -> LONG { return 1; });
     EXPECT_TRUE(saida.bExcecao);
-    EXPECT_EQ(plataforma::LivroTravas::Marca(), 0U);
+    EXPECT_EQ(plataforma::LivroDaThread::Marca(), 0U);
   }
 };
 

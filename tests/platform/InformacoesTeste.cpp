@@ -1,4 +1,4 @@
-#include "core/platform/Sistema.h"
+#include "core/platform/Informacoes.h"
 
 #include <gtest/gtest.h>
 
@@ -14,76 +14,76 @@
 
 namespace {
 
-plataforma::ISistema &Sistema() {
+plataforma::IInformacoes &Informacoes() {
   return plataforma::InformacoesDoSistema();
 }
 
-TEST(Sistema, ProcessoEMaquina) {
-  const CString processo = Sistema().NomeProcesso();
+TEST(Informacoes, ProcessoEMaquina) {
+  const CString processo = Informacoes().NomeProcesso();
   EXPECT_TRUE(processo == "teste_platform" || processo == "teste_platform.exe") << processo;
-  EXPECT_FALSE(Sistema().UsuarioLocal().empty());
+  EXPECT_FALSE(Informacoes().UsuarioLocal().empty());
   std::uint32_t outra = 0;
-  std::thread([&outra] { outra = Sistema().IdThread(); }).join();
-  EXPECT_NE(Sistema().IdThread(), outra);
-  EXPECT_EQ(Sistema().IdThread(), Sistema().IdThread());
-  EXPECT_GE(Sistema().VersaoSO().maior, 2U);
+  std::thread([&outra] { outra = Informacoes().IdThread(); }).join();
+  EXPECT_NE(Informacoes().IdThread(), outra);
+  EXPECT_EQ(Informacoes().IdThread(), Informacoes().IdThread());
+  EXPECT_GE(Informacoes().VersaoSO().maior, 2U);
 }
 
-TEST(Sistema, MemoriaDaMaquinaEDoProcesso) {
+TEST(Informacoes, MemoriaDaMaquinaEDoProcesso) {
   std::uint64_t disponivel = 0;
   std::uint64_t total = 0;
-  ASSERT_TRUE(Sistema().MemoriaMaquina(&disponivel, &total));
+  ASSERT_TRUE(Informacoes().MemoriaMaquina(&disponivel, &total));
   EXPECT_GT(disponivel, 0U);
   EXPECT_LT(disponivel, total);
   constexpr std::size_t kBloco = std::size_t{64} << 20;
   std::uint64_t antes = 0;
   std::uint64_t depois = 0;
-  ASSERT_TRUE(Sistema().MemoriaProcesso(&antes));
+  ASSERT_TRUE(Informacoes().MemoriaProcesso(&antes));
   EXPECT_GT(antes, 0U);
   const std::unique_ptr<volatile char[]> bloco(new volatile char[kBloco]);
   for (std::size_t i = 0; i < kBloco; i += 1024) {
     bloco[i] = 1;
   }
-  ASSERT_TRUE(Sistema().MemoriaProcesso(&depois));
+  ASSERT_TRUE(Informacoes().MemoriaProcesso(&depois));
   EXPECT_GE(depois, antes + kBloco / 2);
 }
 
-TEST(Sistema, VersaoDoPrograma) {
+TEST(Informacoes, VersaoDoPrograma) {
   plataforma::VersaoArquivo versao{1, 2};
-  const bool bTem = Sistema().VersaoPrograma(&versao);
+  const bool bTem = Informacoes().VersaoPrograma(&versao);
   // The program file of this test carries 6.5.3.7 where program files carry versions.
   EXPECT_EQ(versao.maisSignificativa, bTem ? 0x00060005U : 1U);
   EXPECT_EQ(versao.menosSignificativa, bTem ? 0x00030007U : 2U);
-  EXPECT_EQ(bTem, Sistema().NomeProcesso().ends_with(".exe"));
+  EXPECT_EQ(bTem, Informacoes().NomeProcesso().ends_with(".exe"));
 }
 
-TEST(Sistema, GuidsDistintosEBemFormados) {
+TEST(Informacoes, GuidsDistintosEBemFormados) {
   const std::regex forma("\\{[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\\}");
   std::set<CString> vistos;
   for (int i = 0; i < 100; ++i) {
-    const CString guid = Sistema().NovoGuid();
+    const CString guid = Informacoes().NovoGuid();
     EXPECT_TRUE(std::regex_match(guid, forma)) << guid;
     EXPECT_TRUE(vistos.insert(guid).second) << guid;
   }
 }
 
-TEST(Sistema, CaminhoAbsoluto) {
-  const CString arquivo = Sistema().CaminhoAbsoluto("log.ini");
+TEST(Informacoes, CaminhoAbsoluto) {
+  const CString arquivo = Informacoes().CaminhoAbsoluto("log.ini");
   EXPECT_GT(arquivo.size(), CString("\\log.ini").size());
   EXPECT_TRUE(arquivo.ends_with("\\log.ini")) << arquivo;
   EXPECT_EQ(arquivo.find('/'), CString::npos) << arquivo;
-  EXPECT_EQ(Sistema().CaminhoAbsoluto("x\\..\\log.ini"), arquivo);
-  EXPECT_EQ(Sistema().CaminhoAbsoluto(arquivo), arquivo);
+  EXPECT_EQ(Informacoes().CaminhoAbsoluto("x\\..\\log.ini"), arquivo);
+  EXPECT_EQ(Informacoes().CaminhoAbsoluto(arquivo), arquivo);
 }
 
-TEST(Sistema, EsperaAoMenosOPedido) {
+TEST(Informacoes, EsperaAoMenosOPedido) {
   const auto antes = std::chrono::steady_clock::now();
   plataforma::RelogioDoSistema().Espera(40);
   // The system may round the end of a wait to its tick of up to 16 ms.
   EXPECT_GE(std::chrono::steady_clock::now() - antes, std::chrono::milliseconds(24));
 }
 
-TEST(Sistema, RegrasDosArquivosIni) {
+TEST(ArquivosIni, Regras) {
   const apoio::PastaTemporaria pasta;
   const CString arquivo = pasta / "regras.ini";
   const struct {
@@ -122,11 +122,11 @@ TEST(Sistema, RegrasDosArquivosIni) {
   for (const auto &caso : casos) {
     SCOPED_TRACE(caso.linha);
     apoio::EscreveArquivo(arquivo, CString("K=9\r\n[SS]\r\nK=8\r\n [ s ]\r\n") + caso.linha + "\r\n");
-    EXPECT_EQ(Sistema().LeTextoIni(arquivo, "S", "K", "padrao", 10), caso.texto);
-    EXPECT_EQ(Sistema().LeInteiroIni(arquivo, "S", "K", 7), caso.numero);
+    EXPECT_EQ(plataforma::ArquivosIniDoSistema().LeTexto(arquivo, "S", "K", "padrao", 10), caso.texto);
+    EXPECT_EQ(plataforma::ArquivosIniDoSistema().LeInteiro(arquivo, "S", "K", 7), caso.numero);
   }
-  EXPECT_EQ(Sistema().LeTextoIni(pasta / "falta.ini", "S", "K", "padrao", 259), "padrao");
-  EXPECT_EQ(Sistema().LeInteiroIni(pasta / "falta.ini", "S", "K", 7), 7U);
+  EXPECT_EQ(plataforma::ArquivosIniDoSistema().LeTexto(pasta / "falta.ini", "S", "K", "padrao", 259), "padrao");
+  EXPECT_EQ(plataforma::ArquivosIniDoSistema().LeInteiro(pasta / "falta.ini", "S", "K", 7), 7U);
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
-#ifndef KALVO_CORE_PLATFORM_SISTEMA_H
-#define KALVO_CORE_PLATFORM_SISTEMA_H
+#ifndef KALVO_CORE_PLATFORM_INFORMACOES_H
+#define KALVO_CORE_PLATFORM_INFORMACOES_H
 
-#include <cstddef>
 #include <cstdint>
 
 #include "core/platform/Tipos.h"
@@ -23,9 +22,9 @@ struct VersaoSistema {
 
 /// Figures of the process and the machine. Nothing is cached. Queries that can fail leave their output untouched then
 /// and return false. Any thread may call, several at once.
-class ISistema {
+class IInformacoes {
 public:
-  virtual ~ISistema() = default;
+  virtual ~IInformacoes() = default;
 
   /// Base name of the program file, extension included, in lower case.
   virtual CString NomeProcesso() = 0;
@@ -36,10 +35,10 @@ public:
   virtual CString NovoGuid() = 0;
 
   /// Private bytes of the process.
-  virtual bool MemoriaProcesso(std::uint64_t *bytes) = 0;
+  virtual bool MemoriaProcesso(std::uint64_t *puiBytes) = 0;
   /// Available and total physical memory of the machine, in bytes.
-  virtual bool MemoriaMaquina(std::uint64_t *disponivel, std::uint64_t *total) = 0;
-  virtual bool VersaoPrograma(VersaoArquivo *versao) = 0;
+  virtual bool MemoriaMaquina(std::uint64_t *puiDisponivel, std::uint64_t *puiTotal) = 0;
+  virtual bool VersaoPrograma(VersaoArquivo *pVersao) = 0;
   virtual VersaoSistema VersaoSO() = 0;
 
   /// The platform's text for one of its error codes, in the user's language and without inserts, with the line ends
@@ -47,21 +46,12 @@ public:
   virtual CString TextoErro(std::uint32_t erro) = 0;
 
   /// A path as seen from the process's current directory, made absolute.
-  virtual CString CaminhoAbsoluto(const CString &caminho) = 0;
-
-  /// Value of a key in a section of an ini file, by the rules of the Windows profile functions (a leading number
-  /// counts, the rest is ignored; quotes around a text are taken off; the first of several equal keys counts).
-  /// `arquivo` is absolute. A missing file, section or key gives `padrao`.
-  virtual std::uint32_t LeInteiroIni(const CString &arquivo, const char *secao, const char *chave,
-                                     std::uint32_t padrao) = 0;
-  /// The same for a text, at most `maximo` characters of it.
-  virtual CString LeTextoIni(const CString &arquivo, const char *secao, const char *chave, const char *padrao,
-                             std::size_t maximo) = 0;
+  virtual CString CaminhoAbsoluto(const CString &sCaminho) = 0;
 
 protected:
-  ISistema() = default;
-  ISistema(const ISistema &) = default;
-  ISistema &operator=(const ISistema &) = default;
+  IInformacoes() = default;
+  IInformacoes(const IInformacoes &) = default;
+  IInformacoes &operator=(const IInformacoes &) = default;
 };
 
 }  // namespace plataforma

@@ -31,21 +31,21 @@ HWND JanelaPrincipal() {
   return janela;
 }
 
-class CaixaSistema final : public ICaixaMensagem {
+class CaixaMensagemSistema final : public ICaixaMensagem {
 public:
-  int Mostra(const CString &texto, const CString &titulo, std::uint32_t tipo, DonoCaixa dono) override {
+  int Mostra(const CString &sTexto, const CString &sTitulo, std::uint32_t tipo, DonoCaixa eDono) override {
     if (!AlguemVe()) {
       return 0;
     }
-    const HWND janela = dono == DonoCaixa::JanelaDaThread ? JanelaPrincipal() : nullptr;
-    return ::MessageBoxA(janela, texto.c_str(), titulo.c_str(), tipo);
+    const HWND janela = eDono == DonoCaixa::JanelaDaThread ? JanelaPrincipal() : nullptr;
+    return ::MessageBoxA(janela, sTexto.c_str(), sTitulo.c_str(), tipo);
   }
 };
 
 }  // namespace
 
-ICaixaMensagem &CaixaDoSistema() {
-  return Permanente<CaixaSistema>();
+ICaixaMensagem &CaixaMensagemDoSistema() {
+  return Permanente<CaixaMensagemSistema>();
 }
 
 }  // namespace plataforma

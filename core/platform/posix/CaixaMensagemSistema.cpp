@@ -7,15 +7,15 @@ namespace plataforma {
 namespace {
 
 /// Nobody ever sees a box here.
-class CaixaSistema final : public ICaixaMensagem {
+class CaixaMensagemSistema final : public ICaixaMensagem {
 public:
   int Mostra(const CString &, const CString &, std::uint32_t, DonoCaixa) override { return 0; }
 };
 
 }  // namespace
 
-ICaixaMensagem &CaixaDoSistema() {
-  return Permanente<CaixaSistema>();
+ICaixaMensagem &CaixaMensagemDoSistema() {
+  return Permanente<CaixaMensagemSistema>();
 }
 
 }  // namespace plataforma

@@ -34,7 +34,13 @@ int LeTudo(const std::vector<std::string> &argumentos) {
   const Apartamento apartamento;
   HRESULT hr = S_OK;
   std::vector<tagREG_VEICULOPS> veiculos;
-  if (const Veiculos spVeiculos = Cria(&hr)) {
+  Veiculos spVeiculos = Cria(&hr);
+  if (ServidorSeFoi(hr)) {
+    // Wine alone: its service still named a server that had been ended by force. None of ours was reached.
+    EsqueceServidores();
+    spVeiculos = Cria(&hr);
+  }
+  if (spVeiculos) {
     UINT uiQtd = 0;
     std::vector<LONG> posicoes;
     hr = Inicializa(*spVeiculos, argumentos[0]);

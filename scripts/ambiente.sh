@@ -9,6 +9,9 @@ export WINEDEBUG=-all
 export WINEDLLOVERRIDES='mscoree=;mshtml=;winedbg.exe=d;winemenubuilder.exe=d'
 unset LIBRARY_PATH TZ DISPLAY
 
+# Runs a Windows program without its holding the caller's output.
+wine_roda() { "$raiz/cmake/wine-run.sh" "$@"; }
+
 # Makes the prefix when it is missing and starts a persistent Wine server. A new prefix serves COM only after its Wine
 # server has been restarted once; a server that a test killed leaves an entry that only a restart removes. No output of
 # Wine's background processes may reach the caller's pipe, which they would keep open.
@@ -18,11 +21,11 @@ wine_sobe() {
   {
     wineserver -k || true
     if [ ! -f "$WINEPREFIX/system.reg" ]; then
-      wine wineboot -i
+      wine_roda wineboot -i
       wineserver -k || true
     fi
     wineserver -p
-    wine wineboot
+    wine_roda wineboot
   } >"$WINEPREFIX.log" 2>&1 </dev/null
 }
 
@@ -30,9 +33,8 @@ wine_desce() {
   wineserver -k >/dev/null 2>&1 </dev/null || true
 }
 
-# The suite's registry key, and Windows programs run without their holding the caller's output.
+# The suite's registry key.
 suite='HKLM\SOFTWARE\Wow6432Node\Tarvel'
-wine_roda() { "$raiz/cmake/wine-run.sh" "$@"; }
 caminho_windows() { printf 'Z:%s' "${1//\//\\}"; }
 reg_define() { wine_roda reg add "$1" /v "$2" /t REG_SZ /d "$3" /f >/dev/null; }
 

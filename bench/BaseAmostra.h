@@ -37,7 +37,7 @@ public:
   void Fecha() { Exige(m_registro.Finaliza(), "Finaliza"); }
   CBaseVeiculos &Registro() { return m_registro; }
   std::uint32_t Registros() const { return m_iRegistros; }
-  CString CaminhoSolto() const { return m_empresa.Caminho("SOLTO.DAT"); }
+  CString Caminho(const char *lpArquivo) const { return m_empresa.Caminho(lpArquivo); }
 
 private:
   EmpresaBench m_empresa;

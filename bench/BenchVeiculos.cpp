@@ -266,8 +266,8 @@ private:
   std::unique_ptr<plataforma::IArquivoAberto> m_arquivo;
 };
 
-/// Writes that change the code, once somebody has asked for codes, in turns with bare writes to the same places: most of
-/// either is the system's, and varies with what else it has to store. Counter "bare": nanoseconds of a bare write.
+/// Writes that change the code, once somebody has asked for codes, in turns with bare writes to the same places: most
+/// of either is the system's, and varies with what else it has to store. Counter "bare": nanoseconds of a bare write.
 void GravaPorPosicao(benchmark::State &estado) {
   using Relogio = std::chrono::steady_clock;
   static Base pequena("BENCHG", kPoucos);

@@ -18,49 +18,49 @@ using F = tagREG_FILTRO_VEICULOSPS;
 
 /// In the order in which they are shown.
 constexpr std::array kCamposVeiculo{
-    CCampo{"codigo", texto, offsetof(V, szCodigo), sizeof(V::szCodigo), "Código"},
-    CCampo{"placa", texto, offsetof(V, szPlaca), sizeof(V::szPlaca), "Placa"},
-    CCampo{"uf", texto, offsetof(V, szUF), sizeof(V::szUF), "UF"},
-    CCampo{"descricao", texto, offsetof(V, szDescricao), sizeof(V::szDescricao), "Descrição"},
-    CCampo{"ano", numero, offsetof(V, iAno), sizeof(V::iAno), "Ano"},
-    CCampo{"antt", texto, offsetof(V, szCodigoANTT), sizeof(V::szCodigoANTT), "Código ANTT"},
-    CCampo{"carroceria", numero, offsetof(V, iTipoCarroceria), sizeof(V::iTipoCarroceria), "Tipo de carroceria"},
-    CCampo{"rodado", numero, offsetof(V, iTipoRodado), sizeof(V::iTipoRodado), "Tipo de rodado"},
-    CCampo{"tipo", numero, offsetof(V, iTipoVeiculo), sizeof(V::iTipoVeiculo), "Tipo de veículo"},
-    CCampo{"tara", moeda, offsetof(V, vTara), sizeof(V::vTara), "Tara (kg)"},
-    CCampo{"kg", moeda, offsetof(V, vCapacidadeKg), sizeof(V::vCapacidadeKg), "Capacidade (kg)"},
-    CCampo{"m3", moeda, offsetof(V, vCapacidadeM3), sizeof(V::vCapacidadeM3), "Capacidade (m³)"},
-    CCampo{"renavam", texto, offsetof(V, szRENAVAM), sizeof(V::szRENAVAM), "RENAVAM"},
-    CCampo{"cliente", numero, offsetof(V, iPonteiroCliente), sizeof(V::iPonteiroCliente), "Cliente"},
-    CCampo{"transporte", numero, offsetof(V, iTipoTransporte), sizeof(V::iTipoTransporte), "Tipo de transporte"},
+    CCampo{"codigo", Texto, offsetof(V, szCodigo), sizeof(V::szCodigo), "Código"},
+    CCampo{"placa", Texto, offsetof(V, szPlaca), sizeof(V::szPlaca), "Placa"},
+    CCampo{"uf", Texto, offsetof(V, szUF), sizeof(V::szUF), "UF"},
+    CCampo{"descricao", Texto, offsetof(V, szDescricao), sizeof(V::szDescricao), "Descrição"},
+    CCampo{"ano", Numero, offsetof(V, iAno), sizeof(V::iAno), "Ano"},
+    CCampo{"antt", Texto, offsetof(V, szCodigoANTT), sizeof(V::szCodigoANTT), "Código ANTT"},
+    CCampo{"carroceria", Numero, offsetof(V, iTipoCarroceria), sizeof(V::iTipoCarroceria), "Tipo de carroceria"},
+    CCampo{"rodado", Numero, offsetof(V, iTipoRodado), sizeof(V::iTipoRodado), "Tipo de rodado"},
+    CCampo{"tipo", Numero, offsetof(V, iTipoVeiculo), sizeof(V::iTipoVeiculo), "Tipo de veículo"},
+    CCampo{"tara", Moeda, offsetof(V, vTara), sizeof(V::vTara), "Tara (kg)"},
+    CCampo{"kg", Moeda, offsetof(V, vCapacidadeKg), sizeof(V::vCapacidadeKg), "Capacidade (kg)"},
+    CCampo{"m3", Moeda, offsetof(V, vCapacidadeM3), sizeof(V::vCapacidadeM3), "Capacidade (m³)"},
+    CCampo{"renavam", Texto, offsetof(V, szRENAVAM), sizeof(V::szRENAVAM), "RENAVAM"},
+    CCampo{"cliente", Numero, offsetof(V, iPonteiroCliente), sizeof(V::iPonteiroCliente), "Cliente"},
+    CCampo{"transporte", Numero, offsetof(V, iTipoTransporte), sizeof(V::iTipoTransporte), "Tipo de transporte"},
 };
 
 constexpr std::array kCamposFiltro{
-    CCampo{"tara-min", limite, offsetof(F, vTaraInicial), sizeof(F::vTaraInicial), "menor tara (kg)"},
-    CCampo{"tara-max", limite, offsetof(F, vTaraFinal), sizeof(F::vTaraFinal), "maior tara (kg)"},
-    CCampo{"kg-min", limite, offsetof(F, vCapacidadeKgInicial), sizeof(F::vCapacidadeKgInicial),
+    CCampo{"tara-min", Limite, offsetof(F, vTaraInicial), sizeof(F::vTaraInicial), "menor tara (kg)"},
+    CCampo{"tara-max", Limite, offsetof(F, vTaraFinal), sizeof(F::vTaraFinal), "maior tara (kg)"},
+    CCampo{"kg-min", Limite, offsetof(F, vCapacidadeKgInicial), sizeof(F::vCapacidadeKgInicial),
            "menor capacidade em kg"},
-    CCampo{"kg-max", limite, offsetof(F, vCapacidadeKgFinal), sizeof(F::vCapacidadeKgFinal), "maior capacidade em kg"},
-    CCampo{"m3-min", limite, offsetof(F, vCapacidadeM3Inicial), sizeof(F::vCapacidadeM3Inicial),
+    CCampo{"kg-max", Limite, offsetof(F, vCapacidadeKgFinal), sizeof(F::vCapacidadeKgFinal), "maior capacidade em kg"},
+    CCampo{"m3-min", Limite, offsetof(F, vCapacidadeM3Inicial), sizeof(F::vCapacidadeM3Inicial),
            "menor capacidade em m³"},
-    CCampo{"m3-max", limite, offsetof(F, vCapacidadeM3Final), sizeof(F::vCapacidadeM3Final), "maior capacidade em m³"},
-    CCampo{"ano-min", numero, offsetof(F, iAnoInicial), sizeof(F::iAnoInicial), "menor ano"},
-    CCampo{"ano-max", numero, offsetof(F, iAnoFinal), sizeof(F::iAnoFinal), "maior ano"},
-    CCampo{"cliente", numero, offsetof(F, iPonteiroCliente), sizeof(F::iPonteiroCliente), "cliente"},
-    CCampo{"descricao", texto, offsetof(F, szDescricao), sizeof(F::szDescricao), "descrição"},
-    CCampo{"antt", texto, offsetof(F, szCodigoANTT), sizeof(F::szCodigoANTT), "código ANTT"},
-    CCampo{"codigo", texto, offsetof(F, szCodigo), sizeof(F::szCodigo), "código"},
-    CCampo{"renavam", texto, offsetof(F, szRENAVAM), sizeof(F::szRENAVAM), "RENAVAM"},
-    CCampo{"placa", texto, offsetof(F, szPlaca), sizeof(F::szPlaca), "placa"},
-    CCampo{"uf", texto, offsetof(F, szUF), sizeof(F::szUF), "UF, sem * nem ?"},
+    CCampo{"m3-max", Limite, offsetof(F, vCapacidadeM3Final), sizeof(F::vCapacidadeM3Final), "maior capacidade em m³"},
+    CCampo{"ano-min", Numero, offsetof(F, iAnoInicial), sizeof(F::iAnoInicial), "menor ano"},
+    CCampo{"ano-max", Numero, offsetof(F, iAnoFinal), sizeof(F::iAnoFinal), "maior ano"},
+    CCampo{"cliente", Numero, offsetof(F, iPonteiroCliente), sizeof(F::iPonteiroCliente), "cliente"},
+    CCampo{"descricao", Texto, offsetof(F, szDescricao), sizeof(F::szDescricao), "descrição"},
+    CCampo{"antt", Texto, offsetof(F, szCodigoANTT), sizeof(F::szCodigoANTT), "código ANTT"},
+    CCampo{"codigo", Texto, offsetof(F, szCodigo), sizeof(F::szCodigo), "código"},
+    CCampo{"renavam", Texto, offsetof(F, szRENAVAM), sizeof(F::szRENAVAM), "RENAVAM"},
+    CCampo{"placa", Texto, offsetof(F, szPlaca), sizeof(F::szPlaca), "placa"},
+    CCampo{"uf", Texto, offsetof(F, szUF), sizeof(F::szUF), "UF, sem * nem ?"},
     // Body types count from 0 and wheel-set types from 1. Of the two kinds only zero or not matters.
-    CCampo{"carrocerias", mascara, offsetof(F, iTipoCarroceria), sizeof(F::iTipoCarroceria),
+    CCampo{"carrocerias", Mascara, offsetof(F, iTipoCarroceria), sizeof(F::iTipoCarroceria),
            "tipos de carroceria aceitos, 0 a 5", 0, 5},
-    CCampo{"rodados", mascara, offsetof(F, iTipoRodado), sizeof(F::iTipoRodado), "tipos de rodado aceitos, 1 a 6", 1,
+    CCampo{"rodados", Mascara, offsetof(F, iTipoRodado), sizeof(F::iTipoRodado), "tipos de rodado aceitos, 1 a 6", 1,
            6},
-    CCampo{"tipos", mascara, offsetof(F, iTipoVeiculo), sizeof(F::iTipoVeiculo),
+    CCampo{"tipos", Mascara, offsetof(F, iTipoVeiculo), sizeof(F::iTipoVeiculo),
            "tipos de veículo aceitos (1: qualquer um menos 0)", 0, 1},
-    CCampo{"transportes", mascara, offsetof(F, iTipoTransporte), sizeof(F::iTipoTransporte),
+    CCampo{"transportes", Mascara, offsetof(F, iTipoTransporte), sizeof(F::iTipoTransporte),
            "tipos de transporte aceitos (1: qualquer um menos 0)", 0, 1},
 };
 
@@ -134,7 +134,7 @@ std::uint64_t NumeroDeTexto(std::string_view sTexto, std::uint64_t uiMaximo) {
 
 void DefineCampo(const CCampo &campo, std::string_view sValor, void *pRegistro) {
   switch (campo.eTipo) {
-    case texto:
+    case Texto:
       if (!TextoSemZero(sValor)) {
         throw CErroCampo("o texto contém um byte zero"_pt);
       }
@@ -143,10 +143,10 @@ void DefineCampo(const CCampo &campo, std::string_view sValor, void *pRegistro) 
                          std::to_string(campo.uiLargura));
       }
       return;
-    case moeda:
+    case Moeda:
       GravaInteiro(campo, static_cast<std::uint64_t>(MoedaDoCampo(sValor)), pRegistro);
       return;
-    case limite: {
+    case Limite: {
       const std::int64_t vLimite = MoedaDoCampo(sValor);
       if (vLimite < 0) {
         throw CErroCampo("o valor não pode ser negativo"_pt);
@@ -154,19 +154,19 @@ void DefineCampo(const CCampo &campo, std::string_view sValor, void *pRegistro) 
       GravaInteiro(campo, static_cast<std::uint64_t>(vLimite), pRegistro);
       return;
     }
-    case numero:
+    case Numero:
       GravaInteiro(campo, NumeroDeTexto(sValor, MaximoDaLargura(campo.uiLargura)), pRegistro);
       return;
-    case mascara:
+    case Mascara:
       GravaInteiro(campo, MascaraDeTexto(campo, sValor), pRegistro);
       return;
   }
 }
 
 std::string TextoCampo(const CCampo &campo, const void *pRegistro) {
-  if (campo.eTipo == texto) {
+  if (campo.eTipo == Texto) {
     return LeCampo(static_cast<const char *>(pRegistro) + campo.uiPosicao, campo.uiLargura);
   }
   const std::uint64_t uiValor = LeInteiro(campo, pRegistro);
-  return campo.eTipo == moeda ? TextoDeMoeda(static_cast<std::int64_t>(uiValor)) : std::to_string(uiValor);
+  return campo.eTipo == Moeda ? TextoDeMoeda(static_cast<std::int64_t>(uiValor)) : std::to_string(uiValor);
 }

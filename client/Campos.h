@@ -12,11 +12,11 @@
 #include <string_view>
 
 enum class ECampo {
-  texto,    ///< fixed 8-bit field
-  moeda,    ///< ten-thousandths
-  limite,   ///< ten-thousandths, zero or more: a bound of zero is none
-  numero,   ///< unsigned integer as wide as the field
-  mascara,  ///< list of type values, one bit each, bit 0 for uiPrimeiroValor
+  Texto,    ///< fixed 8-bit field
+  Moeda,    ///< ten-thousandths
+  Limite,   ///< ten-thousandths, zero or more: a bound of zero is none
+  Numero,   ///< unsigned integer as wide as the field
+  Mascara,  ///< list of type values, one bit each, bit 0 for uiPrimeiroValor
 };
 
 struct CCampo {

@@ -39,7 +39,7 @@ ESaida Grava(const CArgumentos &argumentos) {
 
 /// As a row of its format; in a table with all its fields, a line each.
 void MostraVeiculo(CRelacao &relacao, LONG lPosicao, const tagREG_VEICULOPS &veiculo) {
-  if (relacao.Formato() == EFormatoRelacao::tabela) {
+  if (relacao.Formato() == EFormatoRelacao::Tabela) {
     relacao.Linha(FichaVeiculo(lPosicao, veiculo));
   } else {
     relacao.Veiculo(lPosicao, veiculo);
@@ -102,7 +102,7 @@ ESaida Busca(const CArgumentos &argumentos) {
     }
   } else {
     ListaVeiculos(servico, aPosicoes, relacao);
-    if (relacao.Formato() == EFormatoRelacao::tabela) {
+    if (relacao.Formato() == EFormatoRelacao::Tabela) {
       relacao.Linha("Encontrados: " + std::to_string(uiEncontrados) +
                     "  Mostrados: " + std::to_string(aPosicoes.size()));
     }
@@ -129,7 +129,7 @@ ESaida Conta(const CArgumentos &argumentos) {
   CServico servico(argumentos);
   const std::string sQuantidade = std::to_string(servico->GetQuantidadeRegistros());
   relacao.Comeca("", "registros");
-  relacao.Linha(relacao.Formato() == EFormatoRelacao::json ? "{\"registros\":" + sQuantidade + "}" : sQuantidade);
+  relacao.Linha(relacao.Formato() == EFormatoRelacao::Json ? "{\"registros\":" + sQuantidade + "}" : sQuantidade);
   relacao.Acaba();
   return kSucesso;
 }

@@ -18,16 +18,16 @@ struct CMarca {
   std::string_view sBytes;
   ECodificacao eQual;
 };
-constexpr std::array kMarcas{CMarca{"\xEF\xBB\xBF"sv, ECodificacao::utf8}, CMarca{"\xFF\xFE"sv, ECodificacao::utf16le},
-                             CMarca{"\xFE\xFF"sv, ECodificacao::utf16be}};
+constexpr std::array kMarcas{CMarca{"\xEF\xBB\xBF"sv, ECodificacao::Utf8}, CMarca{"\xFF\xFE"sv, ECodificacao::Utf16le},
+                             CMarca{"\xFE\xFF"sv, ECodificacao::Utf16be}};
 
 struct CNome {
   std::string_view sNome;
   ECodificacao eQual;
 };
-constexpr std::array kNomes{CNome{"windows-1252", ECodificacao::windows1252}, CNome{"utf-8", ECodificacao::utf8},
-                            CNome{"utf-16", ECodificacao::utf16le}, CNome{"utf-16le", ECodificacao::utf16le},
-                            CNome{"utf-16be", ECodificacao::utf16be}};
+constexpr std::array kNomes{CNome{"windows-1252", ECodificacao::Windows1252}, CNome{"utf-8", ECodificacao::Utf8},
+                            CNome{"utf-16", ECodificacao::Utf16le}, CNome{"utf-16le", ECodificacao::Utf16le},
+                            CNome{"utf-16be", ECodificacao::Utf16be}};
 
 std::string NomeDa(ECodificacao eQual) {
   const auto it = std::find_if(kNomes.begin(), kNomes.end(), [&](const CNome &nome) { return nome.eQual == eQual; });
@@ -35,7 +35,7 @@ std::string NomeDa(ECodificacao eQual) {
 }
 
 bool EhUtf16(ECodificacao eQual) {
-  return eQual == ECodificacao::utf16le || eQual == ECodificacao::utf16be;
+  return eQual == ECodificacao::Utf16le || eQual == ECodificacao::Utf16be;
 }
 
 std::string De16Para8(std::string_view sBytes, bool bMaiorPrimeiro) {
@@ -94,7 +94,7 @@ CPalpite Adivinha(std::string_view sBytes) {
   // What a file of columns begins with is ASCII.
   if (sBytes.size() >= 2 && (sBytes[0] == '\0') != (sBytes[1] == '\0')) {
     throw CErroCodificacao("o arquivo parece UTF-16 sem marca de codificação; se é, use --codificacao "_pt +
-                           NomeDa(sBytes[0] == '\0' ? ECodificacao::utf16be : ECodificacao::utf16le));
+                           NomeDa(sBytes[0] == '\0' ? ECodificacao::Utf16be : ECodificacao::Utf16le));
   }
   const CIndicios indicios = ProcuraUtf8(sBytes);
   if (indicios.uiCompostos == 0) {
@@ -125,17 +125,17 @@ std::string_view MarcaDaCodificacao(ECodificacao eQual) {
 }
 
 std::string Codifica(std::string_view sTexto, ECodificacao eQual) {
-  if (eQual == ECodificacao::windows1252) {
+  if (eQual == ECodificacao::Windows1252) {
     return std::string(sTexto);
   }
-  if (eQual == ECodificacao::utf8) {
+  if (eQual == ECodificacao::Utf8) {
     return De1252Para8(sTexto);
   }
   std::string sUnidades;
   for (const char c : sTexto) {
     const char16_t uiUnidade = De1252ParaUnicode(c);
     const std::array<char, 2> aBytes{static_cast<char>(uiUnidade >> 8), static_cast<char>(uiUnidade & 0xFF)};
-    const bool bMaiorPrimeiro = eQual == ECodificacao::utf16be;
+    const bool bMaiorPrimeiro = eQual == ECodificacao::Utf16be;
     sUnidades += {aBytes[bMaiorPrimeiro ? 0 : 1], aBytes[bMaiorPrimeiro ? 1 : 0]};
   }
   return sUnidades;
@@ -160,7 +160,7 @@ CConteudoTexto Decodifica(std::string sBytes, std::optional<ECodificacao> eDada)
     return {std::move(sBytes), palpite.bUtf8, std::move(palpite.sAviso)};
   }
   if (EhUtf16(*eDada)) {
-    return {De16Para8(sBytes, *eDada == ECodificacao::utf16be), true, ""};
+    return {De16Para8(sBytes, *eDada == ECodificacao::Utf16be), true, ""};
   }
-  return {std::move(sBytes), *eDada == ECodificacao::utf8, ""};
+  return {std::move(sBytes), *eDada == ECodificacao::Utf8, ""};
 }

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-enum class ECodificacao { windows1252, utf8, utf16le, utf16be };
+enum class ECodificacao { Windows1252, Utf8, Utf16le, Utf16be };
 
 /// "windows-1252", "utf-8", "utf-16" (little-endian), "utf-16le", "utf-16be", in any letter case; nothing for another
 /// name.

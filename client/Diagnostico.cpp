@@ -21,7 +21,7 @@
 
 namespace {
 
-enum class EAchado { bom, aviso, falha };
+enum class EAchado { Bom, Aviso, Falha };
 
 /// The findings as they are made. Labels are UTF-8 literals; texts are Windows-1252.
 class CRelatorio {
@@ -34,13 +34,13 @@ public:
     std::string sLinha = De8Para1252(sRotulo).value();
     sLinha.resize(kLargura, '.');
     Escreve(std::string(kMarcas[static_cast<std::size_t>(eTipo)]) + sLinha + " " + sTexto + "\n");
-    m_uiFalhas += eTipo == EAchado::falha ? 1U : 0U;
+    m_uiFalhas += eTipo == EAchado::Falha ? 1U : 0U;
   }
-  void Bom(std::string_view sRotulo, const std::string &sTexto) { Anota(EAchado::bom, sRotulo, sTexto); }
-  void Aviso(std::string_view sRotulo, const std::string &sTexto) { Anota(EAchado::aviso, sRotulo, sTexto); }
+  void Bom(std::string_view sRotulo, const std::string &sTexto) { Anota(EAchado::Bom, sRotulo, sTexto); }
+  void Aviso(std::string_view sRotulo, const std::string &sTexto) { Anota(EAchado::Aviso, sRotulo, sTexto); }
   /// sRemedio is what to do.
   void Falha(std::string_view sRotulo, const std::string &sTexto, const std::string &sRemedio) {
-    Anota(EAchado::falha, sRotulo, sTexto);
+    Anota(EAchado::Falha, sRotulo, sTexto);
     if (!sRemedio.empty()) {
       Escreve("          o que fazer: " + sRemedio + "\n");
     }

@@ -41,14 +41,14 @@ constexpr std::string_view kNotasCsv =
 
 std::string_view NomeDoValor(const CCampo &campo) {
   switch (campo.eTipo) {
-    case ECampo::texto:
+    case ECampo::Texto:
       return "T";
-    case ECampo::moeda:
-    case ECampo::limite:
+    case ECampo::Moeda:
+    case ECampo::Limite:
       return "V";
-    case ECampo::numero:
+    case ECampo::Numero:
       return "N";
-    case ECampo::mascara:
+    case ECampo::Mascara:
       return "N,N...";
   }
   return "";

@@ -11,9 +11,9 @@ namespace {
 
 EFormatoRelacao FormatoDeArgumentos(const CArgumentos &argumentos) {
   argumentos.SoUma("csv", "json");
-  return argumentos.Tem("csv")    ? EFormatoRelacao::csv
-         : argumentos.Tem("json") ? EFormatoRelacao::json
-                                  : EFormatoRelacao::tabela;
+  return argumentos.Tem("csv")    ? EFormatoRelacao::Csv
+         : argumentos.Tem("json") ? EFormatoRelacao::Json
+                                  : EFormatoRelacao::Tabela;
 }
 
 /// Null: standard output.
@@ -28,15 +28,15 @@ std::unique_ptr<CDestino> Destino(const CArgumentos &argumentos, const std::stri
 std::unique_ptr<CDestino> DestinoDeArgumentos(const CArgumentos &argumentos, EFormatoRelacao eQual) {
   const std::string *const pArquivo = argumentos.Opcao("saida");
   const std::optional<ECodificacao> eDada = CodificacaoDeArgumentos(argumentos);
-  if (eDada && eQual != EFormatoRelacao::csv) {
+  if (eDada && eQual != EFormatoRelacao::Csv) {
     throw CErroUso("--codificacao: vale para a saída em CSV"_pt);
   }
-  if (eQual == EFormatoRelacao::tabela) {
+  if (eQual == EFormatoRelacao::Tabela) {
     return Destino(argumentos, pArquivo, std::nullopt);
   }
   // What is redirected is in the character set of all texts. JSON is ASCII, which is part of it.
-  const bool bMarcado = eQual == EFormatoRelacao::csv && pArquivo != nullptr;
-  return Destino(argumentos, pArquivo, eDada.value_or(bMarcado ? ECodificacao::utf8 : ECodificacao::windows1252));
+  const bool bMarcado = eQual == EFormatoRelacao::Csv && pArquivo != nullptr;
+  return Destino(argumentos, pArquivo, eDada.value_or(bMarcado ? ECodificacao::Utf8 : ECodificacao::Windows1252));
 }
 
 }  // namespace
@@ -45,16 +45,16 @@ CRelacao::CRelacao(const CArgumentos &argumentos)
     : m_eFormato(FormatoDeArgumentos(argumentos)), m_spDestino(DestinoDeArgumentos(argumentos, m_eFormato)) {}
 
 CRelacao::CRelacao(const CArgumentos &argumentos, const std::string &sArquivoCsv)
-    : m_eFormato(EFormatoRelacao::csv),
+    : m_eFormato(EFormatoRelacao::Csv),
       m_spDestino(Destino(argumentos, sArquivoCsv == "-" ? nullptr : &sArquivoCsv,
-                          CodificacaoDeArgumentos(argumentos).value_or(ECodificacao::utf8))) {}
+                          CodificacaoDeArgumentos(argumentos).value_or(ECodificacao::Utf8))) {}
 
 void CRelacao::Comeca(const std::string &sTituloTabela, const std::string &sTituloCsv) {
-  if (m_eFormato == EFormatoRelacao::json) {
+  if (m_eFormato == EFormatoRelacao::Json) {
     m_spDestino->Escreve("[");
     return;
   }
-  const std::string &sTitulo = m_eFormato == EFormatoRelacao::csv ? sTituloCsv : sTituloTabela;
+  const std::string &sTitulo = m_eFormato == EFormatoRelacao::Csv ? sTituloCsv : sTituloTabela;
   if (!sTitulo.empty()) {
     Linha(sTitulo);
   }
@@ -62,7 +62,7 @@ void CRelacao::Comeca(const std::string &sTituloTabela, const std::string &sTitu
 
 void CRelacao::Linha(const std::string &sLinha) {
   const std::string sFim(m_spDestino->FimDeLinha());
-  if (m_eFormato == EFormatoRelacao::json) {
+  if (m_eFormato == EFormatoRelacao::Json) {
     m_spDestino->Escreve((m_bAlguma ? "," : "") + sFim + sLinha);
     m_bAlguma = true;
   } else {
@@ -71,13 +71,13 @@ void CRelacao::Linha(const std::string &sLinha) {
 }
 
 void CRelacao::Veiculo(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo) {
-  Linha(m_eFormato == EFormatoRelacao::json  ? JsonVeiculo(iPosicao, veiculo)
-        : m_eFormato == EFormatoRelacao::csv ? LinhaCsv(iPosicao, veiculo)
+  Linha(m_eFormato == EFormatoRelacao::Json  ? JsonVeiculo(iPosicao, veiculo)
+        : m_eFormato == EFormatoRelacao::Csv ? LinhaCsv(iPosicao, veiculo)
                                              : LinhaLista(iPosicao, veiculo));
 }
 
 void CRelacao::Acaba() {
-  if (m_eFormato == EFormatoRelacao::json) {
+  if (m_eFormato == EFormatoRelacao::Json) {
     const std::string sFim(m_spDestino->FimDeLinha());
     m_spDestino->Escreve(sFim + "]" + sFim);
   }

@@ -9,7 +9,7 @@
 #include "client/Destino.h"
 #include "vehicles/RegVeiculoPS.h"
 
-enum class EFormatoRelacao { tabela, csv, json };
+enum class EFormatoRelacao { Tabela, Csv, Json };
 
 /// The rows of a command's result, in the format and at the place that --csv, --json, --saida, --substitui and
 /// --codificacao say. A file that it begins is there only after Acaba.

@@ -108,10 +108,10 @@ std::string JsonVeiculo(std::int64_t iPosicao, const tagREG_VEICULOPS &veiculo) 
   std::string sJson = "{\"posicao\":" + std::to_string(iPosicao);
   for (const CCampo &campo : CamposVeiculo()) {
     std::string sValor = TextoCampo(campo, &veiculo);
-    if (campo.eTipo == ECampo::moeda) {
+    if (campo.eTipo == ECampo::Moeda) {
       std::replace(sValor.begin(), sValor.end(), ',', '.');
     }
-    sJson += ",\"" + std::string(campo.sNome) + "\":" + (campo.eTipo == ECampo::texto ? TextoJson(sValor) : sValor);
+    sJson += ",\"" + std::string(campo.sNome) + "\":" + (campo.eTipo == ECampo::Texto ? TextoJson(sValor) : sValor);
   }
   return sJson + "}";
 }

@@ -287,8 +287,8 @@ void ConfereCodificacao(const std::string &sTexto) {
   } catch (const CErroCodificacao &) {
     Exige(sTexto.size() >= 2, "a refusal of what has no beginning");
   }
-  const std::string sUtf16 = Codifica(sTexto, ECodificacao::utf16le);
-  Exige(De8Para1252(Decodifica(sUtf16, ECodificacao::utf16le).sTexto) == sTexto, "UTF-16 and back");
+  const std::string sUtf16 = Codifica(sTexto, ECodificacao::Utf16le);
+  Exige(De8Para1252(Decodifica(sUtf16, ECodificacao::Utf16le).sTexto) == sTexto, "UTF-16 and back");
 }
 
 /// A header of known columns in any order, one of them perhaps twice.

@@ -109,40 +109,40 @@ TEST(Codificacao, DecideAMarcaDepoisOUsuarioDepoisOsBytes) {
     bool bAviso;
   } aBons[] = {
       {s1252, std::nullopt, false},
-      {s1252, ECodificacao::windows1252, false},
+      {s1252, ECodificacao::Windows1252, false},
       {s8, std::nullopt, true},
-      {s8, ECodificacao::utf8, false},
+      {s8, ECodificacao::Utf8, false},
       {"\xEF\xBB\xBF" + s8, std::nullopt, false},
       {Em16(u"\uFEFF" + s16, false), std::nullopt, false},
-      {Em16(u"\uFEFF" + s16, true), ECodificacao::utf16le, false},
-      {Em16(s16, false), ECodificacao::utf16le, false},
-      {Em16(s16, true), ECodificacao::utf16be, false},
+      {Em16(u"\uFEFF" + s16, true), ECodificacao::Utf16le, false},
+      {Em16(s16, false), ECodificacao::Utf16le, false},
+      {Em16(s16, true), ECodificacao::Utf16be, false},
   };
   for (const auto &caso : aBons) {
     EXPECT_EQ(LeCampo(LeTudo(caso.sBytes, caso.eDada).at(0).veiculo.szDescricao), "ba\xFA \x80") << caso.sBytes;
     EXPECT_EQ(Decodifica(caso.sBytes, caso.eDada).sAviso.empty(), !caso.bAviso) << caso.sBytes;
   }
-  EXPECT_EQ(Codifica(s1252, ECodificacao::utf8), s8);
-  EXPECT_EQ(Codifica(s1252, ECodificacao::utf16be), Em16(s16, true));
+  EXPECT_EQ(Codifica(s1252, ECodificacao::Utf8), s8);
+  EXPECT_EQ(Codifica(s1252, ECodificacao::Utf16be), Em16(s16, true));
   EXPECT_NE(Decodifica(s1252 + s8, std::nullopt).sAviso, "");
   EXPECT_FALSE(Decodifica(s1252 + s8, std::nullopt).bUtf8);
-  EXPECT_EQ(LeCampo(LeTudo(s8, ECodificacao::windows1252)[0].veiculo.szDescricao), "ba\xC3\xBA \xE2\x82\xAC");
+  EXPECT_EQ(LeCampo(LeTudo(s8, ECodificacao::Windows1252)[0].veiculo.szDescricao), "ba\xC3\xBA \xE2\x82\xAC");
 
   // Told otherwise than marked, UTF-16 without a mark, half a character, UTF-32.
-  EXPECT_THROW(Decodifica("\xEF\xBB\xBF" + s8, ECodificacao::windows1252), CErroCodificacao);
+  EXPECT_THROW(Decodifica("\xEF\xBB\xBF" + s8, ECodificacao::Windows1252), CErroCodificacao);
   EXPECT_THROW(Decodifica(Em16(s16, false), std::nullopt), CErroCodificacao);
   EXPECT_THROW(Decodifica(Em16(s16, true), std::nullopt), CErroCodificacao);
-  EXPECT_THROW(Decodifica(Em16(s16, true) + "x", ECodificacao::utf16be), CErroCodificacao);
+  EXPECT_THROW(Decodifica(Em16(s16, true) + "x", ECodificacao::Utf16be), CErroCodificacao);
   EXPECT_THROW(Decodifica("\xFF\xFE\0\0c\0\0\0"s, std::nullopt), CErroCodificacao);
 
   // No Windows-1252 form, a look-alike that must not be taken for a letter, beyond 16 bits, malformed UTF-8.
   for (const std::string sRuim : {"\xE6\x97\xA5", "\xC4\x81", "\xF0\x9F\x9A\x9A", "\xFA", "\xC3", "\xC0\xAF"}) {
-    const auto aLinhas = LeTudo("codigo\n" + sRuim + "\nB\n", ECodificacao::utf8);
+    const auto aLinhas = LeTudo("codigo\n" + sRuim + "\nB\n", ECodificacao::Utf8);
     ASSERT_EQ(aLinhas.size(), 2U);
     EXPECT_NE(aLinhas[0].sErro, "");
     EXPECT_EQ(LeCampo(aLinhas[1].veiculo.szCodigo), "B");
   }
-  EXPECT_NE(LeTudo(Em16(u"codigo\n\xD83D\xDE9A\n", false), ECodificacao::utf16le)[0].sErro, "");
+  EXPECT_NE(LeTudo(Em16(u"codigo\n\xD83D\xDE9A\n", false), ECodificacao::Utf16le)[0].sErro, "");
 }
 
 TEST(LeitorCsv, CabecalhoRuimDizAColuna) {

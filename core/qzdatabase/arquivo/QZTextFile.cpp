@@ -280,12 +280,11 @@ HRESULT CQZTextFile::GravaRegistros(std::uint64_t &uiPosicao, const CStringArray
     // The copies that memory will take over, made while they may still fail.
     CStringArray aTextos = aRegistros;
     m_aRegistros.Reserva(indice + aRegistros.GetSize());
-    std::uint64_t uiOnde = bNoFinal ? 0 : OndeGravar(indice);
-    if (bNoFinal) {
-      QZ_VERIFICA(rastro, "CatchGravacao(pEx)", CatchGravacao(Arquivo().Tamanho(&uiOnde)));
-    }
+    std::uint64_t uiTamanho = 0;
+    QZ_VERIFICA(rastro, "CatchGravacao(pEx)", CatchGravacao(Arquivo().Tamanho(&uiTamanho)));
+    const std::uint64_t uiOnde = bNoFinal ? uiTamanho : OndeGravar(indice);
     // One write for all lines: a failure leaves all of them or none.
-    const HRESULT hr = GravaBytes(rastro, uiOnde, sBytes, false);
+    const HRESULT hr = GravaBytes(rastro, uiOnde, uiTamanho, sBytes, false);
     if (Falhou(hr)) {
       return hr;
     }
@@ -313,7 +312,9 @@ HRESULT CQZTextFile::ExecutaShrink(std::uint64_t uiPosicao, const CStringArray &
   }
   CStringArray aTextos = aRegistros;
   m_aRegistros.Reserva(fim);
-  const HRESULT hr = GravaBytes(rastro, TamanhoCabecalho(), sBytes, true);
+  std::uint64_t uiTamanho = 0;
+  QZ_VERIFICA(rastro, "CatchGravacao(pEx)", CatchGravacao(Arquivo().Tamanho(&uiTamanho)));
+  const HRESULT hr = GravaBytes(rastro, TamanhoCabecalho(), uiTamanho, sBytes, true);
   if (Falhou(hr)) {
     return hr;
   }
@@ -324,15 +325,12 @@ HRESULT CQZTextFile::ExecutaShrink(std::uint64_t uiPosicao, const CStringArray &
   return codigos::kOk;
 }
 
-/// Writes `sBytes` at `uiOnde` and brings the header up to date; with `bCorta` the file ends behind them. The caller
-/// confirms the transaction once memory holds the lines.
-HRESULT CQZTextFile::GravaBytes(const CQZRastro &rastro, std::uint64_t uiOnde, const CString &sBytes, bool bCorta) {
-  std::uint64_t uiTamanho = 0;
-  FalhaArquivo falha = Arquivo().Tamanho(&uiTamanho);
-  if (!falha) {
-    Transacao().Inicia(uiOnde, uiTamanho);
-    falha = NotaAntigos(uiOnde, uiTamanho, bCorta ? uiTamanho : sBytes.size());
-  }
+/// Writes `sBytes` at `uiOnde` into the file, which is `uiTamanho` bytes long, and brings the header up to date; with
+/// `bCorta` the file ends behind them. The caller confirms the transaction once memory holds the lines.
+HRESULT CQZTextFile::GravaBytes(const CQZRastro &rastro, std::uint64_t uiOnde, std::uint64_t uiTamanho,
+                                const CString &sBytes, bool bCorta) {
+  Transacao().Inicia(uiOnde, uiTamanho);
+  FalhaArquivo falha = NotaAntigos(uiOnde, uiTamanho, bCorta ? uiTamanho : sBytes.size());
   if (!falha) {
     falha = Transacao().Grava(Arquivo(), sBytes.data(), sBytes.size(), bCorta);
   }

@@ -55,7 +55,8 @@ private:
   [[nodiscard]] HRESULT GravaLinhas(std::uint64_t &uiPosicao, const CStringArray &aRegistros, bool bSeNova);
   [[nodiscard]] HRESULT GravaRegistros(std::uint64_t &uiPosicao, const CStringArray &aRegistros, bool bShrink);
   [[nodiscard]] HRESULT ExecutaShrink(std::uint64_t uiPosicao, const CStringArray &aRegistros);
-  [[nodiscard]] HRESULT GravaBytes(const CQZRastro &rastro, std::uint64_t uiOnde, const CString &sBytes, bool bCorta);
+  [[nodiscard]] HRESULT GravaBytes(const CQZRastro &rastro, std::uint64_t uiOnde, std::uint64_t uiTamanho,
+                                   const CString &sBytes, bool bCorta);
   plataforma::FalhaArquivo NotaAntigos(std::uint64_t uiOnde, std::uint64_t uiTamanho, std::uint64_t cb);
 
   bool PrecisaGravar(std::uint64_t uiPosicao, const CStringArray &aRegistros) const;

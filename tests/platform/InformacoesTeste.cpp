@@ -47,15 +47,6 @@ TEST(Informacoes, MemoriaDaMaquinaEDoProcesso) {
   EXPECT_GE(depois, antes + kBloco / 2);
 }
 
-TEST(Informacoes, VersaoDoPrograma) {
-  plataforma::VersaoArquivo versao{1, 2};
-  const bool bTem = Informacoes().VersaoPrograma(&versao);
-  // The program file of this test carries 6.5.3.7 where program files carry versions.
-  EXPECT_EQ(versao.maisSignificativa, bTem ? 0x00060005U : 1U);
-  EXPECT_EQ(versao.menosSignificativa, bTem ? 0x00030007U : 2U);
-  EXPECT_EQ(bTem, Informacoes().NomeProcesso().ends_with(".exe"));
-}
-
 TEST(Informacoes, CaminhoAbsoluto) {
   const CString arquivo = Informacoes().CaminhoAbsoluto("log.ini");
   EXPECT_GT(arquivo.size(), CString("\\log.ini").size());

@@ -10,15 +10,13 @@ class ServicosTrocados {
 public:
   explicit ServicosTrocados(plataforma::IArquivos *pArquivos, plataforma::IRegistro *pRegistro = nullptr,
                             plataforma::IRelogio *pRelogio = nullptr, plataforma::IInformacoes *pInformacoes = nullptr,
-                            plataforma::ICaixaMensagem *pCaixaMensagem = nullptr,
-                            plataforma::IArquivosIni *pArquivosIni = nullptr)
+                            plataforma::ICaixaMensagem *pCaixaMensagem = nullptr)
       : m_anteriores(plataforma::ServicosEmVigor()), m_novos(m_anteriores) {
     m_novos.arquivos = pArquivos != nullptr ? pArquivos : m_novos.arquivos;
     m_novos.registro = pRegistro != nullptr ? pRegistro : m_novos.registro;
     m_novos.relogio = pRelogio != nullptr ? pRelogio : m_novos.relogio;
     m_novos.informacoes = pInformacoes != nullptr ? pInformacoes : m_novos.informacoes;
     m_novos.caixaMensagem = pCaixaMensagem != nullptr ? pCaixaMensagem : m_novos.caixaMensagem;
-    m_novos.arquivosIni = pArquivosIni != nullptr ? pArquivosIni : m_novos.arquivosIni;
     plataforma::SubstituiServicos(&m_novos);
   }
   ~ServicosTrocados() { plataforma::SubstituiServicos(&m_anteriores); }

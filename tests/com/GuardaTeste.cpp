@@ -130,14 +130,6 @@ TEST(Guarda, ResultadoDoCorpoPassaSemMudar) {
   }
 }
 
-TEST(Guarda, FalhasReaisViramCodigos) {
-  for (const Falha &falha : kFalhas) {
-    SCOPED_TRACE(falha.lpNome);
-    EXPECT_EQ(Guarda(falha.corpo), falha.hr);
-    EXPECT_TRUE(EhErroSEH(CodigoResultado(falha.hr)));
-  }
-}
-
 TEST(Guarda, CadaCodigoDaTabelaELevantadoEtraduzido) {
   std::uint32_t esperado = 0x8004EAC5;
   for (const DWORD codigo : kCodigos) {
@@ -174,7 +166,7 @@ TEST(Guarda, LimitesDeEhErroSEH) {
   }
 }
 
-TEST(Guarda, TravasTomadasAntesDaFalhaFicamLivres) {
+TEST(Guarda, FalhasReaisViramCodigosESoltamAsTravas) {
   SecaoCritica externa(NivelTrava::Container);
   SecaoCritica interna(NivelTrava::ArquivoDados);
   for (const Falha &falha : kFalhas) {

@@ -234,21 +234,6 @@ TEST_F(Servico, RegistroDeEntradaDizAEmpresaDaChamada) {
   EXPECT_EQ(CodigoDe(veiculo), "B");
 }
 
-// A company without a registry key has no directory: its files lie in the process's current one.
-TEST_F(Servico, EmpresaDesconhecidaUsaODiretorioCorrente) {
-  const apoio::PastaTemporaria pasta;
-  char anterior[MAX_PATH] = "";
-  ASSERT_NE(GetCurrentDirectoryA(MAX_PATH, anterior), 0U);
-  ASSERT_TRUE(SetCurrentDirectoryA(pasta.Caminho().c_str()));
-  const Veiculos spVeiculos = NovoServico();
-  EXPECT_EQ(Inicializa(*spVeiculos, "EMPRESA_DESCONHECIDA"), S_OK);
-  LONG lPos = 0;
-  EXPECT_EQ(spVeiculos->Grava(&lPos, Veiculo("V001")), S_OK);
-  EXPECT_TRUE(apoio::ExisteNoDisco(pasta / "DFVEIC.DAT"));
-  EXPECT_TRUE(apoio::ExisteNoDisco(pasta / "DFVEIVS.DAT"));
-  ASSERT_TRUE(SetCurrentDirectoryA(anterior));
-}
-
 TEST_F(Servico, ObjetoAgregadoPertenceAoExterno) {
   const Apartamento apartamento;
   Externo externo;

@@ -10,8 +10,8 @@
 #include "core/log/ConfiguracaoLog.h"
 #include "core/log/EscritorLog.h"
 #include "core/log/QZProfilerEmpresa.h"
+#include "core/platform/ServicosSistema.h"
 #include "tests/apoio/ArquivosDecorado.h"
-#include "tests/apoio/ArquivosIniContados.h"
 #include "tests/apoio/InformacoesFalsas.h"
 #include "tests/apoio/PastaTemporaria.h"
 #include "tests/apoio/RegistroFalso.h"
@@ -78,9 +78,8 @@ protected:
   apoio::RegistroFalso m_registro;
   apoio::RelogioFalso m_relogio;
   apoio::InformacoesFalsas m_informacoes;
-  apoio::ArquivosIniContados m_ini;
   apoio::ArquivosComFalha m_falhas{plataforma::ArquivosDoSistema()};
-  apoio::ServicosTrocados m_servicos{&m_falhas, &m_registro, &m_relogio, &m_informacoes, nullptr, &m_ini};
+  apoio::ServicosTrocados m_servicos{&m_falhas, &m_registro, &m_relogio, &m_informacoes};
   CQZProfilerEmpresa m_profiler{"0001", 7, 42};
 };
 

@@ -38,7 +38,9 @@ TEST(CQZTrava, RecursivaEExclusiva) {
     for (int i = 0; i < 20000; ++i) {
       const CQZTrava fora(secao);
       const CQZTrava dentro(secao);
-      ++contador;
+      const int iVisto = contador;
+      std::this_thread::yield();
+      contador = iVisto + 1;
     }
   };
   const CQZTrava trava(temporaria);
@@ -99,7 +101,9 @@ TEST(SecaoCompartilhada, LeitoresJuntosEscritoresSos) {
       for (dentro += i == 0 ? 1 : 0; dentro < 2;) {
         std::this_thread::yield();
       }
-      EXPECT_EQ(uiUm, uiOutro);
+      const std::uint64_t uiVisto = uiUm;
+      std::this_thread::yield();
+      EXPECT_EQ(uiVisto, uiOutro);
     }
   };
   const auto escreve = [&] {

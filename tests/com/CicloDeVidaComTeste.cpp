@@ -26,6 +26,17 @@ int SeguraObjeto(const std::vector<std::string> & /*argumentos*/) {
   return 0;
 }
 
+/// Writes vehicles, naming each acknowledged code, until it is ended by force.
+int GravaSemFim(const std::vector<std::string> &argumentos) {
+  const Apartamento apartamento;
+  const Veiculos spVeiculos = Abre(argumentos[0]);
+  LONG lPos = 0;
+  for (int i = 1; spVeiculos && spVeiculos->Grava(&lPos, Veiculo("M" + std::to_string(i))) == S_OK; ++i, lPos = 0) {
+    DizAoPai("M" + std::to_string(i));
+  }
+  return 1;
+}
+
 /// Activates as soon as its parent says so, and ends with the creation's result.
 int AtivaQuandoMandam(const std::vector<std::string> & /*argumentos*/) {
   const Apartamento apartamento;
@@ -38,6 +49,7 @@ int AtivaQuandoMandam(const std::vector<std::string> & /*argumentos*/) {
 }
 
 const apoio::RegistraFilha g_ativa("ativa_quando_mandam", AtivaQuandoMandam);
+const apoio::RegistraFilha g_grava("grava_sem_fim", GravaSemFim);
 const apoio::RegistraFilha g_segura("segura_objeto", SeguraObjeto);
 
 constexpr long kMinimoSemUso = 4500;  ///< what 5000 ms may come to by the system's ticks
@@ -125,4 +137,29 @@ TEST(CicloDeVidaCom, ClienteMortoComObjetoNaMaoNaoSeguraOServidor) {
   // From the release of the object the server takes at least kMinimoSemUso to end, so its end shows when that was.
   ASSERT_GE(EsperaServidorTerminar(), 0);
   EXPECT_LE(static_cast<long>(GetTickCount64() - ullMorte), kPrazoMorto + kMinimoSemUso);
+}
+
+// Nor does one that dies in the middle of its calls lose what it was told is written.
+TEST(CicloDeVidaCom, ClienteMortoNoMeioDasChamadasNaoPerdeOConfirmado) {
+  const Empresa empresa;
+  apoio::ProcessoFilho filho("grava_sem_fim", {empresa.Codigo()});
+  LONG lConfirmados = 0;
+  for (; lConfirmados < 200; ++lConfirmados) {
+    ASSERT_EQ(filho.LeLinha(), "M" + std::to_string(lConfirmados + 1));
+  }
+  filho.Mata();
+  for (; !filho.LeLinha().empty(); ++lConfirmados) {
+  }
+  const Veiculos spVeiculos = Abre(empresa.Codigo());
+  ASSERT_TRUE(spVeiculos);
+  unsigned uiGravados = 0;
+  EXPECT_EQ(spVeiculos->GetQuantidadeRegistros(&uiGravados), S_OK);
+  EXPECT_TRUE(uiGravados == static_cast<unsigned>(lConfirmados) ||
+              uiGravados == static_cast<unsigned>(lConfirmados) + 1)
+      << uiGravados << ": the call that was under way may have been done";
+  for (LONG lPos = 1; lPos <= lConfirmados; ++lPos) {
+    tagREG_VEICULOPS veiculo;
+    ASSERT_EQ(spVeiculos->Le(lPos, &veiculo), S_OK);
+    ASSERT_EQ(CodigoDe(veiculo), "M" + std::to_string(lPos));
+  }
 }

@@ -1,4 +1,7 @@
 #include <gtest/gtest.h>
+#include <windows.h>
+//
+#include <sddl.h>
 
 #include <algorithm>
 #include <array>
@@ -145,6 +148,31 @@ struct Alcance {
 const Alcance kAlcances[] = {{"/RegServerPerUser", "/UnregServerPerUser", HKEY_CURRENT_USER, false},
                              {"/RegServer", "/UnregServer", HKEY_LOCAL_MACHINE, true}};
 
+/// A key that may be read but not written to, for a scope.
+class SoParaLer {
+public:
+  SoParaLer(HKEY hRaiz, const char *lpChave) : m_hRaiz(hRaiz), m_lpChave(lpChave) { Permite("KRWD"); }
+  ~SoParaLer() { Permite("KA"); }
+  SoParaLer(const SoParaLer &) = delete;
+  SoParaLer &operator=(const SoParaLer &) = delete;
+
+private:
+  /// Gives everybody these rights, and nobody others.
+  void Permite(const std::string &sDireitos) const {
+    HKEY hChave = nullptr;
+    ASSERT_EQ(RegOpenKeyExA(m_hRaiz, m_lpChave, 0, WRITE_DAC, &hChave), ERROR_SUCCESS);
+    PSECURITY_DESCRIPTOR pDescritor = nullptr;
+    ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorA(("D:P(A;;" + sDireitos + ";;;WD)").c_str(),
+                                                                     SDDL_REVISION_1, &pDescritor, nullptr));
+    EXPECT_EQ(RegSetKeySecurity(hChave, DACL_SECURITY_INFORMATION, pDescritor), ERROR_SUCCESS);
+    LocalFree(pDescritor);
+    RegCloseKey(hChave);
+  }
+
+  const HKEY m_hRaiz;
+  const char *const m_lpChave;
+};
+
 /// An installation of the server in a folder of its own, in a path with blanks and accents.
 class RegistroCom : public testing::Test {
 protected:
@@ -249,6 +277,21 @@ TEST_F(RegistroCom, FalhaDizOQueENaoDeixaNada) {
         DeleteFileA((m_sPasta + lpArquivo).c_str());
       }
     }
+  }
+}
+
+// Keys that nothing was written to need no undoing, and no right to write.
+TEST_F(RegistroCom, RecusadaPorFaltaDeDireitosNaoDeixaNadaADesfazer) {
+  CopiaProxies();
+  for (const Alcance &alcance : kAlcances) {
+    SCOPED_TRACE(alcance.lpRegistra);
+    ASSERT_EQ(ExecutaKalvo(alcance.lpRegistra), 0U);
+    const Arvore antes = Classes(alcance.hRaiz);
+    const SoParaLer semDireitos(alcance.hRaiz, "Software\\Classes\\AppID\\{f5b03bc1-ff38-45f0-a365-680a4ab6f515}");
+    EXPECT_EQ(Executa(alcance.lpRegistra), static_cast<DWORD>(E_ACCESSDENIED));
+    EXPECT_NE(m_sErro.find("{f5b03bc1-ff38-45f0-a365-680a4ab6f515}: erro 0x80070005"), std::string::npos) << m_sErro;
+    EXPECT_EQ(m_sErro.find("desfeito"), std::string::npos) << m_sErro;
+    EXPECT_EQ(TodaDiferenca(antes, Classes(alcance.hRaiz)), "");
   }
 }
 

@@ -1,10 +1,13 @@
-// Folding and wildcards: tables that must come out alike on every platform.
+// Folding, wildcards and error numbers: tables that must come out alike on every platform.
 
 #include "core/platform/Textos.h"
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "core/platform/DobraCuringa.h"
+#include "core/platform/FalhaArquivo.h"
 
 namespace {
 
@@ -53,6 +56,33 @@ TEST(DobraDoCuringa, DizOMesmoDeTodoParDeLetras) {
         EXPECT_EQ((*pDobra)[letra] == (*pDobra)[noPadrao], CasaCuringa(texto.c_str(), padrao.c_str()))
             << letra << ' ' << noPadrao;
       }
+    }
+  }
+}
+
+TEST(CausaDoErroWin32, Tabela) {
+  const struct {
+    CausaArquivo causa;
+    std::vector<std::uint32_t> erros;
+  } casos[] = {
+      {CausaArquivo::Nenhuma, {0}},
+      {CausaArquivo::Generica, {1, 7, 17, 37, 80, 87, 145, 183, 223, 1450, 0xFFFFFFFF}},
+      {CausaArquivo::NaoEncontrado, {2}},
+      {CausaArquivo::CaminhoInvalido, {3, 15, 53, 67, 123, 161, 206}},
+      {CausaArquivo::MuitosAbertos, {4}},
+      {CausaArquivo::AcessoNegado, {5, 19, 65, 82}},
+      {CausaArquivo::ArquivoInvalido, {6}},
+      {CausaArquivo::RemoveDiretorioAtual, {16}},
+      {CausaArquivo::PosicaoInvalida, {25, 131}},
+      {CausaArquivo::ErroFisico, {23, 29, 30, 31, 1117}},
+      {CausaArquivo::ViolacaoCompartilhamento, {32}},
+      {CausaArquivo::ViolacaoBloqueio, {33, 36}},
+      {CausaArquivo::FimDeArquivo, {38}},
+      {CausaArquivo::DiscoCheio, {39, 112}},
+  };
+  for (const auto &caso : casos) {
+    for (const std::uint32_t erro : caso.erros) {
+      EXPECT_EQ(CausaDoErroWin32(erro), caso.causa) << erro;
     }
   }
 }

@@ -6,6 +6,7 @@ cd "$raiz"
 
 export WINEPREFIX="${KALVO_WINEPREFIX:-$raiz/build/wine}"
 export WINEDEBUG=-all
+export PATH="$raiz/cmake/bin:$PATH"  # its wine
 export WINEDLLOVERRIDES='mscoree=;mshtml=;winedbg.exe=d;winemenubuilder.exe=d'
 unset LIBRARY_PATH TZ DISPLAY
 

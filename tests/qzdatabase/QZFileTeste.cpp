@@ -117,6 +117,29 @@ TEST_F(ArquivoDeRegistros, LeitoresEEscritoresAoMesmoTempo) {
   EXPECT_EQ(vezes, std::vector<int>(std::size_t{kEscritores} * kPorEscritor, 1));
 }
 
+/// A reader that comes while the file is being opened in another mode finds what was there before: neither a file that
+/// is not open nor fewer records.
+TEST_F(ArquivoDeRegistros, LeituraEnquantoOArquivoEReaberto) {
+  Prepara(Bytes(1, 3));
+  std::atomic<bool> bReabrindo{true};
+  std::thread outro([&] {
+    for (int i = 0; i < 2000; ++i) {
+      const plataforma::CQZTrava trava(m_banco.m_Registros.Secao());
+      EXPECT_EQ(Arquivo().AbreArquivo(i % 2 == 0 ? eModoLeituraGravacao : eModoLeitura), codigos::kOk);
+    }
+    bReabrindo = false;
+  });
+  while (bReabrindo && !HasFailure()) {
+    RegTeste reg;
+    EXPECT_EQ(Arquivo().Le(2, &reg), codigos::kOk);
+    std::uint64_t uiVisitados = 0;
+    const auto visita = [&](std::uint64_t, const RegTeste &) { return ++uiVisitados != 0; };
+    EXPECT_EQ(Arquivo().Percorre(1, 3, visita), codigos::kOk);
+    EXPECT_EQ(uiVisitados, 3U);
+  }
+  outro.join();
+}
+
 /// Readers wait for no disk: while a write is at it, in another thread, each way of reading comes to its end.
 TEST_F(ArquivoDeRegistros, LeitoresNaoEsperamPeloDisco) {
   Prepara(Bytes(1, 3));

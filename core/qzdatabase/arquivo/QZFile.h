@@ -96,21 +96,26 @@ private:
   /// to be made so first.
   class Acesso {
   public:
-    explicit Acesso(const CQZFile &file) : m_leitura(std::in_place, file.Leitores()) {
-      if (!file.MemoriaServe()) {
+    explicit Acesso(const CQZFile &file)
+        : m_file(file), m_leitura(std::in_place, file.Leitores()), m_eMemoria(file.Memoria()) {
+      if (m_eMemoria == EMemoria::Recarregar) {
         m_leitura.reset();
         m_escrita.emplace(file.Secao());
       }
     }
     /// AsseguraMemoria is to be called before memory is looked at.
     bool AAssegurar() const { return m_escrita.has_value(); }
+    /// Memory is what the open file holds, or held when access was given: a writer may open it again meanwhile.
+    bool MemoriaIgual() const { return (AAssegurar() ? m_file.Memoria() : m_eMemoria) == EMemoria::IgualAoArquivo; }
 
   private:
+    const CQZFile &m_file;
     std::optional<plataforma::CQZTravaLeitura> m_leitura;
+    const EMemoria m_eMemoria;
     std::optional<plataforma::CQZTrava> m_escrita;
   };
 
-  [[nodiscard]] HRESULT Examina(std::uint64_t uiPosicao, T *pReg) const;
+  [[nodiscard]] HRESULT Examina(const Acesso &acesso, std::uint64_t uiPosicao, T *pReg) const;
   template <typename P, typename F>
   [[nodiscard]] std::size_t LeLote(std::size_t inicio, std::size_t qtd, P &&posicao, F &&entrega);
   template <typename P>
@@ -264,16 +269,16 @@ HRESULT CQZFile<T>::Le(std::uint64_t uiPosicao, T *pReg) {
     if (acesso.AAssegurar()) {
       QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
     }
-    hr = Examina(uiPosicao, pReg);
+    hr = Examina(acesso, uiPosicao, pReg);
   }
   // Not before access is given back: recording a failure takes locks and touches files.
   return Falhou(hr) ? rastro.Codigo(hr, __LINE__) : hr;
 }
 
-/// Copies the record at a position other than 0. With access.
+/// Copies the record at a position other than 0.
 template <typename T>
-HRESULT CQZFile<T>::Examina(std::uint64_t uiPosicao, T *pReg) const {
-  if (!MemoriaIgual()) {
+HRESULT CQZFile<T>::Examina(const Acesso &acesso, std::uint64_t uiPosicao, T *pReg) const {
+  if (!acesso.MemoriaIgual()) {
     return codigos::kArquivoNaoAberto;
   }
   if (uiPosicao > m_aRegistros.GetSize()) {
@@ -308,7 +313,7 @@ template <typename T>
 template <typename P, typename F>
 std::size_t CQZFile<T>::LeLote(std::size_t inicio, std::size_t qtd, P &&posicao, F &&entrega) {
   const plataforma::CQZTravaLeitura trava(Leitores());
-  if (!MemoriaIgual()) {
+  if (Memoria() != EMemoria::IgualAoArquivo) {
     return 0;
   }
   for (std::size_t i = 0; i < qtd; ++i) {
@@ -364,10 +369,14 @@ HRESULT CQZFile<T>::PercorreTrechos(std::uint64_t uiPrimeira, std::uint64_t uiUl
     if (Falhou(hr)) {
       return hr;
     }
-    // No step: whatever is wrong with the position, Le finds it again and traces it outside the readers' access.
+    // No step: whatever is wrong with the position, Le finds it again and traces it outside the readers' access. Where
+    // it finds nothing, the record has come meanwhile and is still to be visited.
     if (!bFim && uiPosicao == uiAntes) {
       T descartado;
-      return Le(uiPosicao, &descartado);
+      const HRESULT hrLe = Le(uiPosicao, &descartado);
+      if (Falhou(hrLe)) {
+        return hrLe;
+      }
     }
   }
   return codigos::kOk;
@@ -385,7 +394,7 @@ HRESULT CQZFile<T>::VisitaTrecho(std::uint64_t uiUltima, F &&visita, std::uint64
     QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   }
   *pbFim = *puiPosicao > uiUltima;
-  if (*pbFim || *puiPosicao == 0 || !MemoriaIgual() || *puiPosicao > m_aRegistros.GetSize()) {
+  if (*pbFim || *puiPosicao == 0 || !acesso.MemoriaIgual() || *puiPosicao > m_aRegistros.GetSize()) {
     return codigos::kOk;
   }
   const std::uint64_t uiFim = std::min<std::uint64_t>(uiUltima, m_aRegistros.GetSize());
@@ -439,7 +448,7 @@ HRESULT CQZFile<T>::VisitaPorIndice(std::size_t uiCampo, std::uint64_t uiHash, s
     QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   }
   // Where Percorre would fail it is left to it, so that the failure is the same.
-  if (!MemoriaIgual() || uiUltima > m_aRegistros.GetSize()) {
+  if (!acesso.MemoriaIgual() || uiUltima > m_aRegistros.GetSize()) {
     *puiResto = 1;
     return codigos::kOk;
   }

@@ -132,15 +132,14 @@ protected:
 
   /// The first step of every operation. With the lock held.
   [[nodiscard]] HRESULT AsseguraMemoria();
-  /// True when AsseguraMemoria has nothing to do. Any thread, without the lock.
-  bool MemoriaServe() const {
-    return m_eMemoria.load(std::memory_order_acquire) != EMemoria::Recarregar && !m_leitores.Suspeita();
+  /// What memory is worth at this moment. Any thread, without the lock; by the next moment somebody may have begun to
+  /// open the file again, so whoever has not got the lock asks once. The content itself changes only while nobody has
+  /// Leitores.
+  EMemoria Memoria() const {
+    return m_leitores.Suspeita() ? EMemoria::Recarregar : m_eMemoria.load(std::memory_order_acquire);
   }
-  /// True when memory is what the open file holds. Any thread; with the file's lock, or Leitores, for as long as that
-  /// is held.
-  bool MemoriaIgual() const {
-    return MemoriaServe() && m_eMemoria.load(std::memory_order_acquire) == EMemoria::IgualAoArquivo;
-  }
+  /// True when AsseguraMemoria has nothing to do.
+  bool MemoriaServe() const { return Memoria() != EMemoria::Recarregar; }
 
   /// Memory is not what the open file holds, and will be.
   bool VaiCarregar() const {

@@ -117,14 +117,15 @@ TEST_F(ArquivoDeRegistros, LeitoresEEscritoresAoMesmoTempo) {
   EXPECT_EQ(vezes, std::vector<int>(std::size_t{kEscritores} * kPorEscritor, 1));
 }
 
-/// A reader that comes while the file is being opened in another mode finds what was there before: neither a file that
-/// is not open nor fewer records.
+/// A reader that comes while the file is being opened in another mode, and loaded anew where others have changed it,
+/// finds what was there before: neither a file that is not open nor fewer records.
 TEST_F(ArquivoDeRegistros, LeituraEnquantoOArquivoEReaberto) {
   Prepara(Bytes(1, 3));
   std::atomic<bool> bReabrindo{true};
   std::thread outro([&] {
     for (int i = 0; i < 2000; ++i) {
       const plataforma::CQZTrava trava(m_banco.m_Registros.Secao());
+      m_falhas.FixaUltimaEscrita(static_cast<std::uint64_t>(i / 5 + 1));
       EXPECT_EQ(Arquivo().AbreArquivo(i % 2 == 0 ? eModoLeituraGravacao : eModoLeitura), codigos::kOk);
     }
     bReabrindo = false;
@@ -132,6 +133,7 @@ TEST_F(ArquivoDeRegistros, LeituraEnquantoOArquivoEReaberto) {
   while (bReabrindo && !HasFailure()) {
     RegTeste reg;
     EXPECT_EQ(Arquivo().Le(2, &reg), codigos::kOk);
+    EXPECT_EQ(Quantidade(Arquivo()), 3U);
     std::uint64_t uiVisitados = 0;
     const auto visita = [&](std::uint64_t, const RegTeste &) { return ++uiVisitados != 0; };
     EXPECT_EQ(Arquivo().Percorre(1, 3, visita), codigos::kOk);

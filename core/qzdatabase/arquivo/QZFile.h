@@ -2,7 +2,6 @@
 #define KALVO_CORE_QZDATABASE_ARQUIVO_QZFILE_H
 
 #include <algorithm>
-#include <atomic>
 #include <new>
 #include <optional>
 #include <string_view>
@@ -72,8 +71,7 @@ public:
     return &m_aRegistros;
   }
 
-  /// Number of records. Changes as the last step of a write, so that no position is counted that cannot be read. Waits
-  /// for the lock only when memory has to be loaded again.
+  /// Number of records. Changes as the last step of a write, so that no position is counted that cannot be read.
   [[nodiscard]] HRESULT GetQuantidade(std::uint64_t *puiQtd);
 
 protected:
@@ -135,13 +133,11 @@ private:
   void NotaAntigos(std::size_t indice, std::size_t qtd);
   void TomaRegistros(std::size_t indice, const T *pRegistros, std::size_t qtd);
   std::uint64_t PosicaoNoArquivo(std::uint64_t uiIndice) const { return TamanhoCabecalho() + uiIndice * sizeof(T); }
-  void PublicaQuantidade() { m_uiQtd.store(m_aRegistros.GetSize(), std::memory_order_release); }
 
   CQZBlocosRegistros<T> m_aRegistros;
   CQZBlocosRegistros<T> m_aCarga;  ///< read and not in use yet
   bool m_bCargaLida = false;       ///< m_aCarga is what CrcDosDados has read last
   CQZIndices<T> m_indices;         ///< of m_aRegistros
-  std::atomic<std::uint64_t> m_uiQtd{0};
 };
 
 template <typename T>
@@ -169,7 +165,6 @@ HRESULT CQZFile<T>::CarregaMemoria() {
     const plataforma::CQZTravaEscrita trava(Leitores());
     m_aRegistros.Troca(m_aCarga);
     Leitores().Confia();
-    PublicaQuantidade();
   }
   m_aCarga.Esvazia();
   return codigos::kOk;
@@ -233,7 +228,6 @@ void CQZFile<T>::EsvaziaMemoria() {
   const plataforma::CQZTravaEscrita trava(Leitores());
   m_indices.Esvazia();
   m_aRegistros.Troca(velhos);  // their memory goes when the lock has gone
-  PublicaQuantidade();
 }
 
 template <typename T>
@@ -247,13 +241,13 @@ HRESULT CQZFile<T>::OnFinaliza() {
 
 template <typename T>
 HRESULT CQZFile<T>::GetQuantidade(std::uint64_t *puiQtd) {
+  const CQZRastro rastro(this, Nome(">::GetQuantidade"), kFonteH);
   *puiQtd = 0;
-  if (!MemoriaServe()) {
-    const CQZRastro rastro(this, Nome(">::GetQuantidade"), kFonteH);
-    const plataforma::CQZTrava trava(Secao());
+  const Acesso acesso(*this);
+  if (acesso.AAssegurar()) {
     QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   }
-  *puiQtd = m_uiQtd.load(std::memory_order_acquire);
+  *puiQtd = m_aRegistros.GetSize();
   return codigos::kOk;
 }
 
@@ -570,7 +564,6 @@ void CQZFile<T>::TomaRegistros(std::size_t indice, const T *pRegistros, std::siz
   m_aRegistros.Abrange(indice, qtd);
   m_aRegistros.DefineTamanho(std::max(indice + qtd, m_aRegistros.GetSize()));
   Transacao().Confirma();
-  PublicaQuantidade();
 }
 
 /// Memory holds what the disk holds, so the old records need not be read.

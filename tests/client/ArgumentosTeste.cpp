@@ -106,12 +106,15 @@ TEST(Ajuda, PedidaEmQualquerLugarMenosDentroDeUmValor) {
 TEST(Argumentos, LetrasForaDoWindows1252) {
   const std::vector<std::wstring> aBons{L"--descricao", L"ba\u00FA \u20AC"};
   EXPECT_EQ(TextosDaLinhaDeComando(aBons), (CTextos{"--descricao", "ba\xFA \x80"}));
-  for (const auto &[aPalavras, pTrecho] :
-       std::vector<std::pair<std::vector<std::wstring>, const char *>>{{{L"grava", L"--placa", L"\u65E5"}, "--placa: "},
-                                                                       {{L"--uf=\u0101"}, "--uf: "},
-                                                                       {{L"existe", L"\u65E5"}, "argumento 2: "}}) {
-    const std::string sErro = ErroUso([&, &aNaoCabem = aPalavras] { TextosDaLinhaDeComando(aNaoCabem); });
-    EXPECT_EQ(sErro.find(pTrecho), 0U) << sErro;
+  const struct {
+    std::vector<std::wstring> aPalavras;
+    const char *pTrecho;
+  } aCasos[] = {{{L"grava", L"--placa", L"\u65E5"}, "--placa: "},
+                {{L"--uf=\u0101"}, "--uf: "},
+                {{L"existe", L"\u65E5"}, "argumento 2: "}};
+  for (const auto &caso : aCasos) {
+    const std::string sErro = ErroUso([&] { TextosDaLinhaDeComando(caso.aPalavras); });
+    EXPECT_EQ(sErro.find(caso.pTrecho), 0U) << sErro;
   }
 }
 

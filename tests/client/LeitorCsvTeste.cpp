@@ -44,15 +44,17 @@ TEST(LeitorCsv, LinhasRuinsSaoDitas) {
 }
 
 TEST(LeitorCsv, AspasQueNaoFechamEstragamSoASuaLinha) {
-  std::string sTexto = "codigo;descricao\nA;\"aberta\n";
+  std::string sTexto = "codigo;descricao\nX;\"duas\nlinhas\"\nA;\"aberta\n";
   for (int i = 0; i < 200; ++i) {
     sTexto += "B;2\n";
   }
+  const auto aLinhas = LeTudo(sTexto + "C;3\"\n");
   std::string sBons;
-  for (const CLinhaCsv &linha : LeTudo(sTexto + "C;3\"\n")) {
+  for (const CLinhaCsv &linha : aLinhas) {
     sBons += linha.sErro.empty() ? LeCampo(linha.veiculo.szCodigo) : "!";
   }
-  EXPECT_EQ(sBons, "!" + std::string(200, 'B') + "!");
+  EXPECT_EQ(sBons, "X!" + std::string(200, 'B') + "!");
+  EXPECT_EQ(aLinhas.back().uiLinha, 205U);
 }
 
 std::string Em16(const std::u16string &sTexto, bool bMaiorPrimeiro) {

@@ -62,10 +62,10 @@ TEST(ContratoCom, TextosDeExiste) {
 
 // The bytes of a stored record and of a header are for the tests of the vehicles and of the record files to say.
 TEST(ContratoCom, RegistroVaiEVoltaInteiroComESemCabecalhos) {
+  constexpr char kChave[] = "SOFTWARE\\Wow6432Node\\Tarvel";
   for (const DWORD dwLigado : {0UL, 1UL}) {
-    ASSERT_EQ(RegSetKeyValueA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Wow6432Node\\Tarvel", apoio::kValorCabecalho, REG_DWORD,
-                              &dwLigado, sizeof(dwLigado)),
-              0);
+    ASSERT_EQ(
+        RegSetKeyValueA(HKEY_LOCAL_MACHINE, kChave, apoio::kValorCabecalho, REG_DWORD, &dwLigado, sizeof(dwLigado)), 0);
     const Empresa empresa;
     const tagREG_VEICULOPS esperado = Veiculo("V001");
     tagREG_VEICULOPS veiculo = esperado;
@@ -77,6 +77,7 @@ TEST(ContratoCom, RegistroVaiEVoltaInteiroComESemCabecalhos) {
       EXPECT_EQ(spVeiculos->Grava(&lPos, veiculo), S_OK);
       EXPECT_EQ(spVeiculos->Le(1, &veiculo), S_OK);
     }
+    RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, kChave, apoio::kValorCabecalho);
     EXPECT_EQ(std::memcmp(&veiculo, &esperado, sizeof(veiculo)), 0);
     // The company's files are open to the server alone until its last object is gone, which it is by now.
     RegVeiculo registro;
@@ -85,5 +86,4 @@ TEST(ContratoCom, RegistroVaiEVoltaInteiroComESemCabecalhos) {
     EXPECT_EQ(sArquivo.size(), sizeof(registro) + (dwLigado != 0 ? 92 : 0));
     EXPECT_TRUE(sArquivo.ends_with(std::string_view(reinterpret_cast<const char *>(&registro), sizeof(registro))));
   }
-  RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Wow6432Node\\Tarvel", apoio::kValorCabecalho);
 }

@@ -1,10 +1,10 @@
 #include "tests/com/ApoioCom.h"
 
+#include <shlwapi.h>
 #include <tlhelp32.h>
 
 #include <array>
 #include <atomic>
-#include <cstdio>
 #include <cstdlib>
 
 namespace apoiocom {
@@ -14,6 +14,28 @@ namespace {
 CString CodigoUnico() {
   static std::atomic<unsigned> s_uiNumero{0};
   return "T" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++s_uiNumero);
+}
+
+Ponteiro<IStream> FluxoDe(const std::string &sArquivo, DWORD dwModo) {
+  IStream *pFluxo = nullptr;
+  SHCreateStreamOnFileA(sArquivo.c_str(), dwModo, &pFluxo);
+  return Ponteiro<IStream>(pFluxo);
+}
+
+/// Starts a program; what it writes goes to a file where one is given. Its process, null when that fails.
+Handle Inicia(std::string sLinha, HANDLE hSaida) {
+  STARTUPINFOA inicio{};
+  inicio.cb = sizeof(inicio);
+  inicio.dwFlags = hSaida != nullptr ? STARTF_USESTDHANDLES : 0U;
+  inicio.hStdOutput = hSaida;
+  inicio.hStdError = hSaida;
+  PROCESS_INFORMATION processo{};
+  if (!CreateProcessA(nullptr, sLinha.data(), nullptr, nullptr, hSaida != nullptr, 0, nullptr, nullptr, &inicio,
+                      &processo)) {
+    return nullptr;
+  }
+  CloseHandle(processo.hThread);
+  return Handle(processo.hProcess);
 }
 
 }  // namespace
@@ -27,6 +49,16 @@ std::string Registros(const Empresa &empresa) {
   constexpr std::size_t kCabecalho = 92;
   const std::string sConteudo = apoio::LeArquivo(empresa.Arquivo("DFVEIC.DAT"));
   return sConteudo.size() % 256 == kCabecalho ? sConteudo.substr(kCabecalho) : sConteudo;
+}
+
+std::vector<std::string> CodigosNoDisco(const Empresa &empresa) {
+  constexpr std::size_t kRegistro = 256;
+  const std::string sRegistros = Registros(empresa);
+  std::vector<std::string> codigos((sRegistros.size() + kRegistro - 1) / kRegistro);
+  for (std::size_t i = 0; i < codigos.size(); ++i) {
+    codigos[i] = sRegistros.c_str() + i * kRegistro;
+  }
+  return codigos;
 }
 
 Veiculos Cria(HRESULT *phr) {
@@ -43,40 +75,22 @@ HRESULT Inicializa(IQZDF_Veiculos &veiculos, std::string_view sEmpresa) {
 }
 
 std::string Entrega(IQZDF_Veiculos &veiculos) {
-  IStream *pFluxo = nullptr;
-  HGLOBAL hMemoria = nullptr;
-  if (FAILED(CreateStreamOnHGlobal(nullptr, TRUE, &pFluxo))) {
-    return "";
-  }
-  const Ponteiro<IStream> spFluxo(pFluxo);
-  if (FAILED(CoMarshalInterface(pFluxo, IID_IQZDF_Veiculos, &veiculos, MSHCTX_LOCAL, nullptr, MSHLFLAGS_NORMAL)) ||
-      FAILED(GetHGlobalFromStream(pFluxo, &hMemoria))) {
-    return "";
-  }
-  std::string sTexto;
-  const auto *pBytes = static_cast<const unsigned char *>(GlobalLock(hMemoria));
-  for (SIZE_T i = 0; i < GlobalSize(hMemoria); ++i) {
-    std::array<char, 3> par{};
-    std::snprintf(par.data(), par.size(), "%02x", pBytes[i]);
-    sTexto += par.data();
-  }
-  GlobalUnlock(hMemoria);
-  return sTexto;
+  std::array<char, MAX_PATH> pasta{};
+  std::array<char, MAX_PATH> arquivo{};
+  GetTempPathA(MAX_PATH, pasta.data());
+  GetTempFileNameA(pasta.data(), "obj", 0, arquivo.data());
+  const Ponteiro<IStream> spFluxo = FluxoDe(arquivo.data(), STGM_WRITE);
+  const bool bFeito = spFluxo && SUCCEEDED(CoMarshalInterface(spFluxo.get(), IID_IQZDF_Veiculos, &veiculos,
+                                                              MSHCTX_LOCAL, nullptr, MSHLFLAGS_NORMAL));
+  return bFeito ? arquivo.data() : "";
 }
 
 Veiculos Recebe(const std::string &sEntregue) {
-  IStream *pFluxo = nullptr;
-  if (FAILED(CreateStreamOnHGlobal(nullptr, TRUE, &pFluxo))) {
-    return nullptr;
-  }
-  const Ponteiro<IStream> spFluxo(pFluxo);
-  for (std::size_t i = 0; i + 1 < sEntregue.size(); i += 2) {
-    const auto cByte = static_cast<unsigned char>(std::stoul(sEntregue.substr(i, 2), nullptr, 16));
-    pFluxo->Write(&cByte, 1, nullptr);
-  }
-  pFluxo->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr);
   void *pObjeto = nullptr;
-  CoUnmarshalInterface(pFluxo, IID_IQZDF_Veiculos, &pObjeto);
+  if (const Ponteiro<IStream> spFluxo = FluxoDe(sEntregue, STGM_READ)) {
+    CoUnmarshalInterface(spFluxo.get(), IID_IQZDF_Veiculos, &pObjeto);
+  }
+  DeleteFileA(sEntregue.c_str());
   return Veiculos(static_cast<IQZDF_Veiculos *>(pObjeto));
 }
 
@@ -136,15 +150,7 @@ DWORD ExecutaKalvo(const std::string &sArgumentos, std::string *psErro) {
 }
 
 Handle IniciaKalvo() {
-  STARTUPINFOA inicio{};
-  inicio.cb = sizeof(inicio);
-  PROCESS_INFORMATION processo{};
-  std::string sLinha = "\"" + PastaDoPrograma() + "Kalvo.exe\"";
-  if (!CreateProcessA(nullptr, sLinha.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &inicio, &processo)) {
-    return nullptr;
-  }
-  CloseHandle(processo.hThread);
-  return Handle(processo.hProcess);
+  return Inicia("\"" + PastaDoPrograma() + "Kalvo.exe\"", nullptr);
 }
 
 DWORD Executa(const std::string &sPrograma, const std::string &sArgumentos, std::string *psSaida) {
@@ -152,20 +158,10 @@ DWORD Executa(const std::string &sPrograma, const std::string &sArgumentos, std:
   const CString sSaida = pasta / "saida.txt";
   SECURITY_ATTRIBUTES heranca{sizeof(heranca), nullptr, TRUE};
   Handle hSaida(CreateFileA(sSaida.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &heranca, CREATE_ALWAYS, 0, nullptr));
-  STARTUPINFOA inicio{};
-  inicio.cb = sizeof(inicio);
-  inicio.dwFlags = STARTF_USESTDHANDLES;
-  inicio.hStdOutput = hSaida.get();
-  inicio.hStdError = hSaida.get();
-  PROCESS_INFORMATION processo{};
-  std::string sLinha = "\"" + sPrograma + "\" " + sArgumentos;
+  const Handle hProcesso = Inicia("\"" + sPrograma + "\" " + sArgumentos, hSaida.get());
   DWORD dwCodigo = 0xFFFFFFFF;
-  if (CreateProcessA(nullptr, sLinha.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &inicio, &processo)) {
-    const Handle hThread(processo.hThread);
-    const Handle hProcesso(processo.hProcess);
-    if (WaitForSingleObject(hProcesso.get(), kPrazo) == WAIT_OBJECT_0) {
-      GetExitCodeProcess(hProcesso.get(), &dwCodigo);
-    }
+  if (hProcesso && WaitForSingleObject(hProcesso.get(), kPrazo) == WAIT_OBJECT_0) {
+    GetExitCodeProcess(hProcesso.get(), &dwCodigo);
   }
   hSaida.reset();
   if (psSaida != nullptr) {

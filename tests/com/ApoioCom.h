@@ -75,15 +75,18 @@ private:
 /// The vehicle records on disk, without the header where headers are on. Nobody may have the file open.
 std::string Registros(const Empresa &empresa);
 
+/// The codes of these records, in their order; of a part of a record too.
+std::vector<std::string> CodigosNoDisco(const Empresa &empresa);
+
 /// A new service object of the registered server; null with the result code in `*phr` when that fails.
 Veiculos Cria(HRESULT *phr = nullptr);
 
 HRESULT Inicializa(IQZDF_Veiculos &veiculos, std::string_view sEmpresa);
 
-/// The object as a text with which one other process on this machine reaches it (Recebe); empty when that fails.
+/// A file with which one other process on this machine reaches the object (Recebe); empty when that fails.
 std::string Entrega(IQZDF_Veiculos &veiculos);
 
-/// The object behind a text of Entrega; null when that fails.
+/// The object behind a file of Entrega, which goes; null when that fails.
 Veiculos Recebe(const std::string &sEntregue);
 
 /// A new service object that works for a company; null when either step fails.

@@ -47,7 +47,34 @@ TEST(ClienteCom, ResultadoDaBuscaELidoEnquantoSeAnda) {
   nenhum.iAnoInicial = 9999;
   const auto vazio = veiculos.Busca(nenhum);
   EXPECT_TRUE(vazio.empty() && vazio.begin() == vazio.end());
-  EXPECT_THROW(veiculos.Le(kQtd + 1), CQZErroVeiculos);
+}
+
+/// What it refuses itself, and what it leaves in the outputs of calls that fail.
+TEST(ClienteCom, RecusaAntesDaChamadaEEsvaziaSaidas) {
+  const apoiocom::Empresa empresa;
+  CQZVeiculosHR veiculos;
+  EXPECT_EQ(veiculos.Inicializa("", 1, 1), E_POINTER);
+  ASSERT_EQ(veiculos.Cria(), S_OK);
+  std::vector<LONG> posicoes{7};
+  EXPECT_TRUE(FAILED(veiculos.BuscaPonteiros({}, posicoes)));
+  EXPECT_TRUE(posicoes.empty());
+  EXPECT_EQ(veiculos.Inicializa(std::string_view("A\0B", 3), 1, 1), E_INVALIDARG);
+  ASSERT_EQ(veiculos.Inicializa(empresa.Codigo(), 1, 1), S_OK);
+
+  LONG lPos = 0;
+  ASSERT_EQ(veiculos.Grava(lPos, apoiocom::Veiculo("ABCDEFGHIJKLM")), S_OK);
+  tagREG_VEICULOPS veiculo{};
+  EXPECT_EQ(veiculos.Existe("ABCDEFGHIJKLM", lPos, veiculo), S_OK);
+  EXPECT_EQ(lPos, 1);
+  EXPECT_EQ(veiculos.Existe("ABCDEFGHIJKLMN", lPos, veiculo), E_INVALIDARG);
+  EXPECT_EQ(lPos, 0);
+  EXPECT_EQ(CodigoDe(veiculo), "");
+  try {
+    CQZVeiculos(empresa.Codigo(), 1, 1).Le(2);
+    ADD_FAILURE();
+  } catch (const CQZErroVeiculos &erro) {
+    EXPECT_EQ(apoiocom::Bits(erro.GetHR()), 0x810809DAU);
+  }
 }
 
 }  // namespace

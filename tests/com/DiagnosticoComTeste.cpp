@@ -51,7 +51,6 @@ using Rotulos = std::vector<std::string>;
 
 TEST_F(DiagnosticoCom, ApontaOQueFalta) {
   const apoio::PastaTemporaria outra;
-  const Empresa semDiretorio("ausente\\");
   const struct {
     const char *lpNome;
     std::function<void()> quebra;
@@ -65,11 +64,6 @@ TEST_F(DiagnosticoCom, ApontaOQueFalta) {
        m_empresa.Codigo(),
        {"base"},
        "0x810809E7"},
-      {"company without its directory",
-       [] {},
-       semDiretorio.Codigo(),
-       {"empresa"},
-       "n\xE3o existe: " + m_pasta.Caminho().substr(0, 2)},
       {"proxy keys missing",
        [] {
          for (const char *const lpClasses : {"Software\\Classes\\", "Software\\Classes\\Wow6432Node\\"}) {

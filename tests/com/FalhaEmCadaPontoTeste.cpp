@@ -137,17 +137,6 @@ constexpr Cenario kCenarios[] = {
      }},
 };
 
-/// The codes of the records on disk, in their order. Reading needs the file closed.
-std::vector<std::string> NoDisco(const Empresa &empresa) {
-  const std::string sConteudo = Registros(empresa);
-  EXPECT_EQ(sConteudo.size() % sizeof(RegVeiculo), 0U);
-  std::vector<std::string> codigos;
-  for (std::size_t i = 0; i < sConteudo.size(); i += sizeof(RegVeiculo)) {
-    codigos.emplace_back(sConteudo.substr(i, sizeof(RegVeiculo::szCodigo)).c_str());
-  }
-  return codigos;
-}
-
 /// Gives the company the base of a scenario and returns the codes in it.
 std::vector<std::string> PreparaBase(const Cenario &cenario, const Empresa &empresa) {
   std::vector<std::string> codigos{"V001", "V002"};
@@ -237,7 +226,7 @@ bool Roda(const Cenario &cenario, const Falhas &falhas, int n, OutroChamador &ou
   EXPECT_EQ(arquivos.Abertos(), 0);
   EXPECT_EQ(CContagemModulo::DoProcesso().Quantidade(), 0);
   EXPECT_TRUE(ServicoPara(empresa)) << "the company opens again";
-  EXPECT_EQ(NoDisco(empresa), esperados);
+  EXPECT_EQ(CodigosNoDisco(empresa), esperados);
   return bFalhou;
 }
 

@@ -89,10 +89,12 @@ TEST(ProxyEntregueCom, OFimDeUmProcessoNaoTiraOObjetoDoOutro) {
     EXPECT_EQ(spCriador->Pede("chama"), kVivo);
     vivos.push_back(std::move(spCriador));
   }
+  vivos.push_back(std::make_unique<Cliente>());
+  EXPECT_NE(vivos.back()->Pede("entrega"), "") << "one that has never called its object";
   const std::vector<Handle> servidores = Servidores();
   ASSERT_EQ(servidores.size(), 1U);
   EXPECT_EQ(WaitForSingleObject(servidores[0].get(), kDepoisDaDecisao), static_cast<DWORD>(WAIT_TIMEOUT));
-  for (std::size_t i = 0; i < vivos.size(); ++i) {
+  for (std::size_t i = 0; i < std::size(casos); ++i) {
     EXPECT_EQ(vivos[i]->Pede("chama"), kVivo) << casos[i].lpNome;
   }
   // With the last holder of each the object goes, and with the objects the server.

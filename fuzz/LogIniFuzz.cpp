@@ -77,7 +77,7 @@ void ConfereChaves(const CString &sIni) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qtd) {
+void fuzz::Executa(CEntrada *pEntrada) {
   static const apoio::PastaTemporaria pasta;
   apoio::RegistroFalso registro;
   registro.m_textos[{CString(kChaveSuite) + "Miran Empresarial", "Path"}] = pasta.Caminho();
@@ -86,14 +86,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qt
   const apoio::ServicosTrocados servicos(nullptr, &registro, &relogio, &sistema);
   const CString sIni = pasta / "log.ini";
 
-  fuzz::CEntrada entrada(pBytes, qtd);
-  const std::size_t uiForma = entrada.Ate(7);
-  const CString sProcesso = entrada.Bytes(entrada.Ate(12));
+  const std::size_t uiForma = pEntrada->Ate(7);
+  const CString sProcesso = pEntrada->Bytes(pEntrada->Ate(12));
   CString sConteudo = uiForma != 0 ? "[Log]\r\n" : "";
   if (uiForma > 3) {
-    sConteudo += LinhaProcessos(&entrada, sProcesso);
+    sConteudo += LinhaProcessos(pEntrada, sProcesso);
   }
-  apoio::EscreveArquivo(sIni, sConteudo + entrada.Resto());
+  apoio::EscreveArquivo(sIni, sConteudo + pEntrada->Resto());
 
   relogio.m_ticks = MomentoDeCarga();
   Exige(CarregaConfiguracaoLog() == relogio.m_ticks, "loaded");
@@ -111,5 +110,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qt
     relogio.m_ticks += 1;
     Exige(CarregaConfiguracaoLog() == relogio.m_ticks, "due");
   }
-  return 0;
 }

@@ -111,7 +111,7 @@ public:
     for (int i = 0; i < kMaximoOperacoes && !pEntrada->Acabou(); ++i) {
       Opera(pEntrada);
     }
-    Recarrega("");
+    Recarrega({});
   }
 
 private:
@@ -144,7 +144,8 @@ private:
         ExigeCodigo(base.Finaliza(), codigos::kOk, "closing one of two");
         return ExigeCodigo(m_empresa.Abre(&base), codigos::kOk, "opening one of two");
       default:
-        return Recarrega(m_modelo.size() < kMuitos / 2 && pEntrada->Ate(3) == 0 ? Muitos(pEntrada) : "");
+        return Recarrega(m_modelo.size() < kMuitos / 2 && pEntrada->Ate(3) == 0 ? Muitos(pEntrada)
+                                                                                : std::vector<RegVeiculo>());
     }
   }
 
@@ -291,31 +292,26 @@ private:
   }
 
   /// Vehicles in number, with years that rise.
-  static std::string Muitos(CEntrada *pEntrada) {
-    const auto modelo = Copia<RegVeiculo>(VeiculoDaEntrada(pEntrada));
-    std::string sRegistros;
+  static std::vector<RegVeiculo> Muitos(CEntrada *pEntrada) {
+    std::vector<RegVeiculo> registros(kMuitos, Copia<RegVeiculo>(VeiculoDaEntrada(pEntrada)));
     for (std::size_t i = 0; i < kMuitos; ++i) {
-      RegVeiculo reg = modelo;
-      reg.iAno += static_cast<std::uint32_t>(i);
-      sRegistros += BytesDe(reg);
+      registros[i].iAno += static_cast<std::uint32_t>(i);
     }
-    return sRegistros;
+    return registros;
   }
 
   /// Closes both, looks at the disk, adds records to the file and opens it again.
-  void Recarrega(const std::string &sMais) {
+  void Recarrega(const std::vector<RegVeiculo> &mais) {
     for (CBaseVeiculos &base : m_bases) {
       ExigeCodigo(base.Finaliza(), codigos::kOk, "closing");
     }
     Exige(!m_empresa.Existe("DFVEIC.INT") || m_modelo.empty() || m_bCompanheirosFalharam,
           "no note but that of a creation stays");
     Exige(!m_empresa.Existe("DFVEIC.TRA") || m_bCompanheirosFalharam, "no unfinished copy stays");
-    std::string sRegistros(BytesDe(m_modelo.data(), m_modelo.size()));
-    Exige(m_empresa.Dados(kVeiculos) == sRegistros, "the records on disk");
-    if (!sMais.empty()) {
-      sRegistros += sMais;
-      m_modelo.resize(sRegistros.size() / sizeof(RegVeiculo));
-      std::memcpy(m_modelo.data(), sRegistros.data(), sRegistros.size());
+    Exige(m_empresa.Dados(kVeiculos) == BytesDe(m_modelo.data(), m_modelo.size()), "the records on disk");
+    if (!mais.empty()) {
+      m_modelo.insert(m_modelo.end(), mais.begin(), mais.end());
+      const std::string sRegistros(BytesDe(m_modelo.data(), m_modelo.size()));
       m_empresa.Escreve(kVeiculos, (m_empresa.m_bCabecalhos ? Cabecalho(kVeiculos, sRegistros) : "") + sRegistros);
     }
     AbreTodos();

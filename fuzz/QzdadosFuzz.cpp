@@ -13,33 +13,22 @@
 #include "client/Saida.h"
 #include "core/platform/Textos.h"
 #include "fuzz/Empresa.h"
-#include "qzdados/Comandos.h"
 #include "qzdados/Exame.h"
+#include "tests/qzdados/ApoioQzdados.h"
 
 namespace {
 
 using namespace fuzz;
 
-class TelaMuda final : public ITela {
-public:
-  void Escreve(std::string_view sTexto) override { m_sTexto += sTexto; }
-  void SaidaEmBytes() override {}
-  void EscreveErro(std::string_view /*sTexto*/) override {}
-  bool SaidaVisivel() const override { return false; }
-  void Progresso(std::uint64_t uiFeito, std::uint64_t uiTotal) override {
-    Exige(uiFeito <= uiTotal, "the progress of a reading");
-  }
+Rodada Qzdados(const std::vector<std::string> &aTextos) {
+  Rodada rodada(aTextos);
+  Exige(!rodada.tela.m_bPassouDoFim, "the progress of a reading");
+  return rodada;
+}
 
-  std::string m_sTexto;
-};
-
-int Qzdados(const std::vector<std::string> &aTextos, std::string *psSaida = nullptr) {
-  TelaMuda tela;
-  const int iCodigo = ExecutaQzdados(aTextos, tela);
-  if (psSaida != nullptr) {
-    *psSaida = tela.m_sTexto;
-  }
-  return iCodigo;
+/// The exit code of a look at a path.
+int Estado(const std::string &sCaminho) {
+  return Qzdados({"verifica", sCaminho}).iCodigo;
 }
 
 /// The CSV listing of vehicles.
@@ -60,11 +49,11 @@ public:
   explicit Execucao(const Pasta &pasta) : m_antes(pasta), m_empresa(true, pasta) {}
 
   void Roda() {
-    const int iEstado = Qzdados({"verifica", m_empresa.Caminho(""), "--detalhes"});
+    const int iEstado = Qzdados({"verifica", m_empresa.Caminho(""), "--detalhes"}).iCodigo;
     int iPior = FaltaListado() ? 2 : 0;
     bool bReparados = true;
     for (const auto &[sNome, sBytes] : m_antes) {
-      const int iDoArquivo = Qzdados({"verifica", m_empresa.Caminho(sNome)});
+      const int iDoArquivo = Estado(m_empresa.Caminho(sNome));
       iPior = std::max(iPior, iDoArquivo);
       bReparados = bReparados && iDoArquivo != 2;
       Lista(sNome, iDoArquivo == 0);
@@ -98,28 +87,27 @@ private:
   }
 
   void Lista(const std::string &sNome, bool bSao) const {
-    std::string sSaida;
-    for (const char *lpFormato : {"--json", "--ate=2", "--csv"}) {
-      sSaida.clear();
-      const int iCodigo = Qzdados({"lista", m_empresa.Caminho(sNome), lpFormato}, &sSaida);
-      Exige(iCodigo == 0 || (iCodigo == 3 && !(bSao && sNome == kVeiculos)), "the exit code of a listing");
+    for (const char *lpFormato : {"--csv", "--json", "--ate=2"}) {
+      const Rodada rodada = Qzdados({"lista", m_empresa.Caminho(sNome), lpFormato});
+      Exige(rodada.iCodigo == 0 || rodada.iCodigo == 3, "the exit code of a listing");
+      Exige(!bSao || sNome != kVeiculos || std::string_view(lpFormato) != "--csv" ||
+                rodada.Saida() == CsvDe(Examina(sNome, m_antes.at(sNome), true).sDados),
+            "the records listed");
     }
-    Exige(!bSao || sNome != kVeiculos || sSaida == CsvDe(Examina(sNome, m_antes.at(sNome), true).sDados),
-          "the records listed");
   }
 
   void Recupera(const std::string &sNome, bool bReparavel) {
     const std::string sNovo = m_empresa.Caminho(sNome + ".novo");
-    const int iCodigo = Qzdados({"recupera", m_empresa.Caminho(sNome), "--em", sNovo});
+    const int iCodigo = Qzdados({"recupera", m_empresa.Caminho(sNome), "--em", sNovo}).iCodigo;
     const bool bGravou = m_empresa.Existe(sNome + ".novo");
     Exige(bGravou || !bReparavel, "a repairable file is repaired");
     if (bGravou) {
       Exige(iCodigo == 0, "a repair says that it wrote");
-      Exige(Qzdados({"verifica", sNovo, "--como", sNome}) == 0, "a repaired copy is sound");
+      Exige(Qzdados({"verifica", sNovo, "--como", sNome}).iCodigo == 0, "a repaired copy is sound");
       const std::string sInteiros = m_empresa.Le(sNome + ".novo");
       const std::string sDados = Examina(IdentificaNome(sNome).sNome, sInteiros, true).sDados;
       Exige(m_antes.at(sNome).find(sDados) != std::string::npos, "a repaired copy has the bytes of the original alone");
-      Exige(Qzdados({"recupera", m_empresa.Caminho(sNome), "--em", sNovo}) == 3 &&
+      Exige(Qzdados({"recupera", m_empresa.Caminho(sNome), "--em", sNovo}).iCodigo == 3 &&
                 m_empresa.Le(sNome + ".novo") == sInteiros,
             "nothing is written over a file");
       m_reparados.push_back(sNome);
@@ -134,7 +122,7 @@ private:
     if (m_empresa.Existe(sNome + ".com")) {
       Exige(m_empresa.Le(sNome + ".com") == Cabecalho(IdentificaNome(sNome).sNome, sBytes) + sBytes,
             "a header for the data and nothing else");
-      Exige(Qzdados({"cabecalho", "tira", sCom, "--em", sSem, "--como", sNome}) == 0, "what was put is taken");
+      Exige(Qzdados({"cabecalho", "tira", sCom, "--em", sSem, "--como", sNome}).iCodigo == 0, "what was put is taken");
       Exige(m_empresa.Le(sNome + ".sem") == sBytes, "the data without a header");
     }
   }
@@ -155,7 +143,7 @@ private:
 
   /// Of the present version alone: the conversion of an older base may drop its only file.
   void AbreSeSa() const {
-    const int iEstado = Qzdados({"verifica", m_empresa.Caminho("")});
+    const int iEstado = Estado(m_empresa.Caminho(""));
     Exige(iEstado == 0 || iEstado == 2, "nothing is left to repair");
     if (iEstado != 0 || !m_empresa.Existe(kVersao) ||
         Examina(kVersao, m_empresa.Le(kVersao), true).sDados.substr(0, 2) != VersaoUm().substr(0, 2)) {

@@ -93,13 +93,12 @@ private:
     }
     for (const char *lpNome : kArquivos) {
       const auto antes = m_antes.find(lpNome);
-      Exige(m_empresa.Existe(lpNome) == (antes != m_antes.end()), "a refusal neither makes nor deletes a file");
-      if (antes != m_antes.end()) {
-        const std::string sDepois = m_empresa.Le(lpNome);
-        const bool bPodeGanhar = m_empresa.m_bCabecalhos && !Antes(lpNome).bTemCabecalho;
-        Exige(sDepois == antes->second || (bPodeGanhar && sDepois == Cabecalho(lpNome, antes->second) + antes->second),
-              "a refusal keeps the bytes of every file");
-      }
+      const std::optional<std::string> sDepois = m_empresa.Bytes(lpNome);
+      Exige(sDepois.has_value() == (antes != m_antes.end()), "a refusal neither makes nor deletes a file");
+      const bool bPodeGanhar = m_empresa.m_bCabecalhos && !Antes(lpNome).bTemCabecalho;
+      Exige(!sDepois || sDepois == antes->second ||
+                (bPodeGanhar && sDepois == Cabecalho(lpNome, antes->second) + antes->second),
+            "a refusal keeps the bytes of every file");
     }
   }
 

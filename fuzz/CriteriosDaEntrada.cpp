@@ -16,7 +16,7 @@ using Filtro = tagREG_FILTRO_VEICULOSPS;
 
 template <std::size_t N>
 std::string Texto(const char (&campo)[N]) {
-  return std::string(campo, strnlen(campo, N));
+  return AteOZero({campo, N});
 }
 
 /// A text criterion: a piece of the record's own text, with a wildcard planted now and then, or any bytes.

@@ -78,10 +78,8 @@ void ConferePadrao(const std::string &sTexto, const std::string &sPadrao, bool b
 
 void fuzz::Executa(CEntrada *pEntrada) {
   const bool bLetras = pEntrada->Ate(3) != 0;
-  std::string sTexto = Texto(pEntrada, kMaiorTexto, bLetras);
-  std::string sPadrao = Texto(pEntrada, kMaiorPadrao, bLetras);
-  sTexto.resize(std::min(sTexto.find('\0'), sTexto.size()));
-  sPadrao.resize(std::min(sPadrao.find('\0'), sPadrao.size()));
+  const std::string sTexto = AteOZero(Texto(pEntrada, kMaiorTexto, bLetras));
+  const std::string sPadrao = AteOZero(Texto(pEntrada, kMaiorPadrao, bLetras));
   const bool bEsperado = CasaCuringa(plataforma::Maiusculas(sTexto), plataforma::Maiusculas(sPadrao));
   Exige(plataforma::CasaCuringa(sTexto.c_str(), sPadrao.c_str()) == bEsperado, "the system's match");
   ConferePadrao(sTexto, sPadrao, bEsperado);

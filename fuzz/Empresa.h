@@ -1,6 +1,8 @@
 #ifndef KALVO_FUZZ_EMPRESA_H
 #define KALVO_FUZZ_EMPRESA_H
 
+#include <optional>
+
 #include "core/platform/Plataforma.h"
 #include "core/qzdatabase/arquivo/QZTextFile.h"
 #include "core/qzdatabase/banco/QZDataBase.h"
@@ -25,10 +27,15 @@ public:
 
   HRESULT Abre(CBaseVeiculos *pBase) const { return pBase->Inicializa(Codigo(), 7, 42); }
 
+  /// Nothing for a file that is not there.
+  std::optional<std::string> Bytes(const char *lpNome) const {
+    return Existe(lpNome) ? std::optional(Le(lpNome)) : std::nullopt;
+  }
+
   /// The data of a file that is closed; a header must hold, and stand in front of any data where headers are on. No
   /// data without a file.
   std::string Dados(const char *lpNome) const {
-    const ArquivoExaminado exame = Examina(lpNome, Existe(lpNome) ? Le(lpNome) : "", m_bCabecalhos);
+    const ArquivoExaminado exame = Examina(lpNome, Bytes(lpNome).value_or(""), m_bCabecalhos);
     ExigeCodigo(exame.hr, codigos::kOk, "the header on disk");
     Exige(exame.bTemCabecalho || !m_bCabecalhos || exame.sDados.empty(), "a header on disk");
     return exame.sDados;

@@ -20,6 +20,11 @@ std::string_view BytesDe(const T &valor) {
   return BytesDe(&valor, 1);
 }
 
+/// What stands before the first zero byte.
+inline std::string AteOZero(std::string_view sTexto) {
+  return std::string(sTexto.substr(0, sTexto.find('\0')));
+}
+
 /// The bytes of one run, taken from the front. What is taken behind their end is zero, or shorter.
 class CEntrada {
 public:

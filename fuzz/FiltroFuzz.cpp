@@ -65,9 +65,8 @@ void fuzz::Executa(CEntrada *pEntrada) {
   Exige(bPassa == PassaPorTodos(*reg, filtro), "the verdict on a record");
   Exige(bPassa || !preparado.PassaTudo(), "a filter of no criterion");
   if (const auto chave = preparado.ChaveExata()) {
-    const std::string_view sLargo = chave->uiCampo == 0 ? std::string_view(reg->szCodigo, sizeof(reg->szCodigo))
-                                                        : std::string_view(reg->szPlaca, sizeof(reg->szPlaca));
-    const std::string_view sCampo = sLargo.substr(0, sLargo.find('\0'));
+    const std::string sCampo = chave->uiCampo == 0 ? AteOZero({reg->szCodigo, sizeof(reg->szCodigo)})
+                                                   : AteOZero({reg->szPlaca, sizeof(reg->szPlaca)});
     Exige(!bPassa || sCampo == chave->sTexto, "the text to look for");
     using Indices = CQZIndices<RegVeiculo>;
     Exige(sCampo != chave->sTexto ||

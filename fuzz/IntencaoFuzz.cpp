@@ -75,8 +75,7 @@ std::optional<Nota> LeNota(const std::string &sCompanheiro) {
   nota.sBytes = entrada.Bytes(nota.reg.cbGuardados);
   const bool bVale = sCompanheiro.size() >= kTamanhoCompanheiro && nota.reg.uiSelo == Selo(sCompanheiro) &&
                      (nota.reg.cbGuardados == 0 || nota.reg.cbGuardados == nota.reg.cb) &&
-                     (nota.reg.uiTipo == 1 || nota.reg.uiTipo == 2) &&
-                     std::string_view(nota.reg.registro + 6, strnlen(nota.reg.registro + 6, 40)) == kTexto;
+                     (nota.reg.uiTipo == 1 || nota.reg.uiTipo == 2) && AteOZero({nota.reg.registro + 6, 40}) == kTexto;
   return bVale ? std::optional(nota) : std::nullopt;
 }
 
@@ -116,9 +115,7 @@ std::optional<std::string> Reparado(const std::string &sArquivo, const Nota &not
 /// What is found, and what it should come to.
 struct Cena {
   bool bCabecalhos = true;
-  bool bListado = false;
-  std::optional<std::string> sArquivo;
-  std::string sCompanheiro;
+  Pasta antes;
 
   HRESULT hr = codigos::kOk;
   std::optional<std::string> sDepois;  ///< the file
@@ -126,20 +123,21 @@ struct Cena {
   bool bNasceu = false;  ///< what is noted is the file's creation, which is over once it has content
 
   void Preve() {
-    const std::optional<Nota> nota = LeNota(sCompanheiro);
-    sDepois = sArquivo;
+    const std::optional<Nota> nota = LeNota(antes[kNota]);
     bNasceu = nota && nota->reg.uiTipo == 2;
-    if (!sArquivo) {
+    if (!antes.contains(kTexto)) {
       const bool bPrimeira = nota && nota->reg.uiTamanhoAntes == kTamanhoCabecalho;
-      hr = bListado && !bNasceu && !bPrimeira ? codigos::kArquivoDesapareceu : codigos::kOk;
+      hr = antes.contains(kControle) && !bNasceu && !bPrimeira ? codigos::kArquivoDesapareceu : codigos::kOk;
       return;
     }
-    const ArquivoExaminado exame = Examina(kTexto, *sArquivo, bCabecalhos);
+    const std::string &sArquivo = antes[kTexto];
+    sDepois = sArquivo;
+    const ArquivoExaminado exame = Examina(kTexto, sArquivo, bCabecalhos);
     hr = exame.hr;
     if (bCabecalhos && !exame.bTemCabecalho) {
-      sDepois = Cabecalho(kTexto, *sArquivo) + *sArquivo;
+      sDepois = Cabecalho(kTexto, sArquivo) + sArquivo;
     } else if (Falhou(hr) && hr != codigos::kCabecalhoVersaoDesconhecida && nota) {
-      const std::optional<std::string> sReparado = Reparado(*sArquivo, *nota);
+      const std::optional<std::string> sReparado = Reparado(sArquivo, *nota);
       bReparado = sReparado.has_value();
       hr = bReparado ? codigos::kOk : hr;
       sDepois = bReparado ? sReparado : sDepois;
@@ -149,16 +147,7 @@ struct Cena {
 
 class Execucao {
 public:
-  explicit Execucao(const Cena &cena) : m_cena(cena), m_empresa(cena.bCabecalhos) {
-    if (m_cena.bListado) {
-      const std::string sLista = BytesDasLinhas({"OUTRO.DAT", kTexto});
-      m_empresa.Escreve(kControle, (m_cena.bCabecalhos ? Cabecalho(kControle, sLista) : "") + sLista);
-    }
-    if (m_cena.sArquivo) {
-      m_empresa.Escreve(kTexto, *m_cena.sArquivo);
-    }
-    m_empresa.Escreve(kNota, m_cena.sCompanheiro);
-  }
+  explicit Execucao(const Cena &cena) : m_cena(cena), m_empresa(cena.bCabecalhos, cena.antes) {}
 
   void Roda() {
     AbreEConfere("the code of an opening");
@@ -170,15 +159,11 @@ public:
   }
 
 private:
-  std::optional<std::string> NoDisco(const char *lpNome) const {
-    return m_empresa.Existe(lpNome) ? std::optional(m_empresa.Le(lpNome)) : std::nullopt;
-  }
-
   void AbreEConfere(const char *lpOque) {
     ExigeCodigo(m_banco.Inicializa(m_empresa.Dono()), m_cena.hr, lpOque);
     static_cast<void>(m_banco.Finaliza());
-    Exige(NoDisco(kTexto) == m_cena.sDepois, "the file");
-    Exige(!Falhou(m_cena.hr) || m_cena.bNasceu || NoDisco(kNota) == m_cena.sCompanheiro,
+    Exige(m_empresa.Bytes(kTexto) == m_cena.sDepois, "the file");
+    Exige(!Falhou(m_cena.hr) || m_cena.bNasceu || m_empresa.Bytes(kNota) == m_cena.antes.at(kNota),
           "the note of a file that is refused");
   }
 
@@ -267,7 +252,10 @@ Cena CenaDaEntrada(CEntrada *pEntrada) {
   const unsigned uiForma = pEntrada->Byte();
   Cena cena;
   cena.bCabecalhos = uiForma % 8 != 0;
-  cena.bListado = (uiForma & 8) != 0;
+  if ((uiForma & 8) != 0) {
+    const std::string sLista = BytesDasLinhas({"OUTRO.DAT", kTexto});
+    cena.antes[kControle] = (cena.bCabecalhos ? Cabecalho(kControle, sLista) : "") + sLista;
+  }
   Nota nota;
   std::string sArquivo;
   Interrompe(pEntrada, &nota, &sArquivo);
@@ -293,9 +281,9 @@ Cena CenaDaEntrada(CEntrada *pEntrada) {
     }
   }
   if ((uiForma & 192) != 192) {
-    cena.sArquivo = sArquivo;
+    cena.antes[kTexto] = sArquivo;
   }
-  cena.sCompanheiro = sCompanheiro;
+  cena.antes[kNota] = sCompanheiro;
   cena.Preve();
   return cena;
 }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <sstream>
 #include <string_view>
 #include <utility>
 
@@ -45,19 +46,13 @@ CString LinhaProcessos(fuzz::CEntrada *pEntrada, const CString &sProcesso) {
   return sLinha + "\r\n";
 }
 
-bool Rastreado(const CString &sProcesso, const CString &sProcessos) {
-  if (sProcessos.find("todos") != CString::npos) {
-    return true;
-  }
-  CString sTrecho;
-  bool bAchado = false;
-  for (const char c : sProcessos + ";") {
-    if (c == ';' || c == ',' || c == ' ') {
-      bAchado = bAchado || (!sTrecho.empty() && sProcesso.find(sTrecho) != CString::npos);
-      sTrecho.clear();
-    } else {
-      sTrecho += c;
-    }
+bool Rastreado(const CString &sProcesso, CString sProcessos) {
+  bool bAchado = sProcessos.find("todos") != CString::npos;
+  std::replace(sProcessos.begin(), sProcessos.end(), ';', ' ');
+  std::replace(sProcessos.begin(), sProcessos.end(), ',', ' ');
+  std::istringstream trechos(sProcessos);
+  for (std::string sTrecho; std::getline(trechos, sTrecho, ' ');) {
+    bAchado = bAchado || (!sTrecho.empty() && sProcesso.find(sTrecho) != CString::npos);
   }
   return bAchado;
 }

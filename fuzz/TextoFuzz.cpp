@@ -139,10 +139,9 @@ private:
   void Recarrega(Modelo *pModelo) {
     ExigeCodigo(m_banco.Finaliza(), codigos::kOk, "finishing");
     const Modelo doDisco(m_empresa.Dados(kTexto));
-    for (std::string &sTexto : pModelo->memoria) {
-      sTexto.resize(std::min(sTexto.find('\0'), sTexto.size()));
-    }
-    Exige(doDisco.memoria == pModelo->memoria, "the lines on disk are those of memory");
+    Textos &memoria = pModelo->memoria;
+    std::transform(memoria.begin(), memoria.end(), memoria.begin(), AteOZero);
+    Exige(doDisco.memoria == memoria, "the lines on disk are those of memory");
     Exige(!pModelo->bInteiro || (doDisco.bInteiro && doDisco.disco == pModelo->disco), "the bytes on disk");
     *pModelo = doDisco;
     ExigeCodigo(Inicia(), codigos::kOk, "loading again");

@@ -46,7 +46,7 @@ std::string CsvDe(const std::string &sRegistros) {
 
 class Execucao {
 public:
-  explicit Execucao(const Pasta &pasta) : m_antes(pasta), m_empresa(true, pasta) {}
+  explicit Execucao(const Pasta &pasta) : m_antes(pasta), m_depois(pasta), m_empresa(true, pasta) {}
 
   void Roda() {
     const int iEstado = Qzdados({"verifica", m_empresa.Caminho(""), "--detalhes"}).iCodigo;
@@ -65,17 +65,14 @@ public:
       Exige(m_empresa.Le(sNome) == sBytes, "no original changes");
     }
     if (bReparados) {
-      TrocaReparados();
-      AbreSeSa();
+      AbreSeSa(CEmpresa(true, m_depois));
     }
   }
 
 private:
   /// A journal may stand for the version file.
   bool FaltaListado() const {
-    const auto lista = m_antes.find(kControle);
-    const ArquivoExaminado exame =
-        lista != m_antes.end() ? Examina(kControle, lista->second, true) : ArquivoExaminado();
+    const ArquivoExaminado exame = Examina(kControle, m_empresa.Bytes(kControle).value_or(""), true);
     const std::vector<std::string> nomes = LinhasDoTexto(exame.sDados);
     if (Falhou(exame.hr) || BytesDasLinhas(nomes) != exame.sDados) {
       return false;
@@ -110,7 +107,9 @@ private:
       Exige(Qzdados({"recupera", m_empresa.Caminho(sNome), "--em", sNovo}).iCodigo == 3 &&
                 m_empresa.Le(sNome + ".novo") == sInteiros,
             "nothing is written over a file");
-      m_reparados.push_back(sNome);
+      if (!IdentificaNome(sNome).bSobra) {
+        m_depois[sNome] = sInteiros;
+      }
     }
   }
 
@@ -127,35 +126,20 @@ private:
     }
   }
 
-  /// And takes away what else was written: by its own name it may be anything.
-  void TrocaReparados() const {
-    for (const std::string &sNome : m_reparados) {
-      if (!IdentificaNome(sNome).bSobra) {
-        m_empresa.Escreve(sNome, m_empresa.Le(sNome + ".novo"));
-      }
-    }
-    for (const auto &[sNome, sBytes] : m_antes) {
-      for (const char *lpFim : {".novo", ".com", ".sem"}) {
-        static_cast<void>(plataforma::Arquivos().Apaga(m_empresa.Caminho(sNome + lpFim)));
-      }
-    }
-  }
-
   /// Of the present version alone: the conversion of an older base may drop its only file.
-  void AbreSeSa() const {
-    const int iEstado = Estado(m_empresa.Caminho(""));
+  static void AbreSeSa(const CEmpresa &empresa) {
+    const int iEstado = Estado(empresa.Caminho(""));
     Exige(iEstado == 0 || iEstado == 2, "nothing is left to repair");
-    if (iEstado != 0 || !m_empresa.Existe(kVersao) ||
-        Examina(kVersao, m_empresa.Le(kVersao), true).sDados.substr(0, 2) != VersaoUm().substr(0, 2)) {
-      return;
+    const std::string sVersao = Examina(kVersao, empresa.Bytes(kVersao).value_or(""), true).sDados;
+    if (iEstado == 0 && sVersao.substr(0, 2) == VersaoUm().substr(0, 2)) {
+      CBaseVeiculos base;
+      ExigeCodigo(empresa.Abre(&base), codigos::kOk, "a sound directory opens");
     }
-    CBaseVeiculos base;
-    ExigeCodigo(m_empresa.Abre(&base), codigos::kOk, "a sound directory opens");
   }
 
   const Pasta &m_antes;
+  Pasta m_depois;  ///< with what was repaired in place of what was damaged
   CEmpresa m_empresa;
-  std::vector<std::string> m_reparados;
 };
 
 }  // namespace

@@ -91,6 +91,8 @@ TEST(Uso, ErradoOuSemArquivo) {
       {{"recupera", sArquivo}, 4, "--em"},
       {{"cabecalho", "troca", sArquivo, "--em", "X"}, 4, "troca"},
       {{"lista", sArquivo, "--de", "3", "--ate", "2"}, 4, "--ate"},
+      {{"lista", sArquivo, "--de", "0"}, 4, "--de"},
+      {{"lista", sArquivo, "--csv", "--json"}, 4, "--json"},
       {{"lista", empresa.Caminho("falta")}, 3, "n\xE3o existe"},
       {{"lista", sArquivo, "--como", "X.TXT"}, 3, "--como"},
   };

@@ -85,7 +85,9 @@ TEST(EmUso, UmaCopiaDoQueMudouNaoFica) {
       // Once the copy has begun.
       if (!bMudou && empresa.Existe("NOVO")) {
         bMudou = true;
-        EXPECT_FALSE(Abre(sArquivo, Compartilhamento::NegaNada)->AjustaTamanho(uiRegistros * 256));
+        const auto deOutro = Abre(sArquivo, Compartilhamento::NegaNada);
+        ASSERT_TRUE(deOutro);
+        EXPECT_FALSE(deOutro->AjustaTamanho(uiRegistros * 256));
       }
     });
     EXPECT_EQ(rodada.iCodigo, 3);

@@ -1,5 +1,7 @@
 // The tool beside programs that use the files.
 
+#include <gtest/gtest.h>
+
 #include <functional>
 
 #include "core/platform/Plataforma.h"

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 #include "core/platform/Textos.h"
@@ -14,37 +16,73 @@ using Filtro = tagREG_FILTRO_VEICULOSPS;
 
 template <std::size_t N>
 std::string Texto(const char (&campo)[N]) {
-  return std::string(campo, strnlen(campo, N));
+  return AteOZero({campo, N});
 }
 
 /// A text criterion: a piece of the record's own text, with a wildcard planted now and then, or any bytes.
-template <std::size_t N>
-void DefineTexto(CEntrada *pEntrada, const char (&doRegistro)[N], char (&criterio)[N]) {
+template <auto kDoRegistro, auto kDoFiltro>
+void DefineTexto(CEntrada *pEntrada, const RegVeiculo &reg, Filtro *pFiltro) {
+  constexpr std::size_t kLargura = sizeof(reg.*kDoRegistro);
   const unsigned uiEscolha = pEntrada->Byte();
-  std::string sTexto = Texto(doRegistro);
+  std::string sTexto = Texto(reg.*kDoRegistro);
   if ((uiEscolha & 1) != 0) {
-    sTexto = pEntrada->Bytes(pEntrada->Ate(N));
+    sTexto = pEntrada->Bytes(pEntrada->Ate(kLargura));
   }
   if ((uiEscolha & 2) != 0) {
-    sTexto.resize(std::min(sTexto.size(), pEntrada->Ate(N)));
+    sTexto.resize(std::min(sTexto.size(), pEntrada->Ate(kLargura)));
   }
   for (unsigned uiPlanta = uiEscolha >> 4; uiPlanta != 0 && !sTexto.empty(); uiPlanta >>= 1) {
     const std::size_t uiOnde = pEntrada->Ate(sTexto.size() - 1);
     sTexto.replace(uiOnde, pEntrada->Ate(3), (uiPlanta & 1) != 0 ? "*" : "?");
   }
-  std::memset(criterio, 0, N);
-  sTexto.copy(criterio, N);
+  std::memset(pFiltro->*kDoFiltro, 0, kLargura);
+  sTexto.copy(pFiltro->*kDoFiltro, kLargura);
 }
 
 /// A bound at the record's value or beside it, or anywhere.
-std::int64_t Limite(CEntrada *pEntrada, std::int64_t vDoRegistro) {
+template <auto kDoRegistro, auto kDoFiltro>
+void DefineLimite(CEntrada *pEntrada, const RegVeiculo &reg, Filtro *pFiltro) {
   const unsigned uiEscolha = pEntrada->Byte();
-  if (uiEscolha % 4 == 3) {
-    return pEntrada->Valor<std::int64_t>();
-  }
-  const std::uint64_t uiBits = static_cast<std::uint64_t>(vDoRegistro) + uiEscolha % 4 - 1;
-  return static_cast<std::int64_t>(uiBits);
+  const std::uint64_t uiPerto = static_cast<std::uint64_t>(reg.*kDoRegistro) + uiEscolha % 4 - 1;
+  const std::uint64_t uiBits = uiEscolha % 4 == 3 ? pEntrada->Valor<std::uint64_t>() : uiPerto;
+  auto &limite = pFiltro->*kDoFiltro;
+  limite = static_cast<std::remove_reference_t<decltype(limite)>>(uiBits);
 }
+
+template <auto kDoFiltro>
+void DefineMascara(CEntrada *pEntrada, const RegVeiculo & /*reg*/, Filtro *pFiltro) {
+  pFiltro->*kDoFiltro = pEntrada->Byte();
+}
+
+/// What no criterion reads.
+void DefineResto(CEntrada *pEntrada, const RegVeiculo & /*reg*/, Filtro *pFiltro) {
+  std::memset(pFiltro->cFiller, pEntrada->Byte(), sizeof(pFiltro->cFiller));
+  pFiltro->lPosicao = pEntrada->Byte();
+}
+
+using Reg = RegVeiculo;
+constexpr void (*kCriterios[])(CEntrada *, const RegVeiculo &, Filtro *) = {
+    DefineTexto<&Reg::szDescricao, &Filtro::szDescricao>,
+    DefineTexto<&Reg::szCodigoANTT, &Filtro::szCodigoANTT>,
+    DefineTexto<&Reg::szCodigo, &Filtro::szCodigo>,
+    DefineTexto<&Reg::szRENAVAM, &Filtro::szRENAVAM>,
+    DefineTexto<&Reg::szPlaca, &Filtro::szPlaca>,
+    DefineTexto<&Reg::szUF, &Filtro::szUF>,
+    DefineLimite<&Reg::vTara, &Filtro::vTaraInicial>,
+    DefineLimite<&Reg::vTara, &Filtro::vTaraFinal>,
+    DefineLimite<&Reg::vCapacidadeKg, &Filtro::vCapacidadeKgInicial>,
+    DefineLimite<&Reg::vCapacidadeKg, &Filtro::vCapacidadeKgFinal>,
+    DefineLimite<&Reg::vCapacidadeM3, &Filtro::vCapacidadeM3Inicial>,
+    DefineLimite<&Reg::vCapacidadeM3, &Filtro::vCapacidadeM3Final>,
+    DefineLimite<&Reg::iAno, &Filtro::iAnoInicial>,
+    DefineLimite<&Reg::iAno, &Filtro::iAnoFinal>,
+    DefineLimite<&Reg::iPonteiroCliente, &Filtro::iPonteiroCliente>,
+    DefineMascara<&Filtro::iTipoCarroceria>,
+    DefineMascara<&Filtro::iTipoRodado>,
+    DefineMascara<&Filtro::iTipoVeiculo>,
+    DefineMascara<&Filtro::iTipoTransporte>,
+    DefineResto,
+};
 
 bool NaFaixa(std::int64_t v, std::int64_t vInicial, std::int64_t vFinal) {
   return !(vInicial > 0 && v < vInicial) && !(vFinal > 0 && v > vFinal);
@@ -57,73 +95,14 @@ bool NaMascara(unsigned uiMascara, bool bTemBit, unsigned uiBit) {
 }  // namespace
 
 void DefineCriterio(CEntrada *pEntrada, const RegVeiculo &reg, Filtro *pFiltro) {
-  const auto ano = [&] { return static_cast<std::uint32_t>(Limite(pEntrada, reg.iAno)); };
-  switch (pEntrada->Ate(19)) {
-    case 0:
-      return DefineTexto(pEntrada, reg.szDescricao, pFiltro->szDescricao);
-    case 1:
-      return DefineTexto(pEntrada, reg.szCodigoANTT, pFiltro->szCodigoANTT);
-    case 2:
-      return DefineTexto(pEntrada, reg.szCodigo, pFiltro->szCodigo);
-    case 3:
-      return DefineTexto(pEntrada, reg.szRENAVAM, pFiltro->szRENAVAM);
-    case 4:
-      return DefineTexto(pEntrada, reg.szPlaca, pFiltro->szPlaca);
-    case 5:
-      return DefineTexto(pEntrada, reg.szUF, pFiltro->szUF);
-    case 6:
-      pFiltro->vTaraInicial = Limite(pEntrada, reg.vTara);
-      return;
-    case 7:
-      pFiltro->vTaraFinal = Limite(pEntrada, reg.vTara);
-      return;
-    case 8:
-      pFiltro->vCapacidadeKgInicial = Limite(pEntrada, reg.vCapacidadeKg);
-      return;
-    case 9:
-      pFiltro->vCapacidadeKgFinal = Limite(pEntrada, reg.vCapacidadeKg);
-      return;
-    case 10:
-      pFiltro->vCapacidadeM3Inicial = Limite(pEntrada, reg.vCapacidadeM3);
-      return;
-    case 11:
-      pFiltro->vCapacidadeM3Final = Limite(pEntrada, reg.vCapacidadeM3);
-      return;
-    case 12:
-      pFiltro->iAnoInicial = ano();
-      return;
-    case 13:
-      pFiltro->iAnoFinal = ano();
-      return;
-    case 14:
-      pFiltro->iPonteiroCliente = static_cast<std::uint16_t>(Limite(pEntrada, reg.iPonteiroCliente));
-      return;
-    case 15:
-      pFiltro->iTipoCarroceria = pEntrada->Byte();
-      return;
-    case 16:
-      pFiltro->iTipoRodado = pEntrada->Byte();
-      return;
-    case 17:
-      pFiltro->iTipoVeiculo = pEntrada->Byte();
-      return;
-    case 18:
-      pFiltro->iTipoTransporte = pEntrada->Byte();
-      return;
-    default:
-      // What no criterion reads.
-      std::memset(pFiltro->cFiller, pEntrada->Byte(), sizeof(pFiltro->cFiller));
-      pFiltro->lPosicao = pEntrada->Byte();
-      return;
-  }
+  kCriterios[pEntrada->Ate(std::size(kCriterios) - 1)](pEntrada, reg, pFiltro);
 }
 
 bool PassaPorTodos(const RegVeiculo &reg, const Filtro &filtro) {
   if (!NaFaixa(reg.vTara, filtro.vTaraInicial, filtro.vTaraFinal) ||
       !NaFaixa(reg.vCapacidadeKg, filtro.vCapacidadeKgInicial, filtro.vCapacidadeKgFinal) ||
       !NaFaixa(reg.vCapacidadeM3, filtro.vCapacidadeM3Inicial, filtro.vCapacidadeM3Final) ||
-      (filtro.iAnoInicial != 0 && reg.iAno < filtro.iAnoInicial) ||
-      (filtro.iAnoFinal != 0 && reg.iAno > filtro.iAnoFinal) ||
+      !NaFaixa(reg.iAno, filtro.iAnoInicial, filtro.iAnoFinal) ||
       (filtro.iPonteiroCliente != 0 && reg.iPonteiroCliente != filtro.iPonteiroCliente)) {
     return false;
   }

@@ -76,15 +76,11 @@ void ConferePadrao(const std::string &sTexto, const std::string &sPadrao, bool b
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qtd) {
-  fuzz::CEntrada entrada(pBytes, qtd);
-  const bool bLetras = entrada.Ate(3) != 0;
-  std::string sTexto = Texto(&entrada, kMaiorTexto, bLetras);
-  std::string sPadrao = Texto(&entrada, kMaiorPadrao, bLetras);
-  sTexto.resize(std::min(sTexto.find('\0'), sTexto.size()));
-  sPadrao.resize(std::min(sPadrao.find('\0'), sPadrao.size()));
+void fuzz::Executa(CEntrada *pEntrada) {
+  const bool bLetras = pEntrada->Ate(3) != 0;
+  const std::string sTexto = AteOZero(Texto(pEntrada, kMaiorTexto, bLetras));
+  const std::string sPadrao = AteOZero(Texto(pEntrada, kMaiorPadrao, bLetras));
   const bool bEsperado = CasaCuringa(plataforma::Maiusculas(sTexto), plataforma::Maiusculas(sPadrao));
   Exige(plataforma::CasaCuringa(sTexto.c_str(), sPadrao.c_str()) == bEsperado, "the system's match");
   ConferePadrao(sTexto, sPadrao, bEsperado);
-  return 0;
 }

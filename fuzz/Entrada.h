@@ -6,15 +6,31 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 namespace fuzz {
+
+/// The bytes of plain values.
+template <typename T>
+std::string_view BytesDe(const T *pValores, std::size_t qtd) {
+  return {reinterpret_cast<const char *>(pValores), qtd * sizeof(T)};
+}
+template <typename T>
+std::string_view BytesDe(const T &valor) {
+  return BytesDe(&valor, 1);
+}
+
+/// What stands before the first zero byte.
+inline std::string AteOZero(std::string_view sTexto) {
+  return std::string(sTexto.substr(0, sTexto.find('\0')));
+}
 
 /// The bytes of one run, taken from the front. What is taken behind their end is zero, or shorter.
 class CEntrada {
 public:
-  CEntrada(const std::uint8_t *pBytes, std::size_t qtd) : m_pBytes(pBytes), m_uiRestam(qtd) {}
+  explicit CEntrada(std::string_view sBytes) : m_sRestam(sBytes) {}
 
-  bool Acabou() const { return m_uiRestam == 0; }
+  bool Acabou() const { return m_sRestam.empty(); }
 
   std::uint8_t Byte() { return Valor<std::uint8_t>(); }
 
@@ -32,19 +48,19 @@ public:
 
   /// As many bytes as there still are, at most `uiMaximo`.
   std::string Bytes(std::size_t uiMaximo) {
-    const std::size_t qtd = std::min(uiMaximo, m_uiRestam);
-    std::string sBytes(reinterpret_cast<const char *>(m_pBytes), qtd);
-    m_pBytes += qtd;
-    m_uiRestam -= qtd;
+    const std::string sBytes(m_sRestam.substr(0, uiMaximo));
+    m_sRestam.remove_prefix(sBytes.size());
     return sBytes;
   }
 
-  std::string Resto() { return Bytes(m_uiRestam); }
+  std::string Resto() { return Bytes(m_sRestam.size()); }
 
 private:
-  const std::uint8_t *m_pBytes;
-  std::size_t m_uiRestam;
+  std::string_view m_sRestam;
 };
+
+/// One run of a fuzzer; each defines its own.
+void Executa(CEntrada *pEntrada);
 
 }  // namespace fuzz
 

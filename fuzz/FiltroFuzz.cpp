@@ -50,30 +50,27 @@ void ConfereBusca(fuzz::CEntrada *pEntrada, const RegVeiculo &reg, const Filtro 
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qtd) {
-  fuzz::CEntrada entrada(pBytes, qtd);
+void fuzz::Executa(CEntrada *pEntrada) {
   Filtro filtro{};
-  const std::string sCriterios = entrada.Bytes(entrada.Ate(std::numeric_limits<std::uint8_t>::max()));
-  fuzz::CEntrada criterios(reinterpret_cast<const std::uint8_t *>(sCriterios.data()), sCriterios.size());
+  const std::string sCriterios = pEntrada->Bytes(pEntrada->Ate(std::numeric_limits<std::uint8_t>::max()));
+  CEntrada criterios(sCriterios);
   // Alone on the heap, so that a read past the record is seen.
-  const auto reg = std::make_unique<RegVeiculo>(entrada.Valor<RegVeiculo>());
+  const auto reg = std::make_unique<RegVeiculo>(pEntrada->Valor<RegVeiculo>());
   while (!criterios.Acabou()) {
-    fuzz::DefineCriterio(&criterios, *reg, &filtro);
+    DefineCriterio(&criterios, *reg, &filtro);
   }
   const CFiltroVeiculos preparado(filtro);
-  ConfereBusca(&entrada, *reg, filtro, preparado);
+  ConfereBusca(pEntrada, *reg, filtro, preparado);
   const bool bPassa = preparado.Atende(*reg);
-  fuzz::Exige(bPassa == PassaPorTodos(*reg, filtro), "the verdict on a record");
-  fuzz::Exige(bPassa || !preparado.PassaTudo(), "a filter of no criterion");
+  Exige(bPassa == PassaPorTodos(*reg, filtro), "the verdict on a record");
+  Exige(bPassa || !preparado.PassaTudo(), "a filter of no criterion");
   if (const auto chave = preparado.ChaveExata()) {
-    const std::string_view sLargo = chave->uiCampo == 0 ? std::string_view(reg->szCodigo, sizeof(reg->szCodigo))
-                                                        : std::string_view(reg->szPlaca, sizeof(reg->szPlaca));
-    const std::string_view sCampo = sLargo.substr(0, sLargo.find('\0'));
-    fuzz::Exige(!bPassa || sCampo == chave->sTexto, "the text to look for");
+    const std::string sCampo = chave->uiCampo == 0 ? AteOZero({reg->szCodigo, sizeof(reg->szCodigo)})
+                                                   : AteOZero({reg->szPlaca, sizeof(reg->szPlaca)});
+    Exige(!bPassa || sCampo == chave->sTexto, "the text to look for");
     using Indices = CQZIndices<RegVeiculo>;
-    fuzz::Exige(sCampo != chave->sTexto ||
-                    Indices::Hash(chave->uiCampo, *reg) == Indices::HashDoTexto(chave->uiCampo, chave->sTexto),
-                "the hash of a text");
+    Exige(sCampo != chave->sTexto ||
+              Indices::Hash(chave->uiCampo, *reg) == Indices::HashDoTexto(chave->uiCampo, chave->sTexto),
+          "the hash of a text");
   }
-  return 0;
 }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <sstream>
 #include <string_view>
 #include <utility>
 
@@ -45,19 +46,13 @@ CString LinhaProcessos(fuzz::CEntrada *pEntrada, const CString &sProcesso) {
   return sLinha + "\r\n";
 }
 
-bool Rastreado(const CString &sProcesso, const CString &sProcessos) {
-  if (sProcessos.find("todos") != CString::npos) {
-    return true;
-  }
-  CString sTrecho;
-  bool bAchado = false;
-  for (const char c : sProcessos + ";") {
-    if (c == ';' || c == ',' || c == ' ') {
-      bAchado = bAchado || (!sTrecho.empty() && sProcesso.find(sTrecho) != CString::npos);
-      sTrecho.clear();
-    } else {
-      sTrecho += c;
-    }
+bool Rastreado(const CString &sProcesso, CString sProcessos) {
+  bool bAchado = sProcessos.find("todos") != CString::npos;
+  std::replace(sProcessos.begin(), sProcessos.end(), ';', ' ');
+  std::replace(sProcessos.begin(), sProcessos.end(), ',', ' ');
+  std::istringstream trechos(sProcessos);
+  for (std::string sTrecho; std::getline(trechos, sTrecho, ' ');) {
+    bAchado = bAchado || (!sTrecho.empty() && sProcesso.find(sTrecho) != CString::npos);
   }
   return bAchado;
 }
@@ -77,7 +72,7 @@ void ConfereChaves(const CString &sIni) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qtd) {
+void fuzz::Executa(CEntrada *pEntrada) {
   static const apoio::PastaTemporaria pasta;
   apoio::RegistroFalso registro;
   registro.m_textos[{CString(kChaveSuite) + "Miran Empresarial", "Path"}] = pasta.Caminho();
@@ -86,14 +81,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qt
   const apoio::ServicosTrocados servicos(nullptr, &registro, &relogio, &sistema);
   const CString sIni = pasta / "log.ini";
 
-  fuzz::CEntrada entrada(pBytes, qtd);
-  const std::size_t uiForma = entrada.Ate(7);
-  const CString sProcesso = entrada.Bytes(entrada.Ate(12));
+  const std::size_t uiForma = pEntrada->Ate(7);
+  const CString sProcesso = pEntrada->Bytes(pEntrada->Ate(12));
   CString sConteudo = uiForma != 0 ? "[Log]\r\n" : "";
   if (uiForma > 3) {
-    sConteudo += LinhaProcessos(&entrada, sProcesso);
+    sConteudo += LinhaProcessos(pEntrada, sProcesso);
   }
-  apoio::EscreveArquivo(sIni, sConteudo + entrada.Resto());
+  apoio::EscreveArquivo(sIni, sConteudo + pEntrada->Resto());
 
   relogio.m_ticks = MomentoDeCarga();
   Exige(CarregaConfiguracaoLog() == relogio.m_ticks, "loaded");
@@ -111,5 +105,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qt
     relogio.m_ticks += 1;
     Exige(CarregaConfiguracaoLog() == relogio.m_ticks, "due");
   }
-  return 0;
 }

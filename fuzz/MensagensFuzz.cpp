@@ -6,6 +6,7 @@
 #include "core/errors/QZMensagem.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
 #include <map>
 
@@ -23,20 +24,11 @@ constexpr std::size_t kMaiorLinha = 1023;
 
 using Textos = std::map<std::uint32_t, std::string>;
 
+/// As the C library reads it, at the nearest end of 32 bits when it is beyond.
 std::uint32_t Numero(const std::string &sLinha) {
-  const char *p = sLinha.c_str();
-  while (*p == ' ' || (*p >= '\t' && *p <= '\r')) {
-    ++p;
-  }
-  const bool bNegativo = *p == '-';
-  p += bNegativo || *p == '+' ? 1 : 0;
-  constexpr std::int64_t kMaior = std::numeric_limits<std::int32_t>::max();
-  const std::int64_t iLimite = bNegativo ? kMaior + 1 : kMaior;
-  std::int64_t iNumero = 0;
-  for (; *p >= '0' && *p <= '9'; ++p) {
-    iNumero = std::min(iNumero * 10 + (*p - '0'), iLimite);
-  }
-  return static_cast<std::uint32_t>(bNegativo ? -iNumero : iNumero);
+  using Limites = std::numeric_limits<std::int32_t>;
+  const long long iNumero = std::strtoll(sLinha.c_str(), nullptr, 10);
+  return static_cast<std::uint32_t>(std::clamp<long long>(iNumero, Limites::min(), Limites::max()));
 }
 
 void AnotaLinha(std::string sLinha, Textos *pTextos) {
@@ -73,24 +65,20 @@ Textos Referencia(const std::string &sCatalogo) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qtd) {
-  constexpr int kConsultas = 8;
+void fuzz::Executa(CEntrada *pEntrada) {
   static const apoio::PastaTemporaria pasta;
   apoio::RegistroFalso registro;
   registro.m_textos[{kChaveSuite, "Mensagens"}] = pasta.Caminho();
   apoio::CaixaFalsa caixa;
   const apoio::ServicosTrocados servicos(nullptr, &registro, nullptr, nullptr, &caixa);
 
-  fuzz::CEntrada entrada(pBytes, qtd);
-  const auto uiQualquer = entrada.Valor<std::uint32_t>();
-  const std::string sCatalogo = entrada.Resto();
+  const auto uiQualquer = pEntrada->Valor<std::uint32_t>();
+  const std::string sCatalogo = pEntrada->Resto();
   apoio::EscreveArquivo(pasta / "QZMEMens.txt", sCatalogo);
   Textos textos = Referencia(sCatalogo);
-  fuzz::Exige(CQZMensagem::LeMensagem(uiQualquer, 1) == textos[uiQualquer], "the text of any number");
-  int iConsultas = 0;
-  for (auto it = textos.begin(); it != textos.end() && iConsultas < kConsultas; ++it, ++iConsultas) {
-    fuzz::Exige(CQZMensagem::LeMensagem(it->first, 1) == it->second, "the text of a number of the catalogue");
+  textos.try_emplace(uiQualquer);
+  for (const auto &[uiNumero, sTexto] : textos) {
+    Exige(CQZMensagem::LeMensagem(uiNumero, 1) == sTexto, "the text of a number");
   }
-  fuzz::Exige(caixa.Toma().empty(), "no box");
-  return 0;
+  Exige(caixa.Toma().empty(), "no box");
 }

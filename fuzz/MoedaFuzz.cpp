@@ -5,7 +5,9 @@
 
 #include "client/QZVeiculosMoeda.h"
 
+#include <charconv>
 #include <optional>
+#include <regex>
 
 #include "fuzz/Entrada.h"
 #include "fuzz/Exige.h"
@@ -14,38 +16,17 @@ namespace {
 
 using fuzz::Exige;
 
-/// The meaning of a text in wide arithmetic; nothing when it is none of the permitted form or out of range.
-std::optional<std::int64_t> Referencia(std::string sTexto) {
-  const bool bNegativo = !sTexto.empty() && sTexto[0] == '-';
-  sTexto.erase(0, bNegativo ? 1 : 0);
-  const std::size_t uiInteiros = sTexto.find_first_not_of("0123456789");
-  std::size_t uiDecimais = 0;
-  if (uiInteiros != std::string::npos) {
-    uiDecimais = sTexto.size() - uiInteiros - 1;
-    if ((sTexto[uiInteiros] != ',' && sTexto[uiInteiros] != '.') || uiInteiros == 0 || uiDecimais < 1 ||
-        uiDecimais > 4) {
-      return std::nullopt;
-    }
-    sTexto.erase(uiInteiros, 1);
-  }
-  if (sTexto.empty() || sTexto.find_first_not_of("0123456789") != std::string::npos) {
+/// The meaning of a text: its digits with all four decimals; nothing when it has not the form or is out of range.
+std::optional<std::int64_t> Referencia(const std::string &sTexto) {
+  static const std::regex forma("(-?[0-9]+)([.,]([0-9]{1,4}))?");
+  std::smatch partes;
+  if (!std::regex_match(sTexto, partes, forma)) {
     return std::nullopt;
   }
-  sTexto.append(4 - uiDecimais, '0');
-  sTexto.erase(0, sTexto.find_first_not_of('0'));
-  if (sTexto.size() > 19) {
-    return std::nullopt;
-  }
-  // Nineteen digits fit into 64 bits without a sign.
-  std::uint64_t uiValor = 0;
-  for (const char c : sTexto) {
-    uiValor = uiValor * 10 + static_cast<std::uint64_t>(c - '0');
-  }
-  constexpr std::uint64_t kLimite = std::uint64_t{1} << 63;
-  if (bNegativo ? uiValor > kLimite : uiValor >= kLimite) {
-    return std::nullopt;
-  }
-  return static_cast<std::int64_t>(bNegativo ? 0 - uiValor : uiValor);
+  const std::string sDigitos = partes.str(1) + (partes.str(3) + "0000").substr(0, 4);
+  std::int64_t vValor = 0;
+  const auto lido = std::from_chars(sDigitos.data(), sDigitos.data() + sDigitos.size(), vValor);
+  return lido.ec == std::errc() ? std::optional(vValor) : std::nullopt;
 }
 
 void ConfereTexto(const std::string &sTexto) {
@@ -83,18 +64,13 @@ void ConfereFimDaFaixa(fuzz::CEntrada *pEntrada) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qtd) {
-  fuzz::CEntrada entrada(pBytes, qtd);
-  switch (entrada.Ate(3)) {
+void fuzz::Executa(CEntrada *pEntrada) {
+  switch (pEntrada->Ate(3)) {
     case 0:
-      ConfereValor(entrada.Valor<std::int64_t>());
-      break;
+      return ConfereValor(pEntrada->Valor<std::int64_t>());
     case 1:
-      ConfereFimDaFaixa(&entrada);
-      break;
+      return ConfereFimDaFaixa(pEntrada);
     default:
-      ConfereTexto(entrada.Resto());
-      break;
+      return ConfereTexto(pEntrada->Resto());
   }
-  return 0;
 }

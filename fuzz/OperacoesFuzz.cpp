@@ -14,20 +14,12 @@
 
 #include "core/platform/MemoriaTarefa.h"
 #include "fuzz/CriteriosDaEntrada.h"
-#include "fuzz/Exige.h"
-#include "fuzz/PastaDaEntrada.h"
-#include "fuzz/Referencia.h"
+#include "fuzz/Empresa.h"
 #include "tests/apoio/ArquivosDecorado.h"
-#include "tests/apoio/ChaveCabecalho.h"
-#include "tests/apoio/EmpresaTeste.h"
-#include "tests/apoio/RelogioFalso.h"
-#include "vehicles/BaseVeiculos.h"
 
 namespace {
 
-using fuzz::CEntrada;
-using fuzz::Exige;
-using fuzz::ExigeCodigo;
+using namespace fuzz;
 using Filtro = tagREG_FILTRO_VEICULOSPS;
 using Veiculo = tagREG_VEICULOPS;
 
@@ -35,11 +27,6 @@ constexpr int kMaximoOperacoes = 32;
 constexpr std::size_t kMaisLidos = 150;
 /// More than a block of records in memory holds.
 constexpr std::size_t kMuitos = kRegistrosPorBloco + 90;
-
-template <typename T>
-std::string_view Bytes(const T &valor) {
-  return {reinterpret_cast<const char *>(&valor), sizeof(valor)};
-}
 
 template <std::size_t N>
 void Preenche(std::string_view sTexto, char (&campo)[N]) {
@@ -118,20 +105,19 @@ Veiculo VeiculoDaEntrada(CEntrada *pEntrada) {
 
 class Execucao {
 public:
-  explicit Execucao(bool bCabecalhos) : m_bCabecalhos(bCabecalhos), m_cabecalho(bCabecalhos) { AbreTodos(); }
+  explicit Execucao(bool bCabecalhos) : m_empresa(bCabecalhos) { AbreTodos(); }
 
   void Roda(CEntrada *pEntrada) {
     for (int i = 0; i < kMaximoOperacoes && !pEntrada->Acabou(); ++i) {
       Opera(pEntrada);
     }
-    Recarrega("");
+    Recarrega({});
   }
 
 private:
-  HRESULT Inicia(CBaseVeiculos *pBase) { return pBase->Inicializa(m_empresa.Codigo(), 7, 42); }
   void AbreTodos() {
     for (CBaseVeiculos &base : m_bases) {
-      ExigeCodigo(Inicia(&base), codigos::kOk, "opening");
+      ExigeCodigo(m_empresa.Abre(&base), codigos::kOk, "opening");
     }
   }
 
@@ -156,9 +142,10 @@ private:
         return Busca(&base, FiltroDaEntrada(pEntrada));
       case 10:
         ExigeCodigo(base.Finaliza(), codigos::kOk, "closing one of two");
-        return ExigeCodigo(Inicia(&base), codigos::kOk, "opening one of two");
+        return ExigeCodigo(m_empresa.Abre(&base), codigos::kOk, "opening one of two");
       default:
-        return Recarrega(m_modelo.size() < kMuitos / 2 && pEntrada->Ate(3) == 0 ? Muitos(pEntrada) : "");
+        return Recarrega(m_modelo.size() < kMuitos / 2 && pEntrada->Ate(3) == 0 ? Muitos(pEntrada)
+                                                                                : std::vector<RegVeiculo>());
     }
   }
 
@@ -172,7 +159,9 @@ private:
   }
   bool Existe(LONG lPos) const { return lPos > 0 && static_cast<std::size_t>(lPos) <= m_modelo.size(); }
 
-  void Anota(LONG lPos, const Veiculo &v) {
+  /// A write that succeeded.
+  void Anota(LONG lPedida, LONG lPos, const Veiculo &v) {
+    Exige(lPos == (lPedida != 0 ? lPedida : static_cast<LONG>(m_modelo.size() + 1)), "the position of a write");
     m_modelo.resize(std::max(m_modelo.size(), static_cast<std::size_t>(lPos)));
     m_modelo[static_cast<std::size_t>(lPos - 1)] = Copia<RegVeiculo>(v);
   }
@@ -187,8 +176,7 @@ private:
       return Exige(lPos == lPedida, "its position");
     }
     ExigeCodigo(hr, codigos::kOk, "a write");
-    Exige(lPos == (lPedida != 0 ? lPedida : static_cast<LONG>(m_modelo.size() + 1)), "the position of a write");
-    Anota(lPos, v);
+    Anota(lPedida, lPos, v);
   }
 
   /// Whatever the disk does, a write has happened or it has not, as its code says.
@@ -214,8 +202,7 @@ private:
     if (Falhou(hr)) {
       Exige(m_falhas.Disparou() && lPos == lPedida, "a write that fails");
     } else {
-      Exige(lPos == (lPedida != 0 ? lPedida : static_cast<LONG>(m_modelo.size() + 1)), "the position of a write");
-      Anota(lPos, v);
+      Anota(lPedida, lPos, v);
     }
     std::uint32_t iQtd = 0;
     ExigeCodigo(pBase->GetQuantidadeRegistros(&iQtd), codigos::kOk, "the number of records");
@@ -244,14 +231,14 @@ private:
     for (std::size_t i = 0; i < lidos.size(); ++i) {
       const Veiculo esperado =
           i < uiBons ? Copia<Veiculo>(m_modelo[static_cast<std::size_t>(posicoes[i] - 1)]) : Veiculo{};
-      Exige(Bytes(lidos[i]) == Bytes(esperado), "the vehicles read");
+      Exige(BytesDe(lidos[i]) == BytesDe(esperado), "the vehicles read");
     }
   }
 
   /// The first that passes, from 1; 0 for none.
   std::size_t Primeiro(const Filtro &filtro) const {
     const auto achado = std::find_if(m_modelo.begin(), m_modelo.end(),
-                                     [&](const RegVeiculo &reg) { return fuzz::PassaPorTodos(reg, filtro); });
+                                     [&](const RegVeiculo &reg) { return PassaPorTodos(reg, filtro); });
     return achado == m_modelo.end() ? 0 : static_cast<std::size_t>(achado - m_modelo.begin()) + 1;
   }
 
@@ -260,14 +247,14 @@ private:
     Filtro porPlaca{};
     Preenche(sTexto.c_str(), porCodigo.szCodigo);
     Preenche(sTexto.c_str(), porPlaca.szPlaca);
-    std::size_t uiEsperada = Primeiro(porCodigo);
-    uiEsperada = uiEsperada != 0 ? uiEsperada : Primeiro(porPlaca);
+    const std::size_t uiPorCodigo = Primeiro(porCodigo);
+    const std::size_t uiEsperada = uiPorCodigo != 0 ? uiPorCodigo : Primeiro(porPlaca);
     std::uint32_t iPos = 77;
     Veiculo v{};
     std::memset(&v, 'x', sizeof(v));
     ExigeCodigo(pBase->Existe(sTexto.c_str(), &iPos, &v), codigos::kOk, "looking for a code or a plate");
     Exige(iPos == uiEsperada, "the first with a code, or else with a plate");
-    Exige(Bytes(v) == Bytes(iPos != 0 ? Copia<Veiculo>(m_modelo[iPos - 1]) : Veiculo{}), "the vehicle found");
+    Exige(BytesDe(v) == BytesDe(iPos != 0 ? Copia<Veiculo>(m_modelo[iPos - 1]) : Veiculo{}), "the vehicle found");
   }
 
   /// Criteria for a record that is there.
@@ -275,7 +262,7 @@ private:
     Filtro filtro{};
     const RegVeiculo reg = m_modelo.empty() ? RegVeiculo{} : m_modelo[pEntrada->Byte() % m_modelo.size()];
     for (std::size_t criterios = pEntrada->Ate(3); criterios > 0; --criterios) {
-      fuzz::DefineCriterio(pEntrada, reg, &filtro);
+      DefineCriterio(pEntrada, reg, &filtro);
     }
     return filtro;
   }
@@ -284,9 +271,9 @@ private:
     std::vector<LONG> esperadas;
     std::string sEsperados;
     for (std::size_t i = 0; i < m_modelo.size(); ++i) {
-      if (fuzz::PassaPorTodos(m_modelo[i], filtro)) {
+      if (PassaPorTodos(m_modelo[i], filtro)) {
         esperadas.push_back(static_cast<LONG>(i + 1));
-        sEsperados += Bytes(m_modelo[i]);
+        sEsperados += BytesDe(m_modelo[i]);
       }
     }
     tagRESULTADO_BUSCA_VEICULOS resultado;
@@ -299,63 +286,40 @@ private:
     CArray<LONG> aPonteiros;
     CArray<RegVeiculo> aRegistros;
     ExigeCodigo(pBase->InternalGetRegs(filtro, &aPonteiros, &aRegistros), codigos::kOk, "a search for records");
-    Exige(std::equal(esperadas.begin(), esperadas.end(), aPonteiros.GetData(),
-                     aPonteiros.GetData() + aPonteiros.GetSize()),
+    Exige(std::vector(aPonteiros.GetData(), aPonteiros.GetData() + aPonteiros.GetSize()) == esperadas,
           "the positions of records found");
-    Exige(std::string_view(reinterpret_cast<const char *>(aRegistros.GetData()),
-                           aRegistros.GetSize() * sizeof(RegVeiculo)) == sEsperados,
-          "the records found");
+    Exige(BytesDe(aRegistros.GetData(), aRegistros.GetSize()) == sEsperados, "the records found");
   }
 
   /// Vehicles in number, with years that rise.
-  static std::string Muitos(CEntrada *pEntrada) {
-    const auto modelo = Copia<RegVeiculo>(VeiculoDaEntrada(pEntrada));
-    std::string sRegistros;
+  static std::vector<RegVeiculo> Muitos(CEntrada *pEntrada) {
+    std::vector<RegVeiculo> registros(kMuitos, Copia<RegVeiculo>(VeiculoDaEntrada(pEntrada)));
     for (std::size_t i = 0; i < kMuitos; ++i) {
-      RegVeiculo reg = modelo;
-      reg.iAno += static_cast<std::uint32_t>(i);
-      sRegistros += Bytes(reg);
+      registros[i].iAno += static_cast<std::uint32_t>(i);
     }
-    return sRegistros;
+    return registros;
   }
 
   /// Closes both, looks at the disk, adds records to the file and opens it again.
-  void Recarrega(const std::string &sMais) {
+  void Recarrega(const std::vector<RegVeiculo> &mais) {
     for (CBaseVeiculos &base : m_bases) {
       ExigeCodigo(base.Finaliza(), codigos::kOk, "closing");
     }
     Exige(!m_empresa.Existe("DFVEIC.INT") || m_modelo.empty() || m_bCompanheirosFalharam,
           "no note but that of a creation stays");
     Exige(!m_empresa.Existe("DFVEIC.TRA") || m_bCompanheirosFalharam, "no unfinished copy stays");
-    std::string sRegistros;
-    for (const RegVeiculo &reg : m_modelo) {
-      sRegistros += Bytes(reg);
-    }
-    const bool bExiste = m_empresa.Existe(fuzz::kVeiculos);
-    Exige(bExiste || m_modelo.empty(), "a file for the records");
-    if (bExiste) {
-      const std::string sDisco = m_empresa.Le(fuzz::kVeiculos);
-      const fuzz::ArquivoExaminado exame = fuzz::Examina(fuzz::kVeiculos, sDisco, m_bCabecalhos);
-      ExigeCodigo(exame.hr, codigos::kOk, "the header on disk");
-      Exige(exame.bTemCabecalho == m_bCabecalhos || sDisco.empty(), "a header on disk");
-      Exige(exame.sDados == sRegistros, "the records on disk");
-    }
-    if (!sMais.empty()) {
-      sRegistros += sMais;
-      m_modelo.resize(sRegistros.size() / sizeof(RegVeiculo));
-      std::memcpy(m_modelo.data(), sRegistros.data(), sRegistros.size());
-      m_empresa.Escreve(fuzz::kVeiculos,
-                        (m_bCabecalhos ? fuzz::Cabecalho(fuzz::kVeiculos, sRegistros) : "") + sRegistros);
+    Exige(m_empresa.Dados(kVeiculos) == BytesDe(m_modelo.data(), m_modelo.size()), "the records on disk");
+    if (!mais.empty()) {
+      m_modelo.insert(m_modelo.end(), mais.begin(), mais.end());
+      const std::string sRegistros(BytesDe(m_modelo.data(), m_modelo.size()));
+      m_empresa.Escreve(kVeiculos, (m_empresa.m_bCabecalhos ? Cabecalho(kVeiculos, sRegistros) : "") + sRegistros);
     }
     AbreTodos();
   }
 
-  bool m_bCabecalhos;
-  apoio::EmpresaTeste m_empresa;
-  apoio::ChaveCabecalho m_cabecalho;
-  apoio::RelogioFalso m_relogio;
+  CEmpresa m_empresa;
   apoio::ArquivosComFalha m_falhas{*plataforma::ServicosDoSistema().arquivos};
-  apoio::ServicosTrocados m_servicos{&m_falhas, nullptr, &m_relogio};
+  apoio::ServicosTrocados m_servicos{&m_falhas};
   std::array<CBaseVeiculos, 2> m_bases;
   std::vector<RegVeiculo> m_modelo;
   bool m_bCompanheirosFalharam = false;  ///< what is beside the data file may not have been deleted
@@ -363,9 +327,7 @@ private:
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qtd) {
-  CEntrada entrada(pBytes, qtd);
-  const bool bCabecalhos = entrada.Ate(1) != 0;
-  Execucao(bCabecalhos).Roda(&entrada);
-  return 0;
+void fuzz::Executa(CEntrada *pEntrada) {
+  const bool bCabecalhos = pEntrada->Ate(1) != 0;
+  Execucao(bCabecalhos).Roda(pEntrada);
 }

@@ -12,40 +12,23 @@
 
 #include "client/Saida.h"
 #include "core/platform/Textos.h"
-#include "fuzz/Exige.h"
-#include "fuzz/PastaDaEntrada.h"
-#include "fuzz/Referencia.h"
-#include "qzdados/Comandos.h"
+#include "fuzz/Empresa.h"
 #include "qzdados/Exame.h"
-#include "tests/apoio/ChaveCabecalho.h"
-#include "tests/apoio/EmpresaTeste.h"
-#include "tests/apoio/RelogioFalso.h"
-#include "vehicles/BaseVeiculos.h"
+#include "tests/qzdados/ApoioQzdados.h"
 
 namespace {
 
 using namespace fuzz;
 
-class TelaMuda final : public ITela {
-public:
-  void Escreve(std::string_view sTexto) override { m_sTexto += sTexto; }
-  void SaidaEmBytes() override {}
-  void EscreveErro(std::string_view /*sTexto*/) override {}
-  bool SaidaVisivel() const override { return false; }
-  void Progresso(std::uint64_t uiFeito, std::uint64_t uiTotal) override {
-    Exige(uiFeito <= uiTotal, "the progress of a reading");
-  }
+Rodada Qzdados(const std::vector<std::string> &aTextos) {
+  Rodada rodada(aTextos);
+  Exige(!rodada.tela.m_bPassouDoFim, "the progress of a reading");
+  return rodada;
+}
 
-  std::string m_sTexto;
-};
-
-int Roda(const std::vector<std::string> &aTextos, std::string *psSaida = nullptr) {
-  TelaMuda tela;
-  const int iCodigo = ExecutaQzdados(aTextos, tela);
-  if (psSaida != nullptr) {
-    *psSaida = tela.m_sTexto;
-  }
-  return iCodigo;
+/// The exit code of a look at a path.
+int Estado(const std::string &sCaminho) {
+  return Qzdados({"verifica", sCaminho}).iCodigo;
 }
 
 /// The CSV listing of vehicles.
@@ -63,44 +46,33 @@ std::string CsvDe(const std::string &sRegistros) {
 
 class Execucao {
 public:
-  explicit Execucao(const Pasta &pasta) : m_antes(pasta) {
-    for (const auto &[sNome, sBytes] : pasta) {
-      m_empresa.Escreve(sNome, sBytes);
-    }
-  }
+  explicit Execucao(const Pasta &pasta) : m_antes(pasta), m_depois(pasta), m_empresa(true, pasta) {}
 
   void Roda() {
-    const int iEstado = ::Roda({"verifica", m_empresa.Caminho(""), "--detalhes"});
-    Exige(iEstado >= PiorArquivo() && iEstado <= 2, "the exit code for a directory");
+    const int iEstado = Qzdados({"verifica", m_empresa.Caminho(""), "--detalhes"}).iCodigo;
+    int iPior = FaltaListado() ? 2 : 0;
     bool bReparados = true;
     for (const auto &[sNome, sBytes] : m_antes) {
-      Lista(sNome);
+      const int iDoArquivo = Estado(m_empresa.Caminho(sNome));
+      iPior = std::max(iPior, iDoArquivo);
+      bReparados = bReparados && iDoArquivo != 2;
+      Lista(sNome, iDoArquivo == 0);
       CabecalhoIdaEVolta(sNome);
-      bReparados = Recupera(sNome) && bReparados;
+      Recupera(sNome, iDoArquivo == 1);
     }
+    Exige(iEstado >= iPior && iEstado <= 2, "the exit code for a directory");
     for (const auto &[sNome, sBytes] : m_antes) {
       Exige(m_empresa.Le(sNome) == sBytes, "no original changes");
     }
     if (bReparados) {
-      TrocaReparados();
-      AbreSeSa();
+      AbreSeSa(CEmpresa(true, m_depois));
     }
   }
 
 private:
-  /// The worst of the files alone, or that of a list which does not agree with the directory.
-  int PiorArquivo() const {
-    int iPior = FaltaListado() ? 2 : 0;
-    for (const auto &[sNome, sBytes] : m_antes) {
-      iPior = std::max(iPior, ::Roda({"verifica", m_empresa.Caminho(sNome)}));
-    }
-    return iPior;
-  }
   /// A journal may stand for the version file.
   bool FaltaListado() const {
-    const auto lista = m_antes.find(kControle);
-    const ArquivoExaminado exame =
-        lista != m_antes.end() ? Examina(kControle, lista->second, true) : ArquivoExaminado();
+    const ArquivoExaminado exame = Examina(kControle, m_empresa.Bytes(kControle).value_or(""), true);
     const std::vector<std::string> nomes = LinhasDoTexto(exame.sDados);
     if (Falhou(exame.hr) || BytesDasLinhas(nomes) != exame.sDados) {
       return false;
@@ -111,98 +83,75 @@ private:
     });
   }
 
-  void Lista(const std::string &sNome) const {
+  void Lista(const std::string &sNome, bool bSao) const {
     for (const char *lpFormato : {"--csv", "--json", "--ate=2"}) {
-      std::string sSaida;
-      const int iCodigo = ::Roda({"lista", m_empresa.Caminho(sNome), lpFormato}, &sSaida);
-      Exige(iCodigo == 0 || iCodigo == 3, "the exit code of a listing");
-      const bool bCsv = std::string_view(lpFormato) == "--csv";
-      if (bCsv && sNome == kVeiculos && ::Roda({"verifica", m_empresa.Caminho(sNome)}) == 0) {
-        Exige(iCodigo == 0 && sSaida == CsvDe(Examina(sNome, m_antes.at(sNome), true).sDados), "the records listed");
-      }
+      const Rodada rodada = Qzdados({"lista", m_empresa.Caminho(sNome), lpFormato});
+      Exige(rodada.iCodigo == 0 || rodada.iCodigo == 3, "the exit code of a listing");
+      Exige(!bSao || sNome != kVeiculos || std::string_view(lpFormato) != "--csv" ||
+                rodada.Saida() == CsvDe(Examina(sNome, m_antes.at(sNome), true).sDados),
+            "the records listed");
     }
   }
 
-  /// False for a file that is damaged beyond repair.
-  bool Recupera(const std::string &sNome) {
+  void Recupera(const std::string &sNome, bool bReparavel) {
     const std::string sNovo = m_empresa.Caminho(sNome + ".novo");
-    const int iEstado = ::Roda({"verifica", m_empresa.Caminho(sNome)});
-    const int iCodigo = ::Roda({"recupera", m_empresa.Caminho(sNome), "--em", sNovo});
+    const int iCodigo = Qzdados({"recupera", m_empresa.Caminho(sNome), "--em", sNovo}).iCodigo;
     const bool bGravou = m_empresa.Existe(sNome + ".novo");
+    Exige(bGravou || !bReparavel, "a repairable file is repaired");
     if (bGravou) {
       Exige(iCodigo == 0, "a repair says that it wrote");
-      Exige(::Roda({"verifica", sNovo, "--como", sNome}) == 0, "a repaired copy is sound");
+      Exige(Qzdados({"verifica", sNovo, "--como", sNome}).iCodigo == 0, "a repaired copy is sound");
       const std::string sInteiros = m_empresa.Le(sNome + ".novo");
       const std::string sDados = Examina(IdentificaNome(sNome).sNome, sInteiros, true).sDados;
       Exige(m_antes.at(sNome).find(sDados) != std::string::npos, "a repaired copy has the bytes of the original alone");
-      Exige(::Roda({"recupera", m_empresa.Caminho(sNome), "--em", sNovo}) == 3 &&
+      Exige(Qzdados({"recupera", m_empresa.Caminho(sNome), "--em", sNovo}).iCodigo == 3 &&
                 m_empresa.Le(sNome + ".novo") == sInteiros,
             "nothing is written over a file");
-      m_reparados.push_back(sNome);
+      if (!IdentificaNome(sNome).bSobra) {
+        m_depois[sNome] = sInteiros;
+      }
     }
-    Exige(iEstado != 1 || bGravou, "a repairable file is repaired");
-    return iEstado != 2;
   }
 
   void CabecalhoIdaEVolta(const std::string &sNome) const {
     const std::string sCom = m_empresa.Caminho(sNome + ".com");
     const std::string sSem = m_empresa.Caminho(sNome + ".sem");
-    ::Roda({"cabecalho", "poe", m_empresa.Caminho(sNome), "--em", sCom});
+    const std::string &sBytes = m_antes.at(sNome);
+    Qzdados({"cabecalho", "poe", m_empresa.Caminho(sNome), "--em", sCom});
     if (m_empresa.Existe(sNome + ".com")) {
-      Exige(
-          m_empresa.Le(sNome + ".com") == Cabecalho(IdentificaNome(sNome).sNome, m_antes.at(sNome)) + m_antes.at(sNome),
-          "a header for the data and nothing else");
-      Exige(::Roda({"cabecalho", "tira", sCom, "--em", sSem, "--como", sNome}) == 0, "what was put is taken");
-      Exige(m_empresa.Le(sNome + ".sem") == m_antes.at(sNome), "the data without a header");
-    }
-  }
-
-  /// And takes away what else was written: by its own name it may be anything.
-  void TrocaReparados() const {
-    for (const std::string &sNome : m_reparados) {
-      if (!IdentificaNome(sNome).bSobra) {
-        m_empresa.Escreve(sNome, m_empresa.Le(sNome + ".novo"));
-      }
-    }
-    for (const auto &[sNome, sBytes] : m_antes) {
-      for (const char *lpFim : {".novo", ".com", ".sem"}) {
-        static_cast<void>(plataforma::Arquivos().Apaga(m_empresa.Caminho(sNome + lpFim)));
-      }
+      Exige(m_empresa.Le(sNome + ".com") == Cabecalho(IdentificaNome(sNome).sNome, sBytes) + sBytes,
+            "a header for the data and nothing else");
+      Exige(Qzdados({"cabecalho", "tira", sCom, "--em", sSem, "--como", sNome}).iCodigo == 0, "what was put is taken");
+      Exige(m_empresa.Le(sNome + ".sem") == sBytes, "the data without a header");
     }
   }
 
   /// Of the present version alone: the conversion of an older base may drop its only file.
-  void AbreSeSa() const {
-    const int iEstado = ::Roda({"verifica", m_empresa.Caminho("")});
+  static void AbreSeSa(const CEmpresa &empresa) {
+    const int iEstado = Estado(empresa.Caminho(""));
     Exige(iEstado == 0 || iEstado == 2, "nothing is left to repair");
-    if (iEstado != 0 || !m_empresa.Existe(kVersao) ||
-        Examina(kVersao, m_empresa.Le(kVersao), true).sDados.substr(0, 2) != VersaoUm().substr(0, 2)) {
-      return;
+    const std::string sVersao = Examina(kVersao, empresa.Bytes(kVersao).value_or(""), true).sDados;
+    if (iEstado == 0 && sVersao.substr(0, 2) == VersaoUm().substr(0, 2)) {
+      CBaseVeiculos base;
+      ExigeCodigo(empresa.Abre(&base), codigos::kOk, "a sound directory opens");
     }
-    const apoio::ChaveCabecalho cabecalho(true);
-    CBaseVeiculos base;
-    ExigeCodigo(base.Inicializa(m_empresa.Codigo(), 7, 42), codigos::kOk, "a sound directory opens");
   }
 
   const Pasta &m_antes;
-  apoio::EmpresaTeste m_empresa;
-  apoio::RelogioFalso m_relogio;
-  apoio::ServicosTrocados m_servicos{nullptr, nullptr, &m_relogio};
-  std::vector<std::string> m_reparados;
+  Pasta m_depois;  ///< with what was repaired in place of what was damaged
+  CEmpresa m_empresa;
 };
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qtd) {
+void fuzz::Executa(CEntrada *pEntrada) {
   static constexpr std::array kSobras = {"", "DFVEIC.TRA", "DFVEIVSD.TRA", "DFVEIC.INT", "NOTAS.OFL", "OUTRO.DAT"};
-  CEntrada entrada(pBytes, qtd);
-  const unsigned uiEscolha = entrada.Byte();
-  const std::string sSobra = kSobras[entrada.Ate(kSobras.size() - 1)];
-  const std::string sBytesSobra = sSobra.empty() ? "" : entrada.Bytes(entrada.Byte());
-  Pasta pasta = PastaDaEntrada(uiEscolha, &entrada);
+  const unsigned uiEscolha = pEntrada->Byte();
+  const std::string sSobra = kSobras[pEntrada->Ate(kSobras.size() - 1)];
+  const std::string sBytesSobra = sSobra.empty() ? "" : pEntrada->Bytes(pEntrada->Byte());
+  Pasta pasta = PastaDaEntrada(uiEscolha, pEntrada);
   if (!sSobra.empty()) {
     pasta[sSobra] = sBytesSobra;
   }
   Execucao(pasta).Roda();
-  return 0;
 }

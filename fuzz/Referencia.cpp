@@ -1,10 +1,8 @@
 #include "fuzz/Referencia.h"
 
-#include <algorithm>
-#include <cstring>
-
 #include "core/qzdatabase/disco/CabecalhoArquivo.h"
 #include "core/qzdatabase/disco/QZCrc64.h"
+#include "fuzz/Entrada.h"
 
 namespace fuzz {
 namespace {
@@ -12,14 +10,7 @@ namespace {
 /// A number of `sizeof(T)` bytes, lowest first.
 template <typename T>
 T Numero(std::string_view sBytes, std::size_t uiOnde) {
-  T numero{};
-  std::memcpy(&numero, sBytes.data() + uiOnde, sizeof(numero));
-  return numero;
-}
-
-template <typename T>
-std::string Bytes(const T &valor) {
-  return {reinterpret_cast<const char *>(&valor), sizeof(valor)};
+  return CEntrada(sBytes.substr(uiOnde)).Valor<T>();
 }
 
 std::uint64_t Crc(std::string_view sBytes) {
@@ -39,8 +30,7 @@ HRESULT CodigoDoCabecalho(const std::string &sNome, std::string_view sBytes) {
   if (sBytes.size() < kTamanhoCabecalho || Numero<std::uint64_t>(sBytes, 84) != Crc(sBytes.substr(24, 60))) {
     return codigos::kCabecalhoDanificado;
   }
-  const std::string_view sCampo = sBytes.substr(30, 40);
-  if (sCampo.substr(0, sCampo.find('\0')) != sNome.substr(0, 40)) {
+  if (AteOZero(sBytes.substr(30, 40)) != sNome.substr(0, 40)) {
     return codigos::kCabecalhoDeOutroArquivo;
   }
   return Numero<std::uint64_t>(sBytes, 76) == Crc(sBytes.substr(kTamanhoCabecalho)) ? codigos::kOk
@@ -50,13 +40,15 @@ HRESULT CodigoDoCabecalho(const std::string &sNome, std::string_view sBytes) {
 }  // namespace
 
 std::string Cabecalho(const std::string &sNome, std::string_view sDados, std::uint16_t iVersao) {
-  std::string sVersao = Bytes(iVersao) + std::string(6, '\0');
-  sVersao += Bytes(Crc(Bytes(iVersao)));
-  sVersao += Bytes(Crc(sVersao.substr(8)));
+  std::string sVersao(BytesDe(iVersao));
+  sVersao.resize(8);
+  sVersao += BytesDe(Crc(BytesDe(iVersao)));
+  sVersao += BytesDe(Crc(sVersao.substr(8)));
   std::string sCabecalho = std::string(6, '\0') + sNome.substr(0, 40);
   sCabecalho.resize(52);
-  sCabecalho += Bytes(Crc(sDados));
-  return sVersao + sCabecalho + Bytes(Crc(sCabecalho));
+  sCabecalho += BytesDe(Crc(sDados));
+  sCabecalho += BytesDe(Crc(sCabecalho));
+  return sVersao + sCabecalho;
 }
 
 ArquivoExaminado Examina(const std::string &sNome, const std::string &sBytes, bool bCabecalhos) {
@@ -81,16 +73,15 @@ std::vector<std::string> LinhasInteiras(std::string_view sDados) {
 
 std::vector<std::string> LinhasDoTexto(std::string_view sDados) {
   std::vector<std::string> textos = LinhasInteiras(sDados);
-  for (std::string &sTexto : textos) {
-    sTexto.resize(std::min(sTexto.find('\0'), sTexto.size()));
-  }
+  std::transform(textos.begin(), textos.end(), textos.begin(), AteOZero);
   return textos;
 }
 
 std::string BytesDasLinhas(const std::vector<std::string> &textos) {
   std::string sBytes;
   for (const std::string &sTexto : textos) {
-    sBytes += Bytes(static_cast<std::uint32_t>(sTexto.size())) + sTexto;
+    sBytes += BytesDe(static_cast<std::uint32_t>(sTexto.size()));
+    sBytes += sTexto;
   }
   return sBytes;
 }

@@ -11,38 +11,19 @@
 
 #include <algorithm>
 
-#include "core/platform/Plataforma.h"
-#include "core/qzdatabase/banco/QZDataBase.h"
-#include "fuzz/Entrada.h"
-#include "fuzz/Exige.h"
-#include "fuzz/Referencia.h"
-#include "tests/apoio/ChaveCabecalho.h"
-#include "tests/apoio/EmpresaTeste.h"
-#include "tests/apoio/RelogioFalso.h"
+#include "fuzz/Empresa.h"
 
 namespace {
 
-using fuzz::Exige;
-using fuzz::ExigeCodigo;
+using namespace fuzz;
 using Textos = std::vector<std::string>;
 
-constexpr char kNome[] = "TEXTO.DAT";
 constexpr int kMaximoOperacoes = 16;
-
-class BancoTexto : public CQZDataBase {
-public:
-  BancoTexto() : CQZDataBase(QZ_DF, plataforma::NivelTrava::ArquivoDados) {}
-  ~BancoTexto() override { FinalizaNoDestrutor(); }
-
-  CQZTextFile m_Texto{kNome, this};
-};
 
 /// The lines that memory and the disk should hold. A line on disk is longer where it goes on behind a zero byte.
 struct Modelo {
   explicit Modelo(const std::string &sDados)
-      : memoria(fuzz::LinhasDoTexto(sDados)),
-        disco(fuzz::LinhasInteiras(sDados)),
-        bInteiro(fuzz::BytesDasLinhas(disco) == sDados) {}
+      : memoria(LinhasDoTexto(sDados)), disco(LinhasInteiras(sDados)), bInteiro(BytesDasLinhas(disco) == sDados) {}
 
   Textos memoria;
   Textos disco;
@@ -79,22 +60,21 @@ struct Modelo {
 
 class Execucao {
 public:
-  explicit Execucao(bool bCabecalhos) : m_bCabecalhos(bCabecalhos), m_cabecalho(bCabecalhos) {}
+  explicit Execucao(bool bCabecalhos) : m_empresa(bCabecalhos) {}
 
-  void Roda(const std::string &sArquivo, fuzz::CEntrada *pEntrada) {
-    m_empresa.Escreve(kNome, sArquivo);
-    const fuzz::ArquivoExaminado exame = fuzz::Examina(kNome, sArquivo, m_bCabecalhos);
+  void Roda(const std::string &sArquivo, CEntrada *pEntrada) {
+    m_empresa.Escreve(kTexto, sArquivo);
+    const ArquivoExaminado exame = Examina(kTexto, sArquivo, m_empresa.m_bCabecalhos);
     ExigeCodigo(Inicia(), exame.hr, "the code of the first initialisation");
     if (Falhou(exame.hr)) {
-      Exige(m_empresa.Le(kNome) == sArquivo, "a refused file stays as it is");
-      return;
+      return Exige(m_empresa.Le(kTexto) == sArquivo, "a refused file stays as it is");
     }
     Modelo modelo(exame.sDados);
     ConfereMemoria(modelo);
     for (int i = 0; i < kMaximoOperacoes && !pEntrada->Acabou(); ++i) {
       const bool bNoFinal = Grava(pEntrada, &modelo);
       ConfereMemoria(modelo);
-      if ((bNoFinal && m_bCabecalhos) || pEntrada->Ate(7) == 0) {
+      if ((bNoFinal && m_empresa.m_bCabecalhos) || pEntrada->Ate(7) == 0) {
         Recarrega(&modelo);
       }
     }
@@ -104,7 +84,7 @@ public:
 private:
   HRESULT Inicia() { return m_banco.Inicializa(m_empresa.Dono()); }
 
-  static Textos TextosDaEntrada(fuzz::CEntrada *pEntrada, const Modelo &modelo, std::uint64_t uiPosicao) {
+  static Textos TextosDaEntrada(CEntrada *pEntrada, const Modelo &modelo, std::uint64_t uiPosicao) {
     Textos textos(pEntrada->Ate(3));
     for (std::size_t t = 0; t < textos.size(); ++t) {
       const std::size_t idx = uiPosicao + t - 1;
@@ -118,7 +98,7 @@ private:
   }
 
   /// One write; true when its lines went to the end.
-  bool Grava(fuzz::CEntrada *pEntrada, Modelo *pModelo) {
+  bool Grava(CEntrada *pEntrada, Modelo *pModelo) {
     const std::size_t linhas = pModelo->memoria.size();
     const auto uiPosicao = static_cast<std::uint64_t>(pEntrada->Byte()) % (linhas + 2);
     const Textos textos = TextosDaEntrada(pEntrada, *pModelo, uiPosicao);
@@ -146,13 +126,11 @@ private:
   void ConfereMemoria(const Modelo &modelo) {
     const CArray<CQZDataBaseTextPair> &aLinhas = *m_banco.m_Texto.GetPtrArrayRegistros();
     Exige(aLinhas.GetSize() == modelo.memoria.size(), "number of lines in memory");
-    for (std::size_t idx = 0; idx < aLinhas.GetSize(); ++idx) {
-      Exige(aLinhas[idx].sTexto == modelo.memoria[idx], "lines in memory");
-    }
     CString sTexto;
-    const HRESULT hr = m_banco.m_Texto.Le(modelo.memoria.size(), sTexto);
-    ExigeCodigo(hr, modelo.memoria.empty() ? codigos::kPosicaoZero : codigos::kOk, "reading the last line");
-    Exige(modelo.memoria.empty() || sTexto == modelo.memoria.back(), "the last line");
+    for (std::size_t idx = 0; idx < aLinhas.GetSize(); ++idx) {
+      ExigeCodigo(m_banco.m_Texto.Le(idx + 1, sTexto), codigos::kOk, "reading a line");
+      Exige(sTexto == modelo.memoria[idx], "lines in memory");
+    }
     ExigeCodigo(m_banco.m_Texto.Le(modelo.memoria.size() + 1, sTexto), codigos::kPosicaoAlemDoFim,
                 "reading behind the last line");
   }
@@ -160,30 +138,22 @@ private:
   /// Finishes, reads the disk, loads again; the model goes on from what is loaded.
   void Recarrega(Modelo *pModelo) {
     ExigeCodigo(m_banco.Finaliza(), codigos::kOk, "finishing");
-    const fuzz::ArquivoExaminado exame = fuzz::Examina(kNome, m_empresa.Le(kNome), m_bCabecalhos);
-    ExigeCodigo(exame.hr, codigos::kOk, "the header on disk");
-    Exige(!m_bCabecalhos || exame.bTemCabecalho, "a header on disk");
-    const Modelo doDisco(exame.sDados);
-    for (std::string &sTexto : pModelo->memoria) {
-      sTexto.resize(std::min(sTexto.find('\0'), sTexto.size()));
-    }
-    Exige(doDisco.memoria == pModelo->memoria, "the lines on disk are those of memory");
+    const Modelo doDisco(m_empresa.Dados(kTexto));
+    Textos &memoria = pModelo->memoria;
+    std::transform(memoria.begin(), memoria.end(), memoria.begin(), AteOZero);
+    Exige(doDisco.memoria == memoria, "the lines on disk are those of memory");
     Exige(!pModelo->bInteiro || (doDisco.bInteiro && doDisco.disco == pModelo->disco), "the bytes on disk");
     *pModelo = doDisco;
     ExigeCodigo(Inicia(), codigos::kOk, "loading again");
     ConfereMemoria(*pModelo);
   }
 
-  bool m_bCabecalhos;
-  apoio::EmpresaTeste m_empresa;
-  apoio::ChaveCabecalho m_cabecalho;
-  apoio::RelogioFalso m_relogio;
-  apoio::ServicosTrocados m_servicos{nullptr, nullptr, &m_relogio};
-  BancoTexto m_banco;
+  CEmpresa m_empresa;
+  CBancoTexto m_banco;
 };
 
 /// A file of any bytes, of lines of any text, or one of the two with a header in front that fits.
-std::string Arquivo(fuzz::CEntrada *pEntrada) {
+std::string Arquivo(CEntrada *pEntrada) {
   const unsigned uiForma = pEntrada->Byte();
   std::string sDados;
   if ((uiForma & 1) == 0) {
@@ -193,17 +163,15 @@ std::string Arquivo(fuzz::CEntrada *pEntrada) {
     for (std::string &sTexto : textos) {
       sTexto = pEntrada->Bytes(pEntrada->Ate(9));
     }
-    sDados = fuzz::BytesDasLinhas(textos) + pEntrada->Bytes(pEntrada->Ate(7));
+    sDados = BytesDasLinhas(textos) + pEntrada->Bytes(pEntrada->Ate(7));
   }
-  return (uiForma & 2) == 0 ? sDados : fuzz::Cabecalho(kNome, sDados) + sDados;
+  return (uiForma & 2) == 0 ? sDados : Cabecalho(kTexto, sDados) + sDados;
 }
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qtd) {
-  fuzz::CEntrada entrada(pBytes, qtd);
-  const bool bCabecalhos = entrada.Ate(1) != 0;
-  const std::string sArquivo = Arquivo(&entrada);
-  Execucao(bCabecalhos).Roda(sArquivo, &entrada);
-  return 0;
+void fuzz::Executa(CEntrada *pEntrada) {
+  const bool bCabecalhos = pEntrada->Ate(1) != 0;
+  const std::string sArquivo = Arquivo(pEntrada);
+  Execucao(bCabecalhos).Roda(sArquivo, pEntrada);
 }

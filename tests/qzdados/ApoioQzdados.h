@@ -1,8 +1,6 @@
 #ifndef KALVO_TESTS_QZDADOS_APOIOQZDADOS_H
 #define KALVO_TESTS_QZDADOS_APOIOQZDADOS_H
 
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <string>
 #include <utility>
@@ -19,6 +17,7 @@ public:
   bool SaidaVisivel() const override { return false; }
   void Progresso(std::uint64_t uiFeito, std::uint64_t uiTotal) override {
     m_bChegouAoFim = uiFeito == uiTotal;
+    m_bPassouDoFim = m_bPassouDoFim || uiFeito > uiTotal;
     if (m_aoLer) {
       m_aoLer();
     }
@@ -27,6 +26,7 @@ public:
   std::string m_sSaida;
   std::string m_sErros;
   bool m_bChegouAoFim = false;
+  bool m_bPassouDoFim = false;
   std::function<void()> m_aoLer;  ///< called while the file is held, after each reading
 };
 

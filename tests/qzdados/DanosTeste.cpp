@@ -39,15 +39,12 @@ std::string Trocado(std::string sBytes, std::size_t uiOnde) {
   return sBytes;
 }
 
-/// The version record of a later program.
-std::string DeVersao2(std::string sBytes) {
-  RegVersaoArquivo reg = MontaRegVersao();
-  const std::uint16_t iVersao = 2;
-  reg.iVersao = iVersao;
-  reg.uiCrcVersao = CalculaCrc64(&iVersao, sizeof(iVersao));
-  const std::uint64_t uiCrc = reg.uiCrcVersao;
-  reg.uiCrcCrcVersao = CalculaCrc64(&uiCrc, sizeof(uiCrc));
-  return sBytes.replace(0, sizeof(reg), Bytes(reg));
+/// With the version record of a later program.
+std::string DeVersao2(const std::string &sBytes) {
+  std::string sVersao("\2\0\0\0\0\0\0\0", 8);
+  sVersao += Bytes(CalculaCrc64(sVersao.data(), 2));
+  sVersao += Bytes(CalculaCrc64(sVersao.data() + 8, 8));
+  return sVersao + sBytes.substr(sVersao.size());
 }
 
 void EscreveBase(const EmpresaTeste &empresa) {
@@ -56,24 +53,24 @@ void EscreveBase(const EmpresaTeste &empresa) {
   empresa.Escreve(kLista, Com(kLista, kCriados));
 }
 
-/// What the server answers to the opening of the company, and, when it opens, how many records there are.
-HRESULT Abre(const EmpresaTeste &empresa, std::uint32_t *puiRegistros) {
+/// How many records the server finds in the company, or the code that it refuses it with.
+std::uint32_t Abre(const EmpresaTeste &empresa) {
   const apoio::ChaveCabecalho cabecalho(true);
   CBaseVeiculos base;
   const HRESULT hr = base.Inicializa(empresa.Codigo(), 7, 42);
-  *puiRegistros = 0;
-  EXPECT_TRUE(Falhou(hr) || !Falhou(base.GetQuantidadeRegistros(puiRegistros)));
-  return hr;
+  std::uint32_t uiRegistros = 0;
+  EXPECT_TRUE(Falhou(hr) || !Falhou(base.GetQuantidadeRegistros(&uiRegistros)));
+  return Falhou(hr) ? BitsResultado(hr) : uiRegistros;
 }
 
 struct Dano {
   const char *lpNome;  ///< of the case
   const char *lpArquivo;
   std::string sBytes;
-  std::uint32_t uiServidor;  ///< the server's code, headers on
+  std::uint32_t uiServidor;  ///< what the server comes to
   int iEstado;
   std::string sTrecho;
-  std::string sReparado;          ///< empty: cannot be repaired, or need not be
+  std::string sReparado{};        ///< of what can be repaired
   std::uint32_t uiRegistros = 2;  ///< that the server finds then
 };
 
@@ -81,82 +78,65 @@ std::vector<Dano> Danos() {
   const std::string sBase = Base("AB");
   const std::string sTudo = Com(kVeiculos, sBase);
   return {
-      {"são", kVeiculos, sTudo, 0, 0, "2 registros, com cabe", ""},
-      {"vazio", kVeiculos, "", 0, 0, "0 registros, sem cabe", "", 0},
-      {"registro em branco", kVeiculos, std::string(256, '\0'), 0, 0, "1 registro, sem cabe", "", 1},
+      {"são", kVeiculos, sTudo, 2, 0, "2 registros, com cabe"},
+      {"registro em branco", kVeiculos, std::string(256, '\0'), 1, 0, "1 registro, sem cabe"},
       {"anexado depois do cabeçalho", kVeiculos, Com(kVeiculos, Base("ABC"), sBase, 77), 0x81080A42, 1,
        "conferem 2 de 3 registros", Com(kVeiculos, Base("ABC"), Base("ABC"), 77), 3},
       {"primeiro depois do cabeçalho", kVeiculos, Com(kVeiculos, Base("A"), ""), 0x81080A42, 1,
        "conferem 0 de 1 registro", Com(kVeiculos, Base("A")), 1},
-      {"regravado depois do cabeçalho", kVeiculos, Com(kVeiculos, Base("AX"), sBase), 0x81080A42, 1, "0x81080A42",
-       Com(kVeiculos, Base("AX"))},
       {"sobra com cabeçalho", kVeiculos, sTudo + "abc", 0x81080A42, 1, "3 bytes a mais", sTudo},
       {"sobra anotada", kVeiculos, Com(kVeiculos, sBase + "abc"), 0x810809D8, 1, "0x810809D8", sTudo},
-      {"sobra sem cabeçalho", kVeiculos, sBase + std::string(255, 'x'), 0x810809D8, 1, "255 bytes a mais", sBase},
-      {"só a sobra", kVeiculos, std::string(255, 'x'), 0x810809D8, 2, "255 bytes a mais", ""},
+      {"só a sobra", kVeiculos, std::string(255, 'x'), 0x810809D8, 2, "255 bytes a mais"},
       {"registro do cabeçalho", kVeiculos, Trocado(sTudo, kByteRegistro), 0x81080A3F, 1, "0x81080A3F", sTudo},
       {"registro de versão", kVeiculos, Trocado(sTudo, kByteVersao), 0x810809D8, 1, "registro de vers", sTudo},
       {"dois cabeçalhos", kVeiculos, Com(kVeiculos, Trocado(sTudo, kByteVersao)), 0x810809D8, 1, "2 cabe", sTudo},
       {"só o nome confere", kVeiculos, Trocado(Trocado(sTudo, kByteVersao), kByteRegistro), 0x810809D8, 1,
        "registro de vers", sTudo},
-      {"nome de outro", kVeiculos, Com("OUTRO.DAT", sBase), 0x81080A43, 2, "outro arquivo: OUTRO.DAT", ""},
-      {"versão 2", kVeiculos, DeVersao2(sTudo), 0x81080A3E, 2, "0x81080A3E", ""},
-      {"fim no cabeçalho", kVeiculos, sTudo.substr(0, 91), 0x81080A3F, 2, "termina dentro", ""},
-      {"registros sumidos", kVeiculos, sTudo.substr(0, 92), 0x81080A42, 2, "sumiram", ""},
-      {"versão curta", kArquivoVersao, kVersao1.substr(0, 15), 0x810809E7, 2, "0x810809E7", ""},
-      {"versão longa", kArquivoVersao, kVersao1 + "x", 0x810809E7, 1, "1 bytes a mais", kVersao1},
+      {"nome de outro", kVeiculos, Com("OUTRO.DAT", sBase), 0x81080A43, 2, "outro arquivo: OUTRO.DAT"},
+      {"versão 2", kVeiculos, DeVersao2(sTudo), 0x81080A3E, 2, "0x81080A3E"},
+      {"fim no cabeçalho", kVeiculos, sTudo.substr(0, 91), 0x81080A3F, 2, "termina dentro"},
+      {"registros sumidos", kVeiculos, sTudo.substr(0, 92), 0x81080A42, 2, "sumiram"},
+      {"versão curta", kArquivoVersao, kVersao1.substr(0, 15), 0x810809E7, 2, "0x810809E7"},
       {"versão comprida", kArquivoVersao, kVersao1 + kVersao1, 0x810809E7, 1, "16 bytes a mais", kVersao1},
       {"versão desmentida", kArquivoVersao, Com(kArquivoVersao, kVersao1, ""), 0x81080A42, 1, "0x81080A42",
        Com(kArquivoVersao, kVersao1)},
-      {"base mais nova", kArquivoVersao, '\2' + kVersao1.substr(1), 0x810809C7, 2, "0x810809C7", ""},
+      {"base mais nova", kArquivoVersao, '\2' + kVersao1.substr(1), 0x810809C7, 2, "0x810809C7"},
       {"lista desmentida", kLista, Com(kLista, kCriados, Linhas({kArquivoVersao})), 0x81080A42, 1, "3 linhas",
        Com(kLista, kCriados)},
-      {"lista com dois cabeçalhos", kLista, Com(kLista, Trocado(Com(kLista, kCriados), kByteVersao)), 0, 1, "2 cabe",
+      {"lista com dois cabeçalhos", kLista, Com(kLista, Trocado(Com(kLista, kCriados), kByteVersao)), 2, 1, "2 cabe",
        Com(kLista, kCriados)},
-      {"lista cortada", kLista, kCriados + std::string("\x0A\0\0\0DFV", 7), 0, 1, "7 bytes a mais", kCriados},
-      {"lista cortada no tamanho", kLista, kCriados + std::string("\x0A\0", 2), 0, 1, "2 bytes a mais", kCriados},
-      {"tamanho sem fim", kLista, "\xFF\xFF\xFF\xFFxx", 0, 1, "6 bytes a mais", ""},
-      {"lista vazia", kLista, "", 0, 0, "0 linhas", ""},
+      {"lista cortada no tamanho", kLista, kCriados + std::string("\x0A\0", 2), 2, 1, "2 bytes a mais", kCriados},
+      {"tamanho sem fim", kLista, "\xFF\xFF\xFF\xFFxx", 2, 1, "6 bytes a mais", ""},
   };
 }
 
 TEST(Danos, OQueOServidorRecusaEDitoEOQueEReparadoElePodeAbrir) {
   for (const Dano &dano : Danos()) {
     SCOPED_TRACE(dano.lpNome);
-    std::uint32_t uiRegistros = 0;
     const EmpresaTeste semReparo;
-    EscreveBase(semReparo);
-    semReparo.Escreve(dano.lpArquivo, dano.sBytes);
-    EXPECT_EQ(BitsResultado(Abre(semReparo, &uiRegistros)), dano.uiServidor);
-
     const EmpresaTeste empresa;
-    EscreveBase(empresa);
-    empresa.Escreve(dano.lpArquivo, dano.sBytes);
+    for (const EmpresaTeste *pEmpresa : {&semReparo, &empresa}) {
+      EscreveBase(*pEmpresa);
+      pEmpresa->Escreve(dano.lpArquivo, dano.sBytes);
+    }
+    EXPECT_EQ(Abre(semReparo), dano.uiServidor);
+
     const std::string sArquivo = empresa.Caminho(dano.lpArquivo);
     const Rodada verificada({"verifica", sArquivo});
     EXPECT_EQ(verificada.iCodigo, dano.iEstado) << verificada.Saida();
     EXPECT_TRUE(Contem(verificada.Saida(), *De8Para1252(dano.sTrecho))) << verificada.Saida();
     EXPECT_EQ(Rodada({"verifica", empresa.Caminho("")}).iCodigo, dano.iEstado);
 
-    const std::string sNovo = empresa.Caminho("NOVO");
-    const Rodada recuperada({"recupera", sArquivo, "--em", sNovo});
-    EXPECT_EQ(empresa.Le(dano.lpArquivo), dano.sBytes);
-    if (dano.sReparado.empty() && dano.iEstado != 1) {
-      EXPECT_EQ(Contem(recuperada.Saida(), "nada a recuperar"), dano.iEstado == 0) << recuperada.Saida();
-      EXPECT_EQ(recuperada.iCodigo, dano.iEstado);
-      EXPECT_FALSE(empresa.Existe("NOVO"));
-      continue;
+    const bool bReparavel = dano.iEstado == 1;
+    const Rodada recuperada({"recupera", sArquivo, "--em", empresa.Caminho("NOVO")});
+    EXPECT_EQ(recuperada.iCodigo, bReparavel ? 0 : dano.iEstado) << recuperada.Erros();
+    EXPECT_EQ(Contem(recuperada.Saida(), "nada a recuperar"), dano.iEstado == 0) << recuperada.Saida();
+    ASSERT_EQ(empresa.Existe("NOVO"), bReparavel);
+    if (bReparavel) {
+      EXPECT_EQ(empresa.Le("NOVO"), dano.sReparado);
+      empresa.Escreve(dano.lpArquivo, dano.sReparado);
+      EXPECT_EQ(Abre(empresa), dano.uiRegistros);
     }
-    EXPECT_EQ(recuperada.iCodigo, 0) << recuperada.Erros();
-    EXPECT_EQ(empresa.Le("NOVO"), dano.sReparado);
-    EXPECT_EQ(Rodada({"verifica", sNovo, "--como", dano.lpArquivo}).iCodigo, 0);
-    const Rodada outraVez({"recupera", sArquivo, "--em", sNovo});
-    EXPECT_EQ(outraVez.iCodigo, 3);
-    EXPECT_TRUE(Contem(outraVez.Erros(), "existe")) << outraVez.Erros();
-    EXPECT_EQ(empresa.Le("NOVO"), dano.sReparado);
-    empresa.Escreve(dano.lpArquivo, dano.sReparado);
-    EXPECT_EQ(BitsResultado(Abre(empresa, &uiRegistros)), 0U);
-    EXPECT_EQ(uiRegistros, dano.uiRegistros);
   }
 }
 
@@ -172,49 +152,46 @@ TEST(Reparo, DizOQueFez) {
 
 TEST(Cabecalho, PostoETirado) {
   const EmpresaTeste empresa;
-  const std::string sCom = empresa.Caminho("COM");
-  const std::string sSem = empresa.Caminho("SEM");
   empresa.Escreve(kVeiculos, Base("AB"));
-  EXPECT_EQ(Rodada({"cabecalho", "poe", empresa.Caminho(kVeiculos), "--em", sCom}).iCodigo, 0);
+  empresa.Escreve("SOBRA", Base("AB") + "x");
+  const auto copia = [&](const char *lpOque, const char *lpDe, const char *lpEm) {
+    return Rodada({"cabecalho", lpOque, empresa.Caminho(lpDe), "--em", empresa.Caminho(lpEm), "--como", "dfveic.dat"})
+        .iCodigo;
+  };
+  EXPECT_EQ(copia("poe", kVeiculos, "COM"), 0);
   EXPECT_EQ(empresa.Le("COM"), Com(kVeiculos, Base("AB")));
-  EXPECT_EQ(Rodada({"cabecalho", "tira", sCom, "--em", sSem, "--como", "dfveic.dat"}).iCodigo, 0);
+  EXPECT_EQ(copia("tira", "COM", "SEM"), 0);
   EXPECT_EQ(empresa.Le("SEM"), Base("AB"));
 
   // What is there already, or must be repaired first, is not written.
-  EXPECT_EQ(Rodada({"cabecalho", "tira", empresa.Caminho(kVeiculos), "--em", empresa.Caminho("X")}).iCodigo, 0);
-  EXPECT_EQ(Rodada({"cabecalho", "poe", sCom, "--em", empresa.Caminho("X"), "--como", kVeiculos}).iCodigo, 0);
-  empresa.Escreve(kVeiculos, Base("AB") + "x");
-  EXPECT_EQ(Rodada({"cabecalho", "poe", empresa.Caminho(kVeiculos), "--em", empresa.Caminho("X")}).iCodigo, 1);
+  EXPECT_EQ(copia("tira", kVeiculos, "X"), 0);
+  EXPECT_EQ(copia("poe", "COM", "X"), 0);
+  EXPECT_EQ(copia("poe", "SOBRA", "X"), 1);
   EXPECT_FALSE(empresa.Existe("X"));
 }
 
 /// The remedy for a version file that is missing, and the one for vehicles that are to begin empty.
 TEST(Remedios, ArquivoListadoQueFalta) {
-  std::uint32_t uiRegistros = 0;
-  const EmpresaTeste empresa;
-  EscreveBase(empresa);
   const EmpresaTeste vazia;
   vazia.Escreve(kArquivoVersao, kVersao1);
   vazia.Escreve(kLista, Linhas({kArquivoVersao, "FALTA.DAT", kVeiculos}));
   const EmpresaTeste semVersao;
   semVersao.Escreve(kVeiculos, Base("AB"));
   semVersao.Escreve(kLista, kCriados);
-
+  const std::vector<std::string> aVersao{"versao", "--em", semVersao.Caminho(kArquivoVersao)};
   for (const EmpresaTeste *pEmpresa : {&vazia, &semVersao}) {
     const Rodada rodada({"verifica", pEmpresa->Caminho("")});
     EXPECT_EQ(rodada.iCodigo, 2);
     EXPECT_TRUE(Contem(rodada.Saida(), "0x81080A50")) << rodada.Saida();
     EXPECT_FALSE(Contem(rodada.Saida(), "retira o primeiro")) << rodada.Saida();
-    EXPECT_EQ(BitsResultado(Abre(*pEmpresa, &uiRegistros)), 0x81080A50U);
+    EXPECT_EQ(Abre(*pEmpresa), 0x81080A50U);
   }
   EXPECT_TRUE(Contem(Rodada({"verifica", vazia.Caminho("")}).Saida(), "FALTA.DAT: "));
   vazia.Escreve(kVeiculos, "");
-  EXPECT_EQ(BitsResultado(Abre(vazia, &uiRegistros)), 0U);
-  EXPECT_EQ(uiRegistros, 0U);
-  EXPECT_EQ(Rodada({"versao", "--em", semVersao.Caminho(kArquivoVersao)}).iCodigo, 0);
-  EXPECT_EQ(BitsResultado(Abre(semVersao, &uiRegistros)), 0U);
-  EXPECT_EQ(uiRegistros, 2U);
-  EXPECT_EQ(Rodada({"versao", "--em", semVersao.Caminho(kArquivoVersao)}).iCodigo, 3);
+  EXPECT_EQ(Abre(vazia), 0U);
+  EXPECT_EQ(Rodada(aVersao).iCodigo, 0);
+  EXPECT_EQ(Abre(semVersao), 2U);
+  EXPECT_EQ(Rodada(aVersao).iCodigo, 3);
 }
 
 TEST(Pasta, SobrasEDiario) {
@@ -233,7 +210,6 @@ TEST(Pasta, SobrasEDiario) {
     const char *lpTrecho;
   } aCasos[] = {
       {"falta trocar", Base("ZAB"), diario(Base("AB")), false, 0, "DFVEIVSD.TRA: "},
-      {"falta a versão", Base("AB"), diario(Base("AB")), false, 0, "DFVEIVSD.TRA: "},
       {"falta a versão, com cabeçalho", Com(kVeiculos, Base("AB")), diario(Base("AB")), false, 0, "com cabe"},
       {"outra base", Base("ZAC"), diario(Base("AB")), false, 2, "0x810809D6"},
       {"outra base, já convertida", Base("ZAC"), diario(Base("AB")), true, 0, "3 registros"},
@@ -271,11 +247,9 @@ TEST(Detalhes, CabecalhoECrcELista) {
   empresa.Escreve(kArquivoVersao, Com(kArquivoVersao, kVersao1, "", 12345678));
   empresa.Escreve(kLista, Linhas({kVeiculos}));
   const std::string sSaida = Rodada({"verifica", empresa.Caminho(""), "--detalhes"}).Saida();
-  for (const char *lpTrecho : {"instala\xE7\xE3o: 12345678\n",
-                               "nome no cabe\xE7"
-                               "alho: DFVEIVS.DAT\n",
-                               "tamanho: 92 bytes\n", "vers\xE3o da base: 1\n", "CRC anotado: 0000000000000000\n",
-                               "nota: est\xE1 na lista", "nota: n\xE3o est\xE1 na lista"}) {
+  for (const char *lpTrecho :
+       {"instala\xE7\xE3o: 12345678\n", "alho: DFVEIVS.DAT\n", "tamanho: 92 bytes\n", "vers\xE3o da base: 1\n",
+        "CRC anotado: 0000000000000000\n", "nota: est\xE1 na lista", "nota: n\xE3o est\xE1 na lista"}) {
     EXPECT_TRUE(Contem(sSaida, lpTrecho)) << lpTrecho << "\n" << sSaida;
   }
 }

@@ -1,0 +1,65 @@
+#ifndef KALVO_FUZZ_EMPRESA_H
+#define KALVO_FUZZ_EMPRESA_H
+
+#include <optional>
+
+#include "core/platform/Plataforma.h"
+#include "core/qzdatabase/arquivo/QZTextFile.h"
+#include "core/qzdatabase/banco/QZDataBase.h"
+#include "fuzz/Exige.h"
+#include "fuzz/PastaDaEntrada.h"
+#include "fuzz/Referencia.h"
+#include "tests/apoio/ChaveCabecalho.h"
+#include "tests/apoio/EmpresaTeste.h"
+#include "tests/apoio/RelogioFalso.h"
+#include "vehicles/BaseVeiculos.h"
+
+namespace fuzz {
+
+/// A company of its own, with headers off or on, in which every wait is over at once.
+class CEmpresa : public apoio::EmpresaTeste {
+public:
+  explicit CEmpresa(bool bCabecalhos, const Pasta &pasta = {}) : m_bCabecalhos(bCabecalhos), m_chave(bCabecalhos) {
+    for (const auto &[sNome, sBytes] : pasta) {
+      Escreve(sNome, sBytes);
+    }
+  }
+
+  HRESULT Abre(CBaseVeiculos *pBase) const { return pBase->Inicializa(Codigo(), 7, 42); }
+
+  /// Nothing for a file that is not there.
+  std::optional<std::string> Bytes(const char *lpNome) const {
+    return Existe(lpNome) ? std::optional(Le(lpNome)) : std::nullopt;
+  }
+
+  /// The data of a file that is closed; a header must hold, and stand in front of any data where headers are on. No
+  /// data without a file.
+  std::string Dados(const char *lpNome) const {
+    const ArquivoExaminado exame = Examina(lpNome, Bytes(lpNome).value_or(""), m_bCabecalhos);
+    ExigeCodigo(exame.hr, codigos::kOk, "the header on disk");
+    Exige(exame.bTemCabecalho || !m_bCabecalhos || exame.sDados.empty(), "a header on disk");
+    return exame.sDados;
+  }
+
+  const bool m_bCabecalhos;
+
+private:
+  apoio::ChaveCabecalho m_chave;
+  apoio::RelogioFalso m_relogio;
+  apoio::ServicosTrocados m_servicos{nullptr, nullptr, &m_relogio};
+};
+
+inline constexpr char kTexto[] = "TEXTO.DAT";
+
+/// A database of one text file.
+class CBancoTexto : public CQZDataBase {
+public:
+  CBancoTexto() : CQZDataBase(QZ_DF, plataforma::NivelTrava::ArquivoDados) {}
+  ~CBancoTexto() override { FinalizaNoDestrutor(); }
+
+  CQZTextFile m_Texto{kTexto, this};
+};
+
+}  // namespace fuzz
+
+#endif

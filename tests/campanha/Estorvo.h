@@ -31,7 +31,7 @@ public:
   CEstorvo(const CEstorvo &) = delete;
   CEstorvo &operator=(const CEstorvo &) = delete;
 
-  /// Ends; every file is what it was.
+  /// Ends, once it has done something; every file is what it was.
   void Para() {
     m_bPara = true;
     if (m_thread.joinable()) {
@@ -59,7 +59,7 @@ private:
                  {"renamed", &CEstorvo::Renomeia},
                  {"read-only", &CEstorvo::FazSomenteLeitura},
                  {"deleted", &CEstorvo::Apaga}};
-    while (!m_bPara) {
+    while (!m_bPara || m_feitos.empty()) {
       const CString sCaminho = SorteiaArquivo();
       const auto &ato = kAtos[m_eModo == Modo::Tudo ? m_gerador() % std::size(kAtos) : 0];
       if (!sCaminho.empty() && (this->*ato.ato)(sCaminho)) {
@@ -77,10 +77,10 @@ private:
     return nomes.empty() ? "" : sPasta + nomes[m_gerador() % nomes.size()];
   }
 
-  /// Tries until it works, for moments.
+  /// Tries until it works.
   template <class Tentativa>
-  bool Insiste(Tentativa tenta) const {
-    for (unsigned i = 0; i < kTentativas && !m_bPara; ++i) {
+  static bool Insiste(unsigned uiVezes, Tentativa tenta) {
+    for (unsigned i = 0; i < uiVezes; ++i) {
       if (tenta()) {
         return true;
       }
@@ -90,9 +90,9 @@ private:
   }
 
   /// Opens a file alone, as soon as nobody has it open; INVALID_HANDLE_VALUE after a while.
-  HANDLE AbreSozinho(const CString &sCaminho, DWORD dwAcesso, DWORD dwAtributos) const {
+  static HANDLE AbreSozinho(const CString &sCaminho, DWORD dwAcesso, DWORD dwAtributos) {
     HANDLE hArquivo = INVALID_HANDLE_VALUE;
-    Insiste([&] {
+    Insiste(kTentativas, [&] {
       hArquivo = CreateFileA(sCaminho.c_str(), dwAcesso, 0, nullptr, OPEN_EXISTING, dwAtributos, nullptr);
       return hArquivo != INVALID_HANDLE_VALUE;
     });
@@ -111,7 +111,7 @@ private:
 
   bool Renomeia(const CString &sCaminho) {
     const CString sLonge = sCaminho + ".longe";
-    if (!Insiste([&] { return MoveFileA(sCaminho.c_str(), sLonge.c_str()); })) {
+    if (!Insiste(kTentativas, [&] { return MoveFileA(sCaminho.c_str(), sLonge.c_str()); })) {
       return false;
     }
     Demora(kSumidoMs);
@@ -144,13 +144,10 @@ private:
 
   /// A server may have made a new file meanwhile, and have it open.
   void PoeDeVolta(const CString &sDeOnde, const CString &sCaminho) {
-    for (unsigned i = 0; i < kTentativasDeVolta; ++i) {
-      if (MoveFileExA(sDeOnde.c_str(), sCaminho.c_str(), MOVEFILE_REPLACE_EXISTING)) {
-        return;
-      }
-      Sleep(1);
+    if (!Insiste(kTentativasDeVolta,
+                 [&] { return MoveFileExA(sDeOnde.c_str(), sCaminho.c_str(), MOVEFILE_REPLACE_EXISTING); })) {
+      m_perdidos.push_back(sCaminho);
     }
-    m_perdidos.push_back(sCaminho);
   }
 
   /// Up to so long, while it has not been told to end.

@@ -123,6 +123,7 @@ TEST_F(QZMensagem, ExcecaoBuscaOTextoNoCatalogo) {
 TEST_F(QZMensagem, GetErrorMessageCabeNoBuffer) {
   Escreve("");
   CQZException comTexto("abcdef", 1, 0);
+  CQZException semTexto(1, 1, 0);
   CInvalidArgException outra;
   const struct {
     CException &excecao;
@@ -134,6 +135,7 @@ TEST_F(QZMensagem, GetErrorMessageCabeNoBuffer) {
       {comTexto, 4, std::string("abc\0####", 8), true},
       {comTexto, 7, std::string("abcdef\0#", 8), true},
       {comTexto, 8, std::string("abcdef\0\0", 8), true},
+      {semTexto, 1, std::string("\0#######", 8), false},
       {outra, 1, std::string("\0#######", 8), false},
   };
   for (const auto &caso : casos) {

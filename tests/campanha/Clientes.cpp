@@ -15,6 +15,9 @@ namespace {
 
 constexpr DWORD kPrazoDeLeituraMs = 60000;
 
+/// A client is asked for several writes at once: none of them waits for this program.
+constexpr unsigned kDeUmaVez = 8;
+
 /// The server process was not there, or went during the call: whether this did anything nobody was told.
 bool ServidorSeFoi(HRESULT hr) {
   return HRESULT_FACILITY(hr) == FACILITY_WIN32 && HRESULT_CODE(hr) >= RPC_S_SERVER_UNAVAILABLE &&
@@ -100,8 +103,9 @@ Resposta CCliente::Pede(const std::string &sPedido) {
 }
 
 HRESULT CCliente::Grava(LONG *plPos, std::uint32_t uiNumero) {
-  const Resposta resposta = Pede("grava " + std::to_string(*plPos) + " " + std::to_string(uiNumero));
-  *plPos = resposta.hr == S_OK ? static_cast<LONG>(resposta.numeros.at(0)) : *plPos;
+  MandaGravar(*plPos, uiNumero);
+  const Resposta resposta = Ouve();
+  *plPos = resposta.hr == S_OK ? resposta.Posicao() : *plPos;
   return resposta.hr;
 }
 
@@ -154,7 +158,7 @@ void CEscritores::Comeca() {
       Trabalha(escritor, para);
       const std::lock_guard trava(m_trava);
       --m_uiAtivos;
-      m_novoPasso.notify_one();
+      m_novidade.notify_one();
     });
   }
 }
@@ -172,9 +176,9 @@ void CEscritores::Trabalha(Escritor &escritor, const std::stop_token &para) {
       bAberta = hr == S_OK;
       continue;
     }
-    hr = GravaUma(escritor);
-    const bool bTroca = m_modo.uiGravacoesPorObjeto != 0 && gerador() % m_modo.uiGravacoesPorObjeto == 0;
-    if (bTroca || (FAILED(hr) && gerador() % 2 == 0)) {
+    const unsigned uiPorObjeto = m_modo.uiGravacoesPorObjeto;
+    hr = Grava(escritor, uiPorObjeto != 0 ? 1 + gerador() % (2 * uiPorObjeto - 1) : kDeUmaVez);
+    if (uiPorObjeto != 0 || (FAILED(hr) && gerador() % 2 == 0)) {
       cliente.Pede("solta");
       bAberta = false;
     }
@@ -190,21 +194,31 @@ HRESULT CEscritores::Abre(CCliente &cliente) {
   return hr;
 }
 
-HRESULT CEscritores::GravaUma(Escritor &escritor) {
+HRESULT CEscritores::Grava(Escritor &escritor, unsigned uiQtd) {
   std::vector<LONG> &minhas = escritor.minhas;
-  const bool bCabe = minhas.empty() || minhas.back() < m_modo.lMaiorPosicao;
-  const bool bNovo = bCabe && (minhas.empty() || escritor.gerador() % 2 == 0);
-  Gravacao gravacao{bNovo ? 0 : minhas[escritor.gerador() % minhas.size()], escritor.uiNumero++};
-  Passo();
-  const HRESULT hr = escritor.cliente.Grava(&gravacao.lPos, gravacao.uiNumero);
-  Passo();
-  if (hr != S_OK) {
-    gravacao.eFim = ServidorSeFoi(hr) ? Gravacao::Fim::SemResposta : Gravacao::Fim::Recusada;
-    AnotaRecusa(hr);
-  } else if (bNovo) {
-    minhas.push_back(gravacao.lPos);
+  std::vector<Gravacao> gravacoes(uiQtd);
+  for (Gravacao &gravacao : gravacoes) {
+    const bool bCabe = minhas.empty() || minhas.back() < m_modo.lMaiorPosicao;
+    const bool bNovo = bCabe && (minhas.empty() || escritor.gerador() % 2 == 0);
+    gravacao.lPos = bNovo ? 0 : minhas[escritor.gerador() % minhas.size()];
+    gravacao.uiNumero = escritor.uiNumero++;
+    escritor.cliente.MandaGravar(gravacao.lPos, gravacao.uiNumero);
   }
-  escritor.gravacoes.push_back(gravacao);
+  HRESULT hr = S_OK;
+  for (Gravacao &gravacao : gravacoes) {
+    const Resposta resposta = escritor.cliente.Ouve();
+    hr = hr == S_OK ? resposta.hr : hr;
+    if (resposta.hr != S_OK) {
+      gravacao.eFim = ServidorSeFoi(resposta.hr) ? Gravacao::Fim::SemResposta : Gravacao::Fim::Recusada;
+      AnotaRecusa(resposta.hr);
+    } else if (gravacao.lPos == 0) {
+      gravacao.lPos = minhas.emplace_back(resposta.Posicao());
+    }
+    escritor.gravacoes.push_back(gravacao);
+    const std::lock_guard trava(m_trava);
+    ++m_uiGravacoes;
+    m_novidade.notify_one();
+  }
   return hr;
 }
 
@@ -215,15 +229,9 @@ void CEscritores::AnotaRecusa(HRESULT hr) {
   }
 }
 
-void CEscritores::Passo() {
-  const std::lock_guard trava(m_trava);
-  ++m_uiPassos;
-  m_novoPasso.notify_one();
-}
-
-void CEscritores::EsperaPassos(unsigned uiPassos) {
+void CEscritores::EsperaGravacoes(unsigned uiQtd) {
   std::unique_lock trava(m_trava);
-  m_novoPasso.wait(trava, [&] { return m_uiPassos >= uiPassos || m_uiAtivos == 0; });
+  m_novidade.wait(trava, [&] { return m_uiGravacoes >= uiQtd || m_uiAtivos == 0; });
 }
 
 void CEscritores::Para() {

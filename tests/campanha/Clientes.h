@@ -23,6 +23,8 @@ struct Resposta {
 
   HRESULT hr = kCalado;                ///< kCalado: the client has ended
   std::vector<std::uint32_t> numeros;  ///< the position written to; of the vehicles read, 0 for one that is not whole
+
+  LONG Posicao() const { return static_cast<LONG>(numeros.at(0)); }
 };
 
 /// A client program: a process that has one object at most and does what it is asked to:
@@ -42,6 +44,9 @@ public:
 
   /// Asks without waiting, and waits for the answer.
   void Manda(const std::string &sPedido) { m_processo.EnviaLinha(sPedido); }
+  void MandaGravar(LONG lPos, std::uint32_t uiNumero) {
+    Manda("grava " + std::to_string(lPos) + " " + std::to_string(uiNumero));
+  }
   Resposta Ouve();
   Resposta Pede(const std::string &sPedido);
   HRESULT Grava(LONG *plPos, std::uint32_t uiNumero);
@@ -63,7 +68,7 @@ public:
   struct Modo {
     unsigned uiQtd = 1;
     unsigned uiGravacoesPorObjeto = 0;  ///< after about so many a client goes to a new object; 0: it keeps the first
-    LONG lMaiorPosicao = 1000;          ///< a client that has got this position appends no more
+    LONG lMaiorPosicao = 1000;          ///< a client that has this position appends no more
   };
 
   /// Starts them; each has an object on return, which works for no company yet. The book is the company's.
@@ -71,8 +76,8 @@ public:
 
   /// Lets them open the company and write.
   void Comeca();
-  /// Waits until they have taken so many steps, together: each write begins and ends. Earlier when all have ended.
-  void EsperaPassos(unsigned uiPassos);
+  /// Waits until so many writes have come to an end. Earlier when all clients have ended.
+  void EsperaGravacoes(unsigned uiQtd);
   /// Asks them to stop.
   void Para();
   /// Waits until they have stopped or the server is gone, and enters what they did.
@@ -94,15 +99,15 @@ private:
 
   void Trabalha(Escritor &escritor, const std::stop_token &para);
   HRESULT Abre(CCliente &cliente);
-  HRESULT GravaUma(Escritor &escritor);
+  /// So many writes; the first result that is no success.
+  HRESULT Grava(Escritor &escritor, unsigned uiQtd);
   void AnotaRecusa(HRESULT hr);
-  void Passo();
 
   std::string m_sEmpresa;
   Modo m_modo;
   std::mutex m_trava;
-  std::condition_variable m_novoPasso;
-  unsigned m_uiPassos = 0;
+  std::condition_variable m_novidade;
+  unsigned m_uiGravacoes = 0;
   unsigned m_uiAtivos = 0;
   std::map<HRESULT, unsigned> m_recusas;
   std::deque<Escritor> m_escritores;

@@ -18,7 +18,7 @@ namespace {
 constexpr CEscritores::Modo kModos[] = {{.uiQtd = 1, .uiGravacoesPorObjeto = 4, .lMaiorPosicao = 200},
                                         {.uiQtd = 2, .uiGravacoesPorObjeto = 4, .lMaiorPosicao = 200},
                                         {.uiQtd = 1, .uiGravacoesPorObjeto = 50, .lMaiorPosicao = 200}};
-constexpr unsigned kPassosDePreparo = 60;
+constexpr unsigned kGravacoesDePreparo = 30;
 
 /// Result codes of files that somebody else has or took.
 bool EhDeArquivoAlheio(HRESULT hr) {
@@ -58,7 +58,7 @@ protected:
       companhia.spEscritores =
           std::make_unique<CEscritores>(companhia.pEmpresa->Codigo(), companhia.modo, companhia.livro, m_gerador);
       companhia.spEscritores->Comeca();
-      companhia.spEscritores->EsperaPassos(kPassosDePreparo);
+      companhia.spEscritores->EsperaGravacoes(kGravacoesDePreparo);
     }
     CEstorvo estorvo({m_companhias[0].pEmpresa->Arquivo(""), m_companhias[1].pEmpresa->Arquivo("")}, eModo,
                      static_cast<unsigned>(m_gerador()));

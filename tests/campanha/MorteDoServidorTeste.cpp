@@ -18,7 +18,7 @@ constexpr unsigned kMortesPorEmpresa = 10;
 
 /// Every fourth kill falls into the opening, the others behind some of the writes.
 constexpr unsigned kAberturaMs = 80;
-constexpr unsigned kPassos = 600;
+constexpr unsigned kGravacoes = 300;
 
 class MorteDoServidor : public ParteDaCampanha {
 protected:
@@ -50,7 +50,7 @@ TEST_F(MorteDoServidor, OConfirmadoEstaLaEAEmpresaAbre) {
     }
     CEscritores escritores(pEmpresa->Codigo(), {.uiQtd = 3}, livro, m_gerador);
     escritores.Comeca();
-    escritores.EsperaPassos(uiRodada % 4 == 0 ? 0 : 1 + m_gerador() % kPassos);
+    escritores.EsperaGravacoes(uiRodada % 4 == 0 ? 0 : 1 + m_gerador() % kGravacoes);
     Espera(Sorteia(uiRodada % 4 == 0 ? kAberturaMs : 1));
     MataServidores();
     escritores.Termina(&livro);

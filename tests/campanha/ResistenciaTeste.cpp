@@ -101,6 +101,7 @@ protected:
         ASSERT_EQ(cliente.Grava(&lPos, static_cast<std::uint32_t>(i)), S_OK);
       }
     }
+    ASSERT_EQ(cliente.Termina(), 0);
   }
 };
 

@@ -2,6 +2,7 @@
 #define KALVO_TESTS_APOIO_CHAVECABECALHO_H
 
 #include "core/env/QZPath.h"
+#include "tests/apoio/RegistroFalso.h"
 #include "tests/apoio/ServicosTrocados.h"
 
 namespace apoio {
@@ -17,30 +18,12 @@ inline bool CabecalhosLigados() {
 /// share stays as it is. To be changed while no other thread uses it.
 class ChaveCabecalho {
 public:
-  explicit ChaveCabecalho(bool bLigada) : m_registro(plataforma::Registro(), bLigada) {}
+  explicit ChaveCabecalho(bool bLigada) { Define(bLigada); }
 
-  void Define(bool bLigada) { m_registro.m_bLigada = bLigada; }
+  void Define(bool bLigada) { m_registro.m_numeros[{kChaveSuite, kValorCabecalho}] = bLigada ? 1 : 0; }
 
 private:
-  class RegistroComChave final : public plataforma::IRegistro {
-  public:
-    RegistroComChave(plataforma::IRegistro &base, bool bLigada) : m_bLigada(bLigada), m_base(base) {}
-
-    bool ExisteChave(const CString &sChave) override { return m_base.ExisteChave(sChave); }
-    std::optional<CString> LeTexto(const CString &sChave, const CString &sNome, bool bExpande) override {
-      return m_base.LeTexto(sChave, sNome, bExpande);
-    }
-    std::optional<std::uint32_t> LeNumero(const CString &sChave, const CString &sNome) override {
-      return sNome == kValorCabecalho ? std::optional<std::uint32_t>(m_bLigada) : m_base.LeNumero(sChave, sNome);
-    }
-
-    bool m_bLigada;
-
-  private:
-    plataforma::IRegistro &m_base;
-  };
-
-  RegistroComChave m_registro;
+  RegistroFalso m_registro{plataforma::Registro()};
   ServicosTrocados m_servicos{nullptr, &m_registro};
 };
 

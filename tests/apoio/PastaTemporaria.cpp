@@ -1,6 +1,5 @@
 #include "tests/apoio/PastaTemporaria.h"
 
-#include <dirent.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #ifdef _WIN32
@@ -9,7 +8,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -17,38 +16,16 @@
 namespace apoio {
 namespace {
 
+/// The names that tests give are not always such that std::filesystem could take them.
+void CriaDiretorio(const CString &sCaminho) {
 #ifdef _WIN32
-constexpr char kVariavelTemp[] = "TEMP";
-
-bool CriaDiretorio(const std::string &sCaminho) {
-  return ::mkdir(sCaminho.c_str()) == 0;
-}
+  const int erro = ::mkdir(CaminhoDoSistema(sCaminho).c_str());
 #else
-constexpr char kVariavelTemp[] = "TMPDIR";
-
-bool CriaDiretorio(const std::string &sCaminho) {
-  return ::mkdir(sCaminho.c_str(), 0777) == 0;
-}
+  const int erro = ::mkdir(CaminhoDoSistema(sCaminho).c_str(), 0777);
 #endif
-
-/// `sPasta` ends with a separator.
-void RemoveComConteudo(const std::string &sPasta) {
-  DIR *const pLeitura = ::opendir(sPasta.c_str());
-  while (const dirent *const pEntrada = pLeitura != nullptr ? ::readdir(pLeitura) : nullptr) {
-    const std::string sNome(pEntrada->d_name);
-    const std::string sCaminho = sPasta + sNome;
-    if (sNome == "." || sNome == "..") {
-      continue;
-    }
-    ::chmod(sCaminho.c_str(), 0700);
-    if (::unlink(sCaminho.c_str()) != 0) {
-      RemoveComConteudo(sCaminho + "/");
-    }
+  if (erro != 0) {
+    throw std::runtime_error("cannot create " + sCaminho);
   }
-  if (pLeitura != nullptr) {
-    ::closedir(pLeitura);
-  }
-  ::rmdir(sPasta.c_str());
 }
 
 }  // namespace
@@ -61,26 +38,26 @@ std::string CaminhoDoSistema(const CString &sCaminho) {
 
 PastaTemporaria::PastaTemporaria() {
   static std::atomic<unsigned> s_contador{0};
-  const char *const lpTemp = std::getenv(kVariavelTemp);
-  CString sInicio = CString(lpTemp != nullptr ? lpTemp : "/tmp") + "/kalvo-" + std::to_string(::getpid()) + "-";
+  CString sInicio = std::filesystem::temp_directory_path().string() + "/kalvo-" + std::to_string(::getpid()) + "-";
   std::replace(sInicio.begin(), sInicio.end(), '/', '\\');
   // A name left over by an earlier process of the same number is passed over.
   do {
     m_caminho = sInicio + std::to_string(++s_contador) + "\\";
   } while (ExisteNoDisco(m_caminho));
-  if (!CriaDiretorio(CaminhoDoSistema(m_caminho))) {
-    throw std::runtime_error("no temporary directory");
-  }
+  CriaDiretorio(m_caminho);
 }
 
 PastaTemporaria::~PastaTemporaria() {
-  RemoveComConteudo(CaminhoDoSistema(m_caminho));
+  const std::filesystem::path pasta = CaminhoDoSistema(m_caminho);
+  std::error_code erro;
+  for (std::filesystem::recursive_directory_iterator it(pasta, erro), fim; it != fim; it.increment(erro)) {
+    std::filesystem::permissions(it->path(), std::filesystem::perms::owner_all, erro);
+  }
+  std::filesystem::remove_all(pasta, erro);
 }
 
 CString PastaTemporaria::CriaSubpasta(const CString &sNome) const {
-  if (!CriaDiretorio(CaminhoDoSistema(m_caminho + sNome))) {
-    throw std::runtime_error("cannot create " + sNome);
-  }
+  CriaDiretorio(m_caminho + sNome);
   return m_caminho + sNome + "\\";
 }
 

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <map>
-#include <stdexcept>
 #include <utility>
 
 namespace apoio {
@@ -45,11 +44,8 @@ std::string ProcessoFilho::LeLinha() {
 }
 
 void ProcessoFilho::EnviaLinha(const std::string &sLinha) {
-  for (const char letra : sLinha + "\n") {
-    if (::write(m_entrada, &letra, 1) != 1) {
-      throw std::runtime_error("child does not listen");
-    }
-  }
+  const std::string sInteira = sLinha + "\n";
+  static_cast<void>(::write(m_entrada, sInteira.data(), static_cast<unsigned>(sInteira.size())));
 }
 
 void ProcessoFilho::FechaEntrada() {

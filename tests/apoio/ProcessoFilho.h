@@ -32,7 +32,7 @@ public:
 
   /// Next line that the child writes, without its end; empty when the child ended. Blocks.
   std::string LeLinha();
-  /// Sends a line.
+  /// Sends a line; nobody reads it when the child has ended.
   void EnviaLinha(const std::string &sLinha);
   /// Closes the child's input, waits for its end and returns its exit code.
   int Espera();

@@ -2,14 +2,11 @@
 
 #include <cstdlib>
 #include <iostream>
-#include <sstream>
 
 #include "core/env/QZPath.h"
-#include "tests/apoio/ProcessoFilho.h"
 #include "tests/campanha/Clientes.h"
 #include "tests/campanha/ParteDaCampanha.h"
 #include "tests/campanha/Servidores.h"
-#include "tests/campanha/VeiculoNumerado.h"
 
 using namespace apoiocom;
 
@@ -17,22 +14,6 @@ namespace campanha {
 namespace {
 
 constexpr std::uint32_t kDiscoCheio = 0x80043F08;
-
-/// Writes the vehicles that it is told to, where it is told to, and tells the result and the position.
-int Obedece(const std::vector<std::string> &argumentos) {
-  const Apartamento apartamento;
-  const Veiculos spVeiculos = Cria();
-  HRESULT hr = spVeiculos ? Inicializa(*spVeiculos, argumentos[0]) : E_FAIL;
-  std::cout << hr << std::endl;
-  LONG lPos = 0;
-  std::uint32_t uiNumero = 0;
-  while (SUCCEEDED(hr) && std::cin >> lPos >> uiNumero) {
-    const HRESULT hrGrava = spVeiculos->Grava(&lPos, VeiculoNumerado(uiNumero));
-    std::cout << hrGrava << " " << lPos << std::endl;
-  }
-  return 0;
-}
-const apoio::RegistraFilha kObedece("campanha-obedece", Obedece);
 
 class DiscoCheio : public ParteDaCampanha {
 protected:
@@ -63,19 +44,16 @@ protected:
   }
   void Esvazia() const { EXPECT_TRUE(DeleteFileA((m_sDisco + "CHEIO").c_str())); }
 
-  HRESULT Grava(apoio::ProcessoFilho &cliente, LONG lPos) {
-    Gravacao gravacao{lPos, ++m_uiNumero, Gravacao::Fim::Recusada};
-    cliente.EnviaLinha(std::to_string(lPos) + " " + std::to_string(m_uiNumero));
-    std::istringstream resposta(cliente.LeLinha());
-    HRESULT hr = E_FAIL;
-    resposta >> hr >> gravacao.lPos;
+  HRESULT Grava(CCliente &cliente, LONG lPos) {
+    Gravacao gravacao{lPos, ++m_uiNumero};
+    const HRESULT hr = cliente.Grava(&gravacao.lPos, m_uiNumero);
     gravacao.eFim = hr == S_OK ? Gravacao::Fim::Confirmada : Gravacao::Fim::Recusada;
     m_livro.Anota({gravacao});
     return hr;
   }
 
   void Confere() {
-    const Leitura leitura = LeEmpresa(kEmpresa);
+    const Resposta leitura = LeEmpresa(kEmpresa);
     ASSERT_EQ(Bits(leitura.hr), Bits(S_OK));
     ASSERT_EQ(m_livro.Confere(leitura.numeros), "");
   }
@@ -91,8 +69,9 @@ TEST_F(DiscoCheio, DizODiscoCheioEVoltaAGravarQuandoHaLugar) {
   for (unsigned uiVez = 0; uiVez < 3; ++uiVez) {
     unsigned uiCabem = 0;
     {
-      apoio::ProcessoFilho cliente("campanha-obedece", {kEmpresa});
-      ASSERT_EQ(cliente.LeLinha(), "0");
+      CCliente cliente;
+      ASSERT_EQ(Bits(cliente.Pede("cria").hr), Bits(S_OK));
+      ASSERT_EQ(Bits(cliente.Pede(CString("abre ") + kEmpresa).hr), Bits(S_OK));
       for (unsigned i = 0; i < 20; ++i) {
         ASSERT_EQ(Grava(cliente, 0), S_OK);
       }

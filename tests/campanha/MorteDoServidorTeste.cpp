@@ -18,7 +18,7 @@ constexpr unsigned kMortesPorEmpresa = 10;
 
 /// Every fourth kill falls into the opening, the others behind some of the writes.
 constexpr unsigned kAberturaMs = 80;
-constexpr unsigned kLinhas = 600;
+constexpr unsigned kGravacoes = 300;
 
 class MorteDoServidor : public ParteDaCampanha {
 protected:
@@ -50,7 +50,7 @@ TEST_F(MorteDoServidor, OConfirmadoEstaLaEAEmpresaAbre) {
     }
     CEscritores escritores(pEmpresa->Codigo(), {.uiQtd = 3}, livro, m_gerador);
     escritores.Comeca();
-    escritores.EsperaLinhas(uiRodada % 4 == 0 ? 0 : 1 + m_gerador() % kLinhas);
+    escritores.EsperaGravacoes(uiRodada % 4 == 0 ? 0 : 1 + m_gerador() % kGravacoes);
     Espera(Sorteia(uiRodada % 4 == 0 ? kAberturaMs : 1));
     MataServidores();
     escritores.Termina(&livro);
@@ -58,7 +58,7 @@ TEST_F(MorteDoServidor, OConfirmadoEstaLaEAEmpresaAbre) {
     uiNoMeio += NoMeioDeUmaGravacao(*pEmpresa) ? 1U : 0U;
     EsqueceServidores();
 
-    const Leitura leitura = LeEmpresa(pEmpresa->Codigo());
+    const Resposta leitura = LeEmpresa(pEmpresa->Codigo());
     ASSERT_EQ(Bits(leitura.hr), Bits(S_OK)) << "the company does not open";
     ASSERT_EQ(livro.Confere(leitura.numeros), "");
     ASSERT_EQ(Sobras(pEmpresa->Arquivo(""), ".TRA"), std::vector<std::string>());

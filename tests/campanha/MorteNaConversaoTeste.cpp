@@ -1,10 +1,8 @@
 // A base of version 0 loses its first record exactly once, whoever converts it and whenever that is killed.
 
 #include <iostream>
-#include <sstream>
 
 #include "tests/apoio/Corrida.h"
-#include "tests/apoio/ProcessoFilho.h"
 #include "tests/campanha/Clientes.h"
 #include "tests/campanha/ParteDaCampanha.h"
 #include "tests/campanha/Servidores.h"
@@ -19,19 +17,6 @@ namespace {
 constexpr unsigned kAberturaMs = 80;
 constexpr unsigned kDepoisMs = 3;
 enum Momento { kNaAbertura, kComRegistrosNovos, kDepoisDaTroca, kMomentos };
-
-/// Has an object, opens the company when told to, and tells the result.
-int Abridor(const std::vector<std::string> &argumentos) {
-  const Apartamento apartamento;
-  const Veiculos spVeiculos = Cria();
-  std::cout << (spVeiculos ? "pronto" : "") << std::endl;
-  std::string sLinha;
-  if (std::getline(std::cin, sLinha)) {
-    std::cout << Bits(Inicializa(*spVeiculos, argumentos[0])) << std::endl;
-  }
-  return 0;
-}
-const apoio::RegistraFilha kAbridor("campanha-abre", Abridor);
 
 /// Records that are told apart, 256 bytes each.
 std::string Base(char cPrimeiro, char cFim) {
@@ -76,15 +61,15 @@ TEST_F(MorteNaConversao, SoOPrimeiroRegistroSaiEUmaVez) {
     apoio::EscreveArquivo(empresa.Arquivo("DFVEIC.DAT"), Base(kPrimeiro, kFim));
     MataServidores();
     const unsigned uiServidores = uiRodada % 3 == 0 ? 1 : 2;
-    std::deque<apoio::ProcessoFilho> clientes;
+    std::deque<CCliente> clientes;
     for (unsigned i = 0; i < uiServidores; ++i) {
       EsqueceServidores();  // each client gets a server of its own
-      ASSERT_EQ(clientes.emplace_back("campanha-abre", std::vector<std::string>{empresa.Codigo()}).LeLinha(), "pronto");
+      ASSERT_EQ(Bits(clientes.emplace_back().Pede("cria").hr), Bits(S_OK));
     }
     const std::vector<Handle> servidores = Servidores();
     ASSERT_EQ(servidores.size(), uiServidores);
-    for (apoio::ProcessoFilho &cliente : clientes) {
-      cliente.EnviaLinha("vai");
+    for (CCliente &cliente : clientes) {
+      cliente.Manda("abre " + empresa.Codigo());
     }
     if (uiRodada % 3 != 2) {
       const auto eMomento = static_cast<Momento>(m_gerador() % kMomentos);
@@ -95,15 +80,15 @@ TEST_F(MorteNaConversao, SoOPrimeiroRegistroSaiEUmaVez) {
       Mata(servidores[m_gerador() % servidores.size()].get());
       ++uiMortas;
     }
-    for (apoio::ProcessoFilho &cliente : clientes) {
-      uiConvertidas += cliente.LeLinha() == "0" ? 1U : 0U;
-      cliente.Espera();
+    for (CCliente &cliente : clientes) {
+      uiConvertidas += cliente.Ouve().hr == S_OK ? 1U : 0U;
+      cliente.Termina();
     }
     MataServidores();
     EsqueceServidores();
     uiNoMeio += Sobras(empresa.Arquivo(""), ".TRA").empty() ? 0U : 1U;
 
-    const Leitura leitura = LeEmpresa(empresa.Codigo());
+    const Resposta leitura = LeEmpresa(empresa.Codigo());
     ASSERT_EQ(Bits(leitura.hr), Bits(S_OK)) << "the company does not open";
     ASSERT_TRUE(Registros(empresa) == Base(kPrimeiro + 1, kFim)) << Letras(Registros(empresa));
     ASSERT_EQ(Sobras(empresa.Arquivo(""), ".TRA"), std::vector<std::string>());

@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "tests/apoio/ProcessoFilho.h"
+#include "tests/campanha/Clientes.h"
 #include "tests/campanha/ParteDaCampanha.h"
 #include "tests/campanha/Servidores.h"
 #include "tests/campanha/VeiculoNumerado.h"
@@ -25,21 +26,6 @@ constexpr unsigned kChamadasPorObjeto = 100;
 constexpr double kMaisDemora = 1.2;
 /// Below this the time of calls is the machine's other business.
 constexpr unsigned kSegundosDeDemora = 120;
-
-/// Fills a company.
-int Povoa(const std::vector<std::string> &empresas) {
-  const Apartamento apartamento;
-  for (const std::string &sEmpresa : empresas) {
-    const Veiculos spVeiculos = Abre(sEmpresa);
-    for (LONG lPos = 0, i = 1; i <= kVeiculos; ++i, lPos = 0) {
-      if (!spVeiculos || spVeiculos->Grava(&lPos, VeiculoNumerado(static_cast<std::uint32_t>(i))) != S_OK) {
-        return 1;
-      }
-    }
-  }
-  return 0;
-}
-const apoio::RegistraFilha kPovoa("campanha-povoa", Povoa);
 
 /// One call of many kinds; all must work. Half of them write, over what is there.
 HRESULT Chama(IQZDF_Veiculos &veiculos, std::mt19937 &gerador) {
@@ -104,14 +90,27 @@ int Mistura(const std::vector<std::string> &argumentos) {
 }
 const apoio::RegistraFilha kMistura("campanha-mistura", Mistura);
 
-class Resistencia : public ParteDaCampanha {};
+class Resistencia : public ParteDaCampanha {
+protected:
+  static void Povoa(const std::vector<std::string> &empresas) {
+    CCliente cliente;
+    for (const std::string &sEmpresa : empresas) {
+      ASSERT_EQ(cliente.Pede("cria").hr, S_OK);
+      ASSERT_EQ(cliente.Pede("abre " + sEmpresa).hr, S_OK);
+      for (LONG lPos = 0, i = 1; i <= kVeiculos; ++i, lPos = 0) {
+        ASSERT_EQ(cliente.Grava(&lPos, static_cast<std::uint32_t>(i)), S_OK);
+      }
+    }
+    ASSERT_EQ(cliente.Termina(), 0);
+  }
+};
 
 TEST_F(Resistencia, MemoriaHandlesThreadsEDemoraNaoCrescem) {
   std::vector<std::string> empresas;
   while (empresas.size() < kEmpresas) {
     empresas.push_back(MaisUmaEmpresa().Codigo());
   }
-  ASSERT_EQ(apoio::ProcessoFilho("campanha-povoa", empresas).Espera(), 0);
+  ASSERT_NO_FATAL_FAILURE(Povoa(empresas));
   const std::vector<Handle> servidores = Servidores();
   ASSERT_EQ(servidores.size(), 1U);
 

@@ -53,7 +53,7 @@ TEST(DescricaoDaBiblioteca, DiretorioRelativoNaoVale) {
   instalacao.InstalaBiblioteca("segunda");
   const std::filesystem::path anterior = std::filesystem::current_path();
   std::filesystem::current_path(apoio::CaminhoDoSistema(instalacao.Diretorio()));
-  for (const char *lpDiretorio : {"", ".", ".\\", "x64\\.."}) {
+  for (const char *lpDiretorio : {"", ".", "x64\\.."}) {
     instalacao.DefineDiretorio(lpDiretorio);
     EXPECT_EQ(DescricaoDaBiblioteca(0), "") << lpDiretorio;
   }

@@ -28,7 +28,6 @@ struct ExcecaoPropria : CException {};
 struct SistemaDerivada : CQZException {
   using CQZException::CQZException;
 };
-struct BadAllocDerivada : std::bad_alloc {};
 
 TEST(TraducaoExcecoes, CadaTipoTemOSeuCodigo) {
   const struct {
@@ -37,14 +36,11 @@ TEST(TraducaoExcecoes, CadaTipoTemOSeuCodigo) {
     std::uint32_t hr;
   } linhas[] = {
       {"extended", [] { throw CQZExceptionEx(CodigoResultado(0x81080123), 1, 2, "m", "f", "a", 3); }, 0x81080123},
-      {"extended success", [] { throw CQZExceptionEx(1, 0, 5, "", "", "", 0); }, 1},
       {"system error", [] { Lanca<CQZException>("m", 1U, 2U); }, 0x80040002},
       {"whole system error", [] { Lanca<CQZException>(7U, 1U, 0x81234567U); }, 0x81274567},
-      {"no system error", [] { Lanca<CQZException>(9U, 1U, 0U); }, 0x8004EA61},
       {"derived", [] { Lanca<SistemaDerivada>("m", 1U, 0U); }, 0x8004EA61},
       {"file", [] { Lanca<CFileException>(CausaArquivo::DiscoCheio, 112); }, 0x80070070},
       {"file, low half", [] { Lanca<CFileException>(CausaArquivo::Generica, 0x12345); }, 0x80072345},
-      {"file without error", [] { Lanca<CFileException>(CausaArquivo::FimDeArquivo, 0); }, 0},
       {"file, negative", [] { Lanca<CFileException>(CausaArquivo::Generica, -5); }, 0xFFFFFFFB},
       {"memory", [] { Lanca<CMemoryException>(); }, 0x8004EA62},
       {"framework", [] { Lanca<ExcecaoPropria>(); }, 0x8004EA63},
@@ -52,10 +48,8 @@ TEST(TraducaoExcecoes, CadaTipoTemOSeuCodigo) {
       {"result code", [] { throw CodigoResultado(0x810809DB); }, 0x810809DB},
       {"success code", [] { throw CodigoResultado(0); }, 0},
       {"bad_alloc", [] { throw std::bad_alloc(); }, 0x8004EA64},
-      {"derived bad_alloc", [] { throw BadAllocDerivada(); }, 0x8004EA64},
       {"exception", [] { throw std::out_of_range("x"); }, 0x8004EA65},
       {"text", [] { throw "x"; }, 0x8004EA66},
-      {"unsigned", [] { throw 5U; }, 0x8004EA66},
       {"by value", [] { throw CMemoryException(); }, 0x8004EA66},
       {"null system error", [] { throw static_cast<CQZException *>(nullptr); }, 0x8004EA61},
       {"null file", [] { throw static_cast<CFileException *>(nullptr); }, 0x8004EA63},

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int kEscritores = 4;
+constexpr int kEscritores = 2;  ///< processes, and as many threads
 constexpr int kRegistros = 200;
 
 /// Opens a log file that another writer has taken once it is free, so that no record is dropped for want of attempts.
@@ -35,63 +35,46 @@ std::string Texto(const std::string &escritor, int n) {
   return escritor + "." + std::to_string(n) + "." + std::string(static_cast<std::size_t>(n), 'x') + ".fim";
 }
 
-/// <folder> <writer>: writes its records into the error file of an installation.
-int GravaRegistros(const std::vector<std::string> &argumentos) {
+/// Writes a writer's records into the error file of the installation in force.
+void GravaRegistros(const std::string &escritor) {
+  for (int n = 0; n < kRegistros; ++n) {
+    GravaRegistroErro(nullptr, "C::F", "C.cpp", n, Texto(escritor, n));
+  }
+}
+
+/// <folder> <writer>: the same, for the installation in that folder.
+int GravaRegistrosDeUmFilho(const std::vector<std::string> &argumentos) {
   apoio::RegistroFalso registro;
   registro.m_textos[{kChaveInstalacao, "Path"}] = argumentos.at(0);
   ArquivosQueEsperam arquivos(plataforma::Arquivos());
   const apoio::ServicosTrocados servicos(&arquivos, &registro);
-  for (int n = 0; n < kRegistros; ++n) {
-    GravaRegistroErro(nullptr, "C::F", "C.cpp", n, Texto(argumentos.at(1), n));
-  }
+  GravaRegistros(argumentos.at(1));
   return 0;
 }
-const apoio::RegistraFilha kFilha("grava-registros", GravaRegistros);
+const apoio::RegistraFilha kFilha("grava-registros", GravaRegistrosDeUmFilho);
 
-class ConcorrenciaLog : public LogTeste {
-protected:
-  /// Checks that the error file is one header and all records, whole and each once.
-  void ConfereErros() {
-    std::set<std::string> faltam;
-    for (int escritor = 0; escritor < kEscritores; ++escritor) {
-      for (int n = 0; n < kRegistros; ++n) {
-        faltam.insert("|C.cpp|" + std::to_string(n) + "|" + Texto(std::to_string(escritor), n) + "|");
-      }
-    }
-    std::vector<std::string> linhas = ErrosDaInstalacao();
-    EXPECT_EQ(linhas.empty() ? "" : linhas.front(), kCabecalhoErrosEsperado);
-    for (std::size_t i = 1; i < linhas.size(); ++i) {
-      const std::size_t inicio = std::min(linhas[i].find("|C.cpp|"), linhas[i].size());
-      EXPECT_EQ(faltam.erase(linhas[i].substr(inicio)), 1U) << linhas[i];
-      EXPECT_EQ(linhas[i].substr(2, 1), "/") << linhas[i];
-    }
-    EXPECT_EQ(faltam, std::set<std::string>()) << "lost";
-  }
-};
+using ConcorrenciaLog = LogTeste;
 
-TEST_F(ConcorrenciaLog, QuatroProcessosNoMesmoArquivo) {
-  std::list<apoio::ProcessoFilho> filhos;
-  for (int i = 0; i < kEscritores; ++i) {
-    filhos.emplace_back("grava-registros", std::vector<std::string>{m_instalacao.Caminho(), std::to_string(i)});
-  }
-  for (apoio::ProcessoFilho &filho : filhos) {
-    EXPECT_EQ(filho.Espera(), 0);
-  }
-  ConfereErros();
-}
-
-TEST_F(ConcorrenciaLog, ThreadsEscrevemEnquantoAsChavesMudam) {
+TEST_F(ConcorrenciaLog, ProcessosEThreadsEscrevemEnquantoAsChavesMudam) {
   ArquivosQueEsperam arquivos(plataforma::Arquivos());
   const apoio::ServicosTrocados servicos(&arquivos, nullptr, plataforma::ServicosDoSistema().relogio);
   EscreveIni("TimeoutConfig=0");
-  std::atomic<int> ativos{kEscritores};
+  std::set<std::string> faltam;
+  for (int escritor = 0; escritor < 2 * kEscritores; ++escritor) {
+    for (int n = 0; n < kRegistros; ++n) {
+      faltam.insert("|C.cpp|" + std::to_string(n) + "|" + Texto(std::to_string(escritor), n) + "|");
+    }
+  }
+  std::list<apoio::ProcessoFilho> filhos;
   std::list<std::thread> threads;
+  std::atomic<int> ativos{kEscritores};
   for (int i = 0; i < kEscritores; ++i) {
+    filhos.emplace_back("grava-registros", std::vector<std::string>{m_instalacao.Caminho(), std::to_string(i)});
     threads.emplace_back([this, i, &ativos] {
       for (int n = 0; n < kRegistros; ++n) {
         const CQZEscopoProfiler escopo(&m_profiler, {"C::F"});
-        GravaRegistroErro(nullptr, "C::F", "C.cpp", n, Texto(std::to_string(i), n));
       }
+      GravaRegistros(std::to_string(kEscritores + i));
       --ativos;
     });
   }
@@ -103,7 +86,18 @@ TEST_F(ConcorrenciaLog, ThreadsEscrevemEnquantoAsChavesMudam) {
   for (std::thread &thread : threads) {
     thread.join();
   }
-  ConfereErros();
+  for (apoio::ProcessoFilho &filho : filhos) {
+    EXPECT_EQ(filho.Espera(), 0);
+  }
+  // One header and all records, whole and each once.
+  const std::vector<std::string> erros = ErrosDaInstalacao();
+  EXPECT_EQ(erros.front(), kCabecalhoErrosEsperado);
+  for (std::size_t i = 1; i < erros.size(); ++i) {
+    const std::size_t inicio = std::min(erros[i].find("|C.cpp|"), erros[i].size());
+    EXPECT_EQ(faltam.erase(erros[i].substr(inicio)), 1U) << erros[i];
+    EXPECT_EQ(erros[i].substr(2, 1), "/") << erros[i];
+  }
+  EXPECT_EQ(faltam, std::set<std::string>()) << "lost";
   // A reload may meet the file while it is being written: between two others, the memory is then not measured.
   for (const std::string &linha : Profiler()) {
     EXPECT_TRUE(linha == kCabecalhoProfilerEsperado || linha.ends_with("|17179869184|3276800|0|0|") ||

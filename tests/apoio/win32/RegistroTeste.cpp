@@ -17,29 +17,13 @@ CString SemBarra(const CString &sChave) {
   return sChave.substr(0, sChave.find_last_not_of('\\') + 1);
 }
 
-CString Terminado(const CString &sTexto) {
-  return sTexto + CString(1, '\0');
-}
-
-/// Opens a key, which is created when needed.
-HKEY AbreChave(const CString &sChave) {
-  HKEY hChave = nullptr;
-  Confere(::RegCreateKeyExA(HKEY_LOCAL_MACHINE, SemBarra(sChave).c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &hChave,
-                            nullptr),
-          sChave);
-  return hChave;
-}
-
 /// Stores exactly these bytes.
 void Grava(const CString &sChave, const CString &sNome, DWORD tipo, const CString &sBytes) {
   // The system adds a missing final zero when one follows the bytes it is given: something else follows here.
   const CString sSeguidos = sBytes + "#";
-  const HKEY hChave = AbreChave(sChave);
-  const LSTATUS estado =
-      ::RegSetValueExA(hChave, sNome.c_str(), 0, tipo, reinterpret_cast<const BYTE *>(sSeguidos.data()),
-                       static_cast<DWORD>(sBytes.size()));
-  ::RegCloseKey(hChave);
-  Confere(estado, sNome);
+  Confere(::RegSetKeyValueA(HKEY_LOCAL_MACHINE, SemBarra(sChave).c_str(), sNome.c_str(), tipo, sSeguidos.data(),
+                            static_cast<DWORD>(sBytes.size())),
+          sNome);
 }
 
 }  // namespace
@@ -55,17 +39,19 @@ void RegistroTeste::CriaChave(const CString &sChave) {
     throw std::runtime_error("not a test key: " + sChave);
   }
   m_chaves.push_back(SemBarra(sChave));
-  ::RegCloseKey(AbreChave(sChave));
+  HKEY hChave = nullptr;
+  Confere(::RegCreateKeyA(HKEY_LOCAL_MACHINE, m_chaves.back().c_str(), &hChave), sChave);
+  ::RegCloseKey(hChave);
 }
 
 void RegistroTeste::DefineTexto(const CString &sChave, const CString &sNome, const CString &sTexto, bool bTerminador) {
   CriaChave(sChave);
-  Grava(sChave, sNome, REG_SZ, bTerminador ? Terminado(sTexto) : sTexto);
+  Grava(sChave, sNome, REG_SZ, bTerminador ? sTexto + CString(1, '\0') : sTexto);
 }
 
 void RegistroTeste::DefineTextoExpansivel(const CString &sChave, const CString &sNome, const CString &sTexto) {
   CriaChave(sChave);
-  Grava(sChave, sNome, REG_EXPAND_SZ, Terminado(sTexto));
+  Grava(sChave, sNome, REG_EXPAND_SZ, sTexto + CString(1, '\0'));
 }
 
 void RegistroTeste::DefineNumero(const CString &sChave, const CString &sNome, std::uint32_t numero) {

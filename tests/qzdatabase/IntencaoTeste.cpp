@@ -7,8 +7,6 @@
 
 namespace {
 
-using Criacao = CQZIntencaoGravacao::Criacao;
-
 class Intencao : public ComBanco {
 protected:
   static RegCabecalhoArquivo CabecalhoSobre(const std::string &dados) {
@@ -93,24 +91,6 @@ TEST_F(Intencao, ReparoQueFalha) {
     EXPECT_EQ(Abre(), codigos::kOk);
     EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 3));
   }
-}
-
-/// Only a whole note of a creation, under the file's name, is one.
-TEST_F(Intencao, Criacao) {
-  const auto anotada = [this] { return CQZIntencaoGravacao::CriacaoAnotada(m_sCaminho, "TESTE.DAT"); };
-  EXPECT_EQ(anotada(), Criacao::Nada);
-  CQZIntencaoGravacao::AnotaCriacao(m_sCaminho, "OUTRO.DAT");
-  EXPECT_EQ(anotada(), Criacao::Nada);
-  CQZIntencaoGravacao::AnotaCriacao(m_sCaminho, "TESTE.DAT");
-  EXPECT_EQ(anotada(), Criacao::Criacao);
-  std::string nota = m_empresa.LeInteiro("TESTE.INT");
-  nota[12] ^= 1;
-  m_empresa.Escreve("TESTE.INT", nota);
-  EXPECT_EQ(anotada(), Criacao::Nada);
-  Anota(Acrescimo("", Bytes(1, 1)));
-  EXPECT_EQ(anotada(), Criacao::PrimeiraGravacao);
-  Anota(Acrescimo(Bytes(1, 1), Bytes(2, 2)));
-  EXPECT_EQ(anotada(), Criacao::Nada);
 }
 
 /// A file that was found whole is missed when it goes, although the process ended within its first write.

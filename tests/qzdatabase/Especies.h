@@ -70,9 +70,12 @@ public:
     // Some of them, or all of a few, by their texts.
     const std::uint64_t uiPasso = 1 + uiQtd / 20;
     for (std::uint64_t uiPosicao = 1; uiPosicao <= uiQtd && !Falhou(hr); uiPosicao += uiPasso) {
+      const char *const lpTexto = psDados->data() + (uiPosicao - 1) * sizeof(RegTeste) + offsetof(RegTeste, cTexto);
       bool bAchou = false;
-      const auto visita = [&](std::uint64_t uiOnde, const RegTeste &) { return !(bAchou = uiOnde == uiPosicao); };
-      hr = m_file.PercorreTexto(0, psDados->substr((uiPosicao - 1) * sizeof(RegTeste) + 4, 12).c_str(), uiQtd, visita);
+      hr = m_file.PercorreTexto(0, lpTexto, uiQtd, [&](std::uint64_t uiOnde, const RegTeste &) {
+        bAchou = uiOnde == uiPosicao;
+        return !bAchou;
+      });
       EXPECT_TRUE(bAchou || Falhou(hr)) << "by the index, at " << uiPosicao;
     }
     return hr;

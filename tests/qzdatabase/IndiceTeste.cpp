@@ -73,7 +73,7 @@ protected:
 
   /// A record whose field goes on behind its text.
   static RegTeste Com(const std::string &texto) {
-    RegTeste reg = Registro(1, texto.c_str());
+    RegTeste reg = Registro(1, texto);
     reg.cTexto[sizeof(reg.cTexto) - 1] = 'x';
     return reg;
   }

@@ -18,10 +18,10 @@ protected:
 
 TEST_F(ArquivoDeRegistros, PosicaoDevolvida) {
   CArray<RegTeste> aUltimoEZero = Colecao(3, 3);
-  aUltimoEZero.Add(RegTeste{});  // behind the last, which is no zero record that is there already
+  aUltimoEZero.Add(RegTeste{});  // what memory that nothing has used yet holds behind the last
   const std::tuple<std::uint64_t, CArray<RegTeste>, HRESULT, std::uint64_t, std::string> casos[] = {
-      {0, Colecao(4, 6), codigos::kOk, 4, Bytes(1, 6)},
       {3, std::move(aUltimoEZero), codigos::kOk, 3, Bytes(1, 3) + Bytes(RegTeste{})},
+      {0, Colecao(4, 6), codigos::kOk, 4, Bytes(1, 6)},
       {4, Colecao(4, 4), codigos::kGravacaoAlemDoFim, 4, Bytes(1, 3)},
       {0, {}, codigos::kOk, 0, Bytes(1, 3)}};
   for (const auto &[uiAntes, aRegistros, hr, uiDepois, disco] : casos) {

@@ -48,14 +48,17 @@ TEST_F(Utilitarios, FalhaEmCadaOperacaoDeixaOVelhoOuONovo) {
   }
 }
 
-/// Where the companion is not moved what had been done before the move is undone; where that fails it stays.
-TEST_F(Utilitarios, TrocaQueNaoSeDesfaz) {
+/// What comes before the move may refuse it. Where the companion is not moved that is undone; where that fails the
+/// companion stays.
+TEST_F(Utilitarios, TrocaRecusadaOuDesfeita) {
   Poe("DADOS.DAT", Bytes(1, 3));
   Falha(apoio::kOpMove, "", 5);
-  for (const HRESULT hrDesfaz : {codigos::kOk, codigos::kArqOutra}) {
+  for (const auto &[hrAntes, hrDesfaz] : {std::pair(codigos::kArqOutra, codigos::kOk),
+                                          {codigos::kOk, codigos::kOk},
+                                          {codigos::kOk, codigos::kArqOutra}}) {
     EXPECT_EQ(CQZDataBaseUtil::RemoveRegistroZero<RegTeste>(
-                  &m_dono, QZ_DF, "DADOS.DAT", [] { return codigos::kOk; }, [&] { return hrDesfaz; }),
-              codigos::kTraNaoRenomeado);
+                  &m_dono, QZ_DF, "DADOS.DAT", [hr = hrAntes] { return hr; }, [hr = hrDesfaz] { return hr; }),
+              Falhou(hrAntes) ? hrAntes : codigos::kTraNaoRenomeado);
     EXPECT_EQ(m_empresa.Existe("DADOS.TRA"), Falhou(hrDesfaz));
   }
 }

@@ -93,6 +93,20 @@ TEST_F(Intencao, ReparoQueFalha) {
   }
 }
 
+/// Only a whole note of a creation, under the file's name, is one.
+TEST_F(Intencao, Criacao) {
+  using Criacao = CQZIntencaoGravacao::Criacao;
+  const auto anotada = [this] { return CQZIntencaoGravacao::CriacaoAnotada(m_sCaminho, "TESTE.DAT"); };
+  CQZIntencaoGravacao::AnotaCriacao(m_sCaminho, "OUTRO.DAT");
+  EXPECT_EQ(anotada(), Criacao::Nada);
+  CQZIntencaoGravacao::AnotaCriacao(m_sCaminho, "TESTE.DAT");
+  EXPECT_EQ(anotada(), Criacao::Criacao);
+  std::string nota = m_empresa.LeInteiro("TESTE.INT");
+  nota[12] ^= 1;
+  m_empresa.Escreve("TESTE.INT", nota);
+  EXPECT_EQ(anotada(), Criacao::Nada);
+}
+
 /// A file that was found whole is missed when it goes, although the process ended within its first write.
 TEST_F(Intencao, PrimeiraGravacaoInteiraContaComoCriada) {
   std::uint64_t uiPosicao = 0;

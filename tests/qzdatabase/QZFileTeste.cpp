@@ -141,7 +141,7 @@ TEST_F(ArquivoDeRegistros, UmRegistroAusenteOuDeOutroTamanho) {
     Poe("UNICO.DAT", conteudo);
     EXPECT_EQ(Abre(), codigos::kTamanhoDiferente);
     EXPECT_FALSE(Texto().ExisteArquivo() || Arquivo().ExisteArquivo()) << "open already, and closed";
-    EXPECT_EQ(m_empresa.Le("UNICO.DAT"), conteudo);
+    EXPECT_EQ(Disco("UNICO.DAT"), conteudo);
   }
 }
 

@@ -139,9 +139,12 @@ TEST_F(ArquivoDeRegistros, UmRegistroAusenteOuDeOutroTamanho) {
   Poe("TEXTO.DAT", Linhas({"um"}));
   for (const char *conteudo : {"", "fifteen letters", "seventeen letters"}) {
     Poe("UNICO.DAT", conteudo);
-    EXPECT_EQ(Abre(), codigos::kTamanhoDiferente);
-    EXPECT_FALSE(Texto().ExisteArquivo() || Arquivo().ExisteArquivo()) << "open already, and closed";
-    EXPECT_EQ(Disco("UNICO.DAT"), conteudo);
+    {
+      BancoTeste banco;
+      EXPECT_EQ(banco.Inicializa(m_empresa.Dono()), codigos::kTamanhoDiferente);
+      EXPECT_FALSE(banco.m_Texto.ExisteArquivo() || banco.m_Registros.ExisteArquivo()) << "open already, and closed";
+    }
+    EXPECT_EQ(m_empresa.Le("UNICO.DAT"), conteudo);
   }
 }
 

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/qzdatabase/arquivo/QZFile.h"
@@ -22,6 +23,10 @@ using apoio::Bytes;
 using apoio::ComEmpresa;
 using apoio::Linhas;
 using apoio::NoDisco;
+
+/// Counts down with the allocations of this thread; the one that meets 1 fails. 0: none does, as under the thread
+/// sanitizer, which brings operators of its own.
+extern constinit thread_local std::size_t t_alocacoesAteFalhar;
 
 /// A record of 16 bytes, so that lengths around a multiple are easy to make.
 struct RegTeste {
@@ -44,10 +49,15 @@ inline bool operator==(const RegTeste &a, const RegTeste &b) {
   return std::memcmp(&a, &b, sizeof(a)) == 0;
 }
 
-inline RegTeste Registro(std::uint32_t uiNumero, const char *texto = "") {
+inline RegTeste Registro(std::uint32_t uiNumero, std::string_view sTexto) {
   RegTeste reg{uiNumero, {}};
-  std::copy_n(texto, strnlen(texto, sizeof(reg.cTexto)), reg.cTexto);
+  sTexto.copy(reg.cTexto, sizeof(reg.cTexto));
   return reg;
+}
+
+/// With a text of its own.
+inline RegTeste Registro(std::uint32_t uiNumero) {
+  return Registro(uiNumero, std::to_string(uiNumero));
 }
 
 /// The bytes of a file that holds the records numbered `primeiro` to `ultimo`.

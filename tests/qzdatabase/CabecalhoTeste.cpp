@@ -36,8 +36,6 @@ TEST_F(Cabecalho, BytesConhecidos) {
     std::uint64_t uiCrcCabecalho;
     std::string dados;
   } casos[] = {
-      {"DFVEIC.DAT", 0, 0, 0x9F393F0EAEC7385D, ""},
-      {"DFVEIVS.DAT", 0, 0xE05DD497CA393AE4, 0x504020476CF4974F, sVersaoDaBase},
       {"DFVEIVS.DAT", 12345678, 0xE05DD497CA393AE4, 0x6EEE756F54AC2FEC, sVersaoDaBase},
       {"QZDATABASE_FILE_CTRL.DAT", 0, 0x4601B8E253E36143, 0x33247D28C720DBA2, Linhas({"DFVEIC.DAT"})},
       {"NOME_COM_MAIS_DE_40_LETRAS_NAO_CABE_INTEIRO.DAT", 0, 0, 0xEF2A2488879B9FCC, ""},

@@ -5,8 +5,11 @@
 #include <new>
 #include <utility>
 
-#include "tests/qzdatabase/AlocacaoQueFalha.h"
 #include "tests/qzdatabase/Especies.h"
+
+#if !defined(__has_feature)
+#define __has_feature(nome) 0
+#endif
 
 constinit thread_local std::size_t t_alocacoesAteFalhar = 0;
 
@@ -39,12 +42,13 @@ protected:
   HRESULT Abre() { return m_banco.Inicializa(m_empresa.Dono()); }
   HRESULT Fecha() { return m_banco.Finaliza(); }
   CString Nome() const { return m_pEspecie->File().GetNomeArquivo(); }
-  /// Opens the file with this content, or with none there, and nothing in the list of created files.
+  /// Opens the file with this content, or with none there, and nothing in the list of created files; indexes included.
   void Prepara(const Dados &dados) {
     static_cast<void>(Fecha());
     Poe(kArquivoControle, std::nullopt);
     Poe(Nome(), dados);
     ASSERT_EQ(Abre(), codigos::kOk);
+    ASSERT_EQ(Leitura(), codigos::kOk);
   }
   /// All bytes of the file at this moment, and those of a whole file.
   Dados Disco() { return Inteiro(Nome()); }
@@ -54,7 +58,10 @@ protected:
     EXPECT_EQ(m_especie.Le(&dados), codigos::kOk);
     return dados;
   }
-  HRESULT Leitura() { return m_especie.Le(&m_sDescartado); }
+  HRESULT Leitura() {
+    std::string sDescartado;
+    return m_especie.Le(&sDescartado);
+  }
   /// Has another program put its file there at the N-th opening from now.
   PlanoFalha Alheio(const Dados &dados, std::size_t enesima = 1) {
     return AntesDeAbrir(
@@ -87,7 +94,6 @@ protected:
   Especie &m_especie = *m_pEspecie;
   const std::string m_sAntes = m_especie.Conteudo(1, 2);
   const std::string m_sAlheio = m_especie.Conteudo(5, 6);
-  std::string m_sDescartado;
   apoio::EmpresaComBase m_outra;
 };
 
@@ -159,8 +165,11 @@ TEST_P(Conformidade, SomenteLeituraTemCodigoProprio) {
   if (!apoio::SomenteLeituraSemEfeito()) {
     EXPECT_EQ(m_especie.Muda(3), codigos::kArqSomenteLeitura);
   }
+  Falha(apoio::kOpTodas, Nome(), 1117);
   EXPECT_EQ(m_especie.Muda(1), codigos::kOk) << "what is there already needs no writing";
   EXPECT_EQ(Lido(), m_sAntes);
+  EXPECT_EQ(m_falhas.Vistas(), 0U);
+  m_falhas.Desarma();
   apoio::MarcaSomenteLeitura(m_empresa.Caminho(Nome()), false);
   EXPECT_EQ(m_especie.Muda(3), codigos::kOk);
 }
@@ -232,6 +241,7 @@ TEST_P(Conformidade, GravacaoQueNaoSeDesfaz) {
     std::vector<std::pair<std::function<HRESULT()>, Dados>> reparos{
         {[this] { return Fecha(); }, gravacao.antes},
         {[this] { return m_especie.File().AbreArquivo(eModoLeitura); }, gravacao.antes},
+        {[this] { return m_especie.File().CopiaArquivoPara(m_outra.Codigo(), QZ_DF); }, gravacao.antes},
         {gravacao.grava, gravacao.depois}};
     if (&gravacao == &gravacoes.front()) {
       reparos.emplace_back([this] { return m_especie.Muda(1); }, gravacao.antes);  // nothing to write

@@ -71,22 +71,6 @@ TEST_F(Copia, FalhaEmCadaOperacaoPoupaAOrigem) {
   }
 }
 
-/// A source that has lost its handle is not an empty one, and half a write is not copied.
-TEST_F(Copia, OrigemSemArquivoAbertoOuComMeiaGravacao) {
-  Poe("TESTE.DAT", Bytes(1, 2));
-  for (const unsigned operacoes : {+apoio::kOpAbre, apoio::kOpGrava | apoio::kOpAjustaTamanho}) {
-    ASSERT_EQ(Abre(), codigos::kOk);
-    m_outra.Escreve("TESTE.DAT", "old");
-    Falha(operacoes, m_empresa.Caminho("TESTE.DAT"), 1117);
-    EXPECT_TRUE(Falhou(Grava(0, Registro(3))));
-    EXPECT_TRUE(Falhou(CopiaPara(m_outra)));
-    EXPECT_EQ(m_outra.LeInteiro("TESTE.DAT"), "old");
-    m_falhas.Desarma();
-    EXPECT_EQ(CopiaPara(m_outra), codigos::kOk);
-    EXPECT_EQ(m_outra.Le("TESTE.DAT"), Bytes(1, 2));
-  }
-}
-
 /// '?' stands for one digit anywhere in the name. Any failure leaves each file old or new, and a second try works.
 TEST_F(Copia, RenomeiaGroup) {
   const std::pair<const char *, std::vector<std::string>> casos[] = {{"DF??.DAT", {"DF01", "DF02"}},

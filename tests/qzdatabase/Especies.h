@@ -39,7 +39,7 @@ public:
   /// What can be read of a file with this content.
   virtual std::string Carregado(const std::string &dados) const { return dados; }
 
-  /// Everything that can be read, one by one.
+  /// Everything that can be read, one by one; through the index too.
   virtual HRESULT Le(std::string *psDados) = 0;
   /// Writes over the first number.
   virtual HRESULT Muda(std::uint32_t n) = 0;
@@ -61,12 +61,24 @@ public:
   HRESULT Torto() const override { return codigos::kTamanhoNaoMultiplo; }
   HRESULT Le(std::string *psDados) override {
     std::uint64_t uiQtd = 0;
-    const HRESULT hr = m_file.GetQuantidade(&uiQtd);
+    HRESULT hr = m_file.GetQuantidade(&uiQtd);
     const auto junta = [psDados](std::uint64_t, const RegTeste &reg) {
       *psDados += Bytes(reg);
       return true;
     };
-    return Falhou(hr) ? hr : m_file.Percorre(1, uiQtd, junta);
+    hr = Falhou(hr) ? hr : m_file.Percorre(1, uiQtd, junta);
+    // Some of them, or all of a few, by their texts.
+    const std::uint64_t uiPasso = 1 + uiQtd / 20;
+    for (std::uint64_t uiPosicao = 1; uiPosicao <= uiQtd && !Falhou(hr); uiPosicao += uiPasso) {
+      const char *const lpTexto = psDados->data() + (uiPosicao - 1) * sizeof(RegTeste) + offsetof(RegTeste, cTexto);
+      bool bAchou = false;
+      hr = m_file.PercorreTexto(0, lpTexto, uiQtd, [&](std::uint64_t uiOnde, const RegTeste &) {
+        bAchou = uiOnde == uiPosicao;
+        return !bAchou;
+      });
+      EXPECT_TRUE(bAchou || Falhou(hr)) << "by the index, at " << uiPosicao;
+    }
+    return hr;
   }
   HRESULT Muda(std::uint32_t n) override { return Grava(1, n); }
   HRESULT Acrescenta(std::uint32_t n) override { return Grava(0, n); }

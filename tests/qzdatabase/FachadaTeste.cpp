@@ -58,17 +58,14 @@ TEST_F(Fachada, FalhaNoFimEContada) {
 }
 
 TEST_F(Fachada, FalhaNaoDeixaBancoNemArquivoAberto) {
-  const std::tuple<const char *, const char *, HRESULT> ruins[] = {
-      {"TESTE.DAT", "no whole record", codigos::kTamanhoNaoMultiplo}, {"UNICO.DAT", "bad", codigos::kTamanhoDiferente}};
+  m_empresa.Escreve("TESTE.DAT", Bytes(1, 1));
+  m_empresa.Escreve("UNICO.DAT", "bad");
   Rotina a;
-  for (const auto &[lpNome, lpConteudo, hr] : ruins) {
-    m_empresa.Escreve(lpNome, lpConteudo);
-    EXPECT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), hr);
-    EXPECT_FALSE(a.QZDataBaseEstaInicializado());
-    EXPECT_EQ(a.Banco(), nullptr);
-    EXPECT_TRUE(ArquivoLivre());
-    m_empresa.Escreve(lpNome, Bytes(1, 1));
-  }
+  EXPECT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kTamanhoDiferente);
+  EXPECT_FALSE(a.QZDataBaseEstaInicializado());
+  EXPECT_EQ(a.Banco(), nullptr);
+  EXPECT_TRUE(ArquivoLivre());
+  m_empresa.Escreve("UNICO.DAT", Bytes(1, 1));
   EXPECT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kOk);
 }
 

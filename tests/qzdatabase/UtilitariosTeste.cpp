@@ -19,15 +19,9 @@ protected:
 /// Beside a companion that an interrupted run has left, which is the only copy where there is no file.
 TEST_F(Utilitarios, RemoveRegistroZero) {
   const std::tuple<Conteudo, Conteudo, HRESULT, Conteudo> casos[] = {
-      {Bytes(1, 3), {}, codigos::kOk, Bytes(2, 3)},
-      {Bytes(1, 2), {}, codigos::kOk, Bytes(2, 2)},
-      {Bytes(1, 1), {}, codigos::kOk, {}},
-      {{}, {}, codigos::kOk, {}},
-      {Bytes(1, 3), Bytes(8, 8), codigos::kOk, Bytes(2, 3)},
-      {Bytes(1, 3), "torn", codigos::kOk, Bytes(2, 3)},
-      {Bytes(1, 1), Bytes(8, 8), codigos::kOk, {}},
-      {{}, Bytes(1, 2), codigos::kOk, Bytes(1, 2)},
-      {{}, "torn", codigos::kTamanhoNaoMultiplo, {}}};
+      {Bytes(1, 3), {}, codigos::kOk, Bytes(2, 3)},     {{}, {}, codigos::kOk, {}},
+      {Bytes(1, 3), "torn", codigos::kOk, Bytes(2, 3)}, {Bytes(1, 1), Bytes(8, 8), codigos::kOk, {}},
+      {{}, Bytes(1, 2), codigos::kOk, Bytes(1, 2)},     {{}, "torn", codigos::kTamanhoNaoMultiplo, {}}};
   for (const auto &[antes, companheiro, hr, depois] : casos) {
     SCOPED_TRACE(antes.value_or("no file") + ", " + companheiro.value_or("no companion"));
     Poe("DADOS.DAT", antes);
@@ -54,39 +48,18 @@ TEST_F(Utilitarios, FalhaEmCadaOperacaoDeixaOVelhoOuONovo) {
   }
 }
 
-/// Where the companion is not moved what had been done before the move is undone; the companion stays where that fails
-/// or where it cannot be told whether it was moved.
-TEST_F(Utilitarios, AntesDaTrocaEDesfaz) {
-  const struct {
-    HRESULT hrAntes;
-    HRESULT hrDesfaz;
-    bool bSome;  ///< the companion vanishes after the first attempt at the move
-    HRESULT esperado;
-    int desfeitas;
-    bool bFica;
-  } casos[] = {{codigos::kArqOutra, codigos::kOk, false, codigos::kArqOutra, 0, false},
-               {codigos::kOk, codigos::kOk, false, codigos::kTraNaoRenomeado, 1, false},
-               {codigos::kOk, codigos::kArqOutra, false, codigos::kTraNaoRenomeado, 1, true},
-               {codigos::kOk, codigos::kOk, true, codigos::kTraNaoRenomeado, 0, false}};
-  for (const auto &caso : casos) {
-    Poe("DADOS.DAT", Bytes(1, 3));
-    int desfeitas = 0;
-    m_falhas.Arma(
-        {.operacoes = apoio::kOpMove, .bPersistente = true, .falha = plataforma::FalhaWin32(5), .aoFalhar = [&] {
-           if (caso.bSome) {
-             Poe("DADOS.TRA", std::nullopt);
-             m_falhas.Desarma();
-           }
-         }});
-    EXPECT_EQ(
-        CQZDataBaseUtil::RemoveRegistroZero<RegTeste>(
-            &m_dono, QZ_DF, "DADOS.DAT", [&] { return caso.hrAntes; }, [&] { return ++desfeitas, caso.hrDesfaz; }),
-        caso.esperado);
-    m_falhas.Desarma();
-    EXPECT_EQ(desfeitas, caso.desfeitas);
-    EXPECT_EQ(m_empresa.Existe("DADOS.TRA"), caso.bFica);
-    EXPECT_EQ(m_empresa.Le("DADOS.DAT"), Bytes(1, 3));
-    Poe("DADOS.TRA", std::nullopt);
+/// What comes before the move may refuse it. Where the companion is not moved that is undone; where that fails the
+/// companion stays.
+TEST_F(Utilitarios, TrocaRecusadaOuDesfeita) {
+  Poe("DADOS.DAT", Bytes(1, 3));
+  Falha(apoio::kOpMove, "", 5);
+  for (const auto &[hrAntes, hrDesfaz] : {std::pair(codigos::kArqOutra, codigos::kOk),
+                                          {codigos::kOk, codigos::kOk},
+                                          {codigos::kOk, codigos::kArqOutra}}) {
+    EXPECT_EQ(CQZDataBaseUtil::RemoveRegistroZero<RegTeste>(
+                  &m_dono, QZ_DF, "DADOS.DAT", [hr = hrAntes] { return hr; }, [hr = hrDesfaz] { return hr; }),
+              Falhou(hrAntes) ? hrAntes : codigos::kTraNaoRenomeado);
+    EXPECT_EQ(m_empresa.Existe("DADOS.TRA"), Falhou(hrDesfaz));
   }
 }
 
@@ -104,18 +77,16 @@ TEST_F(Utilitarios, CompanheiroDuvidoso) {
   EXPECT_EQ(m_empresa.LeInteiro("DADOS.DAT"), NoDisco("DADOS.DAT", Bytes(1, 3)));
 }
 
+/// The first file that fits, and no other.
 TEST_F(Utilitarios, FormaDeMascara) {
-  m_empresa.Escreve("DFX1.DAT", Bytes(1, 2));
-  m_empresa.Escreve("DF12.DATX", Bytes(1, 2));
-  m_empresa.Escreve("DF123.DAT", Bytes(1, 2));
-  EXPECT_EQ(Remove("DF??.DAT"), codigos::kOk) << "none fits";
-  EXPECT_EQ(m_empresa.Le("DFX1.DAT"), Bytes(1, 2));
-  m_empresa.Escreve("DF07.DAT", Bytes(1, 3));
-  m_empresa.Escreve("DF08.DAT", Bytes(1, 3));
+  for (const char *lpNome : {"DFX1.DAT", "DF12.DATX", "DF123.DAT", "DF07.DAT", "DF08.DAT"}) {
+    m_empresa.Escreve(lpNome, Bytes(1, 3));
+  }
   EXPECT_EQ(Remove("DF??.DAT"), codigos::kOk);
-  EXPECT_EQ(m_empresa.Le("DF07.DAT"), Bytes(2, 3)) << "the first one";
-  EXPECT_EQ(m_empresa.Le("DF08.DAT"), Bytes(1, 3)) << "and no other";
-  EXPECT_EQ(m_empresa.Le("DF12.DATX"), Bytes(1, 2));
+  for (const char *lpNome : {"DFX1.DAT", "DF12.DATX", "DF123.DAT", "DF07.DAT", "DF08.DAT"}) {
+    EXPECT_EQ(m_empresa.Le(lpNome), Bytes(lpNome == std::string("DF07.DAT") ? 2 : 1, 3)) << lpNome;
+  }
+  EXPECT_EQ(Remove("ZZ??.DAT"), codigos::kOk) << "none fits";
   Falha(apoio::kOpLista, "", 5);
   EXPECT_EQ(Remove("DF??.DAT"), codigos::kArqAcessoNegado) << "not: none fits";
   EXPECT_EQ(CQZDataBaseUtil::RemoveRegistroZeroMascara<RegTeste>(&m_dono, QZ_DF, "DF07.DAT"),
@@ -148,24 +119,6 @@ TEST_F(Utilitarios, MoveEDeleta) {
   EXPECT_EQ(renomeia(), codigos::kOk) << "there is no companion, so the file goes";
   EXPECT_FALSE(m_empresa.Existe("DADOS.DAT"));
   EXPECT_EQ(deleta(), codigos::kOk) << "missing is fine";
-}
-
-TEST_F(Utilitarios, RegistroUnico) {
-  RegTeste reg{77, {}};
-  const auto le = [&] { return CQZDataBaseUtil::LeSingleReg(&m_dono, QZ_DF, &reg, "UM.DAT"); };
-  const auto grava = [&] { return CQZDataBaseUtil::GravaSingleReg(&m_dono, QZ_DF, Registro(3), "UM.DAT"); };
-  EXPECT_EQ(le(), codigos::kOk);
-  EXPECT_EQ(reg, RegTeste{});
-  EXPECT_FALSE(m_empresa.Existe("UM.DAT"));
-  Falha(apoio::kOpDescarrega, "UM.DAT", 1117);
-  EXPECT_EQ(grava(), codigos::kArqErroFisico) << "it is to be on the storage device";
-  m_falhas.Desarma();
-  EXPECT_EQ(grava(), codigos::kOk);
-  EXPECT_EQ(le(), codigos::kOk);
-  EXPECT_EQ(reg, Registro(3));
-  m_empresa.Escreve("UM.DAT", "short");
-  EXPECT_EQ(le(), codigos::kTamanhoDiferente);
-  EXPECT_EQ(reg, RegTeste{}) << "zeroed first";
 }
 
 }  // namespace

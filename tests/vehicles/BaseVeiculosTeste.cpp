@@ -119,7 +119,8 @@ TEST_F(Registro, BuscasEmVariosBlocos) {
   } casos[] = {{"", "", "", 0, 4396},        {"C7", "", "", 0, 8},
                {"", "*o*", "", 0, 4396},     {"", "*s\xE3o", "", 0, 549},
                {"", "X;*SILO*", "", 0, 549}, {"", "", "RJ", 0, 489},
-               {"", "", "SP", 2007, 89},     {"", "CAMINHAO TOCO", "RJ", 2043, 9}};
+               {"", "", "SP", 2007, 89},     {"", "CAMINHAO TOCO", "RJ", 2043, 9},
+               {"", "CAMINHAO", "", 0, 0}};
   for (const auto &caso : casos) {
     SCOPED_TRACE(testing::Message() << caso.lpCodigo << caso.lpDescricao << caso.lpUF << caso.iAno);
     tagREG_FILTRO_VEICULOSPS filtro{};

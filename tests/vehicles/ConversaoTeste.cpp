@@ -98,23 +98,6 @@ TEST_F(Conversao, OQueSeEncontra) {
   }
 }
 
-/// What the conversion created is in the list, what it deleted is not; either one's later absence says so.
-TEST_F(Conversao, ArquivosQueSomemDepois) {
-  for (const char *lpRegistros : {"0ab", "0"}) {
-    EmpresaComBase empresa;
-    empresa.Escreve("DFVEIC.DAT", Base(lpRegistros));
-    empresa.Escreve("QZDATABASE_FILE_CTRL.DAT", std::string("\x0A\0\0\0DFVEIC.DAT", 14));
-    ASSERT_EQ(Abre(empresa), codigos::kOk);
-    ASSERT_EQ(Abre(empresa), codigos::kOk);
-    if (empresa.Existe("DFVEIC.DAT")) {
-      ASSERT_FALSE(plataforma::Arquivos().Apaga(empresa.Caminho("DFVEIC.DAT")));
-      EXPECT_EQ(Abre(empresa), codigos::kArquivoDesapareceu);
-    }
-    ASSERT_FALSE(plataforma::Arquivos().Apaga(empresa.Caminho("DFVEIVS.DAT")));
-    EXPECT_EQ(Abre(empresa), codigos::kArquivoDesapareceu);
-  }
-}
-
 /// A journal that cannot be read just now is not taken for none.
 TEST_F(Conversao, DiarioPresoFazEsperar) {
   PoeBase("0ab");

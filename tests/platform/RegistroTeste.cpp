@@ -60,19 +60,8 @@ TEST_F(RegistroSistema, CadaTipoDeValor) {
   }
   EXPECT_EQ(Registro().LeTexto(m_chave, "Expansivel", false), expansivel);
   EXPECT_EQ(Registro().LeTexto(CString(m_chave).replace(0, 8, "software") + "\\", "SemFim", false), "sem");
-}
-
-TEST_F(RegistroSistema, NadaFicaGuardado) {
-  m_registro.DefineTexto(m_chave, "Nome", "antes");
-  EXPECT_EQ(Registro().LeTexto(m_chave, "Nome", false), "antes");
-  m_registro.DefineTexto(m_chave, "Nome", "depois");
-  EXPECT_EQ(Registro().LeTexto(m_chave, "Nome", false), "depois");
-  m_registro.RemoveValor(m_chave, "Nome");
-  EXPECT_EQ(Registro().LeTexto(m_chave, "Nome", false), std::nullopt);
   EXPECT_TRUE(Registro().ExisteChave(m_acima + "\\")) << "a key above";
-  m_registro.RemoveChave(m_acima);
-  EXPECT_FALSE(Registro().ExisteChave(m_chave));
-  EXPECT_EQ(Registro().LeTexto(m_chave, "Nome", false), std::nullopt);
+  EXPECT_EQ(Registro().LeTexto(m_chave + "\\Ausente", "", false), std::nullopt);
 }
 
 TEST_F(RegistroSistema, AcessoDeEscritaSoAPedido) {

@@ -146,11 +146,12 @@ TEST(OrdemDasTravasDeathTest, PermiteDescerRepetirETemporariosEQuebraEncerra) {
       plataforma::VerificaOrdem(*pPermitida);
     }
   }
-  const CQZTrava trava(interna);
-  EXPECT_DEATH(plataforma::VerificaOrdem(externa), "out of order");
+  const CQZTrava trava1(externa);
+  const CQZTrava trava2(interna);
+  const CQZTrava trava3(externa);
   EXPECT_DEATH(plataforma::VerificaOrdem(outraInterna), "out of order");
   if (KALVO_VERIFICA_TRAVAS) {
-    EXPECT_DEATH(const CQZTrava quebra(externa), "out of order");
+    EXPECT_DEATH(const CQZTrava quebra(outraInterna), "out of order");
     SecaoCompartilhada compartilhada;
     const CQZTravaLeitura leitura(compartilhada);
     EXPECT_DEATH(const CQZTrava quebra(interna), "under a shared lock");

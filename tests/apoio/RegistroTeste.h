@@ -25,9 +25,6 @@ public:
   void DefineNumero(const CString &sChave, const CString &sNome, std::uint32_t numero);
   /// A REG_BINARY.
   void DefineBinario(const CString &sChave, const CString &sNome, const CString &sBytes);
-  void RemoveValor(const CString &sChave, const CString &sNome);
-  /// Removes a key with everything below it.
-  void RemoveChave(const CString &sChave);
 
 private:
   std::vector<CString> m_chaves;

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <memory>
 #include <thread>
+#include <vector>
 
 #include "core/platform/Relogio.h"
 #include "core/platform/ServicosSistema.h"
@@ -23,7 +23,6 @@ TEST(Informacoes, ProcessoEMaquina) {
   std::uint32_t outra = 0;
   std::thread([&outra] { outra = Informacoes().IdThread(); }).join();
   EXPECT_NE(Informacoes().IdThread(), outra);
-  EXPECT_EQ(Informacoes().IdThread(), Informacoes().IdThread());
   EXPECT_GE(Informacoes().VersaoSO().maior, 2U);
   EXPECT_NE(Informacoes().NovoGuid(), Informacoes().NovoGuid());
 }
@@ -38,25 +37,19 @@ TEST(Informacoes, MemoriaDaMaquinaEDoProcesso) {
   std::uint64_t antes = 0;
   std::uint64_t depois = 0;
   ASSERT_TRUE(Informacoes().MemoriaProcesso(&antes));
-  EXPECT_GT(antes, 0U);
-  const std::unique_ptr<volatile char[]> bloco(new volatile char[kBloco]);
-  for (std::size_t i = 0; i < kBloco; i += 1024) {
-    bloco[i] = 1;
-  }
+  const std::vector<char> bloco(kBloco, 1);
   ASSERT_TRUE(Informacoes().MemoriaProcesso(&depois));
   EXPECT_GE(depois, antes + kBloco / 2);
 }
 
 TEST(Informacoes, CaminhoAbsoluto) {
   const CString arquivo = Informacoes().CaminhoAbsoluto("log.ini");
-  EXPECT_GT(arquivo.size(), CString("\\log.ini").size());
-  EXPECT_TRUE(arquivo.ends_with("\\log.ini")) << arquivo;
-  EXPECT_EQ(arquivo.find('/'), CString::npos) << arquivo;
-  EXPECT_EQ(Informacoes().CaminhoAbsoluto("x\\..\\log.ini"), arquivo);
+  EXPECT_TRUE(arquivo.size() > 8 && arquivo.ends_with("\\log.ini")) << arquivo;
+  EXPECT_EQ(Informacoes().CaminhoAbsoluto("x/..\\log.ini"), arquivo);
   EXPECT_EQ(Informacoes().CaminhoAbsoluto(arquivo), arquivo);
 }
 
-TEST(Informacoes, EsperaAoMenosOPedido) {
+TEST(Relogio, EsperaAoMenosOPedido) {
   const auto antes = std::chrono::steady_clock::now();
   plataforma::RelogioDoSistema().Espera(40);
   // The system may round the end of a wait to its tick of up to 16 ms.
@@ -70,35 +63,16 @@ TEST(ArquivosIni, Regras) {
     const char *linha;
     const char *texto;
     std::uint32_t numero;
-  } casos[] = {
-      {"K=1", "1", 1},
-      {"K = 1 ", "1", 1},
-      {"k=1", "1", 1},
-      {"K=1abc", "1abc", 1},
-      {"K=0x1", "0x1", 1},
-      {"K=0x1F", "0x1F", 31},
-      {"K=0b101", "0b101", 5},
-      {"K=0o17", "0o17", 15},
-      {"K=010", "010", 10},
-      {"K=-1", "-1", 0xFFFFFFFF},
-      {"K=+2", "+2", 2},
-      {"K=- 2", "- 2", 0},
-      {"K=4294967298", "4294967298", 2},
-      {"K=x1", "x1", 0},
-      {"K=\"1\"", "1", 1},
-      {"K=' 1 '", " 1 ", 1},
-      {"K=\"1", "\"1", 0},
-      {"K=1;nota", "1;nota", 1},
-      {"K=a=b", "a=b", 0},
-      {"K=12345678901234", "1234567890", 1942892530},
-      {"K=1\r\nK=2", "1", 1},
-      {";K=1\r\nK=2", "2", 2},
-      {"K=", "", 7},
-      {"K", "padrao", 7},
-      {"KK=1", "padrao", 7},
-      {"[Outra]\r\nK=1", "padrao", 7},
-      {"[Outra]\r\nK=1\r\n[S]\r\nK=2", "padrao", 7},
-  };
+  } casos[] = {{"K = 1 ", "1", 1},
+               {"k=0x1F", "0x1F", 31},
+               {"K=-1abc", "-1abc", 0xFFFFFFFF},
+               {"K=\"1\"", "1", 1},
+               {"K=12345678901234", "1234567890", 1942892530},
+               {"K=1\r\nK=2", "1", 1},
+               {";K=1\r\nK=2;nota", "2;nota", 2},
+               {"K=", "", 7},
+               {"KK=1", "padrao", 7},
+               {"[Outra]\r\nK=1\r\n[S]\r\nK=2", "padrao", 7}};
   for (const auto &caso : casos) {
     SCOPED_TRACE(caso.linha);
     apoio::EscreveArquivo(arquivo, CString("K=9\r\n[SS]\r\nK=8\r\n [ s ]\r\n") + caso.linha + "\r\n");

@@ -27,72 +27,41 @@ protected:
   apoio::RegistroTeste m_registro;
 };
 
-TEST_F(RegistroSistema, Textos) {
+TEST_F(RegistroSistema, CadaTipoDeValor) {
+  const char *const lpPath = std::getenv("PATH");
+  ASSERT_NE(lpPath, nullptr);
   const CString longo(5000, 'x');
-  m_registro.DefineTexto(m_chave, "Curto", "C:\\Dados\\ \xE7");
+  const CString expansivel = "%path%;%KALVO_NAO_EXISTE%;fim";
+  m_registro.DefineTexto(m_chave, "Texto", "C:\\%PATH%\\ \xE7");
   m_registro.DefineTexto(m_chave, "Longo", longo);
   m_registro.DefineTexto(m_chave, "Vazio", "");
   m_registro.DefineTexto(m_chave, "SemFim", "sem", false);
-  m_registro.DefineTexto(m_chave, "Cortado", CString("antes\0depois", 12));
-  m_registro.DefineTexto(m_chave, "", "da chave");
+  m_registro.DefineTexto(m_chave, "", CString("antes\0depois", 12));
+  m_registro.DefineTextoExpansivel(m_chave, "Expansivel", expansivel);
+  m_registro.DefineNumero(m_chave, "Numero", 0xFFFFFFFEu);
+  m_registro.DefineBinario(m_chave, "Binario", CString("\1\0\0\0", 4));
+  using Texto = std::optional<CString>;
   const struct {
     const char *nome;
-    CString texto;
-  } casos[] = {{"Curto", "C:\\Dados\\ \xE7"},
-               {"cURTO", "C:\\Dados\\ \xE7"},
-               {"Longo", longo},
-               {"Vazio", ""},
-               {"SemFim", "sem"},
-               {"Cortado", "antes"},
-               {"", "da chave"}};
+    Texto texto;
+    std::optional<std::uint32_t> numero;
+  } casos[] = {{"tEXTO", "C:\\%PATH%\\ \xE7", {}},
+               {"Longo", longo, {}},
+               {"Vazio", "", {}},
+               {"SemFim", "sem", {}},
+               {"", "antes", {}},
+               {"Expansivel", CString(lpPath) + ";%KALVO_NAO_EXISTE%;fim", {}},
+               {"Numero", {}, 0xFFFFFFFEu},
+               {"Binario", {}, {}},
+               {"Ausente", {}, {}}};
   for (const auto &caso : casos) {
-    EXPECT_EQ(Registro().LeTexto(m_chave, caso.nome, false), caso.texto) << caso.nome;
+    EXPECT_EQ(Registro().LeTexto(m_chave, caso.nome, true), caso.texto) << caso.nome;
+    EXPECT_EQ(Registro().LeNumero(m_chave, caso.nome), caso.numero) << caso.nome;
   }
-  EXPECT_EQ(Registro().LeTexto(m_chave + "\\", "SemFim", false), "sem") << "final separator";
-  EXPECT_EQ(Registro().LeTexto(CString(m_chave).replace(0, 8, "software"), "SemFim", false), "sem");
-}
-
-TEST_F(RegistroSistema, Expansao) {
-  m_registro.DefineTextoExpansivel(m_chave, "Expansivel", "%path%;%KALVO_NAO_EXISTE%;fim");
-  m_registro.DefineTexto(m_chave, "Literal", "%PATH%");
-  const char *const caminho = std::getenv("PATH");
-  ASSERT_NE(caminho, nullptr);
-  EXPECT_EQ(Registro().LeTexto(m_chave, "Expansivel", true), CString(caminho) + ";%KALVO_NAO_EXISTE%;fim");
-  EXPECT_EQ(Registro().LeTexto(m_chave, "Expansivel", false), "%path%;%KALVO_NAO_EXISTE%;fim");
-  EXPECT_EQ(Registro().LeTexto(m_chave, "Literal", true), "%PATH%");
-}
-
-TEST_F(RegistroSistema, NumerosETiposTrocados) {
-  m_registro.DefineNumero(m_chave, "Numero", 0xFFFFFFFEu);
-  m_registro.DefineTexto(m_chave, "Texto", "123");
-  m_registro.DefineBinario(m_chave, "Binario", CString("\1\0\0\0", 4));
-  EXPECT_EQ(Registro().LeNumero(m_chave, "Numero"), 0xFFFFFFFEu);
-  for (const char *nome : {"Texto", "Binario", "Ausente"}) {
-    EXPECT_EQ(Registro().LeNumero(m_chave, nome), std::nullopt) << nome;
-  }
-  for (const char *nome : {"Numero", "Binario", "Ausente"}) {
-    EXPECT_EQ(Registro().LeTexto(m_chave, nome, true), std::nullopt) << nome;
-  }
-}
-
-TEST_F(RegistroSistema, NadaFicaGuardado) {
-  {
-    apoio::RegistroTeste registro;
-    registro.DefineTexto(m_chave, "Nome", "antes");
-    EXPECT_EQ(Registro().LeTexto(m_chave, "Nome", false), "antes");
-    registro.DefineTexto(m_chave, "Nome", "depois");
-    EXPECT_EQ(Registro().LeTexto(m_chave, "Nome", false), "depois");
-    registro.RemoveValor(m_chave, "Nome");
-    EXPECT_EQ(Registro().LeTexto(m_chave, "Nome", false), std::nullopt);
-    EXPECT_TRUE(Registro().ExisteChave(m_chave));
-    EXPECT_TRUE(Registro().ExisteChave(m_acima + "\\")) << "a key above";
-    registro.RemoveChave(m_acima);
-    EXPECT_FALSE(Registro().ExisteChave(m_chave));
-    registro.CriaChave(m_chave);
-  }
-  EXPECT_FALSE(Registro().ExisteChave(m_chave));
-  EXPECT_EQ(Registro().LeTexto(m_chave, "Nome", false), std::nullopt);
-  EXPECT_EQ(Registro().LeNumero(m_chave, "Nome"), std::nullopt);
+  EXPECT_EQ(Registro().LeTexto(m_chave, "Expansivel", false), expansivel);
+  EXPECT_EQ(Registro().LeTexto(CString(m_chave).replace(0, 8, "software") + "\\", "SemFim", false), "sem");
+  EXPECT_TRUE(Registro().ExisteChave(m_acima + "\\")) << "a key above";
+  EXPECT_EQ(Registro().LeTexto(m_chave + "\\Ausente", "", false), std::nullopt);
 }
 
 TEST_F(RegistroSistema, AcessoDeEscritaSoAPedido) {

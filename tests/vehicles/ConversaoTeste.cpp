@@ -98,38 +98,6 @@ TEST_F(Conversao, OQueSeEncontra) {
   }
 }
 
-/// One object goes from company to company.
-TEST_F(Conversao, CadaEmpresaDoObjeto) {
-  EmpresaComBase outra;
-  PoeBase("0ab");
-  outra.Escreve("DFVEIC.DAT", Base("0cd"));
-  CBaseVeiculos base;
-  EXPECT_EQ(base.Inicializa(m_empresa.Codigo(), 7, 42), codigos::kOk);
-  EXPECT_EQ(base.Inicializa(outra.Codigo(), 7, 42), codigos::kOk);
-  EXPECT_EQ(base.Finaliza(), codigos::kOk);
-  EXPECT_EQ(outra.Le("DFVEIC.DAT"), Base("cd"));
-  Falha(apoio::kOpTodas, "", 5);
-  EXPECT_EQ(base.Inicializa("", 7, 42), codigos::kSemEmpresa);
-  EXPECT_EQ(m_falhas.Vistas(), 0U);
-}
-
-/// What the conversion created is in the list, what it deleted is not; either one's later absence says so.
-TEST_F(Conversao, ArquivosQueSomemDepois) {
-  for (const char *lpRegistros : {"0ab", "0"}) {
-    EmpresaComBase empresa;
-    empresa.Escreve("DFVEIC.DAT", Base(lpRegistros));
-    empresa.Escreve("QZDATABASE_FILE_CTRL.DAT", std::string("\x0A\0\0\0DFVEIC.DAT", 14));
-    ASSERT_EQ(Abre(empresa), codigos::kOk);
-    ASSERT_EQ(Abre(empresa), codigos::kOk);
-    if (empresa.Existe("DFVEIC.DAT")) {
-      ASSERT_FALSE(plataforma::Arquivos().Apaga(empresa.Caminho("DFVEIC.DAT")));
-      EXPECT_EQ(Abre(empresa), codigos::kArquivoDesapareceu);
-    }
-    ASSERT_FALSE(plataforma::Arquivos().Apaga(empresa.Caminho("DFVEIVS.DAT")));
-    EXPECT_EQ(Abre(empresa), codigos::kArquivoDesapareceu);
-  }
-}
-
 /// A journal that cannot be read just now is not taken for none.
 TEST_F(Conversao, DiarioPresoFazEsperar) {
   PoeBase("0ab");

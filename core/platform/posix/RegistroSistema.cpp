@@ -96,14 +96,6 @@ void RegistroMemoria::DefineBinario(const CString &sChave, const CString &sNome,
   Define(sChave, sNome, Binario{sBytes});
 }
 
-void RegistroMemoria::RemoveValor(const CString &sChave, const CString &sNome) {
-  const std::lock_guard<std::mutex> guarda(m_mutex);
-  const auto achada = m_chaves.find(ChaveDobrada(sChave));
-  if (achada != m_chaves.end()) {
-    achada->second.erase(Maiusculas(sNome));
-  }
-}
-
 void RegistroMemoria::RemoveChave(const CString &sChave) {
   const CString sDobrada = ChaveDobrada(sChave);
   const std::lock_guard<std::mutex> guarda(m_mutex);

@@ -47,12 +47,4 @@ void RegistroTeste::DefineBinario(const CString &sChave, const CString &sNome, c
   Registro().DefineBinario(sChave, sNome, sBytes);
 }
 
-void RegistroTeste::RemoveValor(const CString &sChave, const CString &sNome) {
-  Registro().RemoveValor(sChave, sNome);
-}
-
-void RegistroTeste::RemoveChave(const CString &sChave) {
-  Registro().RemoveChave(sChave);
-}
-
 }  // namespace apoio

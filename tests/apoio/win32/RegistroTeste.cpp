@@ -64,12 +64,4 @@ void RegistroTeste::DefineBinario(const CString &sChave, const CString &sNome, c
   Grava(sChave, sNome, REG_BINARY, sBytes);
 }
 
-void RegistroTeste::RemoveValor(const CString &sChave, const CString &sNome) {
-  Confere(::RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, SemBarra(sChave).c_str(), sNome.c_str()), sNome);
-}
-
-void RegistroTeste::RemoveChave(const CString &sChave) {
-  Confere(::RegDeleteTreeA(HKEY_LOCAL_MACHINE, SemBarra(sChave).c_str()), sChave);
-}
-
 }  // namespace apoio

@@ -78,7 +78,7 @@ int AbreQuandoMandado(const std::vector<std::string> &argumentos) {
   }
   return 0;
 }
-const apoio::RegistraFilha kFilha("abre-quando-mandado", AbreQuandoMandado);
+const apoio::RegistraFilha kQueAbre("abre-quando-mandado", AbreQuandoMandado);
 
 TEST(Compartilhamento, EntreDoisNoMesmoProcessoEEntreDoisProcessos) {
   const apoio::PastaTemporaria pasta;

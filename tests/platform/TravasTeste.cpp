@@ -172,7 +172,7 @@ int TomaTrava(const std::vector<std::string> &argumentos) {
   }
   return 0;
 }
-const apoio::RegistraFilha kFilha("toma-trava", TomaTrava);
+const apoio::RegistraFilha kQueTomaTrava("toma-trava", TomaTrava);
 
 TEST(TravaEntreProcessos, UmDeCadaVez) {
   const apoio::PastaTemporaria pasta;  // its last part is a name that no other run of the tests uses

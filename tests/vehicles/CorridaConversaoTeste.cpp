@@ -21,7 +21,7 @@ int Participa(const std::vector<std::string> &argumentos) {
     return hr;
   });
 }
-const apoio::RegistraFilha kFilha("corrida-de-conversoes", Participa);
+const apoio::RegistraFilha kQueConverte("corrida-de-conversoes", Participa);
 
 TEST(CorridaDeConversoes, SoOPrimeiroRegistroSaiEUmaVez) {
   std::string letras;

@@ -44,7 +44,7 @@ int GravaAteMorrer(const std::vector<std::string> &argumentos) {
     std::cout << "done" << std::endl;
   }
 }
-const apoio::RegistraFilha kFilha("grava-ate-morrer", GravaAteMorrer);
+const apoio::RegistraFilha kQueGrava("grava-ate-morrer", GravaAteMorrer);
 
 TEST(MorteNoMeioDaGravacao, OQueFoiConfirmadoEstaLa) {
   const apoio::EmpresaComBase empresa;

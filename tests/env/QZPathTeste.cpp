@@ -58,6 +58,7 @@ TEST(QZPath, Extensao) {
   EXPECT_EQ(CQZPath::ChangeExtension("D:\\Data.v2\\DFVEIC", "TRA"), "D:\\Data.v2\\DFVEIC.TRA");
   EXPECT_EQ(CQZPath::ChangeExtension("a.b.DAT", "TRA"), "a.b.TRA");
   EXPECT_EQ(CQZPath::Extensao("D:\\Data.v2\\DFVEIC"), "");
+  EXPECT_TRUE(CQZPath::TemExtensao("dfveic.int", "INT"));
 }
 
 }  // namespace

@@ -40,7 +40,7 @@ TEST(TraducaoExcecoes, CadaTipoTemOSeuCodigo) {
       {"whole system error", [] { Lanca<CQZException>(7U, 1U, 0x81234567U); }, 0x81274567},
       {"derived", [] { Lanca<SistemaDerivada>("m", 1U, 0U); }, 0x8004EA61},
       {"file", [] { Lanca<CFileException>(CausaArquivo::DiscoCheio, 112); }, 0x80070070},
-      {"file, low half", [] { Lanca<CFileException>(CausaArquivo::Generica, 0x12345); }, 0x80072345},
+      {"file, low half", [] { Lanca<CFileException>(CausaArquivo::Generica, 0x82345); }, 0x80072345},
       {"file, negative", [] { Lanca<CFileException>(CausaArquivo::Generica, -5); }, 0xFFFFFFFB},
       {"memory", [] { Lanca<CMemoryException>(); }, 0x8004EA62},
       {"framework", [] { Lanca<ExcecaoPropria>(); }, 0x8004EA63},

@@ -54,7 +54,7 @@ TEST_F(EscopoProfiler, OQueCadaChaveLiga) {
       {"Saida=1\r\nPerformance=1", -5, 5, kInicio + saiu + "0|0|0|"},
       {"Saida=1\r\nMemory=1", 5, 5, kInicio + saiu + "1005|0|5|"},
       {"Saida=1\r\nMemory=1", 5, -5, kInicio + saiu + "995|0|0|"},
-      {"Saida=1\r\nMemory=1\r\nProcessos=outro", 5, 5, ""},
+      {"Entrada=1\r\nSaida=1\r\nMemory=1\r\nProcessos=outro", 5, 5, ""},
   };
   for (const auto &caso : casos) {
     SCOPED_TRACE(caso.ini);
@@ -105,10 +105,13 @@ TEST_F(EscopoProfiler, ChavesQueMudamDuranteAOperacao) {
   Configura("Saida=1\r\nPerformance=1");
   escopo.reset();
   EXPECT_TRUE(Profiler().empty()) << "opened while off";
-  escopo.emplace(&m_profiler, NomeFuncao{"C::F"});
-  Configura("");
-  escopo.reset();
-  EXPECT_TRUE(Profiler().empty()) << "switched off meanwhile";
+  for (const char *const lpDepois : {"Saida=1", "Saida=1\r\nPerformance=1\r\nProcessos=outro"}) {
+    Configura("Saida=1\r\nPerformance=1");
+    escopo.emplace(&m_profiler, NomeFuncao{"C::F"});
+    Configura(lpDepois);
+    escopo.reset();
+    EXPECT_TRUE(Profiler().empty()) << "switched off meanwhile: " << lpDepois;
+  }
   Configura("Saida=1\r\nPerformance=1");
   escopo.emplace(&m_profiler, NomeFuncao{"C::F"});
   EscreveIni("");

@@ -19,13 +19,33 @@ TEST_F(RegistroErro, LinhaByteAByte) {
   InstalaLogDeErros();
   const CQZRastro rastro(&m_profiler, {"CQZFile<", "struct RegVeiculo", ">::Le"}, "QZFile.h");
   EXPECT_EQ(BitsResultado(rastro.Codigo(CodigoResultado(0x810809D9), 118)), 0x810809D9);
+  EXPECT_FALSE(rastro.Falha(1, "Sucesso()", 119));
+  static_cast<void>(rastro.Codigo(kFimCodigosEsperados, 120));  // is always expected
+  EXPECT_TRUE(rastro.FalhaVariavel(CodigoResultado(0x80004005), "Cria()", "m_hrConstruct", 121));
   DefineSumidouroRastro(anterior);
   const std::string linha =
       "21/11/2025|09:05:07.042|kalvo.exe|operador|CQZFile<struct RegVeiculo>::Le|"
       "{6F9619FF-8B86-D011-B42D-00C04FC964FF}|E0001|U007|S00000042|T00004660|ERRO|8589934592|17179869184|3276800|1.0.0|"
       "10.0.19045|QZFile.h|118|hr = ((HRESULT)0x810809D9L)|hr = 0X810809D9 |SEVERITY = 1 SEVERITY_ERROR|"
       "FACILITY = 264 QZ_FACILITY_CR_CORE|CODE = 2521 |Descri\xE7\xE3o = |";
-  EXPECT_EQ(ErrosDaEmpresa(), (std::vector<std::string>{kCabecalhoErrosEsperado, linha}));
+  const std::vector<std::string> linhas = ErrosDaEmpresa();
+  ASSERT_EQ(linhas.size(), 3U);
+  EXPECT_EQ(linhas[0], kCabecalhoErrosEsperado);
+  EXPECT_EQ(linhas[1], linha);
+  EXPECT_NE(linhas[2].find("|QZFile.h|121|m_hrConstruct = Cria()|"), std::string::npos) << linhas[2];
+}
+
+TEST_F(RegistroErro, CodigosEsperados) {
+  const HRESULT esperados[] = {1, CodigoResultado(0x80004005), kFimCodigosEsperados, 3};
+  EXPECT_TRUE(ErroEsperado(CodigoResultado(0x80004005), esperados));
+  EXPECT_FALSE(ErroEsperado(3, esperados));
+}
+
+TEST_F(RegistroErro, LeAConfiguracaoDeNovo) {
+  EscreveIni("Saida=1\r\nPerformance=1");
+  m_relogio.m_ticks += 700000;
+  Grava(&m_profiler);
+  EXPECT_TRUE(LogSaida());
 }
 
 TEST_F(RegistroErro, PastaPorEmpresa) {

@@ -21,14 +21,15 @@ using namespace plataforma;
 std::vector<int> g_soltos;
 
 void AnotaSoltura(void *objeto) {
+  EXPECT_NE(LivroDaThread::Anotacoes().back().objeto, objeto) << "taken out before it is released";
   g_soltos.push_back(*static_cast<int *>(objeto));
 }
 
 /// Takes a lock for a stack that is then abandoned: nothing runs its destructor.
-template <class Trava, class Secao>
-void Abandona(Secao &secao) {
+template <class Trava, class Secao, class... Resto>
+void Abandona(Secao &secao, Resto... resto) {
   alignas(Trava) std::byte pilha[sizeof(Trava)];
-  new (pilha) Trava(secao);
+  new (pilha) Trava(secao, resto...);
 }
 
 TEST(CQZTrava, RecursivaEExclusiva) {
@@ -67,6 +68,15 @@ TEST(LivroDaThread, RetiraPeloObjetoESoltaAteAMarcaDoMaisNovoAoMaisVelho) {
   LivroDaThread::Retira(&objetos[0]);
   EXPECT_EQ(g_soltos.size(), 3u) << "taking out releases nothing";
   EXPECT_EQ(LivroDaThread::Marca(), 0u);
+}
+
+TEST(LivroDeathTest, UmaAnotacaoAMaisEncerra) {
+  const auto anota = [](std::size_t qtd) {
+    for (; qtd != 0; --qtd) {
+      LivroDaThread::Anota(&g_soltos, nullptr);
+    }
+  };
+  EXPECT_DEATH(anota(LivroDaThread::kMaximo + 1), "too many locks");
 }
 
 /// Hangs (and is ended by the test runner) when a lock stays.
@@ -183,10 +193,15 @@ TEST(TravaEntreProcessos, UmDeCadaVez) {
   ASSERT_EQ(solta.LeLinha(), "tomou");
   EXPECT_FALSE(trava->Toma(30));
   solta.EnviaLinha("solta");
-  EXPECT_TRUE(trava->Toma(10000)) << "given up";
-  EXPECT_EQ(apoio::ProcessoFilho("toma-trava", {nome}).LeLinha(), "ocupada");
-  EXPECT_EQ(apoio::ProcessoFilho("toma-trava", {nome + "-b"}).LeLinha(), "tomou") << "another name";
-  trava->Solta();
+  {
+    const CQZTravaDeProcesso tomada(*trava, 10000);
+    EXPECT_TRUE(tomada.Tomada()) << "given up";
+    EXPECT_EQ(apoio::ProcessoFilho("toma-trava", {nome}).LeLinha(), "ocupada");
+    EXPECT_EQ(apoio::ProcessoFilho("toma-trava", {nome + "-b"}).LeLinha(), "tomou") << "another name";
+  }
+  EXPECT_EQ(apoio::ProcessoFilho("toma-trava", {nome}).LeLinha(), "tomou") << "the end of the scope";
+  Abandona<CQZTravaDeProcesso>(*trava, 10000U);
+  LivroDaThread::SoltaAte(0);
   apoio::ProcessoFilho morre("toma-trava", {nome});
   ASSERT_EQ(morre.LeLinha(), "tomou");
   morre.Mata();

@@ -54,12 +54,15 @@ HRESULT CBaseVeiculos::Procura(const tagREG_FILTRO_VEICULOSPS &Filtro, std::uint
     QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoAberto);
   }
   const CFiltroVeiculos filtro(Filtro);
-  // Where every record passes, positions are a count; the scan still visits, for the failures that reading would meet.
-  const bool bSoConta = puiTodas != nullptr && filtro.PassaTudo();
   std::uint64_t uiQtd = 0;
   const HRESULT hr = QuantidadeSobTrava(rastro, &uiQtd);
   if (Falhou(hr)) {
     return hr;
+  }
+  // Where every record passes, positions are a count, and counting has met the failures that reading would meet.
+  if (puiTodas != nullptr && filtro.PassaTudo()) {
+    *puiTodas = uiQtd;
+    return codigos::kOk;
   }
   const auto percorre = [&] {
     // One exact text of an indexed field leaves few records; the filter judges those by the other criteria.
@@ -70,14 +73,10 @@ HRESULT CBaseVeiculos::Procura(const tagREG_FILTRO_VEICULOSPS &Filtro, std::uint
     }
     return m_pDataBase->m_Veiculos.PercorreTrechos(
         1, uiQtd, [&](std::uint64_t uiPosicao, const CFiltroVeiculos::Trecho &trecho) {
-          return bSoConta ||
-                 filtro.Procura(trecho, [&](std::size_t i) { return acha(uiPosicao + i, trecho.pRegistros[i]); });
+          return filtro.Procura(trecho, [&](std::size_t i) { return acha(uiPosicao + i, trecho.pRegistros[i]); });
         });
   };
   QZ_VERIFICA(rastro, "m_pDataBase->m_Veiculos.Le(idx, &RegVei)", percorre());
-  if (puiTodas != nullptr && bSoConta) {
-    *puiTodas = uiQtd;
-  }
   return codigos::kOk;
 }
 

@@ -38,7 +38,8 @@ std::string CaminhoDoSistema(const CString &sCaminho) {
 
 PastaTemporaria::PastaTemporaria() {
   static std::atomic<unsigned> s_contador{0};
-  CString sInicio = std::filesystem::temp_directory_path().string() + "/kalvo-" + std::to_string(::getpid()) + "-";
+  // Only some of the places for temporary files end in a separator.
+  CString sInicio = (std::filesystem::temp_directory_path() / "kalvo-").string() + std::to_string(::getpid()) + "-";
   std::replace(sInicio.begin(), sInicio.end(), '/', '\\');
   // A name left over by an earlier process of the same number is passed over.
   do {

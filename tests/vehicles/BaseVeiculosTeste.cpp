@@ -167,6 +167,8 @@ TEST_F(Registro, CodigosECadeiasDoRastro) {
   EXPECT_EQ(rastro.Toma().back(),
             "CBaseVeiculos::Grava|BaseVeiculos.cpp|m_pDataBase->m_Veiculos.Grava(uiPosicao, RegVei)");
   EXPECT_EQ(chama(), std::vector<HRESULT>(4, codigos::kArqCompartilhamento));
+  Falha(apoio::kOpAbre, "DFVEIC.DAT", 5, false);  // the count meets it, what comes after the count does not
+  EXPECT_EQ(m_base.BuscaPonteiros({}, &resultado), codigos::kArqAcessoNegado);
   m_falhas.Desarma();
   rastro.Toma();
   lPos = 3;
@@ -210,7 +212,8 @@ TEST_F(Registro, VariosObjetosDaMesmaEmpresaAoMesmoTempo) {
         tagREG_VEICULOPS novo = Veiculo(codigo(t, i));
         novo.iAno = static_cast<std::uint32_t>(3000 + t);
         falhas += Falhou(base->Grava(&lPos, novo)) || Falhou(base->Existe(codigo(t, i).c_str(), &iAchado, &v)) ||
-                  static_cast<LONG>(iAchado) != lPos;
+                  static_cast<LONG>(iAchado) != lPos || Falhou(base->LePonteiros(1, &lPos, &v)) ||
+                  v.szCodigo != codigo(t, i);
         tagREG_FILTRO_VEICULOSPS destaThread{};
         destaThread.iAnoInicial = destaThread.iAnoFinal = novo.iAno;
         Preenche(destaThread.szDescricao, "*toco");

@@ -114,20 +114,22 @@ TEST_F(Registro, BuscasEmVariosBlocos) {
     const char *lpCodigo;
     const char *lpDescricao;
     const char *lpUF;
-    std::uint32_t iAno;
+    std::uint32_t iDe;
+    std::uint32_t iAte;
     std::size_t uiAchados;
-  } casos[] = {{"", "", "", 0, 4396},        {"C7", "", "", 0, 8},
-               {"", "*o*", "", 0, 4396},     {"", "*s\xE3o", "", 0, 549},
-               {"", "X;*SILO*", "", 0, 549}, {"", "", "RJ", 0, 489},
-               {"", "", "SP", 2007, 89},     {"", "CAMINHAO TOCO", "RJ", 2043, 9},
-               {"", "CAMINHAO", "", 0, 0}};
+  } casos[] = {{"", "", "", 0, 0, 4396},        {"C7", "", "", 0, 0, 8},
+               {"", "*o*", "", 0, 0, 4396},     {"", "*s\xE3o", "", 0, 0, 549},
+               {"", "X;*SILO*", "", 0, 0, 549}, {"", "", "RJ", 0, 0, 489},
+               {"", "", "", 0, 2040, 4100},     {"", "", "SP", 2007, 2007, 89},
+               {"", "CAMINHAO", "", 0, 0, 0},   {"", "CAMINHAO TOCO", "RJ", 2043, 0, 9}};
   for (const auto &caso : casos) {
-    SCOPED_TRACE(testing::Message() << caso.lpCodigo << caso.lpDescricao << caso.lpUF << caso.iAno);
+    SCOPED_TRACE(testing::Message() << caso.lpCodigo << caso.lpDescricao << caso.lpUF << caso.iDe << caso.iAte);
     tagREG_FILTRO_VEICULOSPS filtro{};
     Preenche(filtro.szCodigo, caso.lpCodigo);
     Preenche(filtro.szDescricao, caso.lpDescricao);
     Preenche(filtro.szUF, caso.lpUF);
-    filtro.iAnoInicial = filtro.iAnoFinal = caso.iAno;
+    filtro.iAnoInicial = caso.iDe;
+    filtro.iAnoFinal = caso.iAte;
     std::vector<LONG> esperadas;
     for (std::size_t i = 0; i < registros.size(); ++i) {
       if (CBaseVeiculos::AtendeFiltro(registros[i], filtro)) {
@@ -171,7 +173,7 @@ TEST_F(Registro, CodigosECadeiasDoRastro) {
   EXPECT_EQ(m_base.BuscaPonteiros({}, &resultado), codigos::kArqAcessoNegado);
   m_falhas.Desarma();
   rastro.Toma();
-  lPos = 3;
+  lPos = 2;
   EXPECT_EQ(m_base.LePonteiros(1, &lPos, &v), codigos::kPosicaoAlemDoFim);
   EXPECT_EQ(rastro.Toma(),
             (std::vector<std::string>{

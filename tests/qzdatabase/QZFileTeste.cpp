@@ -69,16 +69,19 @@ TEST_F(ArquivoDeRegistros, LeituraEnquantoOArquivoEReaberto) {
   Prepara(Bytes(1, 3));
   std::atomic<bool> bReabrindo{true};
   std::thread outro([&] {
-    for (int i = 0; i < 2000; ++i) {
+    for (int i = 0; i < 6000; ++i) {
       const plataforma::CQZTrava trava(m_banco.m_Registros.Secao());
-      m_falhas.FixaUltimaEscrita(static_cast<std::uint64_t>(i / 5 + 1));
+      m_falhas.FixaUltimaEscrita(static_cast<std::uint64_t>(i / 50 + 1));
       EXPECT_EQ(Arquivo().AbreArquivo(i % 2 == 0 ? eModoLeituraGravacao : eModoLeitura), codigos::kOk);
     }
     bReabrindo = false;
   });
   while (bReabrindo && !HasFailure()) {
-    RegTeste reg;
-    EXPECT_EQ(Arquivo().Le(2, &reg), codigos::kOk);
+    // Mostly the shortest way of reading: what could go wrong does so within a moment of it.
+    for (int i = 0; i < 200; ++i) {
+      RegTeste reg;
+      EXPECT_EQ(Arquivo().Le(2, &reg), codigos::kOk);
+    }
     EXPECT_EQ(Quantidade(Arquivo()), 3U);
     std::uint64_t uiVisitados = 0;
     const auto visita = [&](std::uint64_t, const RegTeste &) { return ++uiVisitados != 0; };

@@ -3,7 +3,7 @@
 
 #include "core/platform/Tipos.h"
 
-struct _EXCEPTION_RECORD;  // NOLINT(bugprone-reserved-identifier): the platform's name
+struct _EXCEPTION_RECORD;  // NOLINT(clang-diagnostic-reserved-identifier): the platform's name
 
 namespace plataforma {
 

@@ -13,14 +13,10 @@ namespace {
 constexpr std::size_t kLarguraTela = 79;
 constexpr std::size_t kColunaTexto = 26;
 
-std::string Texto(std::string_view sUtf8) {
-  return De8Para1252(sUtf8).value();
-}
-
 /// "  title   text": the text in a column of its own, broken between words; under a title that does not leave room for
 /// it from the next line on.
 std::string Verbete(const std::string &sTitulo, std::string_view sTextoUtf8) {
-  const std::string sTexto = Texto(sTextoUtf8);
+  const std::string sTexto = Pt(sTextoUtf8);
   std::string sLinha = "  " + sTitulo;
   std::string sVerbete;
   if (sLinha.size() + 2 > kColunaTexto) {
@@ -42,20 +38,20 @@ std::string Verbete(const std::string &sTitulo, std::string_view sTextoUtf8) {
 }
 
 std::string ComValor(const COpcaoConhecida &opcao) {
-  return "--" + std::string(opcao.sNome) + (opcao.sValor.empty() ? "" : " " + Texto(opcao.sValor));
+  return "--" + std::string(opcao.sNome) + (opcao.sValor.empty() ? "" : " " + Pt(opcao.sValor));
 }
 
 std::string Trecho(std::string_view sUtf8) {
-  return sUtf8.empty() ? std::string() : "\n" + Texto(sUtf8);
+  return sUtf8.empty() ? std::string() : "\n" + Pt(sUtf8);
 }
 
 }  // namespace
 
 std::string TextoAjuda(const CProgramaConhecido &programa) {
   const std::string sNome(programa.sNome);
-  std::string sAjuda = "Uso: " + sNome + " " + Texto(programa.sUso) + "\n\nComandos:\n";
+  std::string sAjuda = "Uso: " + sNome + " " + Pt(programa.sUso) + "\n\nComandos:\n";
   for (const CComandoConhecido &comando : programa.aComandos) {
-    sAjuda += Verbete(std::string(comando.sNome) + " " + Texto(comando.sValores), comando.sResumo);
+    sAjuda += Verbete(std::string(comando.sNome) + " " + Pt(comando.sValores), comando.sResumo);
   }
   sAjuda += "\n" + sNome + " COMANDO --ajuda mostra as opções de um comando, com exemplos;\n"_pt + sNome +
             " --versao, a versão do programa.\n"_pt;
@@ -65,16 +61,16 @@ std::string TextoAjuda(const CProgramaConhecido &programa) {
 std::string TextoAjuda(const CProgramaConhecido &programa, const CComandoConhecido &comando) {
   const std::string sNome(programa.sNome);
   std::string sUso = "Uso: " + sNome + " " + std::string(comando.sNome);
-  sUso += comando.sValores.empty() ? "" : " " + Texto(comando.sValores);
+  sUso += comando.sValores.empty() ? "" : " " + Pt(comando.sValores);
   std::string sOpcoes;
   for (const COpcaoConhecida &opcao : comando.aOpcoes) {
     sUso += opcao.bObrigatoria ? " " + ComValor(opcao) : "";
     sOpcoes += Verbete(ComValor(opcao), opcao.sTexto);
   }
-  std::string sAjuda = sUso + " [opções]\n\n"_pt + Texto(comando.sResumo) + "\n\nOpções:\n"_pt + sOpcoes;
+  std::string sAjuda = sUso + " [opções]\n\n"_pt + Pt(comando.sResumo) + "\n\nOpções:\n"_pt + sOpcoes;
   sAjuda += Trecho(comando.sNotas) + "\nExemplos:\n";
   for (const std::string_view sExemplo : comando.aExemplos) {
-    sAjuda += "  " + sNome + " " + Texto(sExemplo) + "\n";
+    sAjuda += "  " + sNome + " " + Pt(sExemplo) + "\n";
   }
   return sAjuda;
 }

@@ -138,7 +138,7 @@ void CArgumentos::GuardaOpcao(CParteLinha parte, const CProgramaConhecido &progr
 void CArgumentos::Confere() const {
   const std::string sComando(m_pComando->sNome);
   if (m_aValores.size() < m_pComando->uiMinimoValores) {
-    throw CErroUso("faltam valores para o comando " + sComando + ": " + De8Para1252(m_pComando->sValores).value());
+    throw CErroUso("faltam valores para o comando " + sComando + ": " + Pt(m_pComando->sValores));
   }
   if (m_aValores.size() > m_pComando->uiMaximoValores) {
     throw CErroUso("valor a mais para o comando " + sComando + ": " + m_aValores[m_pComando->uiMaximoValores]);

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <optional>
 #include <span>
@@ -19,6 +20,9 @@ class CErroUso : public std::runtime_error {
 public:
   using std::runtime_error::runtime_error;
 };
+
+/// As many values as there may be, or as large a number.
+constexpr std::size_t kSemLimite = std::numeric_limits<std::size_t>::max();
 
 // Texts of the tables are UTF-8.
 

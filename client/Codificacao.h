@@ -25,8 +25,11 @@ std::string De1252Para8(std::string_view sTexto);
 std::wstring De1252Para16(std::string_view sTexto);
 
 /// The program's own texts: written in UTF-8 in the sources, Windows-1252 at run time.
+inline std::string Pt(std::string_view sUtf8) {
+  return De8Para1252(sUtf8).value();
+}
 inline std::string operator""_pt(const char *pTexto, std::size_t uiTamanho) {
-  return De8Para1252({pTexto, uiTamanho}).value();
+  return Pt({pTexto, uiTamanho});
 }
 
 #endif

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <functional>
-#include <limits>
 #include <string>
 
 #include "client/BarraProgresso.h"
@@ -19,8 +18,6 @@
 #include "client/Servico.h"
 
 namespace {
-
-constexpr std::uint64_t kSemLimite = std::numeric_limits<std::size_t>::max();
 
 CCodigosConhecidos CodigosDaBase(CServico &servico) {
   CCodigosConhecidos codigos;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,8 +17,6 @@
 #include "client/Servico.h"
 
 namespace {
-
-constexpr std::uint64_t kSemLimite = std::numeric_limits<std::size_t>::max();
 
 ESaida Grava(const CArgumentos &argumentos) {
   const auto lPosicao = static_cast<LONG>(argumentos.Numero("posicao", 1, kMaiorPosicao, 0));

@@ -31,7 +31,7 @@ public:
   void Anota(EAchado eTipo, std::string_view sRotulo, const std::string &sTexto) {
     constexpr std::string_view kMarcas[] = {"  [ok]    ", "  [aviso] ", "  [FALHA] "};
     constexpr std::size_t kLargura = 24;
-    std::string sLinha = De8Para1252(sRotulo).value();
+    std::string sLinha = Pt(sRotulo);
     sLinha.resize(kLargura, '.');
     Escreve(std::string(kMarcas[static_cast<std::size_t>(eTipo)]) + sLinha + " " + sTexto + "\n");
     m_uiFalhas += eTipo == EAchado::Falha ? 1U : 0U;
@@ -61,12 +61,7 @@ constexpr char kRegistreDaqui[] =
 constexpr char kRegistreComProxy[] = "registre de novo, com QZDF_VeiculosPS.dll ao lado de Kalvo.exe";
 constexpr char kRegistreComProxy32[] = "registre de novo, com x86\\QZDF_VeiculosPS.dll ao lado de Kalvo.exe";
 
-/// The program's own texts, UTF-8 in the source.
-std::string Pt(std::string_view sUtf8) {
-  return De8Para1252(sUtf8).value();
-}
-
-std::string Texto(const std::wstring &sTexto) {
+std::string NomeLegivel(const std::wstring &sTexto) {
   return De16Para1252(sTexto).value_or("(nome fora do Windows-1252)");
 }
 
@@ -75,7 +70,7 @@ std::string ComRaiz(const CValorClasse &valor) {
 }
 
 std::string Falta(const std::wstring &sChave) {
-  return "falta a chave Software\\Classes\\" + Texto(sChave) + " em HKCU e em HKLM";
+  return "falta a chave Software\\Classes\\" + NomeLegivel(sChave) + " em HKCU e em HKLM";
 }
 
 std::wstring ChaveClasse() {
@@ -93,7 +88,7 @@ std::optional<CValorClasse> ConfereArquivo(CRelatorio &relatorio, std::string_vi
   }
   valor->sTexto = ProgramaDaLinha(valor->sTexto);
   if (!ExisteArquivo(valor->sTexto)) {
-    relatorio.Falha(sRotulo, Texto(valor->sTexto) + ComRaiz(*valor) + ": o arquivo não existe"_pt,
+    relatorio.Falha(sRotulo, NomeLegivel(valor->sTexto) + ComRaiz(*valor) + ": o arquivo não existe"_pt,
                     Pt(sRegistre == kRegistre ? kRegistreDaqui : sRegistre));
     return std::nullopt;
   }
@@ -104,7 +99,7 @@ void ConfereClasse(CRelatorio &relatorio) {
   const std::wstring sProgId = L"Kalvo.QZDF_Veiculos";
   const std::optional<CValorClasse> classe = ProcuraClasse(ChaveClasse());
   if (classe) {
-    relatorio.Bom("classe ", Texto(TextoGuid(CLSID_CQZDF_Veiculos)) + ComRaiz(*classe));
+    relatorio.Bom("classe ", NomeLegivel(TextoGuid(CLSID_CQZDF_Veiculos)) + ComRaiz(*classe));
   } else {
     relatorio.Falha("classe ", Falta(ChaveClasse()), kRegistre);
   }
@@ -112,22 +107,23 @@ void ConfereClasse(CRelatorio &relatorio) {
   if (!progId) {
     relatorio.Falha("ProgID ", Falta(sProgId), kRegistre);
   } else if (lstrcmpiW(progId->sTexto.c_str(), TextoGuid(CLSID_CQZDF_Veiculos).c_str()) != 0) {
-    relatorio.Falha("ProgID ", Texto(sProgId) + " é de outra classe: "_pt + Texto(progId->sTexto), kRegistre);
+    relatorio.Falha("ProgID ", NomeLegivel(sProgId) + " é de outra classe: "_pt + NomeLegivel(progId->sTexto),
+                    kRegistre);
   } else {
-    relatorio.Bom("ProgID ", Texto(sProgId) + ComRaiz(*progId));
+    relatorio.Bom("ProgID ", NomeLegivel(sProgId) + ComRaiz(*progId));
   }
 }
 
 void ConfereServidor(CRelatorio &relatorio) {
   const std::wstring sChave = ChaveClasse() + L"\\LocalServer32";
   if (const auto servidor = ConfereArquivo(relatorio, "servidor ", sChave)) {
-    relatorio.Bom("servidor ",
-                  Texto(servidor->sTexto) + ", versão "_pt + VersaoDoArquivo(servidor->sTexto) + ComRaiz(*servidor));
+    relatorio.Bom("servidor ", NomeLegivel(servidor->sTexto) + ", versão "_pt + VersaoDoArquivo(servidor->sTexto) +
+                                   ComRaiz(*servidor));
   }
   const auto doUsuario = ProcuraClasseEm(HKEY_CURRENT_USER, sChave);
   const auto daMaquina = ProcuraClasseEm(HKEY_LOCAL_MACHINE, sChave);
   if (doUsuario && daMaquina && doUsuario->sTexto != daMaquina->sTexto) {
-    relatorio.Aviso("servidor ", "outro está registrado para a máquina: "_pt + Texto(daMaquina->sTexto) +
+    relatorio.Aviso("servidor ", "outro está registrado para a máquina: "_pt + NomeLegivel(daMaquina->sTexto) +
                                      "; programas elevados usam esse"_pt);
   }
 }
@@ -141,11 +137,12 @@ void ConfereBiblioteca(CRelatorio &relatorio) {
   ITypeLib *pBiblioteca = nullptr;
   const HRESULT hr = LoadTypeLibEx(biblioteca->sTexto.c_str(), REGKIND_NONE, &pBiblioteca);
   if (FAILED(hr)) {
-    relatorio.Falha("biblioteca de tipos ", Texto(biblioteca->sTexto) + ": " + CQZErroVeiculos(hr).what(), kRegistre);
+    relatorio.Falha("biblioteca de tipos ", NomeLegivel(biblioteca->sTexto) + ": " + CQZErroVeiculos(hr).what(),
+                    kRegistre);
     return;
   }
   pBiblioteca->Release();
-  relatorio.Bom("biblioteca de tipos ", Texto(biblioteca->sTexto) + ComRaiz(*biblioteca));
+  relatorio.Bom("biblioteca de tipos ", NomeLegivel(biblioteca->sTexto) + ComRaiz(*biblioteca));
 }
 
 /// The proxy that 32-bit programs load, from their own view of the classes; this one cannot load it.
@@ -160,7 +157,8 @@ void ConfereProxy32(CRelatorio &relatorio) {
   }
   if (const auto proxy = ConfereArquivo(
           relatorio, kRotulo, sVisao + L"CLSID\\" + interface_->sTexto + L"\\InProcServer32", kRegistreComProxy32)) {
-    relatorio.Bom(kRotulo, Texto(proxy->sTexto) + ", versão "_pt + VersaoDoArquivo(proxy->sTexto) + ComRaiz(*proxy));
+    relatorio.Bom(kRotulo,
+                  NomeLegivel(proxy->sTexto) + ", versão "_pt + VersaoDoArquivo(proxy->sTexto) + ComRaiz(*proxy));
   }
 }
 
@@ -171,7 +169,7 @@ void ConfereProxy(CRelatorio &relatorio) {
     relatorio.Falha("interface ", Falta(sInterface), kRegistreComProxy);
     return;
   }
-  relatorio.Bom("interface ", Texto(TextoGuid(IID_IQZDF_Veiculos)) + ComRaiz(*interface_));
+  relatorio.Bom("interface ", NomeLegivel(TextoGuid(IID_IQZDF_Veiculos)) + ComRaiz(*interface_));
   const auto proxy =
       ConfereArquivo(relatorio, "proxy ", L"CLSID\\" + interface_->sTexto + L"\\InProcServer32", kRegistreComProxy);
   if (!proxy) {
@@ -180,11 +178,12 @@ void ConfereProxy(CRelatorio &relatorio) {
   const plataforma::PosseModulo spModulo(LoadLibraryExW(proxy->sTexto.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
   if (!spModulo) {
     const HRESULT hr = HRESULT_FROM_WIN32(GetLastError());
-    relatorio.Falha("proxy ", Texto(proxy->sTexto) + " não pode ser carregado: "_pt + TextoCodigoErro(hr),
+    relatorio.Falha("proxy ", NomeLegivel(proxy->sTexto) + " não pode ser carregado: "_pt + TextoCodigoErro(hr),
                     kRegistreComProxy);
     return;
   }
-  relatorio.Bom("proxy ", Texto(proxy->sTexto) + ", versão "_pt + VersaoDoArquivo(proxy->sTexto) + ComRaiz(*proxy));
+  relatorio.Bom("proxy ",
+                NomeLegivel(proxy->sTexto) + ", versão "_pt + VersaoDoArquivo(proxy->sTexto) + ComRaiz(*proxy));
 }
 
 void ConfereInstalacao(CRelatorio &relatorio) {

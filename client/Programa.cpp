@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr std::size_t kSemLimite = std::numeric_limits<std::size_t>::max();
-
 using COpcoes = std::vector<COpcaoConhecida>;
 
 constexpr std::string_view kNotasValores =

@@ -88,5 +88,5 @@ std::string RemedioDoErro(std::uint32_t uiCodigo) {
   const auto it = std::find_if(kRemedios.begin(), kRemedios.end(), [&](const CRemedio &remedio) {
     return remedio.uiDe <= uiCodigo && uiCodigo <= remedio.uiAte;
   });
-  return it == kRemedios.end() ? std::string() : De8Para1252(it->sTexto).value();
+  return it == kRemedios.end() ? std::string() : Pt(it->sTexto);
 }

@@ -26,7 +26,7 @@ constexpr std::array kColunasLista{
 constexpr std::size_t kLarguraRotulo = 20;
 
 std::string LinhaFicha(std::string_view sRotuloUtf8, const std::string &sValor) {
-  const std::string sRotulo = De8Para1252(sRotuloUtf8).value() + " ";
+  const std::string sRotulo = Pt(sRotuloUtf8) + " ";
   return sRotulo + std::string(kLarguraRotulo - sRotulo.size(), '.') + ": " + sValor + "\n";
 }
 

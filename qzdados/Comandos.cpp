@@ -15,7 +15,6 @@
 
 namespace {
 
-constexpr std::size_t kSemLimite = std::numeric_limits<std::size_t>::max();
 constexpr std::uint64_t kMaiorPosicao = std::numeric_limits<std::int64_t>::max();
 
 constexpr COpcaoConhecida kComo{"como", "NOME",
@@ -99,10 +98,6 @@ CString PastaDe(const CString &sCaminho) {
   std::vector<CString> nomes;
   const bool bPasta = falha && !plataforma::Arquivos().Lista(sPasta, &nomes);
   return bPasta ? sPasta : CString();
-}
-
-FProgresso ProgressoNaTela(ITela &tela) {
-  return [&tela](std::uint64_t uiFeito, std::uint64_t uiTotal) { tela.Progresso(uiFeito, uiTotal); };
 }
 
 EEstado Relata(const std::vector<ResultadoExame> &exames, bool bDetalhes, ITela &tela) {

@@ -7,10 +7,6 @@
 
 namespace {
 
-FProgresso ProgressoNaTela(ITela &tela) {
-  return [&tela](std::uint64_t uiFeito, std::uint64_t uiTotal) { tela.Progresso(uiFeito, uiTotal); };
-}
-
 /// A companion is examined, and copied, as the file that it was to become.
 IdentidadeArquivo SemSobra(IdentidadeArquivo identidade) {
   identidade.bSobra = false;

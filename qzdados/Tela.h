@@ -2,6 +2,7 @@
 #define KALVO_QZDADOS_TELA_H
 
 #include <cstdint>
+#include <functional>
 #include <string_view>
 
 /// Where a command's texts go, Windows-1252.
@@ -23,5 +24,10 @@ protected:
   ITela(const ITela &) = default;
   ITela &operator=(const ITela &) = default;
 };
+
+/// What a long reading calls to show on `tela`, which outlives it, how far it is.
+inline std::function<void(std::uint64_t, std::uint64_t)> ProgressoNaTela(ITela &tela) {
+  return [&tela](std::uint64_t uiFeito, std::uint64_t uiTotal) { tela.Progresso(uiFeito, uiTotal); };
+}
 
 #endif

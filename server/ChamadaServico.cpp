@@ -7,7 +7,7 @@
 namespace {
 
 /// The operations' own, in whose name this class traces.
-constexpr char kFonte[] = "QZDF_Veiculos.cpp";
+constexpr char kFonteVeiculos[] = "QZDF_Veiculos.cpp";
 
 }  // namespace
 
@@ -32,7 +32,7 @@ HRESULT CChamadaServico::Guarda(CorpoSEH corpo, void *pContexto, const plataform
 void CChamadaServico::Rastreia(HRESULT hr, const char *lpExpressao) const {
   if (Falhou(hr)) {
     IgnoraFalhas([&] {
-      const CQZRastro rastro(&m_profiler, {m_nome.lpNome}, kFonte);
+      const CQZRastro rastro(&m_profiler, {m_nome.lpNome}, kFonteVeiculos);
       static_cast<void>(rastro.FalhaVariavel(hr, lpExpressao, m_lpVariavel, m_nome.iLinha));
     });
   }

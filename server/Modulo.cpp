@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr char kFonte[] = "Modulo.cpp";
+constexpr char kFonteModulo[] = "Modulo.cpp";
 
 /// Pause between the end of the message loop and the revocation of the class object, in milliseconds: what had begun
 /// before the suspension comes through.
@@ -55,7 +55,7 @@ HRESULT DefineSeguranca() {
 void RelataFalha(const CString &sOque, const char *lpChamada, HRESULT hr) {
   DizErro("Kalvo: falha ao " + sOque + ": " + TextoCodigo(static_cast<unsigned long>(hr)));
   const CQZProfilerEmpresa profiler;
-  static_cast<void>(CQZRastro(&profiler, {"CKalvoModule::Executa"}, kFonte).Falha(hr, lpChamada, __LINE__));
+  static_cast<void>(CQZRastro(&profiler, {"CKalvoModule::Executa"}, kFonteModulo).Falha(hr, lpChamada, __LINE__));
 }
 
 /// Runs the message loop until a quit message.

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr char kFonte[] = "BaseVeiculos.cpp";
+constexpr char kFonteBaseVeiculos[] = "BaseVeiculos.cpp";
 
 /// Copies a text into a filter field, cut to the field's full width without a terminator: a longer text then equals no
 /// stored text that is shorter than the field.
@@ -26,7 +26,7 @@ CBaseVeiculos::~CBaseVeiculos() {
 }
 
 HRESULT CBaseVeiculos::OnInicializa() {
-  const CQZRastro rastro(this, {"CBaseVeiculos::OnInicializa"}, kFonte);
+  const CQZRastro rastro(this, {"CBaseVeiculos::OnInicializa"}, kFonteBaseVeiculos);
   QZ_VERIFICA(rastro, "__super::OnInicializa()", CQZBaseParaRotinas::OnInicializa());
   QZ_VERIFICA(rastro, "ExecutaConversao()", ExecutaConversao());
   QZ_VERIFICA(rastro, "QZDataBaseInicializa()", QZDataBaseInicializa());
@@ -34,7 +34,7 @@ HRESULT CBaseVeiculos::OnInicializa() {
 }
 
 HRESULT CBaseVeiculos::Grava(LONG *pPos, const tagREG_VEICULOPS &Veiculo) {
-  const CQZRastro rastro(this, {"CBaseVeiculos::Grava"}, kFonte);
+  const CQZRastro rastro(this, {"CBaseVeiculos::Grava"}, kFonteBaseVeiculos);
   if (m_pDataBase == nullptr) {
     QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoAberto);
   }
@@ -49,7 +49,7 @@ HRESULT CBaseVeiculos::Grava(LONG *pPos, const tagREG_VEICULOPS &Veiculo) {
 
 template <typename F>
 HRESULT CBaseVeiculos::Procura(const tagREG_FILTRO_VEICULOSPS &Filtro, std::uint64_t *puiTodas, F &&acha) {
-  const CQZRastro rastro(this, {"CBaseVeiculos::InternalGetRegs"}, kFonte);
+  const CQZRastro rastro(this, {"CBaseVeiculos::InternalGetRegs"}, kFonteBaseVeiculos);
   if (m_pDataBase == nullptr) {
     QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoAberto);
   }
@@ -136,7 +136,7 @@ bool CBaseVeiculos::AtendeFiltro(const RegVeiculo &reg, const tagREG_FILTRO_VEIC
 }
 
 HRESULT CBaseVeiculos::BuscaPonteiros(const tagREG_FILTRO_VEICULOSPS &Filtro, tagRESULTADO_BUSCA_VEICULOS *pResultado) {
-  const CQZRastro rastro(this, {"CBaseVeiculos::BuscaPonteiros"}, kFonte);
+  const CQZRastro rastro(this, {"CBaseVeiculos::BuscaPonteiros"}, kFonteBaseVeiculos);
   *pResultado = tagRESULTADO_BUSCA_VEICULOS{};
   CPosicoesAchadas achadas;
   QZ_VERIFICA(rastro, "InternalGetRegs(Filtro, &aPonteiros, nullptr)", ProcuraPosicoes(Filtro, &achadas));
@@ -155,7 +155,7 @@ HRESULT CBaseVeiculos::BuscaPonteiros(const tagREG_FILTRO_VEICULOSPS &Filtro, ta
 }
 
 HRESULT CBaseVeiculos::Existe(const char *lpCodigo, std::uint32_t *pPos, tagREG_VEICULOPS *pVeiculo) {
-  const CQZRastro rastro(this, {"CBaseVeiculos::Existe"}, kFonte);
+  const CQZRastro rastro(this, {"CBaseVeiculos::Existe"}, kFonteBaseVeiculos);
   *pPos = 0;
   *pVeiculo = tagREG_VEICULOPS{};
   tagREG_FILTRO_VEICULOSPS Filtro{};
@@ -170,7 +170,7 @@ HRESULT CBaseVeiculos::Existe(const char *lpCodigo, std::uint32_t *pPos, tagREG_
 }
 
 HRESULT CBaseVeiculos::LePonteiros(std::uint32_t iQtd, const LONG *Ponteiros, tagREG_VEICULOPS *pVeiculos) {
-  const CQZRastro rastro(this, {"CBaseVeiculos::LePonteiros"}, kFonte);
+  const CQZRastro rastro(this, {"CBaseVeiculos::LePonteiros"}, kFonteBaseVeiculos);
   std::fill_n(pVeiculos, iQtd, tagREG_VEICULOPS{});
   if (m_pDataBase == nullptr) {
     QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoAberto);
@@ -185,7 +185,7 @@ HRESULT CBaseVeiculos::LePonteiros(std::uint32_t iQtd, const LONG *Ponteiros, ta
 }
 
 HRESULT CBaseVeiculos::GetQuantidadeRegistros(std::uint32_t *pQtd) {
-  const CQZRastro rastro(this, {"CBaseVeiculos::GetQuantidadeRegistros"}, kFonte);
+  const CQZRastro rastro(this, {"CBaseVeiculos::GetQuantidadeRegistros"}, kFonteBaseVeiculos);
   *pQtd = 0;
   if (m_pDataBase == nullptr) {
     QZ_RETORNA_CODIGO(rastro, codigos::kArquivoNaoAberto);

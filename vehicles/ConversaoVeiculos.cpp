@@ -29,7 +29,7 @@
 
 namespace {
 
-constexpr char kFonte[] = "ConversaoVeiculos.cpp";
+constexpr char kFonteConversaoVeiculos[] = "ConversaoVeiculos.cpp";
 constexpr char kArquivoVeiculosTRA[] = "DFVEIC.TRA";
 
 /// How long one process waits for another that converts a base of the same directory.
@@ -197,7 +197,7 @@ bool ConteudoRecusado(HRESULT hr) {
 }  // namespace
 
 HRESULT CBaseVeiculos::ExecutaConversao() {
-  const CQZRastro rastro(this, {"CBaseVeiculos::ExecutaConversao"}, kFonte);
+  const CQZRastro rastro(this, {"CBaseVeiculos::ExecutaConversao"}, kFonteConversaoVeiculos);
   // Without a company the paths would be bare names in the process's current directory; what follows refuses it.
   if (GetEmpresa().empty() || QZDataBaseEstaInicializado()) {
     return codigos::kOk;
@@ -216,7 +216,7 @@ HRESULT CBaseVeiculos::ExecutaConversao() {
 }
 
 HRESULT CBaseVeiculos::ConverteSobTrava() {
-  const CQZRastro rastro(this, {"CBaseVeiculos::ExecutaConversao"}, kFonte);
+  const CQZRastro rastro(this, {"CBaseVeiculos::ExecutaConversao"}, kFonteConversaoVeiculos);
   HRESULT hr = codigos::kOk;
   REG_DF_VEICULO_VERSAO regVersao{};
   if (QZ_FALHOU(rastro, hr, "CQZDataBaseUtil::LeSingleReg(this, QZ_DF, &regVersao, \"DFVEIVS.DAT\")",
@@ -244,7 +244,7 @@ HRESULT CBaseVeiculos::ConverteSobTrava() {
 }
 
 HRESULT CBaseVeiculos::ConverteBaseV01() {
-  const CQZRastro rastro(this, {"CBaseVeiculos::ConverteBaseV01"}, kFonte);
+  const CQZRastro rastro(this, {"CBaseVeiculos::ConverteBaseV01"}, kFonteConversaoVeiculos);
   const CString sEmpresa = GetEmpresa();
   EDiario eDiario = EDiario::Nenhum;
   QZ_VERIFICA(rastro, "ExaminaDiario(GetEmpresa(), &eDiario)", ExaminaDiario(sEmpresa, &eDiario));

@@ -14,7 +14,7 @@ namespace {
 
 /// A third of the kills fall somewhere into the opening, a third into what follows the file of the new records, the
 /// others into what follows its move onto the old one.
-constexpr unsigned kAberturaMs = 80;
+constexpr unsigned kNaAberturaMs = 80;
 constexpr unsigned kDepoisMs = 3;
 enum Momento { kNaAbertura, kComRegistrosNovos, kDepoisDaTroca, kMomentos };
 
@@ -76,7 +76,7 @@ TEST_F(MorteNaConversao, SoOPrimeiroRegistroSaiEUmaVez) {
       for (int i = kComRegistrosNovos; i <= eMomento; ++i) {
         EsperaQue(i == kComRegistrosNovos, empresa.Arquivo("DFVEIC.TRA"));
       }
-      Espera(Sorteia(eMomento == kNaAbertura ? kAberturaMs : kDepoisMs));
+      Espera(Sorteia(eMomento == kNaAbertura ? kNaAberturaMs : kDepoisMs));
       Mata(servidores[m_gerador() % servidores.size()].get());
       ++uiMortas;
     }

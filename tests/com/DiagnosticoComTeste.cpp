@@ -5,13 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "core/env/QZPath.h"
 #include "tests/com/ApoioCom.h"
 
 using namespace apoiocom;
 
 namespace {
 
-constexpr char kChaveSuite[] = "SOFTWARE\\Wow6432Node\\Tarvel\\";
 constexpr char kInterface[] = "Interface\\{581EE5E9-6EE9-4428-87C0-6BE18D374724}";
 
 /// veiculos.exe diagnostico against the real registry, with an installation directory and a company in order.

@@ -11,7 +11,6 @@
 namespace plataforma {
 namespace {
 
-constexpr std::uint32_t kErroAcesso = 5;        // ERROR_ACCESS_DENIED
 constexpr std::uint32_t kErroFim = 38;          // ERROR_HANDLE_EOF
 constexpr std::uint32_t kErroDiscoCheio = 112;  // ERROR_DISK_FULL
 

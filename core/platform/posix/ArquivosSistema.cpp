@@ -19,7 +19,6 @@
 namespace plataforma {
 namespace {
 
-constexpr std::uint32_t kErroAcesso = 5;             // ERROR_ACCESS_DENIED
 constexpr std::uint32_t kErroCompartilhamento = 32;  // ERROR_SHARING_VIOLATION
 constexpr std::uint32_t kErroSemTravas = 36;         // ERROR_SHARING_BUFFER_EXCEEDED
 

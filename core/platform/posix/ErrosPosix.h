@@ -8,6 +8,8 @@
 
 namespace plataforma {
 
+constexpr std::uint32_t kErroAcesso = 5;  ///< ERROR_ACCESS_DENIED
+
 /// The Win32 number of an errno value; ENOENT is taken as "file not found". Never 0 for a value other than 0.
 std::uint32_t ErroWin32DeErrno(int erro);
 

@@ -7,14 +7,14 @@
 namespace plataforma {
 namespace {
 
-struct Chamada {
+struct Toque {
   void (*corpo)(void *pContexto);
   void *pContexto;
 };
 
-HRESULT Executa(void *pChamada) {
-  const Chamada &chamada = *static_cast<const Chamada *>(pChamada);
-  chamada.corpo(chamada.pContexto);
+HRESULT Toca(void *pToque) {
+  const Toque &toque = *static_cast<const Toque *>(pToque);
+  toque.corpo(toque.pContexto);
   return S_OK;
 }
 
@@ -26,8 +26,8 @@ LONG TomaFalhaDoDispositivo(const EXCEPTION_RECORD &excecao) {
 }  // namespace
 
 bool TocaMemoriaMapeada(void (*corpo)(void *pContexto), void *pContexto) noexcept {
-  Chamada chamada{corpo, pContexto};
-  return !ChamaEmQuadroSEH(Executa, &chamada, TomaFalhaDoDispositivo).bExcecao;
+  Toque toque{corpo, pContexto};
+  return !ChamaEmQuadroSEH(Toca, &toque, TomaFalhaDoDispositivo).bExcecao;
 }
 
 }  // namespace plataforma

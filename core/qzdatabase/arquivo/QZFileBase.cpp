@@ -15,7 +15,7 @@ using plataforma::FalhaArquivo;
 
 namespace {
 
-constexpr char kFonte[] = "QZFileBase.cpp";
+constexpr char kFonteFileBase[] = "QZFileBase.cpp";
 
 /// Switches the headers of all data files on when it is not 0; a number in the maker's key.
 constexpr char kValorCabecalho[] = "QZDataBase_HabilitarCabecalho";
@@ -79,7 +79,7 @@ private:
 /// `bCriando` is set for the two opens of CriaEAbre: the creation leaves alone what is there by then, and a file that
 /// is missing again is not created again. `bOutraVez` is set for the second look at a file that went meanwhile.
 HRESULT CQZFileBase::AbreNoModo(EModoAbertura eModoAbertura, bool bCriando, bool bOutraVez) {
-  const CQZOperacao rastro(this, {"CQZFileBase::AbreArquivo"}, kFonte);
+  const CQZOperacao rastro(this, {"CQZFileBase::AbreArquivo"}, kFonteFileBase);
   if (m_abertura.Modo() == eModoAbertura && MemoriaServe()) {
     return codigos::kOk;
   }
@@ -162,7 +162,7 @@ void CQZFileBase::VoltaAoModo(EModoAbertura eModoAnterior) {
 /// Everything that an opened file needs before it is used: a write that was pending when its handle was lost, its
 /// header, its content in memory. On failure the file is closed, and memory loaded before is not served.
 HRESULT CQZFileBase::AposAbrir(EModoAbertura eModoAbertura) {
-  const CQZRastro rastro(this, {"CQZFileBase::AbreArquivo"}, kFonte);
+  const CQZRastro rastro(this, {"CQZFileBase::AbreArquivo"}, kFonteFileBase);
   m_bExistiu = true;
   m_bDadosConferidos = false;
   // Checking means reading all of the file: only one that others may have written to is checked again.
@@ -201,7 +201,7 @@ HRESULT CQZFileBase::AsseguraMemoria() {
 }
 
 HRESULT CQZFileBase::ReabreUmaVez() {
-  const CQZRastro rastro(this, {"CQZFileBase::AbreArquivo"}, kFonte);
+  const CQZRastro rastro(this, {"CQZFileBase::AbreArquivo"}, kFonteFileBase);
   const EModoAbertura eModo = m_transacao.Pendente() ? eModoLeituraGravacao : eModoLeitura;
   if (ExisteArquivo()) {
     m_abertura.Fecha();
@@ -229,7 +229,7 @@ bool CQZFileBase::TrocaArquivoMorto() {
 // Lifecycle.
 
 HRESULT CQZFileBase::OnInicializa() {
-  const CQZOperacao rastro(this, {"CQZFileBase::OnInicializa"}, kFonte);
+  const CQZOperacao rastro(this, {"CQZFileBase::OnInicializa"}, kFonteFileBase);
   m_abertura.Fecha();  // a failed initialisation leaves its handle open
   m_transacao.Confirma();
   m_bACriar = false;
@@ -267,7 +267,7 @@ HRESULT CQZFileBase::CarregaAoInicializar() {
 
 /// The header is not brought up to date over a write that could not be undone: it would vouch for half of it.
 HRESULT CQZFileBase::OnFinaliza() {
-  const CQZOperacao rastro(this, {"CQZFileBase::OnFinaliza"}, kFonte);
+  const CQZOperacao rastro(this, {"CQZFileBase::OnFinaliza"}, kFonteFileBase);
   const CQZTrava trava(m_secao);
   HRESULT hr = codigos::kOk;
   if (!QZ_FALHOU(rastro, hr, "RestauraPendencia()", RestauraPendencia()) && ExisteArquivo() && MemoriaServe()) {
@@ -292,7 +292,7 @@ HRESULT CQZFileBase::Flush(bool bForcar) {
 }
 
 HRESULT CQZFileBase::DescarregaNoDisco() {
-  const CQZRastro rastro(this, {"CQZFileBase::DescarregaNoDisco"}, kFonte);
+  const CQZRastro rastro(this, {"CQZFileBase::DescarregaNoDisco"}, kFonteFileBase);
   const CQZTrava trava(m_secao);
   if (!ExisteArquivo()) {
     return codigos::kOk;
@@ -308,7 +308,7 @@ HRESULT CQZFileBase::RestauraPendencia() {
   if (!ExisteArquivo() || !MemoriaServe()) {
     return ReabreUmaVez();
   }
-  const CQZRastro rastro(this, {"CQZFileBase::RestauraPendencia"}, kFonte);
+  const CQZRastro rastro(this, {"CQZFileBase::RestauraPendencia"}, kFonteFileBase);
   HRESULT hr = codigos::kOk;
   if (QZ_FALHOU(rastro, hr, "CatchGravacao(pEx)", CatchGravacao(m_transacao.Desfaz(Arquivo()))) ||
       QZ_FALHOU(rastro, hr, "Flush()", Flush())) {
@@ -386,7 +386,7 @@ FalhaArquivo CQZFileBase::TamanhoDados(std::uint64_t *puiTamanho) {
 // Companions and copies.
 
 HRESULT CQZFileBase::DeletaArquivoOffline() {
-  const CQZOperacao rastro(this, {"CQZFileBase::DeletaArquivoOffline"}, kFonte);
+  const CQZOperacao rastro(this, {"CQZFileBase::DeletaArquivoOffline"}, kFonteFileBase);
   if (ApagaInsistindo(CQZPath::ChangeExtension(CaminhoCompleto(), "OFL"))) {
     QZ_RETORNA_CODIGO(rastro, codigos::kOfflineNaoApagado);
   }
@@ -394,7 +394,7 @@ HRESULT CQZFileBase::DeletaArquivoOffline() {
 }
 
 HRESULT CQZFileBase::CopiaArquivoPara(const CString &sEmpresa, ModuloQZ qzModulo) {
-  const CQZOperacao rastro(this, {"CQZFileBase::CopiaArquivoPara"}, kFonte);
+  const CQZOperacao rastro(this, {"CQZFileBase::CopiaArquivoPara"}, kFonteFileBase);
   // Initialising the destination would delete the source.
   const CString sDestino = CQZPath::CaminhoArquivo(qzModulo, sEmpresa, m_sNomeArquivo);
   if (plataforma::Maiusculas(sDestino) == plataforma::Maiusculas(CaminhoCompleto())) {
@@ -437,7 +437,7 @@ bool CQZFileBase::Controlado(const CString &sNomeArquivo) {
 /// was there when the list was consulted.
 HRESULT CQZFileBase::GerenciaControleCriacaoArquivos(EModoAbertura eModoAbertura,
                                                      std::unique_ptr<IListaCriados> *pLista, bool *pbListadoEPresente) {
-  const CQZRastro rastro(this, {"CQZFileBase::GerenciaControleCriacaoArquivos"}, kFonte);
+  const CQZRastro rastro(this, {"CQZFileBase::GerenciaControleCriacaoArquivos"}, kFonteFileBase);
   if (m_bSemControle) {
     QZ_VERIFICA(rastro, "RemoveControleCriacaoArquivos()",
                 RemoveControleCriacaoArquivos(*this, m_eModulo, m_sNomeArquivo));
@@ -489,7 +489,7 @@ bool CQZFileBase::CriacaoInterrompida(bool bExiste) const {
 }
 
 HRESULT CQZFileBase::PossuiControleCriacaoArquivos(IListaCriados &lista, bool *pbPossui) {
-  const CQZRastro rastro(this, {"CQZFileBase::PossuiControleCriacaoArquivos"}, kFonte);
+  const CQZRastro rastro(this, {"CQZFileBase::PossuiControleCriacaoArquivos"}, kFonteFileBase);
   QZ_VERIFICA(rastro, "qzDB.Inicializa(this)", lista.Inicializa(*this));
   *pbPossui = lista.Procura(m_sNomeArquivo) != 0;
   return codigos::kOk;
@@ -497,14 +497,14 @@ HRESULT CQZFileBase::PossuiControleCriacaoArquivos(IListaCriados &lista, bool *p
 
 HRESULT CQZFileBase::CriaControleCriacaoArquivos(const IQZDF_Profiler &dono, IListaCriados &lista,
                                                  const CString &sNomeArquivo) {
-  const CQZRastro rastro(&dono, {"CQZFileBase::CriaControleCriacaoArquivos"}, kFonte);
+  const CQZRastro rastro(&dono, {"CQZFileBase::CriaControleCriacaoArquivos"}, kFonteFileBase);
   QZ_VERIFICA(rastro, "qzTextFile.Grava(uiPosicao, m_sNomeArquivo)", lista.Acrescenta(sNomeArquivo));
   return codigos::kOk;
 }
 
 HRESULT CQZFileBase::CriaControleCriacaoArquivos(const IQZDF_Profiler &dono, ModuloQZ eModulo,
                                                  const CString &sNomeArquivo) {
-  const CQZRastro rastro(&dono, {"CQZFileBase::CriaControleCriacaoArquivos"}, kFonte);
+  const CQZRastro rastro(&dono, {"CQZFileBase::CriaControleCriacaoArquivos"}, kFonteFileBase);
   const auto pLista = ServicosDeArquivo().ListaCriados(eModulo);
   QZ_VERIFICA(rastro, "qzDB.Inicializa(this)", pLista->Inicializa(dono));
   return CriaControleCriacaoArquivos(dono, *pLista, sNomeArquivo);
@@ -512,7 +512,7 @@ HRESULT CQZFileBase::CriaControleCriacaoArquivos(const IQZDF_Profiler &dono, Mod
 
 HRESULT CQZFileBase::RemoveControleCriacaoArquivos(const IQZDF_Profiler &dono, ModuloQZ eModulo,
                                                    const CString &sNomeArquivo, bool *pbEstava) {
-  const CQZRastro rastro(&dono, {"CQZFileBase::RemoveControleCriacaoArquivos"}, kFonte);
+  const CQZRastro rastro(&dono, {"CQZFileBase::RemoveControleCriacaoArquivos"}, kFonteFileBase);
   bool bExiste = false;
   const CString sCaminhoLista = CQZPath::CaminhoArquivo(eModulo, dono.GetEmpresa(), kArquivoControle);
   QZ_VERIFICA(rastro, "CatchInicializacao(pEx)",
@@ -537,7 +537,7 @@ HRESULT CQZFileBase::RemoveControleCriacaoArquivos(const IQZDF_Profiler &dono, M
 // The header.
 
 HRESULT CQZFileBase::GerenciaCabecalho() {
-  const CQZRastro rastro(this, {"CQZFileBase::GerenciaCabecalho"}, kFonte);
+  const CQZRastro rastro(this, {"CQZFileBase::GerenciaCabecalho"}, kFonteFileBase);
   if (m_cabecalho.Conferido()) {
     return codigos::kOk;
   }
@@ -576,7 +576,7 @@ HRESULT CQZFileBase::CriaCabecalhoSobTrava(const CQZRastro &rastro) {
 }
 
 HRESULT CQZFileBase::PossuiCabecalho(bool *pbPossui) {
-  const CQZRastro rastro(this, {"CQZFileBase::PossuiCabecalho"}, kFonte);
+  const CQZRastro rastro(this, {"CQZFileBase::PossuiCabecalho"}, kFonteFileBase);
   std::uint16_t iVersao = 0;
   QZ_VERIFICA(rastro, "CatchInicializacao(pEx)",
               CatchInicializacao(CQZCabecalhoVigente::LeVersao(Arquivo(), pbPossui, &iVersao)));
@@ -584,7 +584,7 @@ HRESULT CQZFileBase::PossuiCabecalho(bool *pbPossui) {
 }
 
 HRESULT CQZFileBase::ValidaCabecalho() {
-  const CQZRastro rastro(this, {"CQZFileBase::ValidaCabecalho"}, kFonte);
+  const CQZRastro rastro(this, {"CQZFileBase::ValidaCabecalho"}, kFonteFileBase);
   bool bPossui = false;
   std::uint16_t iVersao = 0;
   QZ_VERIFICA(rastro, "CatchInicializacao(pEx)",
@@ -597,7 +597,7 @@ HRESULT CQZFileBase::ValidaCabecalho() {
 }
 
 HRESULT CQZFileBase::ValidaCabecalhoV01() {
-  const CQZRastro rastro(this, {"CQZFileBase::ValidaCabecalhoV01"}, kFonte);
+  const CQZRastro rastro(this, {"CQZFileBase::ValidaCabecalhoV01"}, kFonteFileBase);
   HRESULT hr = codigos::kOk;
   QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(ExaminaCabecalho(&hr)));
   if (!Falhou(hr)) {
@@ -647,7 +647,7 @@ bool CQZFileBase::ReparaGravacaoInterrompida() {
 /// one whole file. It is closed for the move, and then looked at like any file that was out of our hands. It is left
 /// open for reading and writing.
 HRESULT CQZFileBase::CriaCabecalho() {
-  const CQZRastro rastro(this, {"CQZFileBase::CriaCabecalho"}, kFonte);
+  const CQZRastro rastro(this, {"CQZFileBase::CriaCabecalho"}, kFonteFileBase);
   const CString sCaminho = CaminhoCompleto();
   // The companion holds every byte of the file; until the move the file itself is not touched.
   HRESULT hr = EscreveCompanheiroComCabecalho(rastro);
@@ -693,14 +693,14 @@ HRESULT CQZFileBase::EscreveCompanheiroComCabecalho(const CQZRastro &rastro) {
 }
 
 HRESULT CQZFileBase::GeraDadosCabecalho(RegVersaoArquivo *pRegVersao, RegCabecalhoArquivo *pRegCabecalho) {
-  const CQZRastro rastro(this, {"CQZFileBase::GeraDadosCabecalho"}, kFonte);
+  const CQZRastro rastro(this, {"CQZFileBase::GeraDadosCabecalho"}, kFonteFileBase);
   QZ_VERIFICA(rastro, "CatchInicializacao(pEx)",
               CatchInicializacao(m_cabecalho.GeraDados(Arquivo(), pRegVersao, pRegCabecalho)));
   return codigos::kOk;
 }
 
 HRESULT CQZFileBase::AtualizaCabecalho() {
-  const CQZRastro rastro(this, {"CQZFileBase::AtualizaCabecalho"}, kFonte);
+  const CQZRastro rastro(this, {"CQZFileBase::AtualizaCabecalho"}, kFonteFileBase);
   QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(m_cabecalho.Atualiza(Arquivo())));
   return codigos::kOk;
 }

@@ -2,7 +2,7 @@
 
 namespace {
 
-constexpr char kFonte[] = "QZFileCopia.cpp";
+constexpr char kFonteFileCopia[] = "QZFileCopia.cpp";
 
 }  // namespace
 
@@ -15,7 +15,7 @@ CQZFileCopia::CQZFileCopia(const CString &sNomeArquivo, IDonoDeArquivos *pDataBa
 
 /// Does not call the base: no file is opened, no header managed.
 HRESULT CQZFileCopia::OnInicializa() {
-  const CQZOperacao rastro(this, {"CQZFileCopia::OnInicializa"}, kFonte);
+  const CQZOperacao rastro(this, {"CQZFileCopia::OnInicializa"}, kFonteFileCopia);
   QZ_VERIFICA(rastro, "CQZDataBaseUtil::DeletaArquivo(GetEmpresa(), m_eModulo, m_sNomeArquivo)",
               ServicosDeArquivo().DeletaArquivo(GetEmpresa(), GetModulo(), GetNomeArquivo()));
   return codigos::kOk;

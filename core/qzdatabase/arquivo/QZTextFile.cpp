@@ -10,7 +10,7 @@ using plataforma::FalhaArquivo;
 
 namespace {
 
-constexpr char kFonte[] = "QZTextFile.cpp";
+constexpr char kFonteTextFile[] = "QZTextFile.cpp";
 
 constexpr std::size_t kCrescimentoLinhas = 1000;
 
@@ -40,7 +40,7 @@ CQZTextFile::CQZTextFile(const CString &sNomeArquivo, IDonoDeArquivos *pDataBase
 }
 
 HRESULT CQZTextFile::OnInicializa() {
-  const CQZOperacao rastro(this, {"CQZTextFile::OnInicializa"}, kFonte);
+  const CQZOperacao rastro(this, {"CQZTextFile::OnInicializa"}, kFonteTextFile);
   QZ_VERIFICA(rastro, "__super::OnInicializa()", CQZFileBase::OnInicializa());
   QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AbreArquivo(eModoLeitura));
   return CarregaAoInicializar();
@@ -49,7 +49,7 @@ HRESULT CQZTextFile::OnInicializa() {
 /// Takes what can be read of a damaged file: a line whose length reaches past the end of the file is cut there, and
 /// fewer bytes than a length at the end are no line.
 HRESULT CQZTextFile::CarregaMemoria() {
-  const CQZRastro rastro(this, {"CQZTextFile::OnInicializa"}, kFonte);
+  const CQZRastro rastro(this, {"CQZTextFile::OnInicializa"}, kFonteTextFile);
   std::uint64_t uiTamanho = 0;
   FalhaArquivo falha = Arquivo().Tamanho(&uiTamanho);
   CQZLeitorSequencial leitor(Arquivo(), TamanhoCabecalho(), uiTamanho);
@@ -97,7 +97,7 @@ const CArray<CQZDataBaseTextPair> *CQZTextFile::GetPtrArrayRegistros() const {
 }
 
 HRESULT CQZTextFile::Le(std::uint64_t uiPosicao, CString &sRegistro) {
-  const CQZOperacao rastro(this, {"CQZTextFile::Le"}, kFonte, [&] {
+  const CQZOperacao rastro(this, {"CQZTextFile::Le"}, kFonteTextFile, [&] {
     return ParametrosEscopo{{"uiPosicao", std::to_string(uiPosicao)}};
   });
   if (uiPosicao == 0) {
@@ -116,7 +116,7 @@ HRESULT CQZTextFile::Le(std::uint64_t uiPosicao, CString &sRegistro) {
 }
 
 HRESULT CQZTextFile::Grava(std::uint64_t &uiPosicao, const CString &sRegistro) {
-  const CQZOperacao rastro(this, {"CQZTextFile::Grava"}, kFonte, [&] {
+  const CQZOperacao rastro(this, {"CQZTextFile::Grava"}, kFonteTextFile, [&] {
     return ParametrosEscopo{{"uiPosicao", std::to_string(uiPosicao)}};
   });
   if (sRegistro.empty()) {
@@ -130,7 +130,7 @@ HRESULT CQZTextFile::Grava(std::uint64_t &uiPosicao, const CString &sRegistro) {
 }
 
 HRESULT CQZTextFile::GravaSeNova(std::uint64_t &uiPosicao, const CString &sRegistro) {
-  const CQZOperacao rastro(this, {"CQZTextFile::Grava"}, kFonte);
+  const CQZOperacao rastro(this, {"CQZTextFile::Grava"}, kFonteTextFile);
   CStringArray aRegistros;
   aRegistros.Add(sRegistro);
   uiPosicao = 0;
@@ -153,7 +153,7 @@ HRESULT CQZTextFile::GravaColecao(std::uint64_t &uiPosicao, const CStringArray &
 
 /// With `bSeNova` a single line, for the end, that is not written when it is there.
 HRESULT CQZTextFile::GravaLinhas(std::uint64_t &uiPosicao, const CStringArray &aRegistros, bool bSeNova) {
-  const CQZOperacao rastro(this, {"CQZTextFile::GravaColecao"}, kFonte, Parametros(uiPosicao, aRegistros));
+  const CQZOperacao rastro(this, {"CQZTextFile::GravaColecao"}, kFonteTextFile, Parametros(uiPosicao, aRegistros));
   if (aRegistros.IsEmpty()) {
     return codigos::kOk;
   }
@@ -267,7 +267,7 @@ std::uint64_t CQZTextFile::OndeGravar(std::size_t indice) const {
 /// One attempt. All memory is obtained before the disk is touched: once the lines are on disk, taking them into memory
 /// must not fail.
 HRESULT CQZTextFile::GravaRegistros(std::uint64_t &uiPosicao, const CStringArray &aRegistros, bool bShrink) {
-  const CQZOperacao rastro(this, {"CQZTextFile::GravaRegistros"}, kFonte, Parametros(uiPosicao, aRegistros));
+  const CQZOperacao rastro(this, {"CQZTextFile::GravaRegistros"}, kFonteTextFile, Parametros(uiPosicao, aRegistros));
   const std::size_t indice = IndiceDe(uiPosicao);
   const bool bNoFinal = uiPosicao == 0;
   if (bShrink) {
@@ -303,7 +303,7 @@ HRESULT CQZTextFile::GravaRegistros(std::uint64_t &uiPosicao, const CStringArray
 /// Writes all lines anew, the given ones in their places. The header stays, and the file is cut to its new length only
 /// after everything is written.
 HRESULT CQZTextFile::ExecutaShrink(std::uint64_t uiPosicao, const CStringArray &aRegistros) {
-  const CQZOperacao rastro(this, {"CQZTextFile::ExecutaShrink"}, kFonte, Parametros(uiPosicao, aRegistros));
+  const CQZOperacao rastro(this, {"CQZTextFile::ExecutaShrink"}, kFonteTextFile, Parametros(uiPosicao, aRegistros));
   const std::size_t inicio = IndiceDe(uiPosicao);
   const std::size_t fim = inicio + aRegistros.GetSize();
   CString sBytes;
@@ -374,7 +374,7 @@ void CQZTextFile::DefineOffsets(std::size_t indice, std::uint64_t uiOffset) {
 }
 
 HRESULT CQZTextFile::GeraArquivoOffline() {
-  const CQZOperacao rastro(this, {"CQZTextFile::GeraArquivoOffline"}, kFonte);
+  const CQZOperacao rastro(this, {"CQZTextFile::GeraArquivoOffline"}, kFonteTextFile);
   const CQZTrava trava(Secao());
   QZ_VERIFICA(rastro, "AbreArquivo(eModoLeitura)", AsseguraMemoria());
   QZ_VERIFICA(rastro, "DeletaArquivoOffline()", DeletaArquivoOffline());

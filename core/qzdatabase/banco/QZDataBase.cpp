@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr char kFonte[] = "QZDataBase.cpp";
+constexpr char kFonteDataBase[] = "QZDataBase.cpp";
 
 /// True when the name is the mask with a digit for each '?', letter case aside.
 bool PertenceAoGrupo(const CString &sNome, const CString &sMascara) {
@@ -52,7 +52,7 @@ void CQZDataBase::RemoveFile(CQZFileBase *pFile) {
 }
 
 HRESULT CQZDataBase::OnInicializa() {
-  const CQZOperacao rastro(this, {"CQZDataBase::OnInicializa"}, kFonte);
+  const CQZOperacao rastro(this, {"CQZDataBase::OnInicializa"}, kFonteDataBase);
   HRESULT hr = codigos::kOk;
   for (std::size_t idx = 0; idx < m_aFiles.GetSize(); ++idx) {
     if (QZ_FALHOU(rastro, hr, "m_aFiles[idx]->Inicializa(GetEmpresa(), GetUsuario(), GetNumeroSessao())",
@@ -67,7 +67,7 @@ HRESULT CQZDataBase::OnInicializa() {
 }
 
 HRESULT CQZDataBase::OnFinaliza() {
-  const CQZOperacao rastro(this, {"CQZDataBase::OnFinaliza"}, kFonte);
+  const CQZOperacao rastro(this, {"CQZDataBase::OnFinaliza"}, kFonteDataBase);
   HRESULT hr = codigos::kOk;
   for (std::size_t idx = 0; idx < m_aFiles.GetSize(); ++idx) {
     static_cast<void>(QZ_FALHOU(rastro, hr, "m_aFiles[idx]->Finaliza()", m_aFiles[idx]->Finaliza()));
@@ -77,7 +77,7 @@ HRESULT CQZDataBase::OnFinaliza() {
 
 /// All names are collected before the first move: moving changes what a listing finds.
 HRESULT CQZDataBase::RenomeiaGroup(const CString &sFileName) {
-  const CQZOperacao rastro(this, {"CQZDataBase::RenomeiaGroup"}, kFonte);
+  const CQZOperacao rastro(this, {"CQZDataBase::RenomeiaGroup"}, kFonteDataBase);
   const CString sExtension = CQZPath::Extensao(sFileName);
   const CString sMascaraTRA = CQZPath::ChangeExtension(sFileName, "TRA");
   std::vector<CString> nomes;

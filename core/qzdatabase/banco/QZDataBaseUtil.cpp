@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr char kFonte[] = "QZDataBaseUtil.cpp";
+constexpr char kFonteDataBaseUtil[] = "QZDataBaseUtil.cpp";
 
 /// True when `sNome` has the mask's length, what stands before the mask's first '?' and its extension, letter case
 /// aside, and digits, at least one, from that '?' up to the mask's first '.'.
@@ -55,7 +55,7 @@ HRESULT ApagaDeProposito(const CQZRastro &rastro, const IQZDF_Profiler &dono, Mo
 
 HRESULT CQZDataBaseUtil::RenomeiaArquivoTRA(const CString &sEmpresa, ModuloQZ eModulo, const CString &sNomeArquivo) {
   const CQZProfilerEmpresa profiler(sEmpresa, kUsuarioInterno, 0);
-  const CQZRastro rastro(&profiler, {"CQZDataBaseUtil::RenomeiaArquivoTRA"}, kFonte);
+  const CQZRastro rastro(&profiler, {"CQZDataBaseUtil::RenomeiaArquivoTRA"}, kFonteDataBaseUtil);
   const CString sNomeTRA = CQZPath::ChangeExtension(sNomeArquivo, "TRA");
   bool bTemCompanheiro = false;
   QZ_VERIFICA(rastro, "CatchInicializacao(pEx)",
@@ -68,7 +68,7 @@ HRESULT CQZDataBaseUtil::RenomeiaArquivoTRA(const CString &sEmpresa, ModuloQZ eM
 HRESULT CQZDataBaseUtil::MoveTRA(const CString &sEmpresa, ModuloQZ eModulo, const CString &sNomeArquivo,
                                  const AntesDeMoverDeNovo &antesDeMoverDeNovo) {
   const CQZProfilerEmpresa profiler(sEmpresa, kUsuarioInterno, 0);
-  const CQZRastro rastro(&profiler, {"CQZDataBaseUtil::RenomeiaArquivoTRA"}, kFonte);
+  const CQZRastro rastro(&profiler, {"CQZDataBaseUtil::RenomeiaArquivoTRA"}, kFonteDataBaseUtil);
   const CString sCaminho = CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeArquivo);
   if (MoveInsistindo(CQZPath::ChangeExtension(sCaminho, "TRA"), sCaminho, antesDeMoverDeNovo)) {
     QZ_RETORNA_CODIGO(rastro, codigos::kTraNaoRenomeado);
@@ -78,13 +78,13 @@ HRESULT CQZDataBaseUtil::MoveTRA(const CString &sEmpresa, ModuloQZ eModulo, cons
 
 HRESULT CQZDataBaseUtil::DeletaArquivo(const CString &sEmpresa, ModuloQZ eModulo, const CString &sNomeArquivo) {
   const CQZProfilerEmpresa profiler(sEmpresa, kUsuarioInterno, 0);
-  const CQZRastro rastro(&profiler, {"CQZDataBaseUtil::DeletaArquivo"}, kFonte);
+  const CQZRastro rastro(&profiler, {"CQZDataBaseUtil::DeletaArquivo"}, kFonteDataBaseUtil);
   return ApagaDeProposito(rastro, profiler, eModulo, sNomeArquivo);
 }
 
 HRESULT CQZDataBaseUtil::ResolveTRAEsquecido(const IQZDF_Profiler *pOwner, ModuloQZ eModulo,
                                              const CString &sNomeArquivo, std::size_t cbRegistro, bool *pbAdotado) {
-  const CQZRastro rastro(pOwner, {"CQZDataBaseUtil::RemoveRegistroZero"}, kFonte);
+  const CQZRastro rastro(pOwner, {"CQZDataBaseUtil::RemoveRegistroZero"}, kFonteDataBaseUtil);
   const CString sEmpresa = pOwner->GetEmpresa();
   const CString sNomeTRA = CQZPath::ChangeExtension(sNomeArquivo, "TRA");
   const CString sCaminhoTRA = CQZPath::CaminhoArquivo(eModulo, sEmpresa, sNomeTRA);
@@ -120,7 +120,7 @@ HRESULT CQZDataBaseUtil::ResolveTRAEsquecido(const IQZDF_Profiler *pOwner, Modul
 
 HRESULT CQZDataBaseUtil::ProcuraPelaMascara(const IQZDF_Profiler *pOwner, ModuloQZ eModulo, const CString &sMascara,
                                             CString *psNome) {
-  const CQZRastro rastro(pOwner, {"CQZDataBaseUtil::RemoveRegistroZero"}, kFonte);
+  const CQZRastro rastro(pOwner, {"CQZDataBaseUtil::RemoveRegistroZero"}, kFonteDataBaseUtil);
   psNome->clear();
   if (sMascara.find('?') == CString::npos) {
     QZ_RETORNA_CODIGO(rastro, codigos::kMascaraSemCuringa);

@@ -12,7 +12,7 @@ namespace {
 
 /// Up to so many bytes of a write are kept to know it again by. A longer one that is torn when its handle dies, and of
 /// which no header tells, stays as it is.
-constexpr std::size_t kMaiorGuardado = std::size_t{64} * 1024;
+constexpr std::size_t kMaiorTrecho = std::size_t{64} * 1024;
 
 }  // namespace
 
@@ -29,7 +29,7 @@ FalhaArquivo CQZTransacaoGravacao::Grava(IArquivoAberto &arquivo, const void *pB
   const std::uint64_t uiFim = m_uiOnde + cb;
   m_uiTamanhoNovo = bCorta ? uiFim : std::max(uiFim, m_uiTamanho);
   m_sNovo.clear();
-  m_bNovoGuardado = cb <= kMaiorGuardado;
+  m_bNovoGuardado = cb <= kMaiorTrecho;
   if (m_bNovoGuardado) {
     m_sNovo.assign(pNovos, cb);
   }

@@ -91,6 +91,8 @@ public:
   /// How many operations were made to fail, or had something run at them, since Arma.
   std::size_t Disparos() const;
   bool Disparou() const { return Disparos() != 0; }
+  /// Of the last such operation; of a move both, with a zero byte between them. For its thread, while the plan runs.
+  const CString &CaminhoDoDisparo() const { return m_sCaminhoDoDisparo; }
   /// How many of the files that it opened are open.
   int Abertos() const;
 
@@ -125,6 +127,7 @@ private:
   std::vector<PlanoArmado> m_planos;
   std::size_t m_vistas = 0;
   std::size_t m_disparos = 0;
+  CString m_sCaminhoDoDisparo;
   std::size_t m_aberturasPerdidas = 0;
   FalhaArquivo m_falhaMorte{};
   std::set<Arquivo *> m_abertos;

@@ -63,9 +63,9 @@ constexpr long long kAntecedencia = 2000000;
 
 }  // namespace
 
-unsigned Rodadas() {
-  const char *const lpRodadas = std::getenv("KALVO_RODADAS");
-  return lpRodadas != nullptr ? static_cast<unsigned>(std::max(1, std::atoi(lpRodadas))) : 6;
+unsigned DoAmbiente(const char *lpNome, unsigned uiSenao) {
+  const char *const lpValor = std::getenv(lpNome);
+  return lpValor != nullptr ? static_cast<unsigned>(std::stoul(lpValor)) : uiSenao;
 }
 
 std::string LinhaDaLista(const CString &sNome) {

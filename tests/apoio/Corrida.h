@@ -14,8 +14,13 @@
 
 namespace apoio {
 
+/// A number from the environment, or the one given.
+unsigned DoAmbiente(const char *lpNome, unsigned uiSenao);
+
 /// How often what depends on chance is tried: as the environment's KALVO_RODADAS says, or a few times.
-unsigned Rodadas();
+inline unsigned Rodadas() {
+  return DoAmbiente("KALVO_RODADAS", 6);
+}
 
 /// A line of the list of created files.
 std::string LinhaDaLista(const CString &sNome);

@@ -77,10 +77,9 @@ private:
 
 void ArquivosComFalha::Arma(const PlanoFalha &plano) {
   Desarma();
-  const std::lock_guard<std::mutex> guarda(m_mutex);
-  m_planos.push_back({plano});
   m_vistas = 0;
   m_disparos = 0;
+  ArmaTambem(plano);
 }
 
 void ArquivosComFalha::ArmaTambem(const PlanoFalha &plano) {
@@ -90,19 +89,8 @@ void ArquivosComFalha::ArmaTambem(const PlanoFalha &plano) {
 
 void ArquivosComFalha::Desarma() {
   const std::lock_guard<std::mutex> guarda(m_mutex);
-  m_vistas = m_planos.empty() ? m_vistas : m_planos.front().vistas;
   m_planos.clear();
   m_aberturasPerdidas = 0;
-}
-
-std::size_t ArquivosComFalha::Vistas() const {
-  const std::lock_guard<std::mutex> guarda(m_mutex);
-  return m_planos.empty() ? m_vistas : m_planos.front().vistas;
-}
-
-std::size_t ArquivosComFalha::Disparos() const {
-  const std::lock_guard<std::mutex> guarda(m_mutex);
-  return m_disparos;
 }
 
 int ArquivosComFalha::Abertos() const {
@@ -132,15 +120,6 @@ std::optional<std::string> ArquivosComFalha::Conteudo(const CString &sCaminho) {
   return pArquivo->Le(0, sBytes.data(), sBytes.size()) ? "cannot be read" : sBytes;
 }
 
-/// True when the operation is one that the plan is about.
-bool ArquivosComFalha::PlanoArmado::Conta(Operacao operacao, const CString &sCaminho) {
-  if ((plano.operacoes & operacao) == 0 || sCaminho.find(plano.trecho) == CString::npos) {
-    return false;
-  }
-  ++vistas;
-  return vistas == plano.outra || (plano.bPersistente ? vistas >= plano.enesima : vistas == plano.enesima);
-}
-
 FalhaArquivo ArquivosComFalha::Passa(Operacao operacao, const CString &sCaminho, Arquivo *pAberto,
                                      const std::function<void(std::size_t)> &gravaAntes) {
   std::unique_lock<std::mutex> guarda(m_mutex);
@@ -149,12 +128,18 @@ FalhaArquivo ArquivosComFalha::Passa(Operacao operacao, const CString &sCaminho,
     return m_falhaMorte;
   }
   for (std::size_t i = 0; i < m_planos.size(); ++i) {
-    if (!m_planos[i].Conta(operacao, sCaminho)) {
+    auto &[armado, vistas] = m_planos[i];
+    if ((armado.operacoes & operacao) == 0 || sCaminho.find(armado.trecho) == CString::npos) {
       continue;
     }
+    ++vistas;
+    m_vistas += i == 0 ? 1 : 0;
+    if (vistas != armado.enesima && vistas != armado.outra && !(armado.bPersistente && vistas > armado.enesima)) {
+      continue;
+    }
+    const PlanoFalha plano = armado;
     ++m_disparos;
     m_sCaminhoDoDisparo = sCaminho;
-    const PlanoFalha plano = m_planos[i].plano;
     if (plano.morte && pAberto != nullptr) {
       m_aberturasPerdidas = *plano.morte;
       m_falhaMorte = plano.falha;

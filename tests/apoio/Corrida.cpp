@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <iostream>
 #include <random>
 #include <sstream>
@@ -35,11 +34,6 @@ constexpr int kTentativas = 30;
 constexpr long long kAntecedencia = 2000000;
 
 }  // namespace
-
-unsigned DoAmbiente(const char *lpNome, unsigned uiSenao) {
-  const char *const lpValor = std::getenv(lpNome);
-  return lpValor != nullptr ? static_cast<unsigned>(std::stoul(lpValor)) : uiSenao;
-}
 
 Corrida::Corrida(const std::string &sNome, const EmpresaComBase &empresa, unsigned uiProcessos,
                  const std::string &sConfiguracao)

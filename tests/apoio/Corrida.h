@@ -1,6 +1,7 @@
 #ifndef KALVO_TESTS_APOIO_CORRIDA_H
 #define KALVO_TESTS_APOIO_CORRIDA_H
 
+#include <cstdlib>
 #include <deque>
 #include <functional>
 #include <optional>
@@ -15,7 +16,10 @@
 namespace apoio {
 
 /// A number from the environment, or the one given.
-unsigned DoAmbiente(const char *lpNome, unsigned uiSenao);
+inline unsigned DoAmbiente(const char *lpNome, unsigned uiSenao) {
+  const char *const lpValor = std::getenv(lpNome);
+  return lpValor != nullptr ? static_cast<unsigned>(std::stoul(lpValor)) : uiSenao;
+}
 
 /// How often what depends on chance is tried: as the environment's KALVO_RODADAS says, or a few times.
 inline unsigned Rodadas() {

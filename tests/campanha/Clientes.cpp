@@ -12,6 +12,9 @@ using namespace apoiocom;
 namespace campanha {
 namespace {
 
+/// A writer that has this position appends no more: companies stay small.
+constexpr LONG kMaiorPosicao = 400;
+
 /// The number of a vehicle; 0 when it is not byte for byte the one of its number.
 std::uint32_t NumeroDe(const tagREG_VEICULOPS &veiculo) {
   const auto uiNumero = static_cast<std::uint32_t>(std::strtoul(CodigoDe(veiculo).c_str(), nullptr, 10));
@@ -79,7 +82,7 @@ int Escreve(const std::vector<std::string> &argumentos) {
   LONG lPrimeira = 0;
   CEscritores::Modo modo;
   std::istringstream(argumentos[1]) >> uiSemente >> uiNumero >> lVeiculos >> lPrimeira >> modo.uiQtd >>
-      modo.uiGravacoesPorObjeto >> modo.lMaiorPosicao >> modo.uiSegundos;
+      modo.uiGravacoesPorObjeto >> modo.uiSegundos;
   std::mt19937 gerador(uiSemente);
   // The others divide what is there in the same way, and what is added belongs to who adds it.
   std::vector<LONG> minhas;
@@ -110,7 +113,7 @@ int Escreve(const std::vector<std::string> &argumentos) {
         spVeiculos.reset();
       }
     } else {
-      const bool bCabe = minhas.empty() || minhas.back() < modo.lMaiorPosicao;
+      const bool bCabe = minhas.empty() || minhas.back() < kMaiorPosicao;
       const bool bNovo = bCabe && (minhas.empty() || gerador() % 2 == 0);
       Gravacao gravacao{bNovo ? 0 : minhas[gerador() % minhas.size()], uiNumero++};
       LONG lOnde = gravacao.lPos;
@@ -166,7 +169,7 @@ CEscritores::CEscritores(const std::string &sEmpresa, const Modo &modo, const CL
   for (unsigned i = 1; i <= modo.uiQtd; ++i, s_uiNumero += kNumerosDeCadaUm) {
     std::ostringstream numeros;
     numeros << gerador() << " " << s_uiNumero << " " << livro.Veiculos() << " " << i << " " << modo.uiQtd << " "
-            << modo.uiGravacoesPorObjeto << " " << modo.lMaiorPosicao << " " << modo.uiSegundos;
+            << modo.uiGravacoesPorObjeto << " " << modo.uiSegundos;
     m_escritores.emplace_back(std::vector<std::string>{sEmpresa, numeros.str()});
     // One after another: several that activate at once each start a server under Wine.
     EXPECT_EQ(m_escritores.back().processo.LeLinha(), "0 0 0") << "an object";

@@ -54,7 +54,6 @@ public:
   struct Modo {
     unsigned uiQtd = 1;
     unsigned uiGravacoesPorObjeto = 0;  ///< after about so many a client goes to a new object; 0: it keeps the first
-    LONG lMaiorPosicao = 1000;          ///< a client that has this position appends no more
     unsigned uiSegundos = 3600;
   };
 

@@ -2,10 +2,10 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 
 #include "core/env/QZPath.h"
-#include "core/platform/Plataforma.h"
 #include "tests/campanha/ParteDaCampanha.h"
 
 using namespace apoiocom;
@@ -33,16 +33,9 @@ protected:
 
   /// Another program takes all the room that is left.
   void Enche() const {
-    constexpr std::uint32_t kErroDiscoCheio = 112;
-    const std::string sBloco(4096, 'x');
-    std::unique_ptr<plataforma::IArquivoAberto> arquivo;
-    plataforma::FalhaArquivo falha = plataforma::Arquivos().Abre(
-        m_sDisco + "CHEIO", {.acesso = plataforma::Acesso::Escrita, .criacao = plataforma::Criacao::CriaVazio},
-        &arquivo);
-    for (std::uint64_t posicao = 0; !falha; posicao += sBloco.size()) {
-      falha = arquivo->Grava(posicao, sBloco.data(), sBloco.size());
+    std::ofstream cheio(apoio::CaminhoDoSistema(m_sDisco + "CHEIO"), std::ios::binary);
+    while (cheio << std::string(4096, 'x') << std::flush) {
     }
-    EXPECT_EQ(falha.erroSO, kErroDiscoCheio);
   }
   void Esvazia() const { EXPECT_TRUE(DeleteFileA((m_sDisco + "CHEIO").c_str())); }
 

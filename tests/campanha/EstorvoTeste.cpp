@@ -12,10 +12,10 @@ using namespace apoiocom;
 namespace campanha {
 namespace {
 
-/// Small companies, opened and closed all the time: an open file cannot be taken.
-constexpr CEscritores::Modo kModos[] = {{.uiQtd = 1, .uiGravacoesPorObjeto = 4, .lMaiorPosicao = 200},
-                                        {.uiQtd = 2, .uiGravacoesPorObjeto = 4, .lMaiorPosicao = 200},
-                                        {.uiQtd = 1, .uiGravacoesPorObjeto = 50, .lMaiorPosicao = 200}};
+/// Companies that are opened and closed all the time: an open file cannot be taken.
+constexpr CEscritores::Modo kModos[] = {{.uiQtd = 1, .uiGravacoesPorObjeto = 4},
+                                        {.uiQtd = 2, .uiGravacoesPorObjeto = 4},
+                                        {.uiQtd = 1, .uiGravacoesPorObjeto = 50}};
 constexpr unsigned kGravacoesDePreparo = 30;
 
 constexpr unsigned kSeguraPoucoMs = 250;  ///< a server insists for half a second at least

@@ -28,6 +28,9 @@ struct Gravacao {
 /// position.
 class CLivro {
 public:
+  /// Of an empty company in place of the earlier one; what it counts stays.
+  void Recomeca() { m_numeros.clear(); }
+
   /// Takes over what a client did; to be called in the client's order.
   void Anota(const Gravacao &gravacao) {
     if (gravacao.hr == S_OK) {
@@ -62,25 +65,21 @@ public:
 
   std::size_t Veiculos() const { return m_numeros.size(); }
   std::size_t Confirmadas() const { return m_uiConfirmadas; }
-  std::size_t SemRespostaFeitas() const { return m_uiSemRespostaFeitas; }  ///< found done although nobody was told
   /// The result codes with which something was refused, and how often.
   const std::map<HRESULT, unsigned> &Recusas() const { return m_recusas; }
 
 private:
   bool TomaSemResposta(LONG lPos, std::uint32_t uiNumero) {
     const bool bNovo = m_numeros[static_cast<std::size_t>(lPos - 1)] == 0;
-    const std::size_t uiTomadas = std::erase_if(m_semResposta, [&](const Gravacao &gravacao) {
-      return gravacao.uiNumero == uiNumero && (gravacao.lPos == lPos || (gravacao.lPos == 0 && bNovo));
-    });
-    m_uiSemRespostaFeitas += uiTomadas;
-    return uiTomadas != 0;
+    return std::erase_if(m_semResposta, [&](const Gravacao &gravacao) {
+             return gravacao.uiNumero == uiNumero && (gravacao.lPos == lPos || (gravacao.lPos == 0 && bNovo));
+           }) != 0;
   }
 
   std::vector<std::uint32_t> m_numeros;  ///< by position; 0 where an append that got no answer may have gone
   std::vector<Gravacao> m_semResposta;
   std::map<HRESULT, unsigned> m_recusas;
   std::size_t m_uiConfirmadas = 0;
-  std::size_t m_uiSemRespostaFeitas = 0;
 };
 
 }  // namespace campanha

@@ -89,22 +89,15 @@ void ParteDaCampanha::SetUp() {
 }
 
 void ParteDaCampanha::TearDown() {
-  if (!HasFailure()) {
-    return;
+  if (HasFailure()) {
+    MataServidores();
+    apoio::PastaTemporaria::GuardaTodas();
+    std::cout << "seed " << m_uiSemente << ": the logs are kept in " << m_instalacao.Caminho();
+    for (const Empresa &empresa : m_empresas) {
+      std::cout << ", a company in " << empresa.Arquivo("");
+    }
+    std::cout << std::endl;
   }
-  MataServidores();
-  const std::filesystem::path pasta =
-      Caminho(PastaDoPrograma()) / ".." / "campanha" /
-      (testing::UnitTest::GetInstance()->current_test_info()->name() + ("-" + std::to_string(m_uiSemente)));
-  std::filesystem::create_directories(pasta);
-  const auto guarda = [&](const CString &sDeOnde, const CString &sNome) {
-    std::filesystem::copy(Caminho(sDeOnde), pasta / sNome, std::filesystem::copy_options::recursive);
-  };
-  guarda(m_instalacao.Caminho(), "instalacao");
-  for (const Empresa &empresa : m_empresas) {
-    guarda(empresa.Arquivo(""), empresa.Codigo());
-  }
-  std::cout << "seed " << m_uiSemente << ": the companies and the logs are kept in " << pasta << std::endl;
 }
 
 void ParteDaCampanha::LigaLogs() const {

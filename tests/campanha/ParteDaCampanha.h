@@ -26,7 +26,7 @@ Resposta LeEmpresa(const std::string &sEmpresa);
 
 /// One part of the campaign: begins without a server, and with logs of its own. What depends on chance follows from a
 /// number that is printed, and that the environment's KALVO_SEMENTE gives again. After a failure the directories of the
-/// companies and of the installation are kept, and named.
+/// companies and of the installation stay, and are named.
 class ParteDaCampanha : public testing::Test {
 protected:
   void SetUp() override;

@@ -8,6 +8,16 @@ namespace apoio {
 using plataforma::IArquivoAberto;
 using plataforma::ModoAbertura;
 
+namespace {
+
+/// A failure that was injected, else what the call says.
+template <class Chamada>
+FalhaArquivo Senao(const FalhaArquivo &injetada, Chamada chama) {
+  return injetada ? injetada : chama();
+}
+
+}  // namespace
+
 /// An open file whose operations count too.
 class ArquivosComFalha::Arquivo final : public IArquivoAberto {
 public:
@@ -18,36 +28,28 @@ public:
   ~Arquivo() override { Morre({}); }
 
   FalhaArquivo Le(std::uint64_t posicao, void *destino, std::size_t qtd) override {
-    const FalhaArquivo falha = Passa(kOpLe);
-    return falha ? falha : m_base->Le(posicao, destino, qtd);
+    return Senao(Passa(kOpLe), [&] { return m_base->Le(posicao, destino, qtd); });
   }
   FalhaArquivo Grava(std::uint64_t posicao, const void *origem, std::size_t qtd) override {
     const auto gravaAntes = [&](std::size_t antes) {
       static_cast<void>(m_base->Grava(posicao, origem, std::min(qtd, antes)));
     };
     // By reference: a write that needs no memory must not need any here.
-    const FalhaArquivo falha = Passa(kOpGrava, std::ref(gravaAntes));
-    return falha ? falha : m_base->Grava(posicao, origem, qtd);
+    return Senao(Passa(kOpGrava, std::ref(gravaAntes)), [&] { return m_base->Grava(posicao, origem, qtd); });
   }
   FalhaArquivo Tamanho(std::uint64_t *tamanho) override {
-    const FalhaArquivo falha = Passa(kOpTamanho);
-    return falha ? falha : m_base->Tamanho(tamanho);
+    return Senao(Passa(kOpTamanho), [&] { return m_base->Tamanho(tamanho); });
   }
   FalhaArquivo AjustaTamanho(std::uint64_t tamanho) override {
-    const FalhaArquivo falha = Passa(kOpAjustaTamanho);
-    return falha ? falha : m_base->AjustaTamanho(tamanho);
+    return Senao(Passa(kOpAjustaTamanho), [&] { return m_base->AjustaTamanho(tamanho); });
   }
   FalhaArquivo UltimaEscrita(std::uint64_t *puiTicks) override {
-    const FalhaArquivo falha = Passa(kOpTamanho);
-    if (!falha && m_dono.m_ultimaEscrita != 0) {
-      *puiTicks = m_dono.m_ultimaEscrita;
-      return plataforma::kSemFalha;
-    }
-    return falha ? falha : m_base->UltimaEscrita(puiTicks);
+    const FalhaArquivo falha = Senao(Passa(kOpTamanho), [&] { return m_base->UltimaEscrita(puiTicks); });
+    *puiTicks = !falha && m_dono.m_ultimaEscrita != 0 ? m_dono.m_ultimaEscrita.load() : *puiTicks;
+    return falha;
   }
   FalhaArquivo Mapeia(std::size_t qtd, std::byte **ppBytes) override {
-    const FalhaArquivo falha = Passa(kOpAjustaTamanho);
-    return falha ? falha : m_base->Mapeia(qtd, ppBytes);
+    return Senao(Passa(kOpAjustaTamanho), [&] { return m_base->Mapeia(qtd, ppBytes); });
   }
   /// The file system below is not asked: no test's files need outlive a power cut, and it would take most of the time.
   FalhaArquivo Descarrega() override { return Passa(kOpDescarrega); }
@@ -75,10 +77,9 @@ private:
 
 void ArquivosComFalha::Arma(const PlanoFalha &plano) {
   Desarma();
-  const std::lock_guard<std::mutex> guarda(m_mutex);
-  m_planos.push_back({plano});
   m_vistas = 0;
   m_disparos = 0;
+  ArmaTambem(plano);
 }
 
 void ArquivosComFalha::ArmaTambem(const PlanoFalha &plano) {
@@ -88,19 +89,8 @@ void ArquivosComFalha::ArmaTambem(const PlanoFalha &plano) {
 
 void ArquivosComFalha::Desarma() {
   const std::lock_guard<std::mutex> guarda(m_mutex);
-  m_vistas = m_planos.empty() ? m_vistas : m_planos.front().vistas;
   m_planos.clear();
   m_aberturasPerdidas = 0;
-}
-
-std::size_t ArquivosComFalha::Vistas() const {
-  const std::lock_guard<std::mutex> guarda(m_mutex);
-  return m_planos.empty() ? m_vistas : m_planos.front().vistas;
-}
-
-std::size_t ArquivosComFalha::Disparos() const {
-  const std::lock_guard<std::mutex> guarda(m_mutex);
-  return m_disparos;
 }
 
 int ArquivosComFalha::Abertos() const {
@@ -125,19 +115,9 @@ std::optional<std::string> ArquivosComFalha::Conteudo(const CString &sCaminho) {
     return std::nullopt;
   }
   std::uint64_t uiTamanho = 0;
-  FalhaArquivo falha = pArquivo->Tamanho(&uiTamanho);
+  static_cast<void>(pArquivo->Tamanho(&uiTamanho));
   std::string sBytes(static_cast<std::size_t>(uiTamanho), '\0');
-  falha = falha ? falha : pArquivo->Le(0, sBytes.data(), sBytes.size());
-  return falha ? "cannot be read" : sBytes;
-}
-
-/// True when the operation is one that the plan is about.
-bool ArquivosComFalha::PlanoArmado::Conta(Operacao operacao, const CString &sCaminho) {
-  if ((plano.operacoes & operacao) == 0 || sCaminho.find(plano.trecho) == CString::npos) {
-    return false;
-  }
-  ++vistas;
-  return vistas == plano.outra || (plano.bPersistente ? vistas >= plano.enesima : vistas == plano.enesima);
+  return pArquivo->Le(0, sBytes.data(), sBytes.size()) ? "cannot be read" : sBytes;
 }
 
 FalhaArquivo ArquivosComFalha::Passa(Operacao operacao, const CString &sCaminho, Arquivo *pAberto,
@@ -148,11 +128,18 @@ FalhaArquivo ArquivosComFalha::Passa(Operacao operacao, const CString &sCaminho,
     return m_falhaMorte;
   }
   for (std::size_t i = 0; i < m_planos.size(); ++i) {
-    if (!m_planos[i].Conta(operacao, sCaminho)) {
+    auto &[armado, vistas] = m_planos[i];
+    if ((armado.operacoes & operacao) == 0 || sCaminho.find(armado.trecho) == CString::npos) {
       continue;
     }
+    ++vistas;
+    m_vistas += i == 0 ? 1 : 0;
+    if (vistas != armado.enesima && vistas != armado.outra && !(armado.bPersistente && vistas > armado.enesima)) {
+      continue;
+    }
+    const PlanoFalha plano = armado;
     ++m_disparos;
-    const PlanoFalha plano = m_planos[i].plano;
+    m_sCaminhoDoDisparo = sCaminho;
     if (plano.morte && pAberto != nullptr) {
       m_aberturasPerdidas = *plano.morte;
       m_falhaMorte = plano.falha;
@@ -180,8 +167,8 @@ FalhaArquivo ArquivosComFalha::Abre(const CString &sCaminho, const ModoAbertura 
   arquivo->reset();
   // First, as the file system does: a file that was created has an owner, whatever memory there is.
   auto aberto = std::make_unique<Arquivo>(*this, sCaminho);
-  const FalhaArquivo injetada = Passa(kOpAbre, sCaminho);
-  const FalhaArquivo falha = injetada ? injetada : ArquivosDecorado::Abre(sCaminho, modo, &aberto->Base());
+  const FalhaArquivo falha =
+      Senao(Passa(kOpAbre, sCaminho), [&] { return ArquivosDecorado::Abre(sCaminho, modo, &aberto->Base()); });
   if (!falha) {
     *arquivo = std::move(aberto);
   }
@@ -190,30 +177,26 @@ FalhaArquivo ArquivosComFalha::Abre(const CString &sCaminho, const ModoAbertura 
 
 FalhaArquivo ArquivosComFalha::Existe(const CString &sCaminho, bool *pbExiste) {
   *pbExiste = false;
-  const FalhaArquivo falha = Passa(kOpExiste, sCaminho);
-  return falha ? falha : ArquivosDecorado::Existe(sCaminho, pbExiste);
+  return Senao(Passa(kOpExiste, sCaminho), [&] { return ArquivosDecorado::Existe(sCaminho, pbExiste); });
 }
 
 FalhaArquivo ArquivosComFalha::TamanhoDe(const CString &sCaminho, std::uint64_t *tamanho) {
-  const FalhaArquivo falha = Passa(kOpTamanho, sCaminho);
-  return falha ? falha : ArquivosDecorado::TamanhoDe(sCaminho, tamanho);
+  return Senao(Passa(kOpTamanho, sCaminho), [&] { return ArquivosDecorado::TamanhoDe(sCaminho, tamanho); });
 }
 
 FalhaArquivo ArquivosComFalha::Apaga(const CString &sCaminho) {
-  const FalhaArquivo falha = Passa(kOpApaga, sCaminho);
-  return falha ? falha : ArquivosDecorado::Apaga(sCaminho);
+  return Senao(Passa(kOpApaga, sCaminho), [&] { return ArquivosDecorado::Apaga(sCaminho); });
 }
 
 FalhaArquivo ArquivosComFalha::MoveSubstituindo(const CString &origem, const CString &destino) {
   // Either path may be the one that counts; a zero byte cannot be part of a path.
-  const FalhaArquivo falha = Passa(kOpMove, origem + CString(1, '\0') + destino);
-  return falha ? falha : ArquivosDecorado::MoveSubstituindo(origem, destino);
+  return Senao(Passa(kOpMove, origem + CString(1, '\0') + destino),
+               [&] { return ArquivosDecorado::MoveSubstituindo(origem, destino); });
 }
 
 FalhaArquivo ArquivosComFalha::Lista(const CString &sDiretorio, std::vector<CString> *pNomes) {
   pNomes->clear();
-  const FalhaArquivo falha = Passa(kOpLista, sDiretorio);
-  return falha ? falha : ArquivosDecorado::Lista(sDiretorio, pNomes);
+  return Senao(Passa(kOpLista, sDiretorio), [&] { return ArquivosDecorado::Lista(sDiretorio, pNomes); });
 }
 
 }  // namespace apoio

@@ -87,10 +87,12 @@ public:
   void Desarma();
 
   /// How many operations the first plan has counted.
-  std::size_t Vistas() const;
+  std::size_t Vistas() const { return m_vistas; }
   /// How many operations were made to fail, or had something run at them, since Arma.
-  std::size_t Disparos() const;
+  std::size_t Disparos() const { return m_disparos; }
   bool Disparou() const { return Disparos() != 0; }
+  /// Of the last such operation; of a move both, with a zero byte between them. For its thread, while the plan runs.
+  const CString &CaminhoDoDisparo() const { return m_sCaminhoDoDisparo; }
   /// How many of the files that it opened are open.
   int Abertos() const;
 
@@ -112,8 +114,6 @@ private:
   struct PlanoArmado {
     PlanoFalha plano;
     std::size_t vistas = 0;
-
-    bool Conta(Operacao operacao, const CString &sCaminho);
   };
 
   /// Counts one operation; the failure it shall have, or none. Before a failure `gravaAntes` is called with the number
@@ -123,8 +123,9 @@ private:
 
   mutable std::mutex m_mutex;
   std::vector<PlanoArmado> m_planos;
-  std::size_t m_vistas = 0;
-  std::size_t m_disparos = 0;
+  std::atomic<std::size_t> m_vistas{0};
+  std::atomic<std::size_t> m_disparos{0};
+  CString m_sCaminhoDoDisparo;
   std::size_t m_aberturasPerdidas = 0;
   FalhaArquivo m_falhaMorte{};
   std::set<Arquivo *> m_abertos;

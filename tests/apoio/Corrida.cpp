@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <iostream>
 #include <random>
 #include <sstream>
@@ -12,9 +11,7 @@
 #include <thread>
 
 #include "core/platform/Plataforma.h"
-#include "core/qzdatabase/disco/CabecalhoArquivo.h"
 #include "tests/apoio/ArquivosDecorado.h"
-#include "tests/apoio/ChaveCabecalho.h"
 
 namespace apoio {
 namespace {
@@ -30,31 +27,6 @@ void EsperaAte(long long llInstante) {
   }
 }
 
-/// Waits up to a tenth of a millisecond before and after each open and before each move, so that processes meet which
-/// otherwise, started together, stay in step.
-class ArquivosSemPasso final : public ArquivosDecorado {
-public:
-  explicit ArquivosSemPasso(unsigned uiSemente)
-      : ArquivosDecorado(*plataforma::ServicosDoSistema().arquivos), m_gerador(uiSemente) {}
-
-  FalhaArquivo Abre(const CString &sCaminho, const plataforma::ModoAbertura &modo,
-                    std::unique_ptr<plataforma::IArquivoAberto> *pArquivo) override {
-    Demora();
-    const FalhaArquivo falha = ArquivosDecorado::Abre(sCaminho, modo, pArquivo);
-    Demora();
-    return falha;
-  }
-  FalhaArquivo MoveSubstituindo(const CString &sOrigem, const CString &sDestino) override {
-    Demora();
-    return ArquivosDecorado::MoveSubstituindo(sOrigem, sDestino);
-  }
-
-private:
-  void Demora() { EsperaAte(Agora() + static_cast<long long>(m_gerador() % 100000)); }
-
-  std::minstd_rand m_gerador;
-};
-
 /// Tries of a part that meets a busy file; each has waited about a second.
 constexpr int kTentativas = 30;
 
@@ -63,16 +35,7 @@ constexpr long long kAntecedencia = 2000000;
 
 }  // namespace
 
-unsigned Rodadas() {
-  const char *const lpRodadas = std::getenv("KALVO_RODADAS");
-  return lpRodadas != nullptr ? static_cast<unsigned>(std::max(1, std::atoi(lpRodadas))) : 6;
-}
-
-std::string LinhaDaLista(const CString &sNome) {
-  return std::string(1, static_cast<char>(sNome.size())) + std::string(3, '\0') + sNome;
-}
-
-Corrida::Corrida(const std::string &sNome, const EmpresaTeste &empresa, unsigned uiProcessos,
+Corrida::Corrida(const std::string &sNome, const EmpresaComBase &empresa, unsigned uiProcessos,
                  const std::string &sConfiguracao)
     : m_empresa(empresa) {
   for (unsigned i = 0; i < uiProcessos; ++i) {
@@ -87,15 +50,7 @@ Corrida::~Corrida() {
   for (ProcessoFilho &filho : m_filhos) {
     EXPECT_EQ(filho.Espera(), 0);
   }
-  std::ostringstream sLinha;
-  sLinha << m_sTitulo << m_uiRodada << " rounds, " << m_uiConfirmados << " acknowledged";
-  std::size_t uiErrados = 0;
-  for (const auto &[sOque, qtd] : m_contas) {
-    sLinha << ", " << qtd << " " << sOque;
-    uiErrados += qtd;
-  }
-  std::cout << sLinha.str() << std::endl;
-  EXPECT_EQ(uiErrados, 0U) << "in the line above";
+  std::cout << m_sTitulo << m_uiRodada << " rounds, " << m_uiConfirmados << " acknowledged" << std::endl;
 }
 
 bool Corrida::Proxima() {
@@ -108,6 +63,7 @@ bool Corrida::Proxima() {
     return false;
   }
   ++m_uiRodada;
+  m_rastro.emplace(__FILE__, __LINE__, m_sTitulo + "round " + std::to_string(m_uiRodada));
   return true;
 }
 
@@ -124,55 +80,35 @@ std::vector<unsigned> Corrida::Roda() {
       throw std::runtime_error("a child has ended");
     }
     m_uiConfirmados += feitos.back();
-    if (Falhou(hr)) {
-      Recusa(hr);
-    }
+    EXPECT_EQ(hr, codigos::kOk) << std::hex << BitsResultado(hr);
   }
   return feitos;
 }
 
-void Corrida::Conta(const std::string &sOque, std::size_t qtd) {
-  if (qtd != 0) {
-    m_contas[sOque] += qtd;
-  }
-}
-
-void Corrida::Recusa(HRESULT hr) {
-  std::ostringstream sOque;
-  sOque << "with 0x" << std::hex << BitsResultado(hr);
-  Conta("refused");
-  Conta(sOque.str());
-}
-
 std::string Corrida::Dados(const CString &sNome) const {
-  const std::string sBytes = m_empresa.Existe(sNome) ? m_empresa.Le(sNome) : "";
-  return sBytes.substr(CabecalhosLigados() ? std::min(kTamanhoCabecalho, sBytes.size()) : 0);
+  return m_empresa.Existe(sNome) ? m_empresa.Le(sNome) : "";
 }
 
-void Corrida::ConfereRegistros(const CString &sNome, std::size_t cbRegistro, std::multiset<std::string> registros) {
+void Corrida::ConfereRegistros(const CString &sNome, std::size_t cbRegistro,
+                               const std::multiset<std::string> &registros) const {
   const std::string sDados = Dados(sNome);
+  std::multiset<std::string> lidos;
   for (std::size_t i = 0; i < sDados.size(); i += cbRegistro) {
-    const auto achado = registros.find(sDados.substr(i, cbRegistro));
-    if (achado == registros.end()) {
-      Conta("written by nobody or twice");
-    } else {
-      registros.erase(achado);
-    }
+    lidos.insert(sDados.substr(i, cbRegistro));
   }
-  Conta("lost", registros.size());
+  EXPECT_EQ(lidos, registros) << "lost, or written by nobody or twice";
 }
 
-void Corrida::ConferePasta(const std::vector<CString> &listados) {
+void Corrida::ConferePasta(const std::vector<CString> &listados) const {
   std::string sLista = Dados("QZDATABASE_FILE_CTRL.DAT");
   for (const CString &sNome : listados) {
-    const std::string sLinha = LinhaDaLista(sNome);
-    const std::size_t onde = sLista.find(sLinha);
-    Conta("names missing", onde == std::string::npos);
-    sLista.erase(std::min(onde, sLista.size()), sLinha.size());
+    const std::size_t onde = sLista.find(Linhas({sNome}));
+    EXPECT_NE(onde, std::string::npos) << sNome;
+    sLista.erase(std::min(onde, sLista.size()), Linhas({sNome}).size());
   }
-  Conta("names twice", !sLista.empty());
+  EXPECT_EQ(sLista, "") << "twice or too much";
   for (const CString &sNome : Arquivos()) {
-    Conta("left over", !sNome.ends_with(".DAT"));
+    EXPECT_TRUE(sNome.ends_with(".DAT")) << sNome;
   }
 }
 
@@ -190,7 +126,13 @@ int Corrida::Corre(const std::vector<std::string> &argumentos, const Parte &part
   if (!plataforma::Registro().ExisteChave(sChave)) {  // a system without a registry has one in each process
     registro.DefineTexto(sChave, "DF", argumentos[1]);
   }
-  ArquivosSemPasso arquivos(static_cast<unsigned>(std::stoul(argumentos[2])) + 1);
+  // Up to a tenth of a millisecond before and after each open and before each move: processes meet which otherwise,
+  // started together, stay in step.
+  std::minstd_rand gerador(static_cast<unsigned>(std::stoul(argumentos[2])) + 1);
+  ArquivosComFalha arquivos(*plataforma::ServicosDoSistema().arquivos);
+  arquivos.Arma({.operacoes = kOpAbre | kOpTamanho | kOpMove, .bPersistente = true, .falha = {}, .aoFalhar = [&] {
+                   EsperaAte(Agora() + static_cast<long long>(gerador() % 100000));
+                 }});
   long long llInstante = 0;
   for (unsigned uiRodada = 1; std::cin >> llInstante; ++uiRodada) {
     // In step and out of step are different races.

@@ -1,32 +1,37 @@
 #ifndef KALVO_TESTS_APOIO_CORRIDA_H
 #define KALVO_TESTS_APOIO_CORRIDA_H
 
+#include <cstdlib>
 #include <deque>
 #include <functional>
-#include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "core/errors/CodigosResultado.h"
-#include "tests/apoio/EmpresaTeste.h"
+#include "tests/apoio/EmpresaComBase.h"
 #include "tests/apoio/ProcessoFilho.h"
 
 namespace apoio {
 
-/// How often what depends on chance is tried: as the environment's KALVO_RODADAS says, or a few times.
-unsigned Rodadas();
+/// A number from the environment, or the one given.
+inline unsigned DoAmbiente(const char *lpNome, unsigned uiSenao) {
+  const char *const lpValor = std::getenv(lpNome);
+  return lpValor != nullptr ? static_cast<unsigned>(std::stoul(lpValor)) : uiSenao;
+}
 
-/// A line of the list of created files.
-std::string LinhaDaLista(const CString &sNome);
+/// How often what depends on chance is tried: as the environment's KALVO_RODADAS says, or a few times.
+inline unsigned Rodadas() {
+  return DoAmbiente("KALVO_RODADAS", 6);
+}
 
 /// Processes that do the same thing to one company at the same moment, round after round: a round costs milliseconds,
-/// not the start of a process. What went wrong is counted by kind. Destruction prints a line of the figures and fails
-/// the test unless they are all 0.
+/// not the start of a process. Destruction prints a line of figures.
 class Corrida {
 public:
   /// Starts the children. Each runs the registered function `sNome`, which hands its arguments on to Corre.
-  Corrida(const std::string &sNome, const EmpresaTeste &empresa, unsigned uiProcessos,
+  Corrida(const std::string &sNome, const EmpresaComBase &empresa, unsigned uiProcessos,
           const std::string &sConfiguracao);
   ~Corrida();
 
@@ -35,15 +40,11 @@ public:
   /// Opens the gate. How many steps of its part each child was told done.
   std::vector<unsigned> Roda();
 
-  // What the round left is counted where it is not as it must be.
-
-  /// The data of a file, without its header, is these records in any order.
-  void ConfereRegistros(const CString &sNome, std::size_t cbRegistro, std::multiset<std::string> registros);
+  /// The data of a file is these records in any order.
+  void ConfereRegistros(const CString &sNome, std::size_t cbRegistro,
+                        const std::multiset<std::string> &registros) const;
   /// The list of created files has these names, each once, and nothing else; no companion of a file is left.
-  void ConferePasta(const std::vector<CString> &listados);
-  /// A process, or the one that opens the company afterwards, was refused.
-  void Recusa(HRESULT hr);
-  void Conta(const std::string &sOque, std::size_t qtd = 1);
+  void ConferePasta(const std::vector<CString> &listados) const;
 
   /// The data of a file, without its header; empty when the file is missing.
   std::string Dados(const CString &sNome) const;
@@ -58,12 +59,12 @@ public:
 private:
   std::vector<CString> Arquivos() const;
 
-  const EmpresaTeste &m_empresa;
+  const EmpresaComBase &m_empresa;
   std::string m_sTitulo;
   std::deque<ProcessoFilho> m_filhos;
   unsigned m_uiRodada = 0;
   unsigned m_uiConfirmados = 0;
-  std::map<std::string, std::size_t> m_contas{{"lost", 0}, {"refused", 0}, {"names twice", 0}};
+  std::optional<testing::ScopedTrace> m_rastro;
 };
 
 }  // namespace apoio

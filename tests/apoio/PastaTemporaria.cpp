@@ -49,6 +49,9 @@ PastaTemporaria::PastaTemporaria() {
 }
 
 PastaTemporaria::~PastaTemporaria() {
+  if (s_bGuarda) {
+    return;
+  }
   const std::filesystem::path pasta = CaminhoDoSistema(m_caminho);
   std::error_code erro;
   for (std::filesystem::recursive_directory_iterator it(pasta, erro), fim; it != fim; it.increment(erro)) {

@@ -15,6 +15,9 @@ public:
   PastaTemporaria(const PastaTemporaria &) = delete;
   PastaTemporaria &operator=(const PastaTemporaria &) = delete;
 
+  /// From now on directories stay after their end, for somebody to look at.
+  static void GuardaTodas() { s_bGuarda = true; }
+
   /// Absolute path, `\`-separated and ending with `\`.
   const CString &Caminho() const { return m_caminho; }
   /// Path of a file in the directory; `sNome` may name sub-directories with `\`.
@@ -23,6 +26,8 @@ public:
   CString CriaSubpasta(const CString &sNome) const;
 
 private:
+  inline static bool s_bGuarda = false;
+
   CString m_caminho;
 };
 

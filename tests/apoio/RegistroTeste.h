@@ -7,6 +7,9 @@
 
 namespace apoio {
 
+/// REG_SZ, REG_EXPAND_SZ, REG_BINARY, REG_DWORD.
+enum class TipoValor { Texto = 1, TextoExpansivel = 2, Binario = 3, Numero = 4 };
+
 /// Writes to the registry that the system's IRegistro reads. Destruction removes every key written to with all below
 /// it, so only keys below `SOFTWARE\Wow6432Node\Tarvel\` are taken; others, and failures, throw std::runtime_error.
 class RegistroTeste {
@@ -17,14 +20,11 @@ public:
   RegistroTeste &operator=(const RegistroTeste &) = delete;
 
   void CriaChave(const CString &sChave);
-  /// A REG_SZ; without `bTerminador` its stored bytes lack the final zero.
-  void DefineTexto(const CString &sChave, const CString &sNome, const CString &sTexto, bool bTerminador = true);
-  /// A REG_EXPAND_SZ.
-  void DefineTextoExpansivel(const CString &sChave, const CString &sNome, const CString &sTexto);
-  /// A REG_DWORD.
-  void DefineNumero(const CString &sChave, const CString &sNome, std::uint32_t numero);
-  /// A REG_BINARY.
-  void DefineBinario(const CString &sChave, const CString &sNome, const CString &sBytes);
+  /// A value of exactly these bytes, in a key that is created when it is missing.
+  void Define(const CString &sChave, const CString &sNome, TipoValor eTipo, const CString &sBytes);
+  void DefineTexto(const CString &sChave, const CString &sNome, const CString &sTexto) {
+    Define(sChave, sNome, TipoValor::Texto, sTexto + CString(1, '\0'));
+  }
 
 private:
   std::vector<CString> m_chaves;

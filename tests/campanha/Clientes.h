@@ -3,10 +3,8 @@
 
 #include <windows.h>
 
-#include <condition_variable>
+#include <atomic>
 #include <deque>
-#include <map>
-#include <mutex>
 #include <random>
 #include <string>
 #include <thread>
@@ -14,8 +12,13 @@
 
 #include "tests/apoio/ProcessoFilho.h"
 #include "tests/campanha/Livro.h"
+#include "tests/com/ApoioCom.h"
 
 namespace campanha {
+
+/// The vehicle of a number from 1 on. It fills every byte of the record that is stored, and its code is the number, so
+/// that a vehicle that was read tells which write it must equal.
+tagREG_VEICULOPS VeiculoNumerado(std::uint32_t uiNumero);
 
 /// What a client was told.
 struct Resposta {
@@ -23,93 +26,57 @@ struct Resposta {
 
   HRESULT hr = kCalado;                ///< kCalado: the client has ended
   std::vector<std::uint32_t> numeros;  ///< the position written to; of the vehicles read, 0 for one that is not whole
-
-  LONG Posicao() const { return static_cast<LONG>(numeros.at(0)); }
 };
 
-/// A client program: a process that has one object at most and does what it is asked to:
+/// A client program: a process that gets an object, says so, and does what it is asked to, in lines:
 ///
-///   cria                       gets an object
-///   solta                      gives it back
 ///   abre <company>             opens a company
 ///   grava <position> <number>  writes the vehicle of that number
 ///   le                         reads all vehicles
 ///
-/// It ends when this does, or after a time.
-class CCliente {
+/// It ends when its input does, or after a time.
+class CCliente : public apoio::ProcessoFilho {
 public:
   static constexpr int kNaoVoltou = 3;  ///< exit code of a client that was at it for too long
 
-  explicit CCliente(DWORD dwPrazoMs = INFINITE) : m_processo("campanha-cliente", {std::to_string(dwPrazoMs)}) {}
+  explicit CCliente(DWORD dwPrazoMs = INFINITE) : ProcessoFilho("campanha-cliente", {std::to_string(dwPrazoMs)}) {}
 
-  /// Asks without waiting, and waits for the answer.
-  void Manda(const std::string &sPedido) { m_processo.EnviaLinha(sPedido); }
-  void MandaGravar(LONG lPos, std::uint32_t uiNumero) {
-    Manda("grava " + std::to_string(lPos) + " " + std::to_string(uiNumero));
-  }
+  /// The next answer, the first of which is that to its asking for an object.
   Resposta Ouve();
   Resposta Pede(const std::string &sPedido);
-  HRESULT Grava(LONG *plPos, std::uint32_t uiNumero);
-
-  /// Waits for its end; its exit code.
-  int Termina() { return m_processo.Espera(); }
-
-private:
-  apoio::ProcessoFilho m_processo;
 };
 
-/// The vehicles of a company as a new client reads them.
-Resposta LeEmpresa(const std::string &sEmpresa);
-
-/// Clients that write to one company at once, appending and writing over, each in positions of its own.
+/// Clients that write to one company at once, appending and writing over, each in positions of its own, until the
+/// server is gone or their time is over.
 class CEscritores {
 public:
   /// How they work.
   struct Modo {
     unsigned uiQtd = 1;
     unsigned uiGravacoesPorObjeto = 0;  ///< after about so many a client goes to a new object; 0: it keeps the first
-    LONG lMaiorPosicao = 1000;          ///< a client that has this position appends no more
+    unsigned uiSegundos = 3600;
   };
 
-  /// Starts them; each has an object on return, which works for no company yet. The book is the company's.
+  /// Starts them; each has an object on return, which works for no company yet.
   CEscritores(const std::string &sEmpresa, const Modo &modo, const CLivro &livro, std::mt19937 &gerador);
 
   /// Lets them open the company and write.
   void Comeca();
-  /// Waits until so many writes have come to an end. Earlier when all clients have ended.
+  /// Waits until so many writes have come to an end. Earlier when a client has ended.
   void EsperaGravacoes(unsigned uiQtd);
-  /// Asks them to stop.
-  void Para();
-  /// Waits until they have stopped or the server is gone, and enters what they did.
+  /// Waits until they have ended, and enters what they were told.
   void Termina(CLivro *pLivro);
-
-  /// Result codes other than success that they were given, and how often; those that a server that is gone gives are
-  /// none. Once they have ended.
-  const std::map<HRESULT, unsigned> &Recusas() const { return m_recusas; }
 
 private:
   struct Escritor {
-    CCliente cliente;
-    std::mt19937 gerador;
-    std::uint32_t uiNumero = 0;
-    std::vector<LONG> minhas;  ///< positions
+    explicit Escritor(const std::vector<std::string> &argumentos) : processo("campanha-escritor", argumentos) {}
+
+    apoio::ProcessoFilho processo;
     std::vector<Gravacao> gravacoes;
-    std::jthread thread;
+    std::jthread ouvinte;
   };
 
-  void Trabalha(Escritor &escritor, const std::stop_token &para);
-  HRESULT Abre(CCliente &cliente);
-  /// So many writes; the first result that is no success.
-  HRESULT Grava(Escritor &escritor, unsigned uiQtd);
-  void AnotaRecusa(HRESULT hr);
-
-  std::string m_sEmpresa;
-  Modo m_modo;
-  std::mutex m_trava;
-  std::condition_variable m_novidade;
-  unsigned m_uiGravacoes = 0;
-  unsigned m_uiAtivos = 0;
-  std::map<HRESULT, unsigned> m_recusas;
+  std::atomic<unsigned> m_uiGravacoes = 0;
   std::deque<Escritor> m_escritores;
 };
 

@@ -1,30 +1,33 @@
-// Another program holds, renames, makes read-only and deletes the files of companies while clients work on them.
+// Another program holds, renames, makes read-only and replaces the files of companies while clients work on them.
 
 #include <cstdio>
 #include <iostream>
 #include <memory>
 
-#include "tests/campanha/Clientes.h"
-#include "tests/campanha/Estorvo.h"
+#include "core/platform/Plataforma.h"
 #include "tests/campanha/ParteDaCampanha.h"
-#include "tests/campanha/Servidores.h"
 
 using namespace apoiocom;
 
 namespace campanha {
 namespace {
 
-/// Small companies, opened and closed all the time: an open file cannot be taken.
-constexpr CEscritores::Modo kModos[] = {{.uiQtd = 1, .uiGravacoesPorObjeto = 4, .lMaiorPosicao = 200},
-                                        {.uiQtd = 2, .uiGravacoesPorObjeto = 4, .lMaiorPosicao = 200},
-                                        {.uiQtd = 1, .uiGravacoesPorObjeto = 50, .lMaiorPosicao = 200}};
+/// Companies that are opened and closed all the time: an open file cannot be taken.
+constexpr CEscritores::Modo kModos[] = {{.uiQtd = 1, .uiGravacoesPorObjeto = 4},
+                                        {.uiQtd = 2, .uiGravacoesPorObjeto = 4},
+                                        {.uiQtd = 1, .uiGravacoesPorObjeto = 50}};
 constexpr unsigned kGravacoesDePreparo = 30;
 
+constexpr unsigned kSeguraPoucoMs = 250;  ///< a server insists for half a second at least
+constexpr unsigned kSeguraMs = 2000;
+constexpr unsigned kSumidoMs = 1000;
+constexpr DWORD kPausaMs = 250;  ///< one trouble at a time
+constexpr ULONGLONG kTentaMs = 300;
+constexpr ULONGLONG kTentaDeVoltaMs = 30000;
+
 /// Result codes of files that somebody else has or took.
-bool EhDeArquivoAlheio(HRESULT hr) {
-  const std::uint32_t kCodigos[] = {0x80043EB7, 0x80043EEE, 0x80043F00, 0x80043ED0, 0x80043ED1, 0x810809F2, 0x81080A50};
-  return std::count(std::begin(kCodigos), std::end(kCodigos), Bits(hr)) != 0;
-}
+constexpr std::uint32_t kDeArquivoAlheio[] = {0x80043EB7, 0x80043EEE, 0x80043F00, 0x80043ED0,
+                                              0x80043ED1, 0x810809F2, 0x81080A50};
 
 std::string Hexa(HRESULT hr) {
   char texto[16];
@@ -32,82 +35,121 @@ std::string Hexa(HRESULT hr) {
   return texto;
 }
 
-struct CompanhiaEmUso {
-  const Empresa *pEmpresa;
-  CEscritores::Modo modo;
-  CLivro livro;
-  std::unique_ptr<CEscritores> spEscritores;
-};
+/// Tries until nothing fails.
+template <class Tentativa>
+bool Insiste(ULONGLONG ullMs, Tentativa tenta) {
+  const ULONGLONG ullFim = GetTickCount64() + ullMs;
+  while (tenta()) {
+    if (GetTickCount64() > ullFim) {
+      return false;
+    }
+    Sleep(1);
+  }
+  return true;
+}
+
+bool Move(const CString &sDeOnde, const CString &sParaOnde, ULONGLONG ullMs) {
+  return Insiste(ullMs, [&] { return plataforma::Arquivos().MoveSubstituindo(sDeOnde, sParaOnde); });
+}
 
 class EstorvoDeFora : public ParteDaCampanha {
 protected:
-  void SetUp() override {
-    ParteDaCampanha::SetUp();
+  /// Lets clients work on all companies, the last of which nobody disturbs. What is disturbed is either all, or logs
+  /// too but only held, for less than a server insists.
+  void Estorva(bool bTudo) {
     LigaLogs();
-    ASSERT_EQ(m_segura.Pede("cria").hr, S_OK);
-    m_idServidor = IdsDosServidores();
-    ASSERT_EQ(m_idServidor.size(), 1U);
-    for (const CEscritores::Modo &modo : kModos) {
-      m_companhias.push_back({&MaisUmaEmpresa(), modo, {}, nullptr});
+    CCliente segura;  // an object all the time: the server does not end by itself
+    ASSERT_EQ(segura.Ouve().hr, S_OK);
+    const std::vector<Handle> servidores = Servidores();
+    ASSERT_EQ(servidores.size(), 1U);
+    const unsigned uiSegundos = apoio::DoAmbiente("KALVO_SEGUNDOS", 4);
+    CLivro livros[std::size(kModos)];
+    std::deque<CEscritores> escritores;
+    for (CEscritores::Modo modo : kModos) {
+      modo.uiSegundos = uiSegundos + 1;
+      escritores.emplace_back(m_empresas.emplace_back().Codigo(), modo, CLivro(), m_gerador).Comeca();
+      escritores.back().EsperaGravacoes(kGravacoesDePreparo);
     }
-  }
-
-  /// Lets clients work on all companies, the last of which nobody disturbs.
-  void Estorva(CEstorvo::Modo eModo, unsigned uiSegundos) {
-    for (CompanhiaEmUso &companhia : m_companhias) {
-      companhia.spEscritores =
-          std::make_unique<CEscritores>(companhia.pEmpresa->Codigo(), companhia.modo, companhia.livro, m_gerador);
-      companhia.spEscritores->Comeca();
-      companhia.spEscritores->EsperaGravacoes(kGravacoesDePreparo);
+    std::map<std::string, unsigned> feitos;
+    for (const ULONGLONG ullFim = GetTickCount64() + uiSegundos * 1000; GetTickCount64() < ullFim || feitos.empty();) {
+      if (const std::string sFeito = EstorvaArquivo(SorteiaArquivo(bTudo), bTudo); !sFeito.empty()) {
+        ++feitos[sFeito];
+      }
+      Sleep(kPausaMs);
     }
-    CEstorvo estorvo({m_companhias[0].pEmpresa->Arquivo(""), m_companhias[1].pEmpresa->Arquivo("")}, eModo,
-                     static_cast<unsigned>(m_gerador()));
-    Espera(std::chrono::seconds(uiSegundos));
-    estorvo.Para();
-    EXPECT_EQ(estorvo.Perdidos(), std::vector<CString>());
-    for (const auto &[sOque, uiVezes] : estorvo.Feitos()) {
+    for (const auto &[sOque, uiVezes] : feitos) {
       std::cout << sOque << " " << uiVezes << " times, ";
     }
-    for (CompanhiaEmUso &companhia : m_companhias) {
-      companhia.spEscritores->Para();
-      companhia.spEscritores->Termina(&companhia.livro);
-      const Resposta leitura = LeEmpresa(companhia.pEmpresa->Codigo());
-      EXPECT_EQ(Hexa(leitura.hr), Hexa(S_OK));
-      EXPECT_EQ(companhia.livro.Confere(leitura.numeros), "");
-      m_uiConfirmadas += companhia.livro.Confirmadas();
-      ConfereRecusas(companhia);
+    std::size_t uiConfirmadas = 0;
+    for (std::size_t i = 0; i < escritores.size(); ++i) {
+      escritores[i].Termina(&livros[i]);
+      ASSERT_NO_FATAL_FAILURE(Confere(m_empresas[i].Codigo(), livros[i]));
+      ConfereRecusas(m_empresas[i], livros[i]);
+      uiConfirmadas += livros[i].Confirmadas();
+      EXPECT_TRUE(livros[i].Recusas().empty() || (bTudo && i + 1 < escritores.size())) << "without trouble";
     }
-    EXPECT_TRUE(m_companhias.back().spEscritores->Recusas().empty()) << "the trouble of other companies";
-    EXPECT_TRUE(eModo == CEstorvo::Modo::Tudo || m_uiFalhas == 0);
-    EXPECT_EQ(IdsDosServidores(), m_idServidor);
-    std::cout << m_uiConfirmadas << " writes acknowledged, " << m_uiFalhas << " calls told that they failed; "
-              << Veredito() << std::endl;
+    EXPECT_EQ(WaitForSingleObject(servidores[0].get(), 0), static_cast<DWORD>(WAIT_TIMEOUT)) << "the server has ended";
+    EXPECT_EQ(Servidores().size(), 1U);
+    std::cout << uiConfirmadas << " writes acknowledged; " << Veredito() << std::endl;
+  }
+
+  /// A file of the companies that are disturbed.
+  CString SorteiaArquivo(bool bComDados) {
+    const CString sPasta = m_empresas[m_gerador() % (std::size(kModos) - 1)].Arquivo("");
+    std::vector<CString> nomes;
+    static_cast<void>(plataforma::Arquivos().Lista(sPasta, &nomes));
+    std::erase_if(nomes, [&](const CString &sNome) { return bComDados && !sNome.ends_with(".DAT"); });
+    return sPasta + (nomes.empty() ? "" : nomes[m_gerador() % nomes.size()]);
+  }
+
+  /// What scanners, backups and people do to a file: it is taken for a while and then is again what it was. One that
+  /// the server has open is waited for, for moments. Returns what was done, nothing when the file could not be had.
+  std::string EstorvaArquivo(const CString &sCaminho, bool bTudo) {
+    const CString sLonge = sCaminho + ".longe";
+    const unsigned uiAto = bTudo ? m_gerador() % 4 : 0;
+    if (uiAto == 0) {
+      std::unique_ptr<plataforma::IArquivoAberto> sozinho;
+      if (!Insiste(kTentaMs, [&] { return plataforma::Arquivos().Abre(sCaminho, {}, &sozinho); })) {
+        return "";
+      }
+      Sleep(m_gerador() % (bTudo ? kSeguraMs : kSeguraPoucoMs));
+      return "held";
+    }
+    if (uiAto == 1) {
+      const bool bFez = SetFileAttributesA(sCaminho.c_str(), FILE_ATTRIBUTE_READONLY);
+      Sleep(m_gerador() % kSumidoMs);
+      SetFileAttributesA(sCaminho.c_str(), FILE_ATTRIBUTE_NORMAL);
+      return bFez ? "read-only" : "";
+    }
+    if (!Move(sCaminho, sLonge, kTentaMs)) {
+      return "";
+    }
+    Sleep(m_gerador() % kSumidoMs);
+    if (uiAto == 3) {
+      apoio::EscreveArquivo(sLonge, apoio::LeArquivo(sLonge));
+    }
+    // The server may have made a new file meanwhile, and have it open.
+    EXPECT_TRUE(Move(sLonge, sCaminho, kTentaDeVoltaMs)) << sCaminho << " cannot be put back";
+    return uiAto == 3 ? "replaced by a copy" : "renamed";
   }
 
   /// What failed did so because of the files, and the company's log says it.
-  void ConfereRecusas(const CompanhiaEmUso &companhia) {
-    for (const auto &[hr, uiVezes] : companhia.spEscritores->Recusas()) {
-      const CString sLog = companhia.pEmpresa->Arquivo("QZProfilerErros.dat");
-      EXPECT_TRUE(EhDeArquivoAlheio(hr)) << Hexa(hr);
-      EXPECT_NE(apoio::LeArquivo(sLog).find(Hexa(hr)), std::string::npos) << Hexa(hr) << " is not in the log";
+  static void ConfereRecusas(const Empresa &empresa, const CLivro &livro) {
+    for (const auto &[hr, uiVezes] : livro.Recusas()) {
+      EXPECT_EQ(std::ranges::count(kDeArquivoAlheio, Bits(hr)), 1) << Hexa(hr);
+      EXPECT_NE(apoio::LeArquivo(empresa.Arquivo("QZProfilerErros.dat")).find(Hexa(hr)), std::string::npos)
+          << Hexa(hr) << " is not in the log";
       std::cout << Hexa(hr) << " " << uiVezes << " times, ";
-      m_uiFalhas += uiVezes;
     }
   }
-
-  CCliente m_segura;  ///< with an object for as long as it lives: the server does not end by itself
-  std::vector<CompanhiaEmUso> m_companhias;
-  std::vector<DWORD> m_idServidor;
-  std::size_t m_uiConfirmadas = 0;
-  unsigned m_uiFalhas = 0;
 };
 
 TEST_F(EstorvoDeFora, QuemSeguraPoucoNaoEstorvaNinguem) {
-  Estorva(CEstorvo::Modo::SeguraPouco, Segundos(4));
+  Estorva(false);
 }
 
 TEST_F(EstorvoDeFora, OQueFaltouFoiDitoENadaSePerdeu) {
-  Estorva(CEstorvo::Modo::Tudo, Segundos(4));
+  Estorva(true);
 }
 
 }  // namespace

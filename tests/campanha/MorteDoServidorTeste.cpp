@@ -3,10 +3,7 @@
 
 #include <iostream>
 
-#include "tests/apoio/Corrida.h"
-#include "tests/campanha/Clientes.h"
 #include "tests/campanha/ParteDaCampanha.h"
-#include "tests/campanha/Servidores.h"
 
 using namespace apoiocom;
 
@@ -20,53 +17,39 @@ constexpr unsigned kMortesPorEmpresa = 10;
 constexpr unsigned kAberturaMs = 80;
 constexpr unsigned kGravacoes = 300;
 
-class MorteDoServidor : public ParteDaCampanha {
-protected:
-  /// Whether the kill left a write half way or between record and header, by the note beside the vehicles.
-  static bool NoMeioDeUmaGravacao(const Empresa &empresa) {
-    const CString sNota = empresa.Arquivo("DFVEIC.INT");
-    return apoio::ExisteNoDisco(sNota) && apoio::LeArquivo(sNota).substr(0, 8) != std::string(8, '\0');
-  }
-};
+using MorteDoServidor = ParteDaCampanha;
+
+/// Whether the kill left a write half way or between record and header, by the note beside the vehicles.
+bool NoMeioDeUmaGravacao(const Empresa &empresa) {
+  const CString sNota = empresa.Arquivo("DFVEIC.INT");
+  return apoio::ExisteNoDisco(sNota) && apoio::LeArquivo(sNota).substr(0, 8) != std::string(8, '\0');
+}
 
 TEST_F(MorteDoServidor, OConfirmadoEstaLaEAEmpresaAbre) {
   LigaLogs();
-  const unsigned uiRodadas = apoio::Rodadas();
   CLivro livro;
-  Empresa *pEmpresa = nullptr;
-  std::size_t uiConfirmadas = 0;
-  std::size_t uiNinguemSoube = 0;
   unsigned uiNoMeio = 0;
-  const auto soma = [&] {
-    uiConfirmadas += livro.Confirmadas();
-    uiNinguemSoube += livro.SemRespostaFeitas();
-  };
-  for (unsigned uiRodada = 0; uiRodada < uiRodadas; ++uiRodada) {
+  for (unsigned uiRodada = 0; uiRodada < apoio::Rodadas(); ++uiRodada) {
     SCOPED_TRACE(testing::Message() << "round " << uiRodada);
     if (uiRodada % kMortesPorEmpresa == 0) {
-      soma();
-      pEmpresa = &OutraEmpresa();
-      livro = CLivro();
+      m_empresas.clear();
+      m_empresas.emplace_back();
+      livro.Recomeca();
     }
-    CEscritores escritores(pEmpresa->Codigo(), {.uiQtd = 3}, livro, m_gerador);
+    const Empresa &empresa = m_empresas.back();
+    CEscritores escritores(empresa.Codigo(), {.uiQtd = 3}, livro, m_gerador);
     escritores.Comeca();
     escritores.EsperaGravacoes(uiRodada % 4 == 0 ? 0 : 1 + m_gerador() % kGravacoes);
-    Espera(Sorteia(uiRodada % 4 == 0 ? kAberturaMs : 1));
+    EsperaAte(uiRodada % 4 == 0 ? kAberturaMs : 1);
     MataServidores();
     escritores.Termina(&livro);
-    EXPECT_TRUE(escritores.Recusas().empty()) << std::hex << escritores.Recusas().begin()->first;
-    uiNoMeio += NoMeioDeUmaGravacao(*pEmpresa) ? 1U : 0U;
-    EsqueceServidores();
-
-    const Resposta leitura = LeEmpresa(pEmpresa->Codigo());
-    ASSERT_EQ(Bits(leitura.hr), Bits(S_OK)) << "the company does not open";
-    ASSERT_EQ(livro.Confere(leitura.numeros), "");
-    ASSERT_EQ(Sobras(pEmpresa->Arquivo(""), ".TRA"), std::vector<std::string>());
+    EXPECT_TRUE(livro.Recusas().empty()) << std::hex << livro.Recusas().begin()->first;
+    uiNoMeio += NoMeioDeUmaGravacao(empresa) ? 1U : 0U;
+    ASSERT_NO_FATAL_FAILURE(Confere(empresa.Codigo(), livro));
+    ASSERT_EQ(Sobras(empresa.Arquivo(""), ".TRA"), 0);
   }
-  soma();
-  std::cout << uiRodadas << " kills, " << uiConfirmadas << " writes acknowledged; " << Veredito() << "; "
-            << uiNinguemSoube << " done although nobody was told, " << uiNoMeio << " kills left a noted write"
-            << std::endl;
+  std::cout << apoio::Rodadas() << " kills, " << livro.Confirmadas() << " writes acknowledged; " << Veredito() << "; "
+            << uiNoMeio << " kills left a noted write" << std::endl;
 }
 
 }  // namespace

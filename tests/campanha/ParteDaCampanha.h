@@ -3,58 +3,57 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <deque>
 #include <random>
 #include <string>
-#include <vector>
 
+#include "tests/apoio/Corrida.h"
 #include "tests/apoio/PastaTemporaria.h"
 #include "tests/apoio/RegistroTeste.h"
+#include "tests/campanha/Clientes.h"
 #include "tests/com/ApoioCom.h"
 
 namespace campanha {
 
+/// Ends a server as a crash would; it is gone on return.
+void Mata(HANDLE hServidor);
+
+/// Ends all servers so, and lets the platform forget them.
+void MataServidores();
+
+/// The vehicles of a company as a new client reads them.
+Resposta LeEmpresa(const std::string &sEmpresa);
+
 /// One part of the campaign: begins without a server, and with logs of its own. What depends on chance follows from a
 /// number that is printed, and that the environment's KALVO_SEMENTE gives again. After a failure the directories of the
-/// companies and of the installation are kept, and named.
+/// companies and of the installation stay, and are named.
 class ParteDaCampanha : public testing::Test {
 protected:
-  ParteDaCampanha();
   void SetUp() override;
   void TearDown() override;
 
   /// Servers that start from here on write entry and exit records.
-  void LigaLogs();
+  void LigaLogs() const;
 
-  /// A company in place of the earlier ones, or beside them.
-  apoiocom::Empresa &OutraEmpresa();
-  apoiocom::Empresa &MaisUmaEmpresa();
+  /// A new client finds in the company what its book says.
+  static void Confere(const std::string &sEmpresa, CLivro &livro);
 
-  /// The names of the files of a folder that end so.
-  static std::vector<std::string> Sobras(const CString &sPasta, const char *lpFim);
+  /// How many files of a folder have this extension.
+  static std::ptrdiff_t Sobras(const CString &sPasta, const char *lpExtensao);
 
-  /// A time up to so many milliseconds.
-  std::chrono::microseconds Sorteia(unsigned uiMilissegundos);
-
-  /// Waits so long, to some microseconds.
-  static void Espera(std::chrono::microseconds tempo);
+  /// Waits for any time up to so many milliseconds.
+  void EsperaAte(unsigned uiMilissegundos);
 
   /// What the part's last line says of what was acknowledged.
   static const char *Veredito() { return HasFailure() ? "NOT ALL AS IT MUST BE" : "nothing lost"; }
 
-  /// A number of seconds from the environment's KALVO_SEGUNDOS, or the one given.
-  static unsigned Segundos(unsigned uiSenao);
-
   std::mt19937 m_gerador;
+  std::deque<apoiocom::Empresa> m_empresas;
 
 private:
-  void Guarda() const;
-
-  unsigned m_uiSemente;
+  unsigned m_uiSemente = apoio::DoAmbiente("KALVO_SEMENTE", std::random_device()());
   apoio::PastaTemporaria m_instalacao;
   apoio::RegistroTeste m_registro;
-  std::deque<apoiocom::Empresa> m_empresas;
 };
 
 }  // namespace campanha

@@ -19,7 +19,7 @@ TEST(QZPath, DiretorioEArquivoDaEmpresa) {
   apoio::RegistroTeste registro;
   for (const auto &[lpValor, lpModulo1, lpModulo23] : casos) {
     SCOPED_TRACE(lpValor);
-    registro.DefineTextoExpansivel(sChave, "DF", lpValor);
+    registro.Define(sChave, "DF", apoio::TipoValor::TextoExpansivel, lpValor);
     EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_DF, sEmpresa), lpModulo1);
     EXPECT_EQ(CQZPath::DiretorioEmpresa(QZ_NFE, sEmpresa), lpModulo23);
     EXPECT_EQ(CQZPath::DiretorioEmpresa(29, sEmpresa), "");

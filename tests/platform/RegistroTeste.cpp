@@ -11,6 +11,7 @@
 
 namespace {
 
+using apoio::TipoValor;
 using plataforma::AbreChaveRegistro;
 using plataforma::AcessoChave;
 using plataforma::Registro;
@@ -35,11 +36,11 @@ TEST_F(RegistroSistema, CadaTipoDeValor) {
   m_registro.DefineTexto(m_chave, "Texto", "C:\\%PATH%\\ \xE7");
   m_registro.DefineTexto(m_chave, "Longo", longo);
   m_registro.DefineTexto(m_chave, "Vazio", "");
-  m_registro.DefineTexto(m_chave, "SemFim", "sem", false);
+  m_registro.Define(m_chave, "SemFim", TipoValor::Texto, "sem");
   m_registro.DefineTexto(m_chave, "", CString("antes\0depois", 12));
-  m_registro.DefineTextoExpansivel(m_chave, "Expansivel", expansivel);
-  m_registro.DefineNumero(m_chave, "Numero", 0xFFFFFFFEu);
-  m_registro.DefineBinario(m_chave, "Binario", CString("\1\0\0\0", 4));
+  m_registro.Define(m_chave, "Expansivel", TipoValor::TextoExpansivel, expansivel);
+  m_registro.Define(m_chave, "Numero", TipoValor::Numero, "\xFE\xFF\xFF\xFF");
+  m_registro.Define(m_chave, "Binario", TipoValor::Binario, CString("\1\0\0\0", 4));
   using Texto = std::optional<CString>;
   const struct {
     const char *nome;

@@ -76,14 +76,12 @@ protected:
       listados.push_back(nome);
       CQZDataBase banco(QZ_DF);
       const CQZFile<RegTeste> arquivo(nome, &banco);
-      if (const HRESULT hr = banco.Inicializa(m_empresa.Dono()); Falhou(hr)) {
-        corrida.Recusa(hr);
-      }
+      EXPECT_EQ(banco.Inicializa(m_empresa.Dono()), codigos::kOk);
     }
     corrida.ConferePasta(listados);
   }
 
-  apoio::EmpresaTeste m_empresa;
+  apoio::EmpresaComBase m_empresa;
 };
 
 TEST_P(CorridaDeGravacoes, OQueFoiConfirmadoEstaLa) {
@@ -93,7 +91,7 @@ TEST_P(CorridaDeGravacoes, OQueFoiConfirmadoEstaLa) {
       if (GetParam() == kSemCabecalhos) {
         m_empresa.Escreve("TESTE.DAT", Bytes(1, kExistentes));
         m_empresa.Escreve("UNICO.DAT", Bytes(9, 9));
-        m_empresa.Escreve(kArquivoControle, apoio::LinhaDaLista("TESTE.DAT") + apoio::LinhaDaLista("UNICO.DAT"));
+        m_empresa.Escreve(kArquivoControle, Linhas({"TESTE.DAT", "UNICO.DAT"}));
       }
       Confere(corrida, corrida.Roda());
     }

@@ -1,21 +1,17 @@
 #include "tests/apoio/RegistroTeste.h"
 
+#include <cstring>
 #include <stdexcept>
 
 #include "core/platform/posix/RegistroMemoria.h"
 
 namespace apoio {
-namespace {
 
-plataforma::RegistroMemoria &Registro() {
-  return plataforma::RegistroMemoria::DoProcesso();
-}
-
-}  // namespace
+using plataforma::RegistroMemoria;
 
 RegistroTeste::~RegistroTeste() {
   for (const CString &sChave : m_chaves) {
-    Registro().RemoveChave(sChave);
+    RegistroMemoria::DoProcesso().RemoveChave(sChave);
   }
 }
 
@@ -24,27 +20,21 @@ void RegistroTeste::CriaChave(const CString &sChave) {
     throw std::runtime_error("not a test key: " + sChave);
   }
   m_chaves.push_back(sChave);
-  Registro().CriaChave(sChave);
+  RegistroMemoria::DoProcesso().CriaChave(sChave);
 }
 
-void RegistroTeste::DefineTexto(const CString &sChave, const CString &sNome, const CString &sTexto, bool bTerminador) {
+void RegistroTeste::Define(const CString &sChave, const CString &sNome, TipoValor eTipo, const CString &sBytes) {
   CriaChave(sChave);
-  Registro().DefineTexto(sChave, sNome, bTerminador ? sTexto + CString(1, '\0') : sTexto);
-}
-
-void RegistroTeste::DefineTextoExpansivel(const CString &sChave, const CString &sNome, const CString &sTexto) {
-  CriaChave(sChave);
-  Registro().DefineTextoExpansivel(sChave, sNome, sTexto);
-}
-
-void RegistroTeste::DefineNumero(const CString &sChave, const CString &sNome, std::uint32_t numero) {
-  CriaChave(sChave);
-  Registro().DefineNumero(sChave, sNome, numero);
-}
-
-void RegistroTeste::DefineBinario(const CString &sChave, const CString &sNome, const CString &sBytes) {
-  CriaChave(sChave);
-  Registro().DefineBinario(sChave, sNome, sBytes);
+  if (eTipo == TipoValor::Numero) {
+    std::uint32_t uiNumero = 0;
+    std::memcpy(&uiNumero, sBytes.data(), sizeof(uiNumero));
+    RegistroMemoria::DoProcesso().DefineNumero(sChave, sNome, uiNumero);
+    return;
+  }
+  const auto define = eTipo == TipoValor::Texto             ? &RegistroMemoria::DefineTexto
+                      : eTipo == TipoValor::TextoExpansivel ? &RegistroMemoria::DefineTextoExpansivel
+                                                            : &RegistroMemoria::DefineBinario;
+  (RegistroMemoria::DoProcesso().*define)(sChave, sNome, sBytes);
 }
 
 }  // namespace apoio

@@ -1,7 +1,7 @@
 // The process ends, or the power fails, while a file is created by its first write, or within a later one.
 
-#include "tests/apoio/ArquivosComQuedaDeForca.h"
 #include "tests/apoio/ChaveCabecalho.h"
+#include "tests/apoio/SerieQuedas.h"
 #include "tests/qzdatabase/Especies.h"
 
 namespace {
@@ -25,7 +25,7 @@ TEST_F(Forca, NaCriacaoPelaPrimeiraGravacao) {
       if (bListaExiste) {
         empresa.Escreve(kArquivoControle, Linhas({"OUTRO.DAT"}));
       }
-      serie.Roda([&] { static_cast<void>(Acrescenta(empresa, 1)); });
+      serie.Roda(empresa.Caminho(""), [&] { static_cast<void>(Acrescenta(empresa, 1)); });
       const HRESULT hr = Acrescenta(empresa, 2);
       const bool bDanoContado = apoio::CabecalhosLigados() ? hr == codigos::kDadosNaoConferem && !serie.DoProcesso()
                                                            : hr == codigos::kTamanhoNaoMultiplo && serie.DoProcesso();
@@ -58,7 +58,7 @@ TEST_P(ForcaNaGravacao, VelhoOuNovo) {
       Poe(kArquivoControle, std::nullopt);
       Poe(pEspecie->File().GetNomeArquivo(), gravacao.antes);
       HRESULT hr = codigos::kArqOutra;
-      serie.Roda([&] {
+      serie.Roda(m_empresa.Caminho(""), [&] {
         hr = banco.Inicializa(m_empresa.Dono());
         hr = Falhou(hr) ? hr : gravacao.grava();
         static_cast<void>(banco.Finaliza());

@@ -1,7 +1,7 @@
 // The process ends, or the power fails, during the conversion of a base of version 0.
 
-#include "tests/apoio/ArquivosComQuedaDeForca.h"
 #include "tests/apoio/RelogioFalso.h"
+#include "tests/apoio/SerieQuedas.h"
 #include "tests/vehicles/AmostraVeiculos.h"
 #include "vehicles/BaseVeiculos.h"
 
@@ -52,7 +52,7 @@ TEST_F(ForcaNaConversao, SoOPrimeiroRegistroSai) {
       if (caso.bListado) {
         empresa.Escreve(kLista, std::string("\x0A\0\0\0DFVEIC.DAT", 14));
       }
-      serie.Roda([&] { static_cast<void>(Abre(empresa)); });
+      serie.Roda(empresa.Caminho(""), [&] { static_cast<void>(Abre(empresa)); });
       Recomeca(empresa, caso.depois, serie);
     }
   }

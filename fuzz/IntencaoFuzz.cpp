@@ -109,6 +109,7 @@ private:
     }
     ExigeCodigo(hr, codigos::kOk, "the code of an opening");
     Exige(!Falhou(Examina(kTexto, sDepois, true).hr), "a repaired file is whole");
+    Exige(CEntrada(m_cena.antes.at(kNota)).Valor<RegNota>().uiTipo == 1, "only the note of a write repairs a file");
     Exige(!m_cena.bNotaInteira || sDepois == m_cena.sSem || sDepois == m_cena.sCom, "a repaired file");
     Exige(!m_empresa.Existe(kNota), "a note that has served goes");
   }

@@ -1,49 +1,116 @@
-// A company's directory in which one of the three data files holds any bytes, opened as a register of vehicles.
+// A company's directory in which one of the data files holds any bytes, and others may be leftovers: for the offline
+// tool, and opened as a register of vehicles with headers off or on.
 //
-// Property: the code of the initialisation is the one that the format gives for the damage, and the next attempt gives
-// it again. A refusal leaves every file as it was, or, with headers on and no version record that holds in front of it,
-// behind one new header. After a success all records are the stored ones (a base without a version loses its first,
-// which was no vehicle), an append and a write over the first record work, and a new register finds everything.
+// Property: every command of the tool comes to one of its exit codes and no original changes; what "recupera" and
+// "cabecalho" write is sound, keeps the whole records and is undone by the opposite command; a directory is no better
+// than any of its files, or than a list that names a missing one; and one that is found sound, or is after every
+// repairable file was replaced by its repaired copy, opens as a register.
+//
+// The next attempt to open gives the code of the first. A refusal leaves every file as it was, or, with headers on and
+// no version record that holds in front of it, behind one new header. After a success all records are the stored ones
+// (a base without a version loses its first, which was no vehicle), and a new register finds them and what was written.
 
 #include "vehicles/BaseVeiculos.h"
 
 #include <algorithm>
+#include <array>
+#include <vector>
 
+#include "core/platform/Textos.h"
 #include "fuzz/Empresa.h"
+#include "qzdados/Exame.h"
+#include "tests/qzdados/ApoioQzdados.h"
 
 namespace {
 
 using namespace fuzz;
-using Nomes = std::vector<std::string>;
 
-/// What the initialisation should answer, and the records that it should find.
-struct Esperado {
-  HRESULT hr = codigos::kOk;
-  std::string sRegistros;
-  bool bConverte = false;  ///< the base has no version and its vehicle file can be converted
-};
+constexpr std::array kArquivos = {kVeiculos, kVersao, kControle};
+constexpr std::size_t kTamanhoVersao = 16;
 
-class Execucao {
+/// The bytes of a version file of the present version.
+std::string VersaoUm() {
+  return '\1' + std::string(kTamanhoVersao - 1, '\0');
+}
+
+std::string Conteudo(CEntrada *pEntrada, const std::string &sNome) {
+  const unsigned uiForma = pEntrada->Byte();
+  const std::uint8_t uiTroca = (uiForma & 8) != 0 ? pEntrada->Byte() : std::uint8_t{0};
+  const auto uiOnde = pEntrada->Valor<std::uint16_t>();
+  const auto iVersao = (uiForma & 48) == 48 ? pEntrada->Valor<std::uint16_t>() : std::uint16_t{1};
+  std::string sDados = pEntrada->Resto();
+  if ((uiForma & 1) != 0) {
+    const std::size_t uiUnidade = sNome == kVersao ? kTamanhoVersao : sizeof(RegVeiculo);
+    sDados.resize((sDados.size() + uiUnidade - 1) / uiUnidade * uiUnidade);
+  }
+  if ((uiForma & 2) != 0) {
+    const std::string sCabecalho = Cabecalho((uiForma & 128) != 0 ? kControle : sNome, sDados, iVersao);
+    sDados.insert(0, sCabecalho.substr(0, (uiForma & 4) != 0 ? kPosicaoRegCabecalho : kTamanhoCabecalho));
+  }
+  if (!sDados.empty()) {
+    sDados[uiOnde % sDados.size()] = static_cast<char>(sDados[uiOnde % sDados.size()] ^ uiTroca);
+  }
+  return sDados;
+}
+
+/// A company's directory in which one of the three data files holds any bytes, often filled up to whole records, in a
+/// fitting header, or with one byte changed afterwards. The bits of `uiEscolha` say which, and which others are there.
+Pasta PastaDaEntrada(unsigned uiEscolha, CEntrada *pEntrada) {
+  const std::string sNome = kArquivos[(uiEscolha >> 1) % kArquivos.size()];
+  Pasta pasta;
+  if ((uiEscolha & 16) != 0) {
+    pasta[kVersao] = VersaoUm();
+  }
+  if ((uiEscolha & 32) != 0) {
+    pasta[kVeiculos] = std::string(pEntrada->Ate(3) * sizeof(RegVeiculo), 'v');
+  }
+  if ((uiEscolha & 64) != 0) {
+    pasta[kControle] = BytesDasLinhas({kVersao, kVeiculos});
+  }
+  pasta[sNome] = Conteudo(pEntrada, sNome);
+  return pasta;
+}
+
+Rodada Qzdados(const std::vector<std::string> &aTextos) {
+  Rodada rodada(aTextos);
+  Exige(!rodada.tela.m_bPassouDoFim, "the progress of a reading");
+  return rodada;
+}
+
+/// The exit code of a look at a path.
+int Estado(const std::string &sCaminho) {
+  return Qzdados({"verifica", sCaminho}).iCodigo;
+}
+
+/// The directory as it is, opened as a register.
+class Registro {
 public:
-  Execucao(const Pasta &pasta, bool bCabecalhos) : m_antes(pasta), m_empresa(bCabecalhos, pasta) {}
+  Registro(const Pasta &pasta, bool bCabecalhos) : m_antes(pasta), m_empresa(bCabecalhos, pasta) {}
 
   void Roda() {
-    const Esperado esperado = Preve();
+    const bool bVersaoUm = Antes(kVersao).sDados.substr(0, 2) == VersaoUm().substr(0, 2);
+    m_sRegistros = Antes(kVeiculos).sDados;
     {
       CBaseVeiculos base;
-      ExigeCodigo(m_empresa.Abre(&base), esperado.hr, "the code of the initialisation");
-      if (Falhou(esperado.hr)) {
-        ConfereRecusa(esperado);
-        ExigeCodigo(m_empresa.Abre(&base), esperado.hr, "the code of a second attempt");
-        return ConfereRecusa(esperado);
+      if (const HRESULT hr = m_empresa.Abre(&base); Falhou(hr)) {
+        ExigeCodigo(m_empresa.Abre(&base), hr, "the code of a second attempt");
+        // What a conversion has rightly done before the refusal stays.
+        return bVersaoUm || m_sRegistros.size() % sizeof(RegVeiculo) != 0 ? ConfereRecusa() : void();
       }
-      m_sRegistros = esperado.sRegistros;
+      for (const char *lpNome : kArquivos) {
+        Exige(!Falhou(Antes(lpNome).hr), "a header that does not hold is refused");
+      }
+      m_sRegistros.erase(0, bVersaoUm ? 0 : sizeof(RegVeiculo));
       ConfereRegistros(&base);
-      Escreve(&base, 2025, 0);
-      Escreve(&base, 2026, 1);
-      ConfereRegistros(&base);
+      tagREG_VEICULOPS veiculo{};
+      veiculo.iAno = 2026;
+      RegVeiculo reg;
+      CopiaParaRegistro(veiculo, &reg);
+      m_sRegistros += BytesDe(reg);
+      LONG lPos = 0;
+      ExigeCodigo(base.Grava(&lPos, veiculo), codigos::kOk, "a write");
     }
-    ConfereDisco();
+    Exige(m_empresa.Dados(kVeiculos) == m_sRegistros, "the vehicle file");
     CBaseVeiculos base;
     ExigeCodigo(m_empresa.Abre(&base), codigos::kOk, "the code of a new register");
     ConfereRegistros(&base);
@@ -55,42 +122,7 @@ private:
     return Examina(lpNome, achado != m_antes.end() ? achado->second : "", m_empresa.m_bCabecalhos);
   }
 
-  /// The files are looked at in the order in which they are opened; the first thing wrong with one counts.
-  Esperado Preve() const {
-    Esperado esperado;
-    const auto exige = [&](bool bVale, HRESULT hr) { esperado.hr = bVale || Falhou(esperado.hr) ? esperado.hr : hr; };
-    Nomes lista;
-    const auto dados = [&](const char *lpNome) {
-      const ArquivoExaminado exame = Antes(lpNome);
-      exige(m_antes.contains(lpNome) || std::count(lista.begin(), lista.end(), lpNome) == 0,
-            codigos::kArquivoDesapareceu);
-      exige(!Falhou(exame.hr), exame.hr);
-      return exame.sDados;
-    };
-    lista = LinhasDoTexto(dados(kControle));
-    const std::string sVersao = dados(kVersao);
-    exige(sVersao.size() == kTamanhoVersao || !m_antes.contains(kVersao), codigos::kTamanhoDiferente);
-    const auto iVersao = CEntrada(sVersao).Valor<std::uint16_t>();
-    exige(iVersao <= 1, codigos::kBaseMaisNova);
-    esperado.sRegistros = dados(kVeiculos);
-    exige(esperado.sRegistros.size() % sizeof(RegVeiculo) == 0, codigos::kTamanhoNaoMultiplo);
-    esperado.bConverte = iVersao == 0 && !Falhou(esperado.hr);
-    if (esperado.bConverte) {
-      esperado.sRegistros.erase(0, sizeof(RegVeiculo));
-      // The file whose only record goes is deleted and its entry in the list emptied. A second entry, which the system
-      // never makes, then has no file.
-      exige(!esperado.sRegistros.empty() || std::count(lista.begin(), lista.end(), kVeiculos) <= 1,
-            codigos::kArquivoDesapareceu);
-    }
-    return esperado;
-  }
-
-  /// Every file as it was, or behind one new header. What a conversion has rightly done before the refusal stays.
-  void ConfereRecusa(const Esperado &esperado) const {
-    ConfereSobras();
-    if (esperado.bConverte) {
-      return;
-    }
+  void ConfereRecusa() const {
     for (const char *lpNome : kArquivos) {
       const auto antes = m_antes.find(lpNome);
       const std::optional<std::string> sDepois = m_empresa.Bytes(lpNome);
@@ -102,57 +134,13 @@ private:
     }
   }
 
-  /// Companions of an unfinished rewrite.
-  void ConfereSobras() const {
-    for (const char *lpNome : {"DFVEIC.TRA", "DFVEIVS.TRA", "DFVEIVSD.TRA", "QZDATABASE_FILE_CTRL.TRA"}) {
-      Exige(!m_empresa.Existe(lpNome), "no companion stays");
-    }
-  }
-
   void ConfereRegistros(CBaseVeiculos *pBase) const {
-    const std::size_t registros = m_sRegistros.size() / sizeof(RegVeiculo);
     CArray<LONG> aPosicoes;
     CArray<RegVeiculo> aRegistros;
     ExigeCodigo(pBase->InternalGetRegs({}, &aPosicoes, &aRegistros), codigos::kOk, "reading all records");
-    Exige(aRegistros.GetSize() == registros && aPosicoes.GetSize() == registros, "number of records");
-    Exige(BytesDe(aRegistros.GetData(), registros) == m_sRegistros, "the records are the stored bytes");
-    tagREG_VEICULOPS veiculo{};
-    const auto lAtras = static_cast<LONG>(registros + 1);
-    const HRESULT hrAtras = pBase->LePonteiros(1, &lAtras, &veiculo);
-    Exige(hrAtras == codigos::kPosicaoAlemDoFim || (registros == 0 && hrAtras == codigos::kArquivoNaoAberto),
-          "reading behind the last record");
-  }
-
-  /// Writes a vehicle over a record, or appends it at 0.
-  void Escreve(CBaseVeiculos *pBase, std::uint32_t iAno, LONG lPedida) {
-    tagREG_VEICULOPS veiculo{};
-    std::fill(std::begin(veiculo.szCodigo), std::end(veiculo.szCodigo), 'N');
-    veiculo.iAno = iAno;
-    RegVeiculo reg;
-    CopiaParaRegistro(veiculo, &reg);
-    const std::size_t uiOnde = lPedida == 0 ? m_sRegistros.size() : 0;
-    m_sRegistros.replace(uiOnde, sizeof(reg), BytesDe(reg));
-    LONG lPos = lPedida;
-    ExigeCodigo(pBase->Grava(&lPos, veiculo), codigos::kOk, "a write");
-    Exige(static_cast<std::size_t>(lPos) == uiOnde / sizeof(reg) + 1, "the position of a write");
-  }
-
-  /// The closed files: data behind headers that hold, the version of this program, and the lines of the list still in
-  /// their places, with whatever was created behind them.
-  void ConfereDisco() const {
-    ConfereSobras();
-    Exige(m_empresa.Dados(kVeiculos) == m_sRegistros, "the vehicle file");
-    Exige(m_empresa.Dados(kVersao).substr(0, 2) == VersaoUm().substr(0, 2), "the version file");
-    const Nomes linhas = LinhasDoTexto(m_empresa.Dados(kControle));
-    const Nomes linhasAntes = LinhasDoTexto(Antes(kControle).sDados);
-    Exige(linhas.size() >= linhasAntes.size(), "the list does not lose lines");
-    for (std::size_t i = 0; i < linhasAntes.size(); ++i) {
-      Exige(linhas[i] == linhasAntes[i] || (linhas[i].empty() && linhasAntes[i] == kVeiculos), "lines of the list");
-    }
-    for (const char *lpNome : {kVeiculos, kVersao}) {
-      Exige(m_antes.contains(lpNome) || std::count(linhas.begin(), linhas.end(), lpNome) != 0,
-            "what was created is listed");
-    }
+    Exige(aPosicoes.GetSize() == aRegistros.GetSize() &&
+              BytesDe(aRegistros.GetData(), aRegistros.GetSize()) == m_sRegistros,
+          "the records are the stored bytes");
   }
 
   const Pasta &m_antes;
@@ -160,9 +148,114 @@ private:
   std::string m_sRegistros;  ///< that the register should hold
 };
 
+/// The tool on it.
+class Ferramenta {
+public:
+  explicit Ferramenta(const Pasta &pasta) : m_antes(pasta), m_depois(pasta), m_empresa(true, pasta) {}
+
+  void Roda() {
+    const int iEstado = Qzdados({"verifica", m_empresa.Caminho(""), "--detalhes"}).iCodigo;
+    int iPior = FaltaListado() ? 2 : 0;
+    bool bReparados = true;
+    for (const auto &[sNome, sBytes] : m_antes) {
+      const int iDoArquivo = Estado(m_empresa.Caminho(sNome));
+      iPior = std::max(iPior, iDoArquivo);
+      bReparados = bReparados && iDoArquivo != 2;
+      Lista(sNome);
+      CabecalhoIdaEVolta(sNome);
+      Recupera(sNome, iDoArquivo == 1);
+    }
+    Exige(iEstado >= iPior && iEstado <= 2, "the exit code for a directory");
+    for (const auto &[sNome, sBytes] : m_antes) {
+      Exige(m_empresa.Le(sNome) == sBytes, "no original changes");
+    }
+    if (bReparados) {
+      AbreSeSa(CEmpresa(true, m_depois));
+    }
+  }
+
+private:
+  /// A journal may stand for the version file.
+  bool FaltaListado() const {
+    const ArquivoExaminado exame = Examina(kControle, m_empresa.Bytes(kControle).value_or(""), true);
+    const std::vector<std::string> nomes = LinhasDoTexto(exame.sDados);
+    if (Falhou(exame.hr) || BytesDasLinhas(nomes) != exame.sDados) {
+      return false;
+    }
+    return std::any_of(nomes.begin(), nomes.end(), [this](const std::string &sNome) {
+      const std::string sMaiusculo = plataforma::Maiusculas(sNome);
+      return !sNome.empty() && sMaiusculo != kVersao && !m_antes.contains(sMaiusculo);
+    });
+  }
+
+  void Lista(const std::string &sNome) const {
+    for (const char *lpFormato : {"--csv", "--json", "--ate=2"}) {
+      const int iCodigo = Qzdados({"lista", m_empresa.Caminho(sNome), lpFormato}).iCodigo;
+      Exige(iCodigo == 0 || iCodigo == 3, "the exit code of a listing");
+    }
+  }
+
+  void Recupera(const std::string &sNome, bool bReparavel) {
+    const std::string sNovo = m_empresa.Caminho(sNome + ".novo");
+    const int iCodigo = Qzdados({"recupera", m_empresa.Caminho(sNome), "--em", sNovo}).iCodigo;
+    const bool bGravou = m_empresa.Existe(sNome + ".novo");
+    Exige(bGravou || !bReparavel, "a repairable file is repaired");
+    if (bGravou) {
+      Exige(iCodigo == 0, "a repair says that it wrote");
+      Exige(Qzdados({"verifica", sNovo, "--como", sNome}).iCodigo == 0, "a repaired copy is sound");
+      const std::string sInteiros = m_empresa.Le(sNome + ".novo");
+      const std::string sDados = Examina(IdentificaNome(sNome).sNome, sInteiros, true).sDados;
+      Exige(m_antes.at(sNome).find(sDados) != std::string::npos, "a repaired copy has the bytes of the original alone");
+      Exige(Qzdados({"recupera", m_empresa.Caminho(sNome), "--em", sNovo}).iCodigo == 3 &&
+                m_empresa.Le(sNome + ".novo") == sInteiros,
+            "nothing is written over a file");
+      if (!IdentificaNome(sNome).bSobra) {
+        m_depois[sNome] = sInteiros;
+      }
+    }
+  }
+
+  void CabecalhoIdaEVolta(const std::string &sNome) const {
+    const std::string sCom = m_empresa.Caminho(sNome + ".com");
+    const std::string sSem = m_empresa.Caminho(sNome + ".sem");
+    const std::string &sBytes = m_antes.at(sNome);
+    Qzdados({"cabecalho", "poe", m_empresa.Caminho(sNome), "--em", sCom});
+    if (m_empresa.Existe(sNome + ".com")) {
+      Exige(m_empresa.Le(sNome + ".com") == Cabecalho(IdentificaNome(sNome).sNome, sBytes) + sBytes,
+            "a header for the data and nothing else");
+      Exige(Qzdados({"cabecalho", "tira", sCom, "--em", sSem, "--como", sNome}).iCodigo == 0, "what was put is taken");
+      Exige(m_empresa.Le(sNome + ".sem") == sBytes, "the data without a header");
+    }
+  }
+
+  /// Of the present version alone: the conversion of an older base may drop its only file.
+  static void AbreSeSa(const CEmpresa &empresa) {
+    const int iEstado = Estado(empresa.Caminho(""));
+    Exige(iEstado == 0 || iEstado == 2, "nothing is left to repair");
+    const std::string sVersao = Examina(kVersao, empresa.Bytes(kVersao).value_or(""), true).sDados;
+    if (iEstado == 0 && sVersao.substr(0, 2) == VersaoUm().substr(0, 2)) {
+      CBaseVeiculos base;
+      ExigeCodigo(empresa.Abre(&base), codigos::kOk, "a sound directory opens");
+    }
+  }
+
+  const Pasta &m_antes;
+  Pasta m_depois;  ///< with what was repaired in place of what was damaged
+  CEmpresa m_empresa;
+};
+
 }  // namespace
 
 void fuzz::Executa(CEntrada *pEntrada) {
+  static constexpr std::array kSobras = {"", "DFVEIC.TRA", "DFVEIVSD.TRA", "DFVEIC.INT", "NOTAS.OFL", "OUTRO.DAT"};
   const unsigned uiEscolha = pEntrada->Byte();
-  Execucao(PastaDaEntrada(uiEscolha, pEntrada), (uiEscolha & 1) != 0).Roda();
+  const std::string sSobra = kSobras[pEntrada->Ate(kSobras.size() - 1)];
+  const std::string sBytesSobra = sSobra.empty() ? "" : pEntrada->Bytes(pEntrada->Byte());
+  Pasta pasta = PastaDaEntrada(uiEscolha, pEntrada);
+  if (sSobra.empty()) {
+    Registro(pasta, (uiEscolha & 1) != 0).Roda();
+  } else {
+    pasta[sSobra] = sBytesSobra;
+  }
+  Ferramenta(pasta).Roda();
 }

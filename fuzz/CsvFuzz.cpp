@@ -1,15 +1,15 @@
-// Vehicles from CSV text of any bytes, and the texts of fields.
+// Vehicles from CSV text of any bytes, currency texts among them, and the texts of fields.
 //
 // Property: the reader takes and refuses the header and the lines that a plain reading letter by letter takes and
 // refuses, and gives the same vehicles; what it has read it takes back from the program's own CSV, in both character
-// sets. The text of any field of any record sets the field again; UTF-8 is taken exactly when it is that of some
+// sets. A currency text gives the value that exact decimal arithmetic gives, and one that is refused leaves the value
+// alone. The text of any field of any record sets the field again; UTF-8 is taken exactly when it is that of some
 // Windows-1252 text.
 
 #include <algorithm>
-#include <array>
-#include <cstring>
-#include <limits>
+#include <charconv>
 #include <optional>
+#include <regex>
 #include <vector>
 
 #include "client/Campos.h"
@@ -28,6 +28,7 @@ using Veiculo = tagREG_VEICULOPS;
 using Partes = std::vector<std::string>;
 
 constexpr std::string_view kMarca = "\xEF\xBB\xBF";
+constexpr std::string_view kNaoUsada = "posicao";
 
 // What is expected.
 
@@ -114,69 +115,29 @@ std::vector<Linha> LinhasDe(std::string_view sTexto) {
   return linhas;
 }
 
-template <std::size_t N>
-bool Define(const std::string &sValor, char (&campo)[N]) {
-  if (sValor.size() > N || sValor.find('\0') != std::string::npos) {
-    return false;
+/// The value of a currency text: its digits with all four decimals; nothing without the form or out of range.
+std::optional<std::int64_t> ValorDe(const std::string &sTexto) {
+  static const std::regex forma("(-?[0-9]+)([.,]([0-9]{1,4}))?");
+  std::smatch partes;
+  if (!std::regex_match(sTexto, partes, forma)) {
+    return std::nullopt;
   }
-  std::memset(campo, 0, N);
-  sValor.copy(campo, N);
-  return true;
-}
-bool Define(const std::string &sValor, std::int64_t &vCampo) {
-  return MoedaDeTexto(sValor, vCampo);
-}
-template <typename T>
-bool Define(const std::string &sValor, T &campo) {
-  std::uint64_t uiValor = 0;
-  for (const char c : sValor) {
-    uiValor = uiValor * 10 + static_cast<unsigned>(c - '0');
-    if (c < '0' || c > '9' || uiValor > std::numeric_limits<T>::max()) {
-      return false;
-    }
-  }
-  campo = static_cast<T>(uiValor);
-  return !sValor.empty();
+  const std::string sDigitos = partes.str(1) + (partes.str(3) + "0000").substr(0, 4);
+  std::int64_t vValor = 0;
+  const auto lido = std::from_chars(sDigitos.data(), sDigitos.data() + sDigitos.size(), vValor);
+  return lido.ec == std::errc() ? std::optional(vValor) : std::nullopt;
 }
 
-template <auto kCampo>
-bool DefineCampoDe(const std::string &sValor, Veiculo *pVeiculo) {
-  return Define(sValor, pVeiculo->*kCampo);
+void ConfereMoeda(const std::string &sTexto) {
+  constexpr std::int64_t kAntes = 77;
+  std::int64_t vValor = kAntes;
+  const std::optional<std::int64_t> esperado = ValorDe(sTexto);
+  Exige(MoedaDeTexto(sTexto, vValor) == esperado.has_value(), "a value is taken when it has the form and the range");
+  Exige(vValor == esperado.value_or(kAntes), "the value of a text");
 }
 
-struct Coluna {
-  const char *lpNome;
-  bool (*define)(const std::string &, Veiculo *);  ///< null: taken and not used
-};
-
-constexpr std::array kColunas = {
-    Coluna{"codigo", DefineCampoDe<&Veiculo::szCodigo>},
-    Coluna{"placa", DefineCampoDe<&Veiculo::szPlaca>},
-    Coluna{"uf", DefineCampoDe<&Veiculo::szUF>},
-    Coluna{"descricao", DefineCampoDe<&Veiculo::szDescricao>},
-    Coluna{"ano", DefineCampoDe<&Veiculo::iAno>},
-    Coluna{"antt", DefineCampoDe<&Veiculo::szCodigoANTT>},
-    Coluna{"carroceria", DefineCampoDe<&Veiculo::iTipoCarroceria>},
-    Coluna{"rodado", DefineCampoDe<&Veiculo::iTipoRodado>},
-    Coluna{"tipo", DefineCampoDe<&Veiculo::iTipoVeiculo>},
-    Coluna{"tara", DefineCampoDe<&Veiculo::vTara>},
-    Coluna{"kg", DefineCampoDe<&Veiculo::vCapacidadeKg>},
-    Coluna{"m3", DefineCampoDe<&Veiculo::vCapacidadeM3>},
-    Coluna{"renavam", DefineCampoDe<&Veiculo::szRENAVAM>},
-    Coluna{"cliente", DefineCampoDe<&Veiculo::iPonteiroCliente>},
-    Coluna{"transporte", DefineCampoDe<&Veiculo::iTipoTransporte>},
-    Coluna{"posicao", nullptr},
-};
-
-/// Null for no column.
-const Coluna *ColunaDe(std::string_view sNome) {
-  const auto *const pFim = kColunas.data() + kColunas.size();
-  const auto *const pColuna =
-      std::find_if(kColunas.data(), pFim, [&](const Coluna &coluna) { return coluna.lpNome == sNome; });
-  return pColuna != pFim ? pColuna : nullptr;
-}
-
-using Colunas = std::vector<const Coluna *>;
+/// The fields of the columns, null for the one that is taken and not used.
+using Colunas = std::vector<const CCampo *>;
 
 /// Nothing for a header that cannot be used.
 std::optional<Colunas> ColunasDe(const std::vector<Linha> &linhas) {
@@ -185,11 +146,11 @@ std::optional<Colunas> ColunasDe(const std::vector<Linha> &linhas) {
   }
   Colunas colunas;
   for (const std::string &sNome : *linhas[0].partes) {
-    const Coluna *pColuna = ColunaDe(sNome);
-    if (pColuna == nullptr || std::count(colunas.begin(), colunas.end(), pColuna) != 0) {
+    const CCampo *const pCampo = ProcuraCampo(CamposVeiculo(), sNome);
+    if ((pCampo == nullptr && sNome != kNaoUsada) || std::count(colunas.begin(), colunas.end(), pCampo) != 0) {
       return std::nullopt;
     }
-    colunas.push_back(pColuna);
+    colunas.push_back(pCampo);
   }
   return colunas;
 }
@@ -201,11 +162,13 @@ std::optional<Veiculo> VeiculoDe(const std::optional<Partes> &partes, const Colu
   }
   for (std::size_t i = 0; i < colunas.size(); ++i) {
     const std::string &sParte = (*partes)[i];
-    if (colunas[i]->define == nullptr || sParte.empty()) {
-      continue;
-    }
+    ConfereMoeda(sParte);
     const std::optional<std::string> sValor = bUtf8 ? De8(sParte) : sParte;
-    if (!sValor || !colunas[i]->define(*sValor, &v)) {
+    try {
+      if (colunas[i] != nullptr && !sParte.empty()) {
+        DefineCampo(*colunas[i], sValor ? *sValor : throw CErroCampo("no UTF-8"), &v);
+      }
+    } catch (const CErroCampo &) {
       return std::nullopt;
     }
   }
@@ -254,15 +217,14 @@ void ConfereTexto(const std::string &sTexto) {
 
 /// A record of any bytes, through the texts of its fields.
 void ConfereCampos(const Veiculo &v) {
+  Veiculo lido{};
   for (const CCampo &campo : CamposVeiculo()) {
-    const std::string sTexto = TextoCampo(campo, &v);
-    Veiculo lido{};
-    Veiculo esperado{};
-    Exige(ColunaDe(campo.sNome)->define(sTexto, &esperado), "a text that its field takes");
-    DefineCampo(campo, sTexto, &lido);
-    Exige(BytesDe(lido) == BytesDe(esperado), "the text of a field");
-    Exige(TextoCampo(campo, &lido) == sTexto, "the text of what was set by it");
+    DefineCampo(campo, TextoCampo(campo, &v), &lido);
   }
+  for (const CCampo &campo : CamposVeiculo()) {
+    Exige(TextoCampo(campo, &lido) == TextoCampo(campo, &v), "the text of what was set by it");
+  }
+  ConfereVolta(lido);
 }
 
 /// Any file is text or refused; what a mark says of one is so.
@@ -285,11 +247,15 @@ void ConfereCodificacao(const std::string &sTexto) {
 
 /// A header of known columns in any order, one of them perhaps twice.
 std::string Cabecalho(CEntrada *pEntrada) {
+  const auto nome = [&] {
+    const std::size_t uiQual = pEntrada->Ate(CamposVeiculo().size());
+    return std::string(uiQual < CamposVeiculo().size() ? CamposVeiculo()[uiQual].sNome : kNaoUsada);
+  };
   std::string sLinha = pEntrada->Ate(3) == 0 ? std::string(kMarca) : "";
   for (std::size_t colunas = pEntrada->Ate(4); colunas > 0; --colunas) {
-    sLinha += kColunas[pEntrada->Ate(kColunas.size() - 1)].lpNome + std::string(";");
+    sLinha += nome() + ";";
   }
-  return sLinha + kColunas[pEntrada->Ate(kColunas.size() - 1)].lpNome + "\n";
+  return sLinha + nome() + "\n";
 }
 
 }  // namespace

@@ -1,13 +1,14 @@
 #ifndef KALVO_FUZZ_EMPRESA_H
 #define KALVO_FUZZ_EMPRESA_H
 
+#include <map>
 #include <optional>
 
 #include "core/platform/Plataforma.h"
 #include "core/qzdatabase/arquivo/QZTextFile.h"
 #include "core/qzdatabase/banco/QZDataBase.h"
+#include "fuzz/Entrada.h"
 #include "fuzz/Exige.h"
-#include "fuzz/PastaDaEntrada.h"
 #include "fuzz/Referencia.h"
 #include "tests/apoio/ChaveCabecalho.h"
 #include "tests/apoio/EmpresaTeste.h"
@@ -15,6 +16,13 @@
 #include "vehicles/BaseVeiculos.h"
 
 namespace fuzz {
+
+inline constexpr char kVeiculos[] = "DFVEIC.DAT";
+inline constexpr char kVersao[] = "DFVEIVS.DAT";
+inline constexpr char kControle[] = "QZDATABASE_FILE_CTRL.DAT";
+
+/// The files of the directory that are there, by name.
+using Pasta = std::map<std::string, std::string>;
 
 /// A company of its own, with headers off or on, in which every wait is over at once.
 class CEmpresa : public apoio::EmpresaTeste {

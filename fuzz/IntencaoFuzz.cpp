@@ -1,12 +1,11 @@
 // A data file as a process may have left it, or of any bytes, beside a note (".INT") of what it was about, or of any
 // bytes, opened as a text file, with headers off or on and with or without an entry in the list of created files.
 //
-// Property: the file stays as it is, unless header and data do not agree and what the note says makes a whole file of
-// it: the write finished, completed from the note, or cut to the length before. Then it is that file, and the note has
-// gone. A second opening agrees with the first, and what is written then is found again.
+// Property: the file stays as it is, or header and data did not agree and it is whole afterwards, and the note has
+// gone: where the note was not damaged, it is the file with the write that is noted or without it. What the note
+// explains does become whole. A second opening agrees with the first, and what is written then is found again.
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <optional>
 
@@ -20,17 +19,14 @@ using namespace fuzz;
 
 constexpr char kNota[] = "TEXTO.INT";
 
-/// The companion's length, as file-formats.md has it, and that of a header record, which ends with two CRCs: of the
-/// data and its own.
+/// The companion's length, as file-formats.md has it.
 constexpr std::size_t kTamanhoCompanheiro = 65536;
-constexpr std::size_t kTamanhoRegCabecalho = 68;
-constexpr std::size_t kLugarDoCrc = 52;
 
 /// What stands at the beginning of the companion, before the write's bytes.
 struct RegNota {
   std::uint64_t uiSelo;
   std::uint32_t uiTipo;  ///< what is about to happen to a file, or 2: to be created
-  char registro[kTamanhoRegCabecalho];
+  char registro[sizeof(RegCabecalhoArquivo)];
   std::uint64_t uiCrcAntes;  ///< of the data
   std::uint64_t uiCrcDepois;
   std::uint64_t uiOnde;
@@ -41,108 +37,30 @@ struct RegNota {
 };
 static_assert(sizeof(RegNota) == 136);
 
-struct Nota {
-  RegNota reg{};
-  std::string sBytes;
-
-  /// The file's header record over data with this CRC.
-  std::string RegCabecalho(std::uint64_t uiCrc) const {
-    const std::string sReg = std::string(reg.registro, kLugarDoCrc) + std::string(BytesDe(uiCrc));
-    return sReg + std::string(BytesDe(CalculaCrc64(sReg.data(), sReg.size())));
-  }
-  std::string Antes() const { return RegCabecalho(reg.uiCrcAntes); }
-  std::string Depois() const { return RegCabecalho(reg.uiCrcDepois); }
-};
-
 std::uint64_t Crc(const std::string &sDados) {
   return CalculaCrc64(sDados.data(), sDados.size());
 }
 
-/// Nothing for a note whose bytes do not fit.
-std::optional<std::uint64_t> Selo(const std::string &sCompanheiro) {
+/// With its seal, if the write's bytes fit.
+std::string Selado(std::string sCompanheiro) {
   const auto cbGuardados = CEntrada(sCompanheiro).Valor<RegNota>().cbGuardados;
-  if (cbGuardados > kTamanhoCompanheiro - sizeof(RegNota)) {
-    return std::nullopt;
+  if (cbGuardados <= kTamanhoCompanheiro - sizeof(RegNota)) {
+    const std::string sNotado = sCompanheiro.substr(8, sizeof(RegNota) - 8 + cbGuardados);
+    sCompanheiro.replace(0, 8, BytesDe(std::max(Crc(sNotado), std::uint64_t{1})));
   }
-  return std::max(Crc(sCompanheiro.substr(8, sizeof(RegNota) - 8 + cbGuardados)), std::uint64_t{1});
+  return sCompanheiro;
 }
 
-/// Nothing where nothing is noted for this file.
-std::optional<Nota> LeNota(const std::string &sCompanheiro) {
-  CEntrada entrada(sCompanheiro);
-  Nota nota;
-  nota.reg = entrada.Valor<RegNota>();
-  nota.sBytes = entrada.Bytes(nota.reg.cbGuardados);
-  const bool bVale = sCompanheiro.size() >= kTamanhoCompanheiro && nota.reg.uiSelo == Selo(sCompanheiro) &&
-                     (nota.reg.cbGuardados == 0 || nota.reg.cbGuardados == nota.reg.cb) &&
-                     (nota.reg.uiTipo == 1 || nota.reg.uiTipo == 2) && AteOZero({nota.reg.registro + 6, 40}) == kTexto;
-  return bVale ? std::optional(nota) : std::nullopt;
-}
-
-/// The whole file that a note makes of one, if it does.
-std::optional<std::string> Reparado(const std::string &sArquivo, const Nota &nota) {
-  const RegNota &reg = nota.reg;
-  if (reg.uiTipo != 1 || sArquivo.size() < kTamanhoCabecalho ||
-      std::min({reg.uiOnde, reg.uiTamanhoAntes, reg.uiTamanhoDepois}) < kTamanhoCabecalho ||
-      reg.cb > std::numeric_limits<std::uint64_t>::max() - reg.uiOnde) {
-    return std::nullopt;
-  }
-  const std::string sAntes = nota.Antes();
-  const std::string sDepois = nota.Depois();
-  for (std::size_t i = 0; i < kTamanhoRegCabecalho; ++i) {
-    const char c = sArquivo[kPosicaoRegCabecalho + i];
-    if (c != sAntes[i] && c != sDepois[i]) {
-      return std::nullopt;
-    }
-  }
-  const auto inteiro = [](std::string sBytes, std::uint64_t uiTamanho, const std::string &sCabecalho) {
-    const bool bChega = uiTamanho <= sBytes.size();
-    sBytes.resize(bChega ? uiTamanho : sBytes.size());
-    sBytes.replace(kPosicaoRegCabecalho, kTamanhoRegCabecalho, sCabecalho);
-    const bool bInteiro = bChega && !Falhou(Examina(kTexto, sBytes, true).hr);
-    return bInteiro ? std::optional(sBytes) : std::nullopt;
-  };
-  std::optional<std::string> sReparado = inteiro(sArquivo, reg.uiTamanhoDepois, sDepois);
-  if (!sReparado && reg.uiOnde <= sArquivo.size() && reg.cb == reg.cbGuardados &&
-      reg.uiOnde + reg.cb <= reg.uiTamanhoDepois) {
-    std::string sCompletado = sArquivo;
-    sCompletado.replace(reg.uiOnde, nota.sBytes.size(), nota.sBytes);
-    sReparado = inteiro(sCompletado, reg.uiTamanhoDepois, sDepois);
-  }
-  return sReparado ? sReparado : inteiro(sArquivo, reg.uiTamanhoAntes, sAntes);
-}
-
-/// What is found, and what it should come to.
+/// A write that a process ended in the midst of, and what is found of it.
 struct Cena {
   bool bCabecalhos = true;
   Pasta antes;
-
-  HRESULT hr = codigos::kOk;
-  std::optional<std::string> sDepois;  ///< the file
-  bool bReparado = false;
-  bool bNasceu = false;  ///< what is noted is the file's creation, which is over once it has content
-
-  void Preve() {
-    const std::optional<Nota> nota = LeNota(antes[kNota]);
-    bNasceu = nota && nota->reg.uiTipo == 2;
-    if (!antes.contains(kTexto)) {
-      const bool bPrimeira = nota && nota->reg.uiTamanhoAntes == kTamanhoCabecalho;
-      hr = antes.contains(kControle) && !bNasceu && !bPrimeira ? codigos::kArquivoDesapareceu : codigos::kOk;
-      return;
-    }
-    const std::string &sArquivo = antes[kTexto];
-    sDepois = sArquivo;
-    const ArquivoExaminado exame = Examina(kTexto, sArquivo, bCabecalhos);
-    hr = exame.hr;
-    if (bCabecalhos && !exame.bTemCabecalho) {
-      sDepois = Cabecalho(kTexto, sArquivo) + sArquivo;
-    } else if (Falhou(hr) && hr != codigos::kCabecalhoVersaoDesconhecida && nota) {
-      const std::optional<std::string> sReparado = Reparado(sArquivo, *nota);
-      bReparado = sReparado.has_value();
-      hr = bReparado ? codigos::kOk : hr;
-      sDepois = bReparado ? sReparado : sDepois;
-    }
-  }
+  std::string sSem;  ///< the whole file without the write and with it
+  std::string sCom;
+  bool bPrimeira = false;     ///< the file had no content before what is noted
+  bool bCriacao = false;      ///< what is noted is the file's creation
+  bool bNotaInteira = false;  ///< as it was noted
+  bool bSeExplica = false;    ///< the write can be completed from the note
 };
 
 class Execucao {
@@ -150,21 +68,50 @@ public:
   explicit Execucao(const Cena &cena) : m_cena(cena), m_empresa(cena.bCabecalhos, cena.antes) {}
 
   void Roda() {
-    AbreEConfere("the code of an opening");
-    Exige(!m_cena.bReparado || !m_empresa.Existe(kNota), "a note that has served goes");
-    AbreEConfere("the code of a second opening");
-    if (!Falhou(m_cena.hr)) {
+    const HRESULT hr = AbreEFecha();
+    const std::optional<std::string> sDepois = m_empresa.Bytes(kTexto);
+    if (m_cena.antes.contains(kTexto)) {
+      ConfereArquivo(hr, sDepois.value_or(""));
+    } else {
+      Exige(!sDepois, "no file is made");
+      ConfereFalta(hr);
+    }
+    Exige(!Falhou(hr) || m_cena.bCriacao || m_empresa.Bytes(kNota) == m_cena.antes.at(kNota),
+          "the note of a file that is refused");
+    ExigeCodigo(AbreEFecha(), hr, "the code of a second opening");
+    Exige(m_empresa.Bytes(kTexto) == sDepois, "the file after a second opening");
+    if (!Falhou(hr)) {
       Acrescenta();
     }
   }
 
 private:
-  void AbreEConfere(const char *lpOque) {
-    ExigeCodigo(m_banco.Inicializa(m_empresa.Dono()), m_cena.hr, lpOque);
+  HRESULT AbreEFecha() {
+    const HRESULT hr = m_banco.Inicializa(m_empresa.Dono());
     static_cast<void>(m_banco.Finaliza());
-    Exige(m_empresa.Bytes(kTexto) == m_cena.sDepois, "the file");
-    Exige(!Falhou(m_cena.hr) || m_cena.bNasceu || m_empresa.Bytes(kNota) == m_cena.antes.at(kNota),
-          "the note of a file that is refused");
+    return hr;
+  }
+
+  void ConfereFalta(HRESULT hr) const {
+    const bool bListado = m_cena.antes.contains(kControle);
+    Exige(hr == codigos::kOk || (bListado && hr == codigos::kArquivoDesapareceu), "the code of a missing file");
+    Exige(!bListado || !m_cena.bNotaInteira || Falhou(hr) == !(m_cena.bCriacao || m_cena.bPrimeira),
+          "a file is missed unless it was about to be created");
+  }
+
+  void ConfereArquivo(HRESULT hr, const std::string &sDepois) const {
+    const std::string &sAntes = m_cena.antes.at(kTexto);
+    const ArquivoExaminado exame = Examina(kTexto, sAntes, m_cena.bCabecalhos);
+    if (hr == exame.hr) {
+      const bool bGanha = m_cena.bCabecalhos && !exame.bTemCabecalho;
+      Exige(sDepois == (bGanha ? Cabecalho(kTexto, sAntes) + sAntes : sAntes), "the file stays as it is");
+      return Exige(!Falhou(hr) || !m_cena.bSeExplica, "a file that its note explains");
+    }
+    ExigeCodigo(hr, codigos::kOk, "the code of an opening");
+    Exige(!Falhou(Examina(kTexto, sDepois, true).hr), "a repaired file is whole");
+    Exige(CEntrada(m_cena.antes.at(kNota)).Valor<RegNota>().uiTipo == 1, "only the note of a write repairs a file");
+    Exige(!m_cena.bNotaInteira || sDepois == m_cena.sSem || sDepois == m_cena.sCom, "a repaired file");
+    Exige(!m_empresa.Existe(kNota), "a note that has served goes");
   }
 
   void Acrescenta() {
@@ -183,48 +130,49 @@ private:
   CBancoTexto m_banco;
 };
 
-/// A file and its note when a process ends in the middle of a write.
-void Interrompe(CEntrada *pEntrada, Nota *pNota, std::string *psArquivo) {
+/// The note of a write and the file as its process left it.
+void Interrompe(CEntrada *pEntrada, Cena *pCena, std::string *psNota, std::string *psArquivo) {
   const unsigned uiForma = pEntrada->Byte();
+  const auto tem = [uiForma](unsigned uiBit) { return (uiForma & uiBit) != 0; };
   const std::string sAntes = pEntrada->Bytes(pEntrada->Ate(40));
   const std::string sNovo = pEntrada->Bytes(pEntrada->Ate(24));
   const std::size_t uiOnde = pEntrada->Ate(sAntes.size() + 2);
   std::string sDepois = sAntes;
   sDepois.resize(std::max(sAntes.size(), uiOnde + sNovo.size()));
   sDepois.replace(uiOnde, sNovo.size(), sNovo);
-  if ((uiForma & 1) != 0) {
+  if (tem(1)) {
     sDepois.resize(uiOnde + sNovo.size());
   }
-  RegNota &reg = pNota->reg;
-  reg.uiCrcAntes = Crc(sAntes);
-  reg.uiCrcDepois = Crc(sDepois);
-  reg.uiOnde = kTamanhoCabecalho + uiOnde;
-  reg.uiTamanhoAntes = kTamanhoCabecalho + sAntes.size();
-  reg.uiTamanhoDepois = kTamanhoCabecalho + sDepois.size();
-  pNota->sBytes = sNovo;
-  if ((uiForma & 2) != 0) {  // the write is being undone
-    std::swap(reg.uiCrcAntes, reg.uiCrcDepois);
-    std::swap(reg.uiTamanhoAntes, reg.uiTamanhoDepois);
-    pNota->sBytes = uiOnde < sAntes.size() ? sAntes.substr(uiOnde, sNovo.size()) : "";
-  }
-  reg.cb = pNota->sBytes.size();
-  if ((uiForma & 4) != 0) {  // as one that is too long for the note
-    pNota->sBytes.clear();
-  }
-  reg.cbGuardados = pNota->sBytes.size();
-  const std::string sCabecalho = Cabecalho(kTexto, (uiForma & 2) != 0 ? sAntes : sDepois);
-  sCabecalho.copy(reg.registro, kTamanhoRegCabecalho, kPosicaoRegCabecalho);
+  // The write may be one that is being undone.
+  const std::string &sDe = tem(2) ? sDepois : sAntes;
+  const std::string &sPara = tem(2) ? sAntes : sDepois;
+  const std::string sBytes = sPara.substr(std::min(uiOnde, sPara.size()), sNovo.size());
+  const std::string sCabecalho = Cabecalho(kTexto, sPara);
+  RegNota reg{.uiSelo = 0,
+              .uiTipo = pCena->bCriacao ? 2U : 1U,
+              .registro = {},
+              .uiCrcAntes = Crc(sDe),
+              .uiCrcDepois = Crc(sPara),
+              .uiOnde = kTamanhoCabecalho + uiOnde,
+              .cb = sBytes.size(),
+              .cbGuardados = tem(4) ? 0 : sBytes.size(),  // or too long for the note
+              .uiTamanhoAntes = kTamanhoCabecalho + sDe.size(),
+              .uiTamanhoDepois = kTamanhoCabecalho + sPara.size()};
+  sCabecalho.copy(reg.registro, sizeof(reg.registro), kPosicaoRegCabecalho);
+  *psNota = std::string(BytesDe(reg)) + sBytes.substr(0, reg.cbGuardados);
 
-  std::string sDados = (uiForma & 8) != 0 ? sDepois : sAntes;
+  std::string sDados = tem(8) ? sDepois : sAntes;
   const std::size_t uiRasgo = pEntrada->Ate(sNovo.size());
-  if ((uiForma & 16) != 0 && uiOnde <= sDados.size()) {
-    sDados.replace(
-        uiOnde, uiRasgo,
-        (uiForma & 8) != 0 ? sAntes.substr(std::min(uiOnde, sAntes.size()), uiRasgo) : sNovo.substr(0, uiRasgo));
+  if (tem(16) && uiOnde <= sDados.size()) {
+    sDados.replace(uiOnde, uiRasgo,
+                   (tem(8) ? sAntes : sNovo).substr(tem(8) ? std::min(uiOnde, sAntes.size()) : 0, uiRasgo));
   }
-  const std::size_t uiMistura = (uiForma & 32) != 0 ? pEntrada->Ate(kTamanhoRegCabecalho) : 0;
-  const std::string sResto = (uiForma & 64) != 0 ? pNota->Depois() : pNota->Antes();
-  *psArquivo = sCabecalho.substr(0, kPosicaoRegCabecalho + uiMistura) + sResto.substr(uiMistura) + sDados;
+  const std::size_t uiMistura = kPosicaoRegCabecalho + (tem(32) ? pEntrada->Ate(sizeof(RegCabecalhoArquivo)) : 0);
+  *psArquivo = sCabecalho.substr(0, uiMistura) + Cabecalho(kTexto, tem(64) ? sPara : sDe).substr(uiMistura) + sDados;
+  pCena->sSem = Cabecalho(kTexto, sAntes) + sAntes;
+  pCena->sCom = Cabecalho(kTexto, sDepois) + sDepois;
+  pCena->bPrimeira = sDe.empty();
+  pCena->bSeExplica = !tem(1) && !tem(4) && !pCena->bCriacao;
 }
 
 /// A few bytes or a number of the note changed.
@@ -252,20 +200,21 @@ Cena CenaDaEntrada(CEntrada *pEntrada) {
   const unsigned uiForma = pEntrada->Byte();
   Cena cena;
   cena.bCabecalhos = uiForma % 8 != 0;
+  cena.bCriacao = (uiForma & 48) == 48;
   if ((uiForma & 8) != 0) {
     const std::string sLista = BytesDasLinhas({"OUTRO.DAT", kTexto});
     cena.antes[kControle] = (cena.bCabecalhos ? Cabecalho(kControle, sLista) : "") + sLista;
   }
-  Nota nota;
+  std::string sCompanheiro;
   std::string sArquivo;
-  Interrompe(pEntrada, &nota, &sArquivo);
-  nota.reg.uiTipo = (uiForma & 48) == 48 ? 2 : 1;
-  std::string sCompanheiro = std::string(BytesDe(nota.reg)) + nota.sBytes;
+  Interrompe(pEntrada, &cena, &sCompanheiro, &sArquivo);
   const std::size_t uiUsados = sCompanheiro.size();
   sCompanheiro.resize(kTamanhoCompanheiro);
+  const std::string sNotado = Selado(sCompanheiro);
+  const std::string sDeixado = sArquivo;
   Estraga(pEntrada, uiUsados, &sCompanheiro);
-  if (const auto uiSelo = Selo(sCompanheiro); uiSelo && pEntrada->Ate(7) != 7) {
-    sCompanheiro.replace(0, sizeof(*uiSelo), BytesDe(*uiSelo));
+  if (const std::string sSelado = Selado(sCompanheiro); sSelado != sCompanheiro && pEntrada->Ate(7) != 7) {
+    sCompanheiro = sSelado;
   }
   if (pEntrada->Ate(7) == 7) {
     sArquivo = pEntrada->Bytes(pEntrada->Byte());
@@ -284,7 +233,8 @@ Cena CenaDaEntrada(CEntrada *pEntrada) {
     cena.antes[kTexto] = sArquivo;
   }
   cena.antes[kNota] = sCompanheiro;
-  cena.Preve();
+  cena.bNotaInteira = sCompanheiro == sNotado;
+  cena.bSeExplica = cena.bSeExplica && cena.bNotaInteira && sArquivo == sDeixado;
   return cena;
 }
 

@@ -7,56 +7,40 @@
 namespace fuzz {
 namespace {
 
-/// A number of `sizeof(T)` bytes, lowest first.
-template <typename T>
-T Numero(std::string_view sBytes, std::size_t uiOnde) {
-  return CEntrada(sBytes.substr(uiOnde)).Valor<T>();
-}
-
 std::uint64_t Crc(std::string_view sBytes) {
   return CalculaCrc64(sBytes.data(), sBytes.size());
 }
 
-bool TemVersao(std::string_view sBytes) {
-  return sBytes.size() >= kPosicaoRegCabecalho && Numero<std::uint16_t>(sBytes, 0) != 0 &&
-         Numero<std::uint64_t>(sBytes, 8) == Crc(sBytes.substr(0, 2)) &&
-         Numero<std::uint64_t>(sBytes, 16) == Crc(sBytes.substr(8, 8));
-}
-
-HRESULT CodigoDoCabecalho(const std::string &sNome, std::string_view sBytes) {
-  if (Numero<std::uint16_t>(sBytes, 0) != 1) {
+HRESULT CodigoDoCabecalho(const std::string &sNome, const RegVersaoArquivo &versao, std::string_view sBytes) {
+  const auto reg = CEntrada(sBytes.substr(kPosicaoRegCabecalho)).Valor<RegCabecalhoArquivo>();
+  if (versao.iVersao != kVersaoCabecalho) {
     return codigos::kCabecalhoVersaoDesconhecida;
   }
-  if (sBytes.size() < kTamanhoCabecalho || Numero<std::uint64_t>(sBytes, 84) != Crc(sBytes.substr(24, 60))) {
+  if (sBytes.size() < kTamanhoCabecalho || !RegCabecalhoConfere(reg)) {
     return codigos::kCabecalhoDanificado;
   }
-  if (AteOZero(sBytes.substr(30, 40)) != sNome.substr(0, 40)) {
+  if (!NomeConfere(reg, sNome)) {
     return codigos::kCabecalhoDeOutroArquivo;
   }
-  return Numero<std::uint64_t>(sBytes, 76) == Crc(sBytes.substr(kTamanhoCabecalho)) ? codigos::kOk
-                                                                                    : codigos::kDadosNaoConferem;
+  return reg.uiCrcDados == Crc(sBytes.substr(kTamanhoCabecalho)) ? codigos::kOk : codigos::kDadosNaoConferem;
 }
 
 }  // namespace
 
 std::string Cabecalho(const std::string &sNome, std::string_view sDados, std::uint16_t iVersao) {
-  std::string sVersao(BytesDe(iVersao));
-  sVersao.resize(8);
-  sVersao += BytesDe(Crc(BytesDe(iVersao)));
-  sVersao += BytesDe(Crc(sVersao.substr(8)));
-  std::string sCabecalho = std::string(6, '\0') + sNome.substr(0, 40);
-  sCabecalho.resize(52);
-  sCabecalho += BytesDe(Crc(sDados));
-  sCabecalho += BytesDe(Crc(sCabecalho));
-  return sVersao + sCabecalho;
+  RegVersaoArquivo versao{
+      .iVersao = iVersao, .cReservado = {}, .uiCrcVersao = Crc(BytesDe(iVersao)), .uiCrcCrcVersao = 0};
+  versao.uiCrcCrcVersao = Crc(BytesDe(std::uint64_t{versao.uiCrcVersao}));
+  return std::string(BytesDe(versao)) + std::string(BytesDe(MontaRegCabecalho(0, sNome, Crc(sDados))));
 }
 
 ArquivoExaminado Examina(const std::string &sNome, const std::string &sBytes, bool bCabecalhos) {
   ArquivoExaminado exame;
-  exame.bTemCabecalho = TemVersao(sBytes);
+  const auto versao = CEntrada(sBytes).Valor<RegVersaoArquivo>();
+  exame.bTemCabecalho = RegVersaoConfere(versao);
   exame.sDados = sBytes;
   if (bCabecalhos && exame.bTemCabecalho) {
-    exame.hr = CodigoDoCabecalho(sNome, sBytes);
+    exame.hr = CodigoDoCabecalho(sNome, versao, sBytes);
     exame.sDados.erase(0, kTamanhoCabecalho);
   }
   return exame;
@@ -65,7 +49,7 @@ ArquivoExaminado Examina(const std::string &sNome, const std::string &sBytes, bo
 std::vector<std::string> LinhasInteiras(std::string_view sDados) {
   std::vector<std::string> textos;
   while (sDados.size() >= sizeof(std::uint32_t)) {
-    textos.emplace_back(sDados.substr(sizeof(std::uint32_t), Numero<std::uint32_t>(sDados, 0)));
+    textos.emplace_back(sDados.substr(sizeof(std::uint32_t), CEntrada(sDados).Valor<std::uint32_t>()));
     sDados.remove_prefix(sizeof(std::uint32_t) + textos.back().size());
   }
   return textos;

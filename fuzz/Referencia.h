@@ -1,7 +1,8 @@
 #ifndef KALVO_FUZZ_REFERENCIA_H
 #define KALVO_FUZZ_REFERENCIA_H
 
-// The data files as their description has them, read from bytes without the layer under test.
+// The data files as their description has them: the order in which they are examined, and the lines of texts. Single
+// records are checked by the functions that the unit tests hold against bytes.
 
 #include <cstdint>
 #include <string>

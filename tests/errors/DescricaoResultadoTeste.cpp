@@ -2,8 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "core/errors/CodigosResultado.h"
-#include "tests/errors/InstalacaoFalsa.h"
+#include "core/errors/DescricaoDaBiblioteca.h"
+#include "tests/apoio/InstalacaoPropria.h"
+#include "tests/apoio/PastaTemporaria.h"
 
 namespace {
 
@@ -37,51 +41,88 @@ TEST(DescricaoResultado, CodigosConhecidos) {
   }
 }
 
-// The system's own codes share FACILITY_ITF with others, and none of theirs may stand for one of these.
-TEST(DescricaoResultado, CodigosProprios) {
-  const HRESULT codigos[] = {
-      codigos::kBaseMaisNova,       codigos::kSemEmpresa,       codigos::kTraNaoRenomeado,     codigos::kPosicaoZero,
-      codigos::kArqPosicaoInvalida, codigos::kArqNaoEncontrado, codigos::kArqCompartilhamento, codigos::kArqOutra};
-  for (const HRESULT hr : codigos) {
-    EXPECT_EQ(NomeHRESULT(hr), "") << std::hex << BitsResultado(hr);
-  }
-}
-
-bool Entre(std::uint32_t valor, std::uint32_t menor, std::uint32_t maior) {
-  return valor >= menor && valor <= maior;
-}
-
 // Every facility number: which have a name of the SDK, which one of the suite, and which none.
 TEST(DescricaoResultado, TodasAsFacilidades) {
+  constexpr struct {
+    std::uint32_t uDe, uAte;
+    const char *lpComeco;
+  } kFaixas[] = {{0, 4, "FACILITY_"},   {7, 26, "FACILITY_"},  {31, 42, "FACILITY_"},      {48, 58, "FACILITY_"},
+                 {60, 61, "FACILITY_"}, {80, 84, "FACILITY_"}, {236, 255, "QZ_FACILITY_"}, {263, 265, "QZ_FACILITY_"}};
   for (std::uint32_t n = 0; n <= 0x1FFF; ++n) {
-    const HRESULT hr = CodigoResultado(0x80000000U | n << 16U | 2U);
-    const CString nome = NomeFacilidade(hr);
-    SCOPED_TRACE(testing::Message() << n << ' ' << nome);
-    EXPECT_EQ(FacilidadeResultado(hr), static_cast<int>(n));
-    if (n == 264) {
-      EXPECT_EQ(nome, "QZ_FACILITY_CR_CORE");
-    } else if (Entre(n, 236, 255) || n == 263 || n == 265) {
-      EXPECT_EQ(nome, "QZ_FACILITY_" + std::to_string(n));
-    } else if (Entre(n, 0, 4) || Entre(n, 7, 26) || Entre(n, 31, 42) || Entre(n, 48, 58) || Entre(n, 60, 61) ||
-               Entre(n, 80, 84)) {
-      EXPECT_EQ(nome.rfind("FACILITY_", 0), 0U);
-    } else {
-      EXPECT_EQ(nome, kFacilidadeDesconhecida);
-    }
+    const CString nome = NomeFacilidade(CodigoResultado(0x80000000U | n << 16U | 2U));
+    const auto *const pFaixa = std::find_if(std::begin(kFaixas), std::end(kFaixas),
+                                            [n](const auto &faixa) { return faixa.uDe <= n && n <= faixa.uAte; });
+    EXPECT_TRUE(nome.starts_with(pFaixa != std::end(kFaixas) ? pFaixa->lpComeco : kFacilidadeDesconhecida))
+        << n << ' ' << nome;
   }
+  EXPECT_EQ(NomeFacilidade(CodigoResultado(0x81090000)), "QZ_FACILITY_265");
   EXPECT_EQ(FacilidadeResultado(CodigoResultado(0xE0070005)), 7) << "the bits above are no part of it";
-  EXPECT_EQ(NomeFacilidade(CodigoResultado(0xD0000022)), kFacilidadeDesconhecida);
 }
 
-TEST(DescricaoResultado, LinhaDescrita) {
-  const apoio::InstalacaoFalsa instalacao;
+/// A new installation directory in force, with an empty "x64" folder.
+class Biblioteca : public testing::Test {
+protected:
+  /// Puts one of the tests' message libraries in place, over the one before.
+  void Instala(const CString &sVariante) const {
+    Poe(apoio::LeArquivo(KALVO_PASTA_MENSAGENS "mensagens_" + sVariante + ".dll"));
+  }
+  void Poe(const std::string &sBytes) const { apoio::EscreveArquivo(m_x64 + "QZLMensagem.dll", sBytes); }
+
+  apoio::PastaTemporaria m_pasta;
+  CString m_x64 = m_pasta.CriaSubpasta("x64");
+  apoio::InstalacaoPropria m_instalacao{m_pasta.Caminho()};
+};
+
+// Windows does not let a loaded library be written to, and elsewhere the one in memory would answer again: each call
+// must free the library, whatever that library did.
+TEST_F(Biblioteca, UmaDepoisDaOutra) {
+  constexpr const char *kCasos[][2] = {
+      {"primeira", "100% de %s %n: 810809D9"},
+      {"segunda", "segunda"},
+      {"sem_exportacao", ""},
+      {"segunda", "segunda"},
+      {"sem_texto", ""},
+      {"excecao", ""},
+#ifdef _WIN32
+      {"falha", ""},
+      {"ponteiro_ruim", ""},
+      {"throw_alheio", ""},
+      {"codigo_alheio", ""},
+      {"pilha", ""},
+      {"pilha", ""},  // which is there in full again
+      {"inicio", ""},
+      {"inicio", ""},
+#endif
+      {"segunda", "segunda"},
+  };
+  EXPECT_EQ(DescricaoDaBiblioteca(codigos::kPosicaoZero), "") << "no library";
+  for (const auto &[lpVariante, lpTexto] : kCasos) {
+    Instala(lpVariante);
+    EXPECT_EQ(DescricaoDaBiblioteca(codigos::kPosicaoZero), lpTexto) << lpVariante;
+  }
+  Poe("not a library");
+  EXPECT_EQ(DescricaoDaBiblioteca(codigos::kPosicaoZero), "");
+}
+
+// The library lies where each relative directory would lead to, and must still not be loaded.
+TEST_F(Biblioteca, DiretorioRelativoNaoVale) {
+  Instala("segunda");
+  const std::filesystem::path anterior = std::filesystem::current_path();
+  std::filesystem::current_path(apoio::CaminhoDoSistema(m_pasta.Caminho()));
+  for (const char *lpDiretorio : {"", ".", "x64\\.."}) {
+    m_instalacao.Define(lpDiretorio);
+    EXPECT_EQ(DescricaoDaBiblioteca(0), "") << lpDiretorio;
+  }
+  std::filesystem::current_path(anterior);
+  m_instalacao.Define(m_pasta.Caminho());
+  EXPECT_EQ(DescricaoDaBiblioteca(0), "segunda");
+}
+
+TEST_F(Biblioteca, LinhaDescrita) {
   EXPECT_EQ(LinhaDescrita("Abre()", "hrAbre", CodigoResultado(0x80070005)),
             "hrAbre = Abre()\thrAbre = 0X80070005 \tSEVERITY = 1 SEVERITY_ERROR\tFACILITY = 7 FACILITY_WIN32\t"
             "CODE = 5 ERROR_ACCESS_DENIED\tDescri\xE7\xE3o = E_ACCESSDENIED");
-  EXPECT_EQ(LinhaDescrita("f()", "hr", 0),
-            "hr = f()\thr = 0 \tSEVERITY = 0 SEVERITY_SUCCESS\tFACILITY = 0 FACILITY_NULL\tCODE = 0 ERROR_SUCCESS\t"
-            "Descri\xE7\xE3o = S_OK");
-  instalacao.InstalaBiblioteca("primeira");
+  Instala("primeira");
   EXPECT_EQ(LinhaDescrita("m_aFiles[idx]->Finaliza(\"%d\")", "hr", codigos::kPosicaoZero),
             "hr = m_aFiles[idx]->Finaliza(\"%d\")\thr = 0X810809D9 100% de %s %n: 810809D9\t"
             "SEVERITY = 1 SEVERITY_ERROR\tFACILITY = 264 QZ_FACILITY_CR_CORE\tCODE = 2521 \t"

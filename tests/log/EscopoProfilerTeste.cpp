@@ -7,63 +7,54 @@
 
 namespace {
 
+constexpr char kSaidas[] = "Saida=1\r\nPerformance=1";
 const std::string kInicio = "21/11/2025|09:05:07.042|kalvo.exe|operador|CQZDF_Veiculos::Le|";
 const std::string kGuid = "{6F9619FF-8B86-D011-B42D-00C04FC964FF}|";
 const std::string kIdentidade = "E0001|U007|S00000042|T00004660|";
 const std::string kMaquina = "8589934592|17179869184|";
 
-class EscopoProfiler : public LogTeste {
-protected:
-  /// What a new log holds after one operation that takes `ms` and makes the process grow by `bytes`.
-  std::vector<std::string> Opera(std::int64_t ms, std::int64_t bytes) {
-    static_cast<void>(plataforma::Arquivos().Apaga(m_instalacao / kArquivoProfiler));
-    {
-      const CQZEscopoProfiler escopo(&m_profiler, {"CQZDF_Veiculos::Le"}, [] {
-        return ParametrosEscopo{{"lPos", std::to_string(1)}};
-      });
-      m_relogio.m_ticks += static_cast<std::uint32_t>(ms);
-      m_informacoes.m_uiMemoriaProcesso += static_cast<std::uint64_t>(bytes);
-    }
-    return Profiler();
-  }
-};
-
-TEST_F(EscopoProfiler, ParByteAByte) {
-  Configura("Entrada=1\r\nSaida=1\r\nPerformance=1\r\nMemory=1");
-  const std::vector<std::string> esperadas = {
-      kCabecalhoProfilerEsperado,
-      kInicio + kGuid + kIdentidade + "ENTROU|" + kMaquina + "3276800|0|0|lPos = 1|",
-      kInicio + kGuid + kIdentidade + "SAIU|" + kMaquina + "3280896|15|4096|",
-  };
-  EXPECT_EQ(Opera(15, 4096), esperadas);
-}
+using EscopoProfiler = LogTeste;
 
 TEST_F(EscopoProfiler, OQueCadaChaveLiga) {
+  using Linhas = std::vector<std::string>;
   const std::string entrou = kIdentidade + "ENTROU|" + kMaquina;
   const std::string saiu = kIdentidade + "SAIU|" + kMaquina;
   const struct {
     const char *ini;
-    std::int64_t ms;
-    std::int64_t bytes;
-    std::string linha;
+    int ms;
+    int bytes;
+    Linhas linhas;  ///< behind the header
   } casos[] = {
-      {"Entrada=1\r\nSaida=1", 5, 5, ""},
-      {"Performance=1\r\nMemory=1", 5, 5, ""},
-      {"Entrada=1\r\nPerformance=1", 5, 5, kInicio + entrou + "0|0|0|lPos = 1|"},
-      {"Saida=1\r\nPerformance=1", 5, 5, kInicio + saiu + "0|5|0|"},
-      {"Saida=1\r\nPerformance=1", -5, 5, kInicio + saiu + "0|0|0|"},
-      {"Saida=1\r\nMemory=1", 5, 5, kInicio + saiu + "1005|0|5|"},
-      {"Saida=1\r\nMemory=1", 5, -5, kInicio + saiu + "995|0|0|"},
-      {"Entrada=1\r\nSaida=1\r\nMemory=1\r\nProcessos=outro", 5, 5, ""},
+      {"Entrada=1\r\nSaida=1\r\nPerformance=1\r\nMemory=1",
+       15,
+       4096,
+       {kInicio + kGuid + entrou + "3276800|0|0|lPos = 1|", kInicio + kGuid + saiu + "3280896|15|4096|"}},
+      {"Entrada=1\r\nSaida=1", 5, 5, {}},
+      {"Performance=1\r\nMemory=1", 5, 5, {}},
+      {"Entrada=1\r\nPerformance=1", 5, 5, {kInicio + entrou + "0|0|0|lPos = 1|"}},
+      {kSaidas, 5, 5, {kInicio + saiu + "0|5|0|"}},
+      {kSaidas, -5, 5, {kInicio + saiu + "0|0|0|"}},
+      {"Saida=1\r\nMemory=1", 5, 5, {kInicio + saiu + "3276805|0|5|"}},
+      {"Saida=1\r\nMemory=1", 5, -5, {kInicio + saiu + "3276795|0|0|"}},
+      {"Entrada=1\r\nSaida=1\r\nMemory=1\r\nProcessos=outro", 5, 5, {}},
   };
   for (const auto &caso : casos) {
     SCOPED_TRACE(caso.ini);
     Configura(caso.ini);
-    m_relogio.m_ticks += 1000;
-    m_informacoes.m_uiMemoriaProcesso = 1000;
-    const std::vector<std::string> linhas = Opera(caso.ms, caso.bytes);
-    EXPECT_EQ(linhas.size(), caso.linha.empty() ? 0U : 2U);
-    EXPECT_EQ(linhas.empty() ? "" : linhas.back(), caso.linha);
+    static_cast<void>(plataforma::Arquivos().Apaga(m_instalacao / kArquivoProfiler));
+    m_informacoes.m_uiMemoriaProcesso = 3276800;
+    {
+      const CQZEscopoProfiler escopo(&m_profiler, {"CQZDF_Veiculos::Le"}, [] {
+        return ParametrosEscopo{{"lPos", "1"}};
+      });
+      m_relogio.m_ticks += static_cast<std::uint32_t>(caso.ms);
+      m_informacoes.m_uiMemoriaProcesso += static_cast<std::uint64_t>(caso.bytes);
+    }
+    Linhas esperadas = caso.linhas;
+    if (!esperadas.empty()) {
+      esperadas.insert(esperadas.begin(), kCabecalhoProfilerEsperado);
+    }
+    EXPECT_EQ(Profiler(), esperadas);
   }
 }
 
@@ -76,13 +67,11 @@ TEST_F(EscopoProfiler, ParametrosNaOrdemSoQuandoEscritos) {
                               {"f", "%s%n\tseis"}, {"g", "7"}, {"h", "8"},         {"i", "9"}, {"j", "10"}};
     });
   };
-  opera();
-  Configura("Saida=1\r\nPerformance=1");
+  Configura(kSaidas);
   opera();
   EXPECT_EQ(pedidos, 0);
   Configura("Entrada=1\r\nPerformance=1");
   opera();
-  EXPECT_EQ(pedidos, 1);
   const std::string esperado = "|CD::F|" + kIdentidade + "ENTROU|" + kMaquina +
                                "0|0|0|a = 1|b = |c = xyz|d = 4|e = 5|f = %s%n|seis|g = 7|h = 8|i = 9|";
   EXPECT_TRUE(Profiler().back().ends_with(esperado)) << Profiler().back();
@@ -100,33 +89,27 @@ TEST_F(EscopoProfiler, ExcecoesNoEscopoENaFormatacao) {
 }
 
 TEST_F(EscopoProfiler, ChavesQueMudamDuranteAOperacao) {
+  const std::string saidas = kSaidas;
   std::optional<CQZEscopoProfiler> escopo;
-  escopo.emplace(&m_profiler, NomeFuncao{"C::F"});
-  Configura("Saida=1\r\nPerformance=1");
-  escopo.reset();
-  EXPECT_TRUE(Profiler().empty()) << "opened while off";
-  for (const char *const lpDepois : {"Saida=1", "Saida=1\r\nPerformance=1\r\nProcessos=outro"}) {
-    Configura("Saida=1\r\nPerformance=1");
+  for (const auto &[antes, depois] : {std::pair<std::string, std::string>{"", saidas},
+                                      {saidas, "Saida=1"},
+                                      {saidas, saidas + "\r\nProcessos=outro"}}) {
+    Configura(antes);
     escopo.emplace(&m_profiler, NomeFuncao{"C::F"});
-    Configura(lpDepois);
+    Configura(depois);
     escopo.reset();
-    EXPECT_TRUE(Profiler().empty()) << "switched off meanwhile: " << lpDepois;
+    EXPECT_TRUE(Profiler().empty()) << antes << ", then " << depois;
   }
-  Configura("Saida=1\r\nPerformance=1");
+  Configura(saidas);
   escopo.emplace(&m_profiler, NomeFuncao{"C::F"});
   EscreveIni("");
   m_relogio.m_ticks += 700000;
   escopo.reset();
   EXPECT_EQ(Profiler().size(), 2U) << "the end reads nothing anew";
-  m_informacoes.m_processo.clear();
-  Configura("Saida=1\r\nPerformance=1");
-  escopo.emplace(&m_profiler, NomeFuncao{"C::F"});
-  escopo.reset();
-  EXPECT_EQ(Profiler().size(), 2U) << "no process name";
 }
 
 TEST_F(EscopoProfiler, IdentidadeDaEntradaESemProfiler) {
-  Configura("Saida=1\r\nPerformance=1");
+  Configura(kSaidas);
   std::optional<CQZProfilerEmpresa> profiler(std::in_place, "0002", kUsuarioInterno, 0xFFFFFFFF);
   std::optional<CQZEscopoProfiler> escopo(std::in_place, &*profiler, NomeFuncao{"C::F"});
   profiler.reset();
@@ -134,6 +117,9 @@ TEST_F(EscopoProfiler, IdentidadeDaEntradaESemProfiler) {
   EXPECT_NE(Profiler().back().find("|C::F|E0002|U65535|S-0000001|T00004660|SAIU|"), std::string::npos);
   { const CQZEscopoProfiler semProfiler(nullptr, {"C::F"}); }
   EXPECT_NE(Profiler().back().find("|C::F|||||SAIU|"), std::string::npos);
+  m_informacoes.m_processo.clear();
+  { const CQZEscopoProfiler semProcesso(nullptr, {"C::F"}); }
+  EXPECT_EQ(Profiler().size(), 3U);
 }
 
 }  // namespace

@@ -1,8 +1,9 @@
-// Files by their paths: opening, moving, deleting and listing, and what an open file refuses to two handles and to two
-// processes.
+// Files by their paths: opening, moving, deleting and listing, what an open file refuses to two handles and to two
+// processes, and what is done to one.
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <iostream>
 
 #include "core/platform/Plataforma.h"
@@ -98,94 +99,151 @@ TEST(Compartilhamento, EntreDoisNoMesmoProcessoEEntreDoisProcessos) {
   }
 }
 
-TEST(Abertura, ModosDeCriacao) {
-  const apoio::PastaTemporaria pasta;
+/// A file of ten bytes.
+class NoDisco : public testing::Test {
+protected:
+  NoDisco() { apoio::EscreveArquivo(m_caminho, "0123456789"); }
+
+  void Abre(Acesso acesso) {
+    ASSERT_FALSE(Arquivos().Abre(m_caminho, {acesso, Compartilhamento::NegaNada, Criacao::SoExistente}, &m_arquivo));
+  }
+  std::string Le(std::uint64_t posicao, std::size_t qtd) {
+    std::string lido(qtd, '#');
+    const FalhaArquivo falha = m_arquivo->Le(posicao, lido.data(), qtd);
+    return falha ? "error " + std::to_string(falha.erroSO) : lido;
+  }
+
+  const apoio::PastaTemporaria m_pasta;
+  const CString m_caminho = m_pasta / "A.DAT";
+  std::unique_ptr<IArquivoAberto> m_arquivo;
+};
+
+TEST_F(NoDisco, ModosDeCriacao) {
   const struct {
     Criacao criacao;
     std::uint32_t erroSemArquivo;
     std::uint32_t erroComArquivo;
     const char *depois;  ///< of an existing file's content
-  } casos[] = {{Criacao::SoExistente, 2, 0, "velho"},
-               {Criacao::CriaNovo, 0, 80, "velho"},
-               {Criacao::AbreOuCria, 0, 0, "velho"},
+  } casos[] = {{Criacao::SoExistente, 2, 0, "0123456789"},
+               {Criacao::CriaNovo, 0, 80, "0123456789"},
+               {Criacao::AbreOuCria, 0, 0, "0123456789"},
                {Criacao::CriaVazio, 0, 0, ""}};
   for (const auto &caso : casos) {
     const ModoAbertura modo{Acesso::LeituraEscrita, Compartilhamento::Exclusivo, caso.criacao};
-    apoio::EscreveArquivo(pasta / "VELHO", "velho");
-    EXPECT_EQ(ErroAoAbrir(pasta / "VELHO", modo), caso.erroComArquivo);
-    EXPECT_EQ(apoio::LeArquivo(pasta / "VELHO"), caso.depois);
-    EXPECT_EQ(ErroAoAbrir(pasta / "NOVO", modo), caso.erroSemArquivo);
-    EXPECT_EQ(Arquivos().Apaga(pasta / "NOVO").erroSO, caso.erroSemArquivo);
+    EXPECT_EQ(ErroAoAbrir(m_caminho, modo), caso.erroComArquivo);
+    EXPECT_EQ(apoio::LeArquivo(m_caminho), caso.depois);
+    EXPECT_EQ(ErroAoAbrir(m_pasta / "NOVO", modo), caso.erroSemArquivo);
+    EXPECT_EQ(Arquivos().Apaga(m_pasta / "NOVO").erroSO, caso.erroSemArquivo);
   }
 }
 
 /// A directory, nothing, and what could only be in a directory that is none.
-TEST(Abertura, OQueNaoEArquivo) {
-  const apoio::PastaTemporaria pasta;
-  pasta.CriaSubpasta("SUB");
-  apoio::EscreveArquivo(pasta / "A.DAT", "conteudo");
+TEST_F(NoDisco, OQueNaoEArquivo) {
+  m_pasta.CriaSubpasta("SUB");
   const std::pair<const char *, std::uint32_t> casos[] = {
       {"SUB", 5}, {"NADA\\A.DAT", 3}, {"A.DAT\\B.DAT", 3}, {"NADA", 2}};
   for (const auto &[nome, erro] : casos) {
     SCOPED_TRACE(nome);
-    EXPECT_EQ(ErroAoAbrir(pasta / nome, {Acesso::Leitura, Compartilhamento::NegaNada, Criacao::SoExistente}), erro);
+    EXPECT_EQ(ErroAoAbrir(m_pasta / nome, {Acesso::Leitura, Compartilhamento::NegaNada, Criacao::SoExistente}), erro);
     std::uint64_t tamanho = 77;
-    EXPECT_EQ(Arquivos().TamanhoDe(pasta / nome, &tamanho).erroSO, erro);
+    EXPECT_EQ(Arquivos().TamanhoDe(m_pasta / nome, &tamanho).erroSO, erro);
     EXPECT_EQ(tamanho, 77u);
     bool bExiste = true;
-    EXPECT_EQ(Arquivos().Existe(pasta / nome, &bExiste).erroSO, erro == 5 ? erro : 0u);
+    EXPECT_EQ(Arquivos().Existe(m_pasta / nome, &bExiste).erroSO, erro == 5 ? erro : 0u);
     EXPECT_FALSE(bExiste);
-    EXPECT_FALSE(Arquivos().SomenteLeitura(pasta / nome));
-    EXPECT_EQ(Arquivos().Apaga(pasta / nome).erroSO, erro);
-    EXPECT_EQ(Move(pasta / "A.DAT", pasta / nome), erro == 2 ? 0u : erro);
+    EXPECT_FALSE(Arquivos().SomenteLeitura(m_pasta / nome));
+    EXPECT_EQ(Arquivos().Apaga(m_pasta / nome).erroSO, erro);
+    EXPECT_EQ(Move(m_caminho, m_pasta / nome), erro == 2 ? 0u : erro);
   }
 }
 
-TEST(Abertura, SomenteLeitura) {
-  const apoio::PastaTemporaria pasta;
-  apoio::EscreveArquivo(pasta / "A.DAT", "conteudo");
-  apoio::EscreveArquivo(pasta / "B.DAT", "outro");
-  apoio::MarcaSomenteLeitura(pasta / "A.DAT", true);
-  EXPECT_TRUE(Arquivos().SomenteLeitura(pasta / "A.DAT"));
-  EXPECT_EQ(ErroAoAbrir(pasta / "A.DAT", {Acesso::Leitura}), 0u);
-  EXPECT_EQ(Arquivos().Apaga(pasta / "A.DAT").erroSO, 5u);
+TEST_F(NoDisco, SomenteLeitura) {
+  apoio::EscreveArquivo(m_pasta / "B.DAT", "outro");
+  apoio::MarcaSomenteLeitura(m_caminho, true);
+  EXPECT_TRUE(Arquivos().SomenteLeitura(m_caminho));
+  EXPECT_EQ(ErroAoAbrir(m_caminho, {Acesso::Leitura}), 0u);
+  EXPECT_EQ(Arquivos().Apaga(m_caminho).erroSO, 5u);
   if (!apoio::SomenteLeituraSemEfeito()) {
     for (const Criacao criacao : {Criacao::SoExistente, Criacao::AbreOuCria, Criacao::CriaVazio}) {
-      EXPECT_EQ(ErroAoAbrir(pasta / "A.DAT", {Acesso::LeituraEscrita, Compartilhamento::NegaNada, criacao}), 5u);
+      EXPECT_EQ(ErroAoAbrir(m_caminho, {Acesso::LeituraEscrita, Compartilhamento::NegaNada, criacao}), 5u);
     }
-    EXPECT_EQ(Move(pasta / "B.DAT", pasta / "A.DAT"), 5u);
+    EXPECT_EQ(Move(m_pasta / "B.DAT", m_caminho), 5u);
   }
-  EXPECT_EQ(apoio::LeArquivo(pasta / "A.DAT"), "conteudo");
-  apoio::MarcaSomenteLeitura(pasta / "A.DAT", false);
-  EXPECT_FALSE(Arquivos().SomenteLeitura(pasta / "A.DAT"));
-  EXPECT_EQ(Arquivos().Apaga(pasta / "A.DAT").erroSO, 0u);
+  EXPECT_EQ(apoio::LeArquivo(m_caminho), "0123456789");
+  apoio::MarcaSomenteLeitura(m_caminho, false);
+  EXPECT_FALSE(Arquivos().SomenteLeitura(m_caminho));
 }
 
-TEST(Nomes, MoveSubstitui) {
-  const apoio::PastaTemporaria pasta;
-  apoio::EscreveArquivo(pasta / "A.TRA", "novo");
-  apoio::EscreveArquivo(pasta / "B.DAT", "velho");
-  EXPECT_EQ(Move(pasta / "NADA", pasta / "B.DAT"), 2u);
-  EXPECT_EQ(Move(pasta / "NADA\\A.TRA", pasta / "B.DAT"), 3u);
-  EXPECT_EQ(Move(pasta / "A.TRA", pasta / "B.DAT"), 0u);
-  EXPECT_FALSE(apoio::ExisteNoDisco(pasta / "A.TRA"));
-  EXPECT_EQ(Move(pasta / "B.DAT", pasta / "B.DAT"), 0u) << "onto itself";
-  EXPECT_EQ(apoio::LeArquivo(pasta / "B.DAT"), "novo");
+TEST_F(NoDisco, MoveSubstitui) {
+  apoio::EscreveArquivo(m_pasta / "A.TRA", "novo");
+  EXPECT_EQ(Move(m_pasta / "NADA", m_caminho), 2u);
+  EXPECT_EQ(Move(m_pasta / "NADA\\A.TRA", m_caminho), 3u);
+  EXPECT_EQ(Move(m_pasta / "A.TRA", m_caminho), 0u);
+  EXPECT_FALSE(apoio::ExisteNoDisco(m_pasta / "A.TRA"));
+  EXPECT_EQ(Move(m_caminho, m_caminho), 0u) << "onto itself";
+  EXPECT_EQ(apoio::LeArquivo(m_caminho), "novo");
 }
 
-TEST(Nomes, Lista) {
-  const apoio::PastaTemporaria pasta;
+TEST_F(NoDisco, Lista) {
   // One has a short alias name on Windows that ends in .TRA.
-  for (const char *nome : {"df2.tra", "DF1.TRA", "DF3.TRAX", "\xC9.DAT", "SEMPONTO"}) {
-    apoio::EscreveArquivo(pasta / nome, "");
+  for (const char *nome : {"df2.tra", "DF3.TRAX", "\xC9.DAT", "SEMPONTO"}) {
+    apoio::EscreveArquivo(m_pasta / nome, "");
   }
-  pasta.CriaSubpasta("DF9.TRA");
+  m_pasta.CriaSubpasta("DF9.TRA");
   using Nomes = std::vector<CString>;
   Nomes nomes{"resto"};
-  EXPECT_FALSE(Arquivos().Lista(pasta.Caminho(), &nomes));
-  EXPECT_EQ(nomes, (Nomes{"DF1.TRA", "DF3.TRAX", "SEMPONTO", "df2.tra", "\xC9.DAT"}));
-  EXPECT_EQ(Arquivos().Lista(pasta / "NADA\\", &nomes).causa, CausaArquivo::CaminhoInvalido);
+  EXPECT_FALSE(Arquivos().Lista(m_pasta.Caminho(), &nomes));
+  EXPECT_EQ(nomes, (Nomes{"A.DAT", "DF3.TRAX", "SEMPONTO", "df2.tra", "\xC9.DAT"}));
+  EXPECT_EQ(Arquivos().Lista(m_pasta / "NADA\\", &nomes).causa, CausaArquivo::CaminhoInvalido);
   EXPECT_TRUE(nomes.empty());
+}
+
+TEST_F(NoDisco, LeEGravaNaPosicaoPedidaTambemAcimaDeQuatroGigabytes) {
+  Abre(Acesso::LeituraEscrita);
+  EXPECT_EQ(Le(7, 3), "789");
+  EXPECT_EQ(Le(10, 0), "");
+  EXPECT_EQ(Le(9, 2), "error 38");
+  EXPECT_EQ(Le(std::uint64_t{1} << 33, 1), "error 38");
+  EXPECT_FALSE(m_arquivo->Grava(2, "XY", 2));
+  EXPECT_FALSE(m_arquivo->Grava(1, "", 0));
+  EXPECT_FALSE(m_arquivo->Descarrega());
+  EXPECT_EQ(apoio::LeArquivo(m_caminho), "01XY456789");
+  EXPECT_FALSE(m_arquivo->AjustaTamanho(4));
+  EXPECT_FALSE(m_arquivo->AjustaTamanho(6));
+  const std::uint64_t longe = (std::uint64_t{1} << 32) + 1;
+  std::uint64_t tamanho = 0;
+  std::uint64_t peloNome = 0;
+  ASSERT_FALSE(m_arquivo->Grava(longe, "longe", 5));
+  EXPECT_FALSE(m_arquivo->Tamanho(&tamanho));
+  EXPECT_FALSE(Arquivos().TamanhoDe(m_caminho, &peloNome));
+  EXPECT_EQ(tamanho, longe + 5);
+  EXPECT_EQ(peloNome, longe + 5);
+  EXPECT_EQ(Le(longe, 5), "longe");
+  EXPECT_EQ(Le(0, 7), std::string("01XY\0\0\0", 7)) << "the position must not lose its upper half";
+}
+
+TEST_F(NoDisco, SoFazOQueOModoPermite) {
+  Abre(Acesso::Leitura);
+  EXPECT_EQ(m_arquivo->Grava(0, "x", 1).erroSO, 5u);
+  EXPECT_TRUE(m_arquivo->AjustaTamanho(0));
+  Abre(Acesso::Escrita);
+  EXPECT_EQ(Le(0, 1), "error 5");
+  EXPECT_FALSE(m_arquivo->Grava(0, "x", 1));
+  EXPECT_EQ(apoio::LeArquivo(m_caminho), "x123456789");
+}
+
+TEST_F(NoDisco, UltimaEscritaMostraAMudanca) {
+  Abre(Acesso::Leitura);
+  std::uint64_t antes = 0;
+  std::uint64_t depois = 0;
+  ASSERT_FALSE(m_arquivo->UltimaEscrita(&antes));
+  // The system's clock for files moves in steps, so the change shows only with the next one.
+  const auto limite = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (depois <= antes && std::chrono::steady_clock::now() < limite) {
+    apoio::EscreveArquivo(m_caminho, "2");
+    ASSERT_FALSE(m_arquivo->UltimaEscrita(&depois));
+  }
+  EXPECT_GT(depois, antes);
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <thread>
-#include <vector>
 
 #include "core/platform/Relogio.h"
 #include "core/platform/ServicosSistema.h"
@@ -25,21 +24,13 @@ TEST(Informacoes, ProcessoEMaquina) {
   EXPECT_NE(Informacoes().IdThread(), outra);
   EXPECT_GE(Informacoes().VersaoSO().maior, 2U);
   EXPECT_NE(Informacoes().NovoGuid(), Informacoes().NovoGuid());
-}
-
-TEST(Informacoes, MemoriaDaMaquinaEDoProcesso) {
   std::uint64_t disponivel = 0;
   std::uint64_t total = 0;
-  ASSERT_TRUE(Informacoes().MemoriaMaquina(&disponivel, &total));
-  EXPECT_GT(disponivel, 0U);
+  std::uint64_t doProcesso = 0;
+  EXPECT_TRUE(Informacoes().MemoriaMaquina(&disponivel, &total));
+  EXPECT_TRUE(Informacoes().MemoriaProcesso(&doProcesso));
   EXPECT_LT(disponivel, total);
-  constexpr std::size_t kBloco = std::size_t{64} << 20;
-  std::uint64_t antes = 0;
-  std::uint64_t depois = 0;
-  ASSERT_TRUE(Informacoes().MemoriaProcesso(&antes));
-  const std::vector<char> bloco(kBloco, 1);
-  ASSERT_TRUE(Informacoes().MemoriaProcesso(&depois));
-  EXPECT_GE(depois, antes + kBloco / 2);
+  EXPECT_TRUE(doProcesso > 100000 && doProcesso < total / 2) << doProcesso;
 }
 
 TEST(Informacoes, CaminhoAbsoluto) {

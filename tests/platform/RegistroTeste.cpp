@@ -16,31 +16,23 @@ using plataforma::AbreChaveRegistro;
 using plataforma::AcessoChave;
 using plataforma::Registro;
 
-/// Keys of its own for each test: the tests may run at the same time, as processes that share one registry.
-class RegistroSistema : public testing::Test {
-protected:
-  const CString m_acima = CString("SOFTWARE\\Wow6432Node\\Tarvel\\TestePlataforma-") +
-                          testing::UnitTest::GetInstance()->current_test_info()->name();
-  const CString m_chave = m_acima + "\\Valores";
-
-  void SetUp() override { m_registro.CriaChave(m_acima); }
-
-  apoio::RegistroTeste m_registro;
-};
-
-TEST_F(RegistroSistema, CadaTipoDeValor) {
+TEST(RegistroSistema, CadaTipoDeValorEAcessoDeEscritaSoAPedido) {
+  const CString sAcima = "SOFTWARE\\Wow6432Node\\Tarvel\\TestePlataforma";
+  const CString sChave = sAcima + "\\Valores";
+  apoio::RegistroTeste registro;
+  registro.CriaChave(sAcima);
   const char *const lpPath = std::getenv("PATH");
   ASSERT_NE(lpPath, nullptr);
   const CString longo(5000, 'x');
   const CString expansivel = "%path%;%KALVO_NAO_EXISTE%;fim";
-  m_registro.DefineTexto(m_chave, "Texto", "C:\\%PATH%\\ \xE7");
-  m_registro.DefineTexto(m_chave, "Longo", longo);
-  m_registro.DefineTexto(m_chave, "Vazio", "");
-  m_registro.Define(m_chave, "SemFim", TipoValor::Texto, "sem");
-  m_registro.DefineTexto(m_chave, "", CString("antes\0depois", 12));
-  m_registro.Define(m_chave, "Expansivel", TipoValor::TextoExpansivel, expansivel);
-  m_registro.Define(m_chave, "Numero", TipoValor::Numero, "\xFE\xFF\xFF\xFF");
-  m_registro.Define(m_chave, "Binario", TipoValor::Binario, CString("\1\0\0\0", 4));
+  registro.DefineTexto(sChave, "Texto", "C:\\%PATH%\\ \xE7");
+  registro.DefineTexto(sChave, "Longo", longo);
+  registro.DefineTexto(sChave, "Vazio", "");
+  registro.Define(sChave, "SemFim", TipoValor::Texto, "sem");
+  registro.DefineTexto(sChave, "", CString("antes\0depois", 12));
+  registro.Define(sChave, "Expansivel", TipoValor::TextoExpansivel, expansivel);
+  registro.Define(sChave, "Numero", TipoValor::Numero, "\xFE\xFF\xFF\xFF");
+  registro.Define(sChave, "Binario", TipoValor::Binario, CString("\1\0\0\0", 4));
   using Texto = std::optional<CString>;
   const struct {
     const char *nome;
@@ -56,30 +48,31 @@ TEST_F(RegistroSistema, CadaTipoDeValor) {
                {"Binario", {}, {}},
                {"Ausente", {}, {}}};
   for (const auto &caso : casos) {
-    EXPECT_EQ(Registro().LeTexto(m_chave, caso.nome, true), caso.texto) << caso.nome;
-    EXPECT_EQ(Registro().LeNumero(m_chave, caso.nome), caso.numero) << caso.nome;
+    EXPECT_EQ(Registro().LeTexto(sChave, caso.nome, true), caso.texto) << caso.nome;
+    EXPECT_EQ(Registro().LeNumero(sChave, caso.nome), caso.numero) << caso.nome;
   }
-  EXPECT_EQ(Registro().LeTexto(m_chave, "Expansivel", false), expansivel);
-  EXPECT_EQ(Registro().LeTexto(CString(m_chave).replace(0, 8, "software") + "\\", "SemFim", false), "sem");
-  EXPECT_TRUE(Registro().ExisteChave(m_acima + "\\")) << "a key above";
-  EXPECT_EQ(Registro().LeTexto(m_chave + "\\Ausente", "", false), std::nullopt);
-}
+  EXPECT_EQ(Registro().LeTexto(sChave, "Expansivel", false), expansivel);
+  EXPECT_EQ(Registro().LeTexto(CString(sChave).replace(0, 8, "software") + "\\", "SemFim", false), "sem");
+  EXPECT_TRUE(Registro().ExisteChave(sAcima + "\\")) << "a key above";
+  EXPECT_EQ(Registro().LeTexto(sChave + "\\Ausente", "", false), std::nullopt);
 
-TEST_F(RegistroSistema, AcessoDeEscritaSoAPedido) {
-  m_registro.DefineTexto(m_chave, "Nome", "antes");
-  EXPECT_EQ(AbreChaveRegistro(m_chave + "\\Ausente", AcessoChave::LeituraEscrita), nullptr) << "nothing is created";
-  const auto leitura = AbreChaveRegistro(m_chave);
-  const auto escrita = AbreChaveRegistro(m_chave + "\\", AcessoChave::LeituraEscrita);
+  EXPECT_EQ(AbreChaveRegistro(sChave + "\\Ausente", AcessoChave::LeituraEscrita), nullptr) << "nothing is created";
+  const auto leitura = AbreChaveRegistro(sChave);
+  const auto escrita = AbreChaveRegistro(sChave + "\\", AcessoChave::LeituraEscrita);
   ASSERT_TRUE(leitura && escrita);
-  EXPECT_FALSE(leitura->GravaTexto("Nome", "depois"));
+  EXPECT_FALSE(leitura->GravaTexto("Texto", "depois"));
   EXPECT_FALSE(leitura->CriaSubchave("Filha"));
-  EXPECT_EQ(leitura->LeTexto("Nome", false), "antes");
-  EXPECT_FALSE(Registro().ExisteChave(m_chave + "\\Filha"));
-  EXPECT_TRUE(escrita->GravaTexto("Nome", "depois"));
+  EXPECT_EQ(leitura->LeTexto("Texto", false), "C:\\%PATH%\\ \xE7");
+  EXPECT_FALSE(Registro().ExisteChave(sChave + "\\Filha"));
+  EXPECT_TRUE(escrita->GravaTexto("Texto", "depois"));
   EXPECT_TRUE(escrita->CriaSubchave("Filha"));
-  EXPECT_EQ(leitura->LeTexto("nome", false), "depois");
-  EXPECT_TRUE(Registro().ExisteChave(m_chave + "\\Filha"));
-  EXPECT_EQ(AbreChaveRegistro(m_chave, AcessoChave::Leitura, "\\\\KALVO-NAO-HA"), nullptr) << "no such machine";
+  EXPECT_EQ(leitura->LeTexto("texto", false), "depois");
+  EXPECT_TRUE(Registro().ExisteChave(sChave + "\\Filha"));
+  EXPECT_EQ(AbreChaveRegistro(sChave, AcessoChave::Leitura, "\\\\KALVO-NAO-HA"), nullptr) << "no such machine";
+#ifdef _WIN32
+  const CString sMaquina = CString("\\\\") + std::getenv("COMPUTERNAME");
+  EXPECT_NE(AbreChaveRegistro(sChave, AcessoChave::Leitura, sMaquina), nullptr) << sMaquina;
+#endif
 }
 
 }  // namespace

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "core/platform/LivroDaThread.h"
+#include "core/platform/ServicosSistema.h"
 #include "core/platform/TravaEntreProcessos.h"
 #include "core/platform/Travas.h"
-#include "tests/apoio/PastaTemporaria.h"
 #include "tests/apoio/ProcessoFilho.h"
 
 namespace {
@@ -130,11 +130,7 @@ TEST(SecaoCompartilhada, LeitoresJuntosEscritoresSos) {
       ++uiOutro;
     }
   };
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 2; ++i) {
-    threads.emplace_back(le);
-    threads.emplace_back(escreve);
-  }
+  std::thread threads[] = {std::thread(le), std::thread(le), std::thread(escreve), std::thread(escreve)};
   for (std::thread &thread : threads) {
     thread.join();
   }
@@ -185,9 +181,7 @@ int TomaTrava(const std::vector<std::string> &argumentos) {
 const apoio::RegistraFilha kQueTomaTrava("toma-trava", TomaTrava);
 
 TEST(TravaEntreProcessos, UmDeCadaVez) {
-  const apoio::PastaTemporaria pasta;  // its last part is a name that no other run of the tests uses
-  const CString inteiro = pasta.Caminho().substr(0, pasta.Caminho().size() - 1);
-  const CString nome = "teste-" + inteiro.substr(inteiro.rfind('\\') + 1);
+  const CString nome = InformacoesDoSistema().NovoGuid();
   const auto trava = CriaTravaEntreProcessos(nome);
   apoio::ProcessoFilho solta("toma-trava", {nome});
   ASSERT_EQ(solta.LeLinha(), "tomou");

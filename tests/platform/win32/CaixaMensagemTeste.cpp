@@ -23,9 +23,4 @@ TEST(CaixaMensagem, SemEspectadorRespondeZeroSemEsperar) {
   EXPECT_EQ(apoio::ProcessoFilho("mostra_sem_espectador").Espera(), 0);
 }
 
-TEST(CaixaMensagem, TextoDoErroDoSistema) {
-  EXPECT_NE(plataforma::InformacoesDoSistema().TextoErro(ERROR_FILE_NOT_FOUND), "");
-  EXPECT_EQ(plataforma::InformacoesDoSistema().TextoErro(0x2FFFFFFF), "");
-}
-
 }  // namespace

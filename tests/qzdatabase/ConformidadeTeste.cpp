@@ -281,19 +281,6 @@ TEST_P(Conformidade, TentaDeNovoOQueNaoEFatal) {
   ConfereTudo(m_sAntes);
 }
 
-/// A handle that lives excludes others, so a failure must not let go of it.
-TEST_P(Conformidade, FalhaNaoLargaOArquivo) {
-  Prepara(m_sAntes);
-  ASSERT_EQ(m_especie.Muda(4), codigos::kOk);
-  Falha(kOpGrava, Nome(), 1117, false);
-  m_falhas.ArmaTambem(
-      AntesDeAbrir(Nome(), [this] { EXPECT_EQ(m_falhas.Abertos(), apoio::CabecalhosLigados() ? 2 : 1); }));
-  EXPECT_EQ(m_especie.Muda(3), codigos::kArqErroFisico);
-  EXPECT_EQ(m_falhas.Disparos(), 2U) << "the failure, and the question whether the handle is dead";
-  m_falhas.Desarma();
-  ConfereTudo(m_especie.Conteudo(4, 2));
-}
-
 /// Memory is obtained before the disk is touched: whichever allocation fails, nothing has happened.
 TEST_P(Conformidade, MemoriaQueFalta) {
   for (const Gravacao &gravacao : m_especie.Gravacoes()) {

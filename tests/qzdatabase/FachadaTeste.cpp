@@ -32,6 +32,7 @@ TEST_F(Fachada, CodigosQueSoDiferemNasMaiusculasCompartilham) {
   Rotina b;
   EXPECT_FALSE(a.QZDataBaseEstaInicializado());
   ASSERT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kOk);
+  ASSERT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kOk) << "again, and is counted once";
   ASSERT_EQ(b.Inicializa(sMinusculo, 2, 2), codigos::kOk);
   EXPECT_EQ(a.Banco(), b.Banco());
   EXPECT_EQ(b.Banco()->GetUsuario(), 1) << "the first one's identity";
@@ -55,38 +56,6 @@ TEST_F(Fachada, FalhaNoFimEContada) {
   EXPECT_TRUE(Falhou(a.Banco()->m_Unico.Grava(Registro(2))));
   EXPECT_EQ(a.Finaliza(), codigos::kArqErroFisico);
   EXPECT_TRUE(ArquivoLivre());
-}
-
-TEST_F(Fachada, FalhaNaoDeixaBancoNemArquivoAberto) {
-  m_empresa.Escreve("TESTE.DAT", Bytes(1, 1));
-  m_empresa.Escreve("UNICO.DAT", "bad");
-  Rotina a;
-  EXPECT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kTamanhoDiferente);
-  EXPECT_FALSE(a.QZDataBaseEstaInicializado());
-  EXPECT_EQ(a.Banco(), nullptr);
-  EXPECT_TRUE(ArquivoLivre());
-  m_empresa.Escreve("UNICO.DAT", Bytes(1, 1));
-  EXPECT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kOk);
-}
-
-TEST_F(Fachada, InicializarDeNovoDevolveOPrimeiroBanco) {
-  apoio::EmpresaComBase outra;
-  m_empresa.Escreve("TESTE.DAT", Bytes(1, 1));
-  Rotina a;
-  ASSERT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kOk);
-  ASSERT_EQ(a.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kOk);
-  ASSERT_EQ(a.Inicializa(outra.Codigo(), 1, 1), codigos::kOk);
-  EXPECT_TRUE(ArquivoLivre()) << "the first company has no user left";
-  apoio::ColetorRastro rastro;
-  EXPECT_EQ(a.Inicializa("", 1, 1), codigos::kSemEmpresa);
-  EXPECT_EQ(rastro.Toma().front(),
-            "CQZDataBaseFacade<class BancoTeste,class CQZBaseParaRotinas>::QZDataBaseInicializa|"
-            "QZDataBaseFacade.h|((HRESULT)0x810809CFL)");
-  Rotina b;
-  ASSERT_EQ(b.Inicializa(m_empresa.Codigo(), 1, 1), codigos::kOk);
-  EXPECT_EQ(a.Finaliza(), codigos::kOk);
-  EXPECT_NE(b.Banco(), nullptr);
-  EXPECT_TRUE(b.QZDataBaseEstaInicializado()) << "an object that has no database takes no one else's away";
 }
 
 TEST_F(Fachada, EmpresasDeMesmoCrcSaoDuas) {

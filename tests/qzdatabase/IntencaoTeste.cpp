@@ -76,23 +76,6 @@ TEST_F(Intencao, ExplicaExatamente) {
   }
 }
 
-/// A repair that fails half way is told as the damage that it is, and made by the next opening.
-TEST_F(Intencao, ReparoQueFalha) {
-  const std::string antes = Bytes(1, 2);
-  const std::string disco = Arquivo(CabecalhoSobre(antes), antes + "torn");
-  for (apoio::SerieFalhas serie(
-           m_falhas, Plano(apoio::kOpGrava | apoio::kOpAjustaTamanho | apoio::kOpDescarrega, "TESTE.DAT", 1117),
-           apoio::Duracao::Persistente);
-       serie.Proxima();) {
-    Anota(Acrescimo(antes, Bytes(3, 3)));
-    m_empresa.Escreve("TESTE.DAT", disco);
-    const HRESULT hr = serie.Roda([&] { return Abre(); });
-    EXPECT_EQ(hr, serie.Disparou() ? codigos::kDadosNaoConferem : codigos::kOk);
-    EXPECT_EQ(Abre(), codigos::kOk);
-    EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 3));
-  }
-}
-
 /// Only a whole note of a creation, under the file's name, is one.
 TEST_F(Intencao, Criacao) {
   using Criacao = CQZIntencaoGravacao::Criacao;
@@ -134,25 +117,6 @@ TEST_F(Intencao, VidaDoCompanheiro) {
   EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
   EXPECT_TRUE(m_falhas.Disparou());
   EXPECT_FALSE(m_empresa.Existe("TESTE.INT"));
-}
-
-/// A handle that dies takes the companion along, with what it notes. Whoever then undoes the write takes it back. Zeros
-/// behind nothing are undone too, over which the header holds.
-TEST_F(Intencao, GravacaoDesfeitaPorOutraAbertura) {
-  for (const std::string &antes : {Bytes(1, 2), std::string()}) {
-    SCOPED_TRACE(antes.size());
-    Poe("TESTE.DAT", antes);
-    ASSERT_EQ(Abre(), codigos::kOk);
-    apoio::PlanoFalha plano = Plano(apoio::kOpGrava, "TESTE.DAT", 1117, true, 4);
-    plano.morte = 0;
-    m_falhas.Arma(plano);
-    std::uint64_t uiPosicao = antes.empty() ? 0 : 1;
-    EXPECT_EQ(ComBanco::Arquivo().Grava(uiPosicao, Registro(0, "x")), codigos::kArqErroFisico);
-    m_falhas.Desarma();
-    EXPECT_EQ(Quantidade(ComBanco::Arquivo()), antes.size() / sizeof(RegTeste));
-    EXPECT_EQ(Disco("TESTE.DAT"), antes);
-    EXPECT_FALSE(m_empresa.Existe("TESTE.INT"));
-  }
 }
 
 /// One that cannot be had is done without.

@@ -62,22 +62,6 @@ TEST_F(ArquivoTexto, LugaresDasLinhas) {
   EXPECT_EQ(Disco("TEXTO.DAT"), h != 0 ? sDuasVezes : Linhas({"um", "DOIS"}));
 }
 
-/// Another program writes to the file while it is closed to be opened for writing: the way of writing is chosen anew.
-TEST_F(ArquivoTexto, OutroProgramaMudaOArquivo) {
-  const std::tuple<Textos, HRESULT, std::uint64_t, Textos> casos[] = {
-      {{"um"}, codigos::kGravacaoAlemDoFim, 2, {"um"}},
-      {{"um", "dois-mais"}, codigos::kOk, 2, {"um", "trinta"}},
-      {{"um", "dois", "tres"}, codigos::kOk, 4, {"um", "dois", "tres", "trinta"}}};
-  for (const auto &[outro, hr, uiPosicaoDepois, depois] : casos) {
-    Prepara(Linhas({"um", "dois"}));
-    m_falhas.Arma(AntesDeAbrir("TEXTO.DAT", [this, bytes = Linhas(outro)] { Poe("TEXTO.DAT", bytes); }));
-    std::uint64_t uiPosicao = 2;
-    EXPECT_EQ(Texto().Grava(uiPosicao, "trinta"), hr);
-    EXPECT_EQ(uiPosicao, uiPosicaoDepois);
-    EXPECT_EQ(Disco("TEXTO.DAT"), Linhas(depois));
-  }
-}
-
 /// Lines that are many, and longer than what is read at once. A damaged end is written anew by the first append, and is
 /// damaged no more.
 TEST_F(ArquivoTexto, LinhasLongasEFimDanificado) {

@@ -32,22 +32,6 @@ TEST_F(Utilitarios, RemoveRegistroZero) {
   }
 }
 
-TEST_F(Utilitarios, FalhaEmCadaOperacaoDeixaOVelhoOuONovo) {
-  const apoio::PlanoFalha plano{.trecho = "DADOS", .falha = plataforma::FalhaWin32(112), .gravaAntes = 9};
-  for (apoio::SerieFalhas serie(m_falhas, plano, apoio::Duracao::Ambas); serie.Proxima();) {
-    m_empresa.Escreve("DADOS.DAT", Bytes(1, 4));
-    const HRESULT hr = serie.Roda([&] { return Remove("DADOS.DAT"); });
-    ASSERT_EQ(m_empresa.Le("DADOS.DAT"), Falhou(hr) ? Bytes(1, 4) : Bytes(2, 4));
-    if (!serie.Persistente()) {
-      ASSERT_FALSE(m_empresa.Existe("DADOS.TRA"));
-    }
-    if (Falhou(hr)) {
-      ASSERT_EQ(Remove("DADOS.DAT"), codigos::kOk) << "a second try works";
-      ASSERT_EQ(m_empresa.Le("DADOS.DAT"), Bytes(2, 4));
-    }
-  }
-}
-
 /// What comes before the move may refuse it. Where the companion is not moved that is undone; where that fails the
 /// companion stays.
 TEST_F(Utilitarios, TrocaRecusadaOuDesfeita) {

@@ -9,9 +9,9 @@
 #include "fuzz/Exige.h"
 #include "fuzz/PastaDaEntrada.h"
 #include "fuzz/Referencia.h"
-#include "tests/apoio/ChaveCabecalho.h"
 #include "tests/apoio/EmpresaTeste.h"
-#include "tests/apoio/RelogioFalso.h"
+#include "tests/apoio/ServicosFalsos.h"
+#include "tests/apoio/ValoresProprios.h"
 #include "vehicles/BaseVeiculos.h"
 
 namespace fuzz {

@@ -7,8 +7,7 @@
 
 #include "core/env/CalendarioCivil.h"
 #include "core/env/QZException.h"
-#include "tests/apoio/RegistroFalso.h"
-#include "tests/apoio/RelogioFalso.h"
+#include "tests/apoio/ServicosFalsos.h"
 #include "tests/apoio/ServicosTrocados.h"
 
 namespace {

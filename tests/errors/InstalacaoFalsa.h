@@ -1,8 +1,8 @@
 #ifndef KALVO_TESTS_ERRORS_INSTALACAOFALSA_H
 #define KALVO_TESTS_ERRORS_INSTALACAOFALSA_H
 
-#include "tests/apoio/InstalacaoPropria.h"
 #include "tests/apoio/PastaTemporaria.h"
+#include "tests/apoio/ValoresProprios.h"
 
 namespace apoio {
 

@@ -10,9 +10,9 @@
 #include "fuzz/Entrada.h"
 #include "fuzz/Exige.h"
 #include "fuzz/Referencia.h"
-#include "tests/apoio/ChaveCabecalho.h"
 #include "tests/apoio/EmpresaTeste.h"
-#include "tests/apoio/RelogioFalso.h"
+#include "tests/apoio/ServicosFalsos.h"
+#include "tests/apoio/ValoresProprios.h"
 #include "vehicles/BaseVeiculos.h"
 
 namespace fuzz {

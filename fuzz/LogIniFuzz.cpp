@@ -16,10 +16,8 @@
 #include "core/platform/Plataforma.h"
 #include "fuzz/Entrada.h"
 #include "fuzz/Exige.h"
-#include "tests/apoio/InformacoesFalsas.h"
 #include "tests/apoio/PastaTemporaria.h"
-#include "tests/apoio/RegistroFalso.h"
-#include "tests/apoio/RelogioFalso.h"
+#include "tests/apoio/ServicosFalsos.h"
 #include "tests/apoio/ServicosTrocados.h"
 
 namespace {

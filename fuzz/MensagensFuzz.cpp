@@ -13,9 +13,8 @@
 #include "core/env/QZPath.h"
 #include "fuzz/Entrada.h"
 #include "fuzz/Exige.h"
-#include "tests/apoio/CaixaFalsa.h"
 #include "tests/apoio/PastaTemporaria.h"
-#include "tests/apoio/RegistroFalso.h"
+#include "tests/apoio/ServicosFalsos.h"
 #include "tests/apoio/ServicosTrocados.h"
 
 namespace {

@@ -101,15 +101,13 @@ int ArquivosComFalha::Abertos() const {
 
 std::optional<std::string> ArquivosComFalha::Conteudo(const CString &sCaminho) {
   std::unique_ptr<IArquivoAberto> proprio;
-  IArquivoAberto *pArquivo = nullptr;
+  static_cast<void>(ArquivosDecorado::Abre(sCaminho, {}, &proprio));
+  IArquivoAberto *pArquivo = proprio.get();
   {
     const std::lock_guard<std::mutex> guarda(m_mutex);
     for (Arquivo *pAberto : m_abertos) {
       pArquivo = pAberto->Chama(sCaminho) && pAberto->Base() ? pAberto->Base().get() : pArquivo;
     }
-  }
-  if (pArquivo == nullptr && !ArquivosDecorado::Abre(sCaminho, {}, &proprio)) {
-    pArquivo = proprio.get();
   }
   if (pArquivo == nullptr) {
     return std::nullopt;

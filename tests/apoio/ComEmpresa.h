@@ -10,7 +10,7 @@
 #include "core/platform/Plataforma.h"
 #include "tests/apoio/ArquivosDecorado.h"
 #include "tests/apoio/EmpresaComBase.h"
-#include "tests/apoio/RelogioFalso.h"
+#include "tests/apoio/ServicosFalsos.h"
 #include "tests/apoio/ServicosTrocados.h"
 
 namespace apoio {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <iostream>
 #include <random>
 #include <sstream>
@@ -54,10 +55,8 @@ Corrida::~Corrida() {
 }
 
 bool Corrida::Proxima() {
-  for (const CString &sNome : Arquivos()) {
-    if (plataforma::Arquivos().Apaga(m_empresa.Caminho(sNome))) {
-      throw std::runtime_error("cannot delete " + sNome);
-    }
+  for (const auto &arquivo : std::filesystem::directory_iterator(CaminhoDoSistema(m_empresa.Caminho("")))) {
+    std::filesystem::remove(arquivo);
   }
   if (m_uiRodada == Rodadas()) {
     return false;
@@ -80,7 +79,7 @@ std::vector<unsigned> Corrida::Roda() {
       throw std::runtime_error("a child has ended");
     }
     m_uiConfirmados += feitos.back();
-    EXPECT_EQ(hr, codigos::kOk) << std::hex << BitsResultado(hr);
+    EXPECT_FALSE(Falhou(hr)) << std::hex << BitsResultado(hr);
   }
   return feitos;
 }
@@ -107,17 +106,9 @@ void Corrida::ConferePasta(const std::vector<CString> &listados) const {
     sLista.erase(std::min(onde, sLista.size()), Linhas({sNome}).size());
   }
   EXPECT_EQ(sLista, "") << "twice or too much";
-  for (const CString &sNome : Arquivos()) {
-    EXPECT_TRUE(sNome.ends_with(".DAT")) << sNome;
+  for (const auto &arquivo : std::filesystem::directory_iterator(CaminhoDoSistema(m_empresa.Caminho("")))) {
+    EXPECT_EQ(arquivo.path().extension().string(), ".DAT") << arquivo.path().string();
   }
-}
-
-std::vector<CString> Corrida::Arquivos() const {
-  std::vector<CString> nomes;
-  if (plataforma::Arquivos().Lista(m_empresa.Caminho(""), &nomes)) {
-    throw std::runtime_error("cannot list the directory");
-  }
-  return nomes;
 }
 
 int Corrida::Corre(const std::vector<std::string> &argumentos, const Parte &parte) {

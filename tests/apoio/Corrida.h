@@ -57,8 +57,6 @@ public:
   static int Corre(const std::vector<std::string> &argumentos, const Parte &parte);
 
 private:
-  std::vector<CString> Arquivos() const;
-
   const EmpresaComBase &m_empresa;
   std::string m_sTitulo;
   std::deque<ProcessoFilho> m_filhos;

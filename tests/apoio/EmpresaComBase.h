@@ -10,8 +10,8 @@
 
 #include "core/qzdatabase/disco/CabecalhoArquivo.h"
 #include "core/qzdatabase/disco/QZCrc64.h"
-#include "tests/apoio/ChaveCabecalho.h"
 #include "tests/apoio/EmpresaTeste.h"
+#include "tests/apoio/ValoresProprios.h"
 
 namespace apoio {
 
@@ -34,10 +34,7 @@ inline std::string NoDisco(const CString &sNome, const std::string &sDados) {
 inline std::string Linhas(const std::vector<std::string> &textos) {
   std::string bytes;
   for (const std::string &texto : textos) {
-    for (unsigned i = 0; i < 4; ++i) {
-      bytes.push_back(static_cast<char>(texto.size() >> (8 * i)));
-    }
-    bytes += texto;
+    bytes += Bytes(static_cast<std::uint32_t>(texto.size())) + texto;
   }
   return bytes;
 }

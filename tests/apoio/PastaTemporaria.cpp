@@ -49,15 +49,10 @@ PastaTemporaria::PastaTemporaria() {
 }
 
 PastaTemporaria::~PastaTemporaria() {
-  if (s_bGuarda) {
-    return;
+  std::error_code semImportancia;
+  if (!s_bGuarda) {
+    std::filesystem::remove_all(CaminhoDoSistema(m_caminho), semImportancia);
   }
-  const std::filesystem::path pasta = CaminhoDoSistema(m_caminho);
-  std::error_code erro;
-  for (std::filesystem::recursive_directory_iterator it(pasta, erro), fim; it != fim; it.increment(erro)) {
-    std::filesystem::permissions(it->path(), std::filesystem::perms::owner_all, erro);
-  }
-  std::filesystem::remove_all(pasta, erro);
 }
 
 CString PastaTemporaria::CriaSubpasta(const CString &sNome) const {

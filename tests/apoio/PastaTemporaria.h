@@ -7,7 +7,7 @@
 
 namespace apoio {
 
-/// A new directory that is removed at the end, with its sub-directories and read-only files.
+/// A new directory that is removed at the end, with its sub-directories.
 class PastaTemporaria {
 public:
   PastaTemporaria();

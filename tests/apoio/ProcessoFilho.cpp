@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <cstdlib>
 #include <map>
 #include <utility>
 
@@ -19,13 +20,10 @@ RegistraFilha::RegistraFilha(const char *lpNome, FuncaoFilha funcao) {
   Filhas()[lpNome] = funcao;
 }
 
-bool ExecutaFilha(int argc, char **argv, int *codigo) {
-  if (argc < 3 || std::string(argv[1]) != "--filho") {
-    return false;
+void ExecutaFilha(int argc, char **argv) {
+  if (argc >= 3 && std::string(argv[1]) == "--filho") {
+    std::exit(Filhas().at(argv[2])({argv + 3, argv + argc}));
   }
-  const auto achada = Filhas().find(argv[2]);
-  *codigo = achada != Filhas().end() ? achada->second({argv + 3, argv + argc}) : 127;
-  return true;
 }
 
 ProcessoFilho::~ProcessoFilho() {

@@ -16,8 +16,9 @@ public:
   RegistraFilha(const char *nome, FuncaoFilha funcao);
 };
 
-/// Runs the child function that the program's arguments name. False when they name none: the tests run then.
-bool ExecutaFilha(int argc, char **argv, int *codigo);
+/// Runs the child function that the program's arguments name, and ends the program. Nothing happens when they name
+/// none.
+void ExecutaFilha(int argc, char **argv);
 
 /// The running test program once more, as a child that runs one registered function. The two talk in lines: the
 /// child's standard input and output are pipes to the parent; its error output is the parent's.

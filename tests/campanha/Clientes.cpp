@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstring>
 #include <iostream>
+#include <numeric>
 #include <sstream>
 
 using namespace apoiocom;
@@ -24,16 +25,13 @@ std::uint32_t NumeroDe(const tagREG_VEICULOPS &veiculo) {
 
 HRESULT LeTudo(IQZDF_Veiculos &veiculos, std::vector<std::uint32_t> *pNumeros) {
   UINT uiQtd = 0;
-  HRESULT hr = veiculos.GetQuantidadeRegistros(&uiQtd);
-  if (hr != S_OK || uiQtd == 0) {
-    return hr;
-  }
-  std::vector<LONG> posicoes = Busca(veiculos, tagREG_FILTRO_VEICULOSPS{}, &hr);
+  const HRESULT hr = veiculos.GetQuantidadeRegistros(&uiQtd);
+  std::vector<LONG> posicoes(uiQtd);
+  std::iota(posicoes.begin(), posicoes.end(), 1);
   std::vector<tagREG_VEICULOPS> lidos(uiQtd);
-  hr = hr == S_OK && posicoes.size() != uiQtd ? E_UNEXPECTED : hr;
-  hr = hr == S_OK ? veiculos.LePonteiros(uiQtd, posicoes.data(), lidos.data()) : hr;
+  const HRESULT hrLe = uiQtd != 0 ? veiculos.LePonteiros(uiQtd, posicoes.data(), lidos.data()) : hr;
   std::transform(lidos.begin(), lidos.end(), std::back_inserter(*pNumeros), NumeroDe);
-  return hr;
+  return hrLe;
 }
 
 /// A client's side.

@@ -1,7 +1,6 @@
 // A company on a file system that becomes full.
 
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 
@@ -25,9 +24,6 @@ protected:
     }
     m_sDisco = CString(lpDisco) + "\\";
     ParteDaCampanha::SetUp();
-    for (const auto &arquivo : std::filesystem::directory_iterator(apoio::CaminhoDoSistema(m_sDisco))) {
-      std::filesystem::remove(arquivo);
-    }
     m_registro.DefineTexto(CString(kChaveSuite) + "Empresas\\" + kEmpresa, "DF", m_sDisco);
   }
 
@@ -46,7 +42,6 @@ protected:
   }
 
   CString m_sDisco;
-  apoio::RegistroTeste m_registro;
   CLivro m_livro;
   std::uint32_t m_uiNumero = 0;
 };

@@ -12,10 +12,6 @@ using namespace apoiocom;
 namespace campanha {
 namespace {
 
-/// Companies that are opened and closed all the time: an open file cannot be taken.
-constexpr CEscritores::Modo kModos[] = {{.uiQtd = 1, .uiGravacoesPorObjeto = 4},
-                                        {.uiQtd = 2, .uiGravacoesPorObjeto = 4},
-                                        {.uiQtd = 1, .uiGravacoesPorObjeto = 50}};
 constexpr unsigned kGravacoesDePreparo = 30;
 
 constexpr unsigned kSeguraPoucoMs = 250;  ///< a server insists for half a second at least
@@ -35,21 +31,19 @@ std::string Hexa(HRESULT hr) {
   return texto;
 }
 
-/// Tries until nothing fails.
+/// Tries until it works.
 template <class Tentativa>
 bool Insiste(ULONGLONG ullMs, Tentativa tenta) {
   const ULONGLONG ullFim = GetTickCount64() + ullMs;
-  while (tenta()) {
-    if (GetTickCount64() > ullFim) {
-      return false;
-    }
+  bool bFeito = false;
+  while (!(bFeito = tenta()) && GetTickCount64() < ullFim) {
     Sleep(1);
   }
-  return true;
+  return bFeito;
 }
 
 bool Move(const CString &sDeOnde, const CString &sParaOnde, ULONGLONG ullMs) {
-  return Insiste(ullMs, [&] { return plataforma::Arquivos().MoveSubstituindo(sDeOnde, sParaOnde); });
+  return Insiste(ullMs, [&] { return !plataforma::Arquivos().MoveSubstituindo(sDeOnde, sParaOnde); });
 }
 
 class EstorvoDeFora : public ParteDaCampanha {
@@ -63,10 +57,13 @@ protected:
     const std::vector<Handle> servidores = Servidores();
     ASSERT_EQ(servidores.size(), 1U);
     const unsigned uiSegundos = apoio::DoAmbiente("KALVO_SEGUNDOS", 4);
-    CLivro livros[std::size(kModos)];
+    // Companies that are opened and closed all the time: an open file cannot be taken.
+    const CEscritores::Modo modos[] = {{.uiQtd = 1, .uiGravacoesPorObjeto = 4, .uiSegundos = uiSegundos + 1},
+                                       {.uiQtd = 2, .uiGravacoesPorObjeto = 4, .uiSegundos = uiSegundos + 1},
+                                       {.uiQtd = 1, .uiGravacoesPorObjeto = 50, .uiSegundos = uiSegundos + 1}};
+    CLivro livros[std::size(modos)];
     std::deque<CEscritores> escritores;
-    for (CEscritores::Modo modo : kModos) {
-      modo.uiSegundos = uiSegundos + 1;
+    for (const CEscritores::Modo &modo : modos) {
       escritores.emplace_back(m_empresas.emplace_back().Codigo(), modo, CLivro(), m_gerador).Comeca();
       escritores.back().EsperaGravacoes(kGravacoesDePreparo);
     }
@@ -95,7 +92,7 @@ protected:
 
   /// A file of the companies that are disturbed.
   CString SorteiaArquivo(bool bComDados) {
-    const CString sPasta = m_empresas[m_gerador() % (std::size(kModos) - 1)].Arquivo("");
+    const CString sPasta = m_empresas[m_gerador() % (m_empresas.size() - 1)].Arquivo("");
     std::vector<CString> nomes;
     static_cast<void>(plataforma::Arquivos().Lista(sPasta, &nomes));
     std::erase_if(nomes, [&](const CString &sNome) { return bComDados && !sNome.ends_with(".DAT"); });
@@ -109,7 +106,7 @@ protected:
     const unsigned uiAto = bTudo ? m_gerador() % 4 : 0;
     if (uiAto == 0) {
       std::unique_ptr<plataforma::IArquivoAberto> sozinho;
-      if (!Insiste(kTentaMs, [&] { return plataforma::Arquivos().Abre(sCaminho, {}, &sozinho); })) {
+      if (!Insiste(kTentaMs, [&] { return !plataforma::Arquivos().Abre(sCaminho, {}, &sozinho); })) {
         return "";
       }
       Sleep(m_gerador() % (bTudo ? kSeguraMs : kSeguraPoucoMs));

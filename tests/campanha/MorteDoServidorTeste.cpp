@@ -46,7 +46,7 @@ TEST_F(MorteDoServidor, OConfirmadoEstaLaEAEmpresaAbre) {
     EXPECT_TRUE(livro.Recusas().empty()) << std::hex << livro.Recusas().begin()->first;
     uiNoMeio += NoMeioDeUmaGravacao(empresa) ? 1U : 0U;
     ASSERT_NO_FATAL_FAILURE(Confere(empresa.Codigo(), livro));
-    ASSERT_EQ(Sobras(empresa.Arquivo(""), ".TRA"), 0);
+    ASSERT_FALSE(TemSobras(empresa.Arquivo("")));
   }
   std::cout << apoio::Rodadas() << " kills, " << livro.Confirmadas() << " writes acknowledged; " << Veredito() << "; "
             << uiNoMeio << " kills left a noted write" << std::endl;

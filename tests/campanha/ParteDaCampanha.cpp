@@ -7,14 +7,12 @@
 #include <thread>
 
 #include "core/env/QZPath.h"
-#include "tests/apoio/ChaveCabecalho.h"
+#include "tests/apoio/ValoresProprios.h"
 
 using namespace apoiocom;
 
 namespace campanha {
 namespace {
-
-constexpr DWORD kPrazoDeLeituraMs = 60000;
 
 constexpr char kChave[] = "SOFTWARE\\Wow6432Node\\Tarvel";
 
@@ -40,10 +38,6 @@ public:
 
 const testing::Environment *const g_pAmbiente = testing::AddGlobalTestEnvironment(new AmbienteCampanha);
 
-std::filesystem::path Caminho(const CString &sPasta) {
-  return apoio::CaminhoDoSistema(sPasta);
-}
-
 }  // namespace
 
 void Mata(HANDLE hServidor) {
@@ -65,13 +59,12 @@ void MataServidores() {
 /// for its end). And its service can still name a server that was ended by force: none of ours was reached.
 Resposta LeEmpresa(const std::string &sEmpresa) {
   for (bool bDeNovo = true;; bDeNovo = false) {
-    CCliente cliente(kPrazoDeLeituraMs);
+    CCliente cliente(kPrazo);
     Resposta lida = cliente.Ouve();
     const bool bNaoAlcancou = ServidorSeFoi(lida.hr);
     lida = lida.hr == S_OK ? cliente.Pede("abre " + sEmpresa) : lida;
     lida = lida.hr == S_OK ? cliente.Pede("le") : lida;
-    const bool bNaoVoltou = cliente.Espera() == CCliente::kNaoVoltou;
-    if (bNaoVoltou || bNaoAlcancou) {
+    if (cliente.Espera() == CCliente::kNaoVoltou || bNaoAlcancou) {
       std::cout << "a reading client did not come back or reach a server; all were ended" << std::endl;
       MataServidores();
     }
@@ -110,9 +103,9 @@ void ParteDaCampanha::Confere(const std::string &sEmpresa, CLivro &livro) {
   ASSERT_EQ(livro.Confere(leitura.numeros), "");
 }
 
-std::ptrdiff_t ParteDaCampanha::Sobras(const CString &sPasta, const char *lpExtensao) {
-  return std::ranges::count_if(std::filesystem::directory_iterator(Caminho(sPasta)),
-                               [&](const auto &arquivo) { return arquivo.path().extension() == lpExtensao; });
+bool ParteDaCampanha::TemSobras(const CString &sPasta) {
+  return std::ranges::any_of(std::filesystem::directory_iterator(apoio::CaminhoDoSistema(sPasta)),
+                             [](const auto &arquivo) { return arquivo.path().extension() == ".TRA"; });
 }
 
 void ParteDaCampanha::EsperaAte(unsigned uiMilissegundos) {

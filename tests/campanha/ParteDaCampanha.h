@@ -38,8 +38,8 @@ protected:
   /// A new client finds in the company what its book says.
   static void Confere(const std::string &sEmpresa, CLivro &livro);
 
-  /// How many files of a folder have this extension.
-  static std::ptrdiff_t Sobras(const CString &sPasta, const char *lpExtensao);
+  /// Whether a folder has companions of files that somebody has left half way.
+  static bool TemSobras(const CString &sPasta);
 
   /// Waits for any time up to so many milliseconds.
   void EsperaAte(unsigned uiMilissegundos);
@@ -48,12 +48,12 @@ protected:
   static const char *Veredito() { return HasFailure() ? "NOT ALL AS IT MUST BE" : "nothing lost"; }
 
   std::mt19937 m_gerador;
+  apoio::RegistroTeste m_registro;
   std::deque<apoiocom::Empresa> m_empresas;
 
 private:
   unsigned m_uiSemente = apoio::DoAmbiente("KALVO_SEMENTE", std::random_device()());
   apoio::PastaTemporaria m_instalacao;
-  apoio::RegistroTeste m_registro;
 };
 
 }  // namespace campanha

@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "tests/apoio/ChaveCabecalho.h"
+#include "tests/apoio/ValoresProprios.h"
 #include "tests/com/ApoioCom.h"
 #include "vehicles/RegVeiculo.h"
 

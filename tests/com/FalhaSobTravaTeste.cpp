@@ -9,9 +9,9 @@
 #include "core/platform/LivroDaThread.h"
 #include "core/platform/ServicosSistema.h"
 #include "tests/apoio/ArquivosDecorado.h"
-#include "tests/apoio/ChaveCabecalho.h"
 #include "tests/apoio/ColetorRastro.h"
 #include "tests/apoio/ServicosTrocados.h"
+#include "tests/apoio/ValoresProprios.h"
 #include "tests/com/ApoioServico.h"
 
 // Machine faults and exceptions below the service object, raised by a file system that faults on demand: while the lock

@@ -13,8 +13,7 @@
 #include "server/ContagemModulo.h"
 #include "tests/apoio/ArquivosDecorado.h"
 #include "tests/apoio/ColetorRastro.h"
-#include "tests/apoio/RegistroFalso.h"
-#include "tests/apoio/RelogioFalso.h"
+#include "tests/apoio/ServicosFalsos.h"
 #include "tests/apoio/ServicosTrocados.h"
 #include "tests/com/ApoioServico.h"
 

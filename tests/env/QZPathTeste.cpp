@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/apoio/RegistroFalso.h"
 #include "tests/apoio/RegistroTeste.h"
+#include "tests/apoio/ServicosFalsos.h"
 #include "tests/apoio/ServicosTrocados.h"
 
 namespace {

@@ -5,8 +5,7 @@
 #include <utility>
 
 #include "core/env/QZException.h"
-#include "tests/apoio/RegistroFalso.h"
-#include "tests/apoio/RelogioFalso.h"
+#include "tests/apoio/ServicosFalsos.h"
 #include "tests/apoio/ServicosTrocados.h"
 
 namespace {

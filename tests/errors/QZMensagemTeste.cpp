@@ -7,10 +7,8 @@
 #include "core/env/QZException.h"
 #include "core/env/QZPath.h"
 #include "core/platform/ServicosSistema.h"
-#include "tests/apoio/CaixaFalsa.h"
-#include "tests/apoio/InformacoesFalsas.h"
 #include "tests/apoio/PastaTemporaria.h"
-#include "tests/apoio/RegistroFalso.h"
+#include "tests/apoio/ServicosFalsos.h"
 #include "tests/apoio/ServicosTrocados.h"
 
 namespace {

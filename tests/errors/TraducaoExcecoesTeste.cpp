@@ -14,7 +14,7 @@
 #include "core/env/QZException.h"
 #include "core/errors/QZExceptionEx.h"
 #include "core/platform/CFileException.h"
-#include "tests/apoio/CaixaFalsa.h"
+#include "tests/apoio/ServicosFalsos.h"
 #include "tests/apoio/ServicosTrocados.h"
 
 namespace {

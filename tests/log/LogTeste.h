@@ -12,10 +12,8 @@
 #include "core/log/QZProfilerEmpresa.h"
 #include "core/platform/ServicosSistema.h"
 #include "tests/apoio/ArquivosDecorado.h"
-#include "tests/apoio/InformacoesFalsas.h"
 #include "tests/apoio/PastaTemporaria.h"
-#include "tests/apoio/RegistroFalso.h"
-#include "tests/apoio/RelogioFalso.h"
+#include "tests/apoio/ServicosFalsos.h"
 #include "tests/apoio/ServicosTrocados.h"
 
 /// The key under which the installation directory stands.

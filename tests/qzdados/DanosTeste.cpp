@@ -1,8 +1,8 @@
 // Damaged files: what the server says of each, what the tool says, and that the server opens what the tool repairs.
 
 #include "client/Codificacao.h"
-#include "tests/apoio/ChaveCabecalho.h"
 #include "tests/apoio/EmpresaComBase.h"
+#include "tests/apoio/ValoresProprios.h"
 #include "tests/qzdados/ApoioQzdados.h"
 #include "tests/vehicles/AmostraVeiculos.h"
 #include "vehicles/BaseVeiculos.h"

@@ -7,7 +7,7 @@
 #include "core/platform/Plataforma.h"
 #include "qzdados/ArquivoEmExame.h"
 #include "tests/apoio/EmpresaTeste.h"
-#include "tests/apoio/RelogioFalso.h"
+#include "tests/apoio/ServicosFalsos.h"
 #include "tests/apoio/ServicosTrocados.h"
 #include "tests/qzdados/ApoioQzdados.h"
 

@@ -7,7 +7,7 @@
 #include "core/platform/TravaEntreProcessos.h"
 #include "core/qzdatabase/banco/QZDataBaseUtil.h"
 #include "core/qzdatabase/disco/NomeTrava.h"
-#include "tests/apoio/ChaveCabecalho.h"
+#include "tests/apoio/ValoresProprios.h"
 #include "tests/qzdatabase/BancoTeste.h"
 
 namespace {

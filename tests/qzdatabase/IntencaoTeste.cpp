@@ -2,7 +2,7 @@
 
 #include "core/qzdatabase/disco/IntencaoGravacao.h"
 
-#include "tests/apoio/ChaveCabecalho.h"
+#include "tests/apoio/ValoresProprios.h"
 #include "tests/qzdatabase/BancoTeste.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include "core/platform/MemoriaTarefa.h"
 #include "tests/apoio/ColetorRastro.h"
 #include "tests/apoio/ComEmpresa.h"
-#include "tests/apoio/InstalacaoPropria.h"
 #include "tests/apoio/SerieFalhas.h"
+#include "tests/apoio/ValoresProprios.h"
 #include "tests/vehicles/AmostraVeiculos.h"
 
 namespace {

@@ -42,7 +42,7 @@ TEST_F(MorteNaConversao, SoOPrimeiroRegistroSaiEUmaVez) {
     SCOPED_TRACE(testing::Message() << "round " << uiRodada);
     m_empresas.clear();
     const Empresa &empresa = m_empresas.emplace_back();
-    apoio::EscreveArquivo(empresa.Arquivo("DFVEIC.DAT"), Base('0'));
+    apoio::EscreveArquivo(empresa.Caminho("DFVEIC.DAT"), Base('0'));
     MataServidores();
     std::deque<CCliente> clientes;
     while (clientes.size() < (uiRodada % 3 == 0 ? 1U : 2U)) {
@@ -57,7 +57,7 @@ TEST_F(MorteNaConversao, SoOPrimeiroRegistroSaiEUmaVez) {
     if (uiRodada % 3 != 2) {
       const unsigned uiTrocas = m_gerador() % 3;  // of the new records' file that are waited for
       for (unsigned i = 0; i < uiTrocas; ++i) {
-        EsperaQue(i == 0, empresa.Arquivo("DFVEIC.TRA"));
+        EsperaQue(i == 0, empresa.Caminho("DFVEIC.TRA"));
       }
       EsperaAte(uiTrocas == 0 ? kNaAberturaMs : kDepoisMs);
       Mata(servidores[m_gerador() % servidores.size()].get());
@@ -68,12 +68,12 @@ TEST_F(MorteNaConversao, SoOPrimeiroRegistroSaiEUmaVez) {
       cliente.Espera();
     }
     MataServidores();
-    uiNoMeio += Sobras(empresa.Arquivo(""), ".TRA") != 0 ? 1U : 0U;
+    uiNoMeio += Sobras(empresa.Caminho(""), ".TRA") != 0 ? 1U : 0U;
 
     const Resposta leitura = LeEmpresa(empresa.Codigo());
     ASSERT_EQ(Bits(leitura.hr), Bits(S_OK)) << "the company does not open";
     ASSERT_TRUE(Registros(empresa) == Base('1')) << "not the old records but the first";
-    ASSERT_EQ(Sobras(empresa.Arquivo(""), ".TRA"), 0);
+    ASSERT_EQ(Sobras(empresa.Caminho(""), ".TRA"), 0);
   }
   std::cout << apoio::Rodadas() << " conversions, " << uiMortas << " with a kill, of which " << uiNoMeio
             << " left companions of files; " << uiConvertidas << " clients were told that it was done; " << Veredito()

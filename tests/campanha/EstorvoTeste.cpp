@@ -92,7 +92,7 @@ protected:
 
   /// A file of the companies that are disturbed.
   CString SorteiaArquivo(bool bComDados) {
-    const CString sPasta = m_empresas[m_gerador() % (m_empresas.size() - 1)].Arquivo("");
+    const CString sPasta = m_empresas[m_gerador() % (m_empresas.size() - 1)].Caminho("");
     std::vector<CString> nomes;
     static_cast<void>(plataforma::Arquivos().Lista(sPasta, &nomes));
     std::erase_if(nomes, [&](const CString &sNome) { return bComDados && !sNome.ends_with(".DAT"); });
@@ -134,7 +134,7 @@ protected:
   static void ConfereRecusas(const Empresa &empresa, const CLivro &livro) {
     for (const auto &[hr, uiVezes] : livro.Recusas()) {
       EXPECT_EQ(std::ranges::count(kDeArquivoAlheio, Bits(hr)), 1) << Hexa(hr);
-      EXPECT_NE(apoio::LeArquivo(empresa.Arquivo("QZProfilerErros.dat")).find(Hexa(hr)), std::string::npos)
+      EXPECT_NE(apoio::LeArquivo(empresa.Caminho("QZProfilerErros.dat")).find(Hexa(hr)), std::string::npos)
           << Hexa(hr) << " is not in the log";
       std::cout << Hexa(hr) << " " << uiVezes << " times, ";
     }

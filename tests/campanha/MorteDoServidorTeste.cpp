@@ -21,7 +21,7 @@ using MorteDoServidor = ParteDaCampanha;
 
 /// Whether the kill left a write half way or between record and header, by the note beside the vehicles.
 bool NoMeioDeUmaGravacao(const Empresa &empresa) {
-  const CString sNota = empresa.Arquivo("DFVEIC.INT");
+  const CString sNota = empresa.Caminho("DFVEIC.INT");
   return apoio::ExisteNoDisco(sNota) && apoio::LeArquivo(sNota).substr(0, 8) != std::string(8, '\0');
 }
 
@@ -46,7 +46,7 @@ TEST_F(MorteDoServidor, OConfirmadoEstaLaEAEmpresaAbre) {
     EXPECT_TRUE(livro.Recusas().empty()) << std::hex << livro.Recusas().begin()->first;
     uiNoMeio += NoMeioDeUmaGravacao(empresa) ? 1U : 0U;
     ASSERT_NO_FATAL_FAILURE(Confere(empresa.Codigo(), livro));
-    ASSERT_FALSE(TemSobras(empresa.Arquivo("")));
+    ASSERT_FALSE(TemSobras(empresa.Caminho("")));
   }
   std::cout << apoio::Rodadas() << " kills, " << livro.Confirmadas() << " writes acknowledged; " << Veredito() << "; "
             << uiNoMeio << " kills left a noted write" << std::endl;

@@ -40,7 +40,7 @@ TEST_F(MorteNaConversao, SoOPrimeiroRegistroSaiEUmaVez) {
     SCOPED_TRACE(testing::Message() << "round " << uiRodada);
     m_empresas.clear();
     const Empresa &empresa = m_empresas.emplace_back();
-    apoio::EscreveArquivo(empresa.Arquivo("DFVEIC.DAT"), Base('0'));
+    apoio::EscreveArquivo(empresa.Caminho("DFVEIC.DAT"), Base('0'));
     MataServidores();
     std::deque<CCliente> clientes;
     while (clientes.size() < (uiRodada % 3 == 0 ? 1U : 2U)) {
@@ -55,7 +55,7 @@ TEST_F(MorteNaConversao, SoOPrimeiroRegistroSaiEUmaVez) {
     if (uiRodada % 3 != 2) {
       const unsigned uiTrocas = m_gerador() % 3;  // of the new records' file that are waited for
       for (unsigned i = 0; i < uiTrocas; ++i) {
-        EsperaQue(i == 0, empresa.Arquivo("DFVEIC.TRA"));
+        EsperaQue(i == 0, empresa.Caminho("DFVEIC.TRA"));
       }
       EsperaAte(uiTrocas == 0 ? kNaAberturaMs : kDepoisMs);
       Mata(servidores[m_gerador() % servidores.size()].get());
@@ -64,12 +64,12 @@ TEST_F(MorteNaConversao, SoOPrimeiroRegistroSaiEUmaVez) {
       cliente.Espera();
     }
     MataServidores();
-    uiNoMeio += TemSobras(empresa.Arquivo("")) ? 1U : 0U;
+    uiNoMeio += TemSobras(empresa.Caminho("")) ? 1U : 0U;
 
     const Resposta leitura = LeEmpresa(empresa.Codigo());
     ASSERT_EQ(Bits(leitura.hr), Bits(S_OK)) << "the company does not open";
     ASSERT_TRUE(Registros(empresa) == Base('1')) << "not the old records but the first";
-    ASSERT_FALSE(TemSobras(empresa.Arquivo("")));
+    ASSERT_FALSE(TemSobras(empresa.Caminho("")));
   }
   std::cout << apoio::Rodadas() << " conversions, two of three with a kill, of which " << uiNoMeio
             << " left companions of files; " << Veredito() << " but one record each" << std::endl;

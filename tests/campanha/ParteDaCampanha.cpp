@@ -87,7 +87,7 @@ void ParteDaCampanha::TearDown() {
     apoio::PastaTemporaria::GuardaTodas();
     std::cout << "seed " << m_uiSemente << ": the logs are kept in " << m_instalacao.Caminho();
     for (const Empresa &empresa : m_empresas) {
-      std::cout << ", a company in " << empresa.Arquivo("");
+      std::cout << ", a company in " << empresa.Caminho("");
     }
     std::cout << std::endl;
   }

@@ -63,7 +63,7 @@ bool Chama(IQZDF_Veiculos &veiculos, std::mt19937 &gerador) {
   Busca(veiculos, filtro, &hrBusca);
   return hrBusca == S_OK && veiculos.Grava(&lPos, VeiculoNumerado(static_cast<std::uint32_t>(lPos))) == S_OK &&
          veiculos.Le(lPos, lidos.data()) == S_OK &&
-         veiculos.Existe(Texto(std::to_string(lPos)).Ponteiro(), &lPos, lidos.data()) == S_OK &&
+         veiculos.Existe(Texto(std::to_string(lPos)).Get(), &lPos, lidos.data()) == S_OK &&
          veiculos.LePonteiros(static_cast<UINT>(posicoes.size()), posicoes.data(), lidos.data()) == S_OK &&
          veiculos.GetQuantidadeRegistros(&uiQtd) == S_OK && uiQtd == kVeiculos;
 }

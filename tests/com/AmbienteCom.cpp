@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <memory>
-
 #include "tests/com/ApoioCom.h"
 
 namespace {
@@ -13,7 +11,7 @@ public:
     apoiocom::EsqueceServidores();  // an earlier run may have ended one
     std::string sErro;
     ASSERT_EQ(apoiocom::ExecutaKalvo("/RegServer", &sErro), 0U) << sErro;
-    m_spApartamento = std::make_unique<apoiocom::Apartamento>();
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     // Several clients that activate at once each start a server under Wine; the first activation is made alone.
     HRESULT hr = S_OK;
     const apoiocom::Veiculos spVeiculos = apoiocom::Cria(&hr);
@@ -21,14 +19,11 @@ public:
   }
 
   void TearDown() override {
-    m_spApartamento.reset();
+    CoUninitialize();
     EXPECT_GE(apoiocom::EsperaServidorTerminar(), 0) << "the server did not end";
     std::string sErro;
     EXPECT_EQ(apoiocom::ExecutaKalvo("-unregserver", &sErro), 0U) << sErro;
   }
-
-private:
-  std::unique_ptr<apoiocom::Apartamento> m_spApartamento;
 };
 
 const testing::Environment *const g_pAmbiente = testing::AddGlobalTestEnvironment(new AmbienteCom);

@@ -4,17 +4,11 @@
 #include <tlhelp32.h>
 
 #include <array>
-#include <atomic>
 #include <cstdlib>
+#include <filesystem>
 
 namespace apoiocom {
 namespace {
-
-/// A company code that no other process and no earlier call uses.
-CString CodigoUnico() {
-  static std::atomic<unsigned> s_uiNumero{0};
-  return "T" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++s_uiNumero);
-}
 
 Ponteiro<IStream> FluxoDe(const std::string &sArquivo, DWORD dwModo) {
   IStream *pFluxo = nullptr;
@@ -40,14 +34,9 @@ Handle Inicia(std::string sLinha, HANDLE hSaida) {
 
 }  // namespace
 
-Empresa::Empresa(const CString &sSubdiretorioAusente) : m_sCodigo(CodigoUnico()) {
-  m_registro.DefineTexto("SOFTWARE\\Wow6432Node\\Tarvel\\Empresas\\" + m_sCodigo, "DF",
-                         m_pasta.Caminho() + sSubdiretorioAusente);
-}
-
 std::string Registros(const Empresa &empresa) {
   constexpr std::size_t kCabecalho = 92;
-  const std::string sConteudo = apoio::LeArquivo(empresa.Arquivo("DFVEIC.DAT"));
+  const std::string sConteudo = empresa.Le("DFVEIC.DAT");
   return sConteudo.size() % 256 == kCabecalho ? sConteudo.substr(kCabecalho) : sConteudo;
 }
 
@@ -71,18 +60,17 @@ Veiculos Cria(HRESULT *phr) {
 }
 
 HRESULT Inicializa(IQZDF_Veiculos &veiculos, std::string_view sEmpresa) {
-  return veiculos.Inicializa(Texto(sEmpresa).Ponteiro(), 7, 42);
+  return veiculos.Inicializa(Texto(sEmpresa).Get(), 7, 42);
 }
 
 std::string Entrega(IQZDF_Veiculos &veiculos) {
-  std::array<char, MAX_PATH> pasta{};
-  std::array<char, MAX_PATH> arquivo{};
-  GetTempPathA(MAX_PATH, pasta.data());
-  GetTempFileNameA(pasta.data(), "obj", 0, arquivo.data());
-  const Ponteiro<IStream> spFluxo = FluxoDe(arquivo.data(), STGM_WRITE);
+  static int s_iEntregues = 0;
+  const std::string sNome = "obj" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++s_iEntregues);
+  const std::string sArquivo = (std::filesystem::temp_directory_path() / sNome).string();
+  const Ponteiro<IStream> spFluxo = FluxoDe(sArquivo, STGM_CREATE | STGM_WRITE);
   const bool bFeito = spFluxo && SUCCEEDED(CoMarshalInterface(spFluxo.get(), IID_IQZDF_Veiculos, &veiculos,
                                                               MSHCTX_LOCAL, nullptr, MSHLFLAGS_NORMAL));
-  return bFeito ? arquivo.data() : "";
+  return bFeito ? sArquivo : "";
 }
 
 Veiculos Recebe(const std::string &sEntregue) {
@@ -103,37 +91,21 @@ Veiculos Abre(std::string_view sEmpresa) {
 }
 
 tagREG_VEICULOPS Veiculo(std::string_view sCodigo) {
-  tagREG_VEICULOPS veiculo{};
-  veiculo.vTara = 75000000;
-  veiculo.vCapacidadeKg = 120000000;
-  veiculo.vCapacidadeM3 = 455000;
-  veiculo.iAno = 2020;
-  veiculo.iPonteiroCliente = 17;
-  Preenche(veiculo.szDescricao, "CAMINHAO TOCO");
-  Preenche(veiculo.szCodigoANTT, "12345678");
+  tagREG_VEICULOPS veiculo{
+      75000000, 120000000, 455000, 2020, 17, "CAMINHAO TOCO", "12345678", "", "00123456789", "ABC1D23", "SP", 2, 1,
+      0,        1,         0,      0,    {}};
   Preenche(veiculo.szCodigo, sCodigo);
-  Preenche(veiculo.szRENAVAM, "00123456789");
-  Preenche(veiculo.szPlaca, "ABC1D23");
-  Preenche(veiculo.szUF, "SP");
-  veiculo.iTipoCarroceria = 2;
-  veiculo.iTipoRodado = 1;
-  veiculo.iTipoTransporte = 1;
   return veiculo;
-}
-
-std::string CodigoDe(const tagREG_VEICULOPS &veiculo) {
-  return std::string(veiculo.szCodigo, strnlen(veiculo.szCodigo, sizeof(veiculo.szCodigo)));
 }
 
 std::vector<LONG> Busca(IQZDF_Veiculos &veiculos, const tagREG_FILTRO_VEICULOSPS &filtro, HRESULT *phr) {
   tagRESULTADO_BUSCA_VEICULOS resultado{};
   *phr = veiculos.BuscaPonteiros(filtro, &resultado);
-  std::vector<LONG> posicoes;
   if ((resultado.iQtd != 0) != (resultado.Ponteiros != nullptr) || resultado.pFiller != nullptr) {
     *phr = E_UNEXPECTED;
-  } else if (resultado.iQtd != 0) {
-    posicoes.assign(resultado.Ponteiros, resultado.Ponteiros + resultado.iQtd);
+    return {};
   }
+  std::vector<LONG> posicoes(resultado.Ponteiros, resultado.Ponteiros + resultado.iQtd);
   CoTaskMemFree(resultado.Ponteiros);
   return posicoes;
 }
@@ -149,8 +121,8 @@ DWORD ExecutaKalvo(const std::string &sArgumentos, std::string *psErro) {
   return Executa(PastaDoPrograma() + "Kalvo.exe", sArgumentos, psErro);
 }
 
-Handle IniciaKalvo() {
-  return Inicia("\"" + PastaDoPrograma() + "Kalvo.exe\"", nullptr);
+Handle IniciaKalvo(const std::string &sArgumentos) {
+  return Inicia("\"" + PastaDoPrograma() + "Kalvo.exe\" " + sArgumentos, nullptr);
 }
 
 DWORD Executa(const std::string &sPrograma, const std::string &sArgumentos, std::string *psSaida) {

@@ -1,18 +1,14 @@
 #ifndef KALVO_TESTS_COM_APOIOCOM_H
 #define KALVO_TESTS_COM_APOIOCOM_H
 
-#include <windows.h>
-//
-#include <QZDF_Veiculos.h>
-
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "tests/apoio/PastaTemporaria.h"
-#include "tests/apoio/RegistroTeste.h"
+#include "client/QZVeiculosCliente.h"
+#include "core/platform/win32/Posses.h"
+#include "tests/apoio/EmpresaTeste.h"
 
 namespace apoiocom {
 
@@ -23,10 +19,7 @@ inline std::uint32_t Bits(HRESULT hr) {
   return static_cast<std::uint32_t>(hr);
 }
 
-struct FechaHandle {
-  void operator()(HANDLE h) const { CloseHandle(h); }
-};
-using Handle = std::unique_ptr<void, FechaHandle>;
+using Handle = plataforma::PosseHandle;
 
 struct SoltaObjeto {
   void operator()(IUnknown *p) const { p->Release(); }
@@ -35,42 +28,9 @@ template <class Interface>
 using Ponteiro = std::unique_ptr<Interface, SoltaObjeto>;
 using Veiculos = Ponteiro<IQZDF_Veiculos>;
 
-/// The multithreaded apartment for a scope.
-class Apartamento {
-public:
-  Apartamento() { CoInitializeEx(nullptr, COINIT_MULTITHREADED); }
-  ~Apartamento() { CoUninitialize(); }
-  Apartamento(const Apartamento &) = delete;
-  Apartamento &operator=(const Apartamento &) = delete;
-};
-
-/// An 8-bit text in a wide parameter: two zero bytes at an even offset behind it.
-class Texto {
-public:
-  explicit Texto(std::string_view texto) : m_unidades(texto.size() / 2 + 2, L'\0') {
-    texto.copy(reinterpret_cast<char *>(m_unidades.data()), texto.size());
-  }
-  LPWSTR Ponteiro() { return m_unidades.data(); }
-
-private:
-  std::vector<wchar_t> m_unidades;
-};
-
-/// A company of its own: data directory and registry key, both gone at the end.
-class Empresa {
-public:
-  Empresa() : Empresa("") {}
-  /// Its registered directory is this sub-directory of its own, which nobody creates.
-  explicit Empresa(const CString &sSubdiretorioAusente);
-
-  const CString &Codigo() const { return m_sCodigo; }
-  CString Arquivo(const CString &sNome) const { return m_pasta / sNome; }
-
-private:
-  apoio::PastaTemporaria m_pasta;
-  apoio::RegistroTeste m_registro;
-  CString m_sCodigo;
-};
+using Apartamento = CQZApartamento;
+using Empresa = apoio::EmpresaTeste;
+using Texto = CQZTextoParametro;
 
 /// The vehicle records on disk, without the header where headers are on. Nobody may have the file open.
 std::string Registros(const Empresa &empresa);
@@ -92,7 +52,7 @@ Veiculos Recebe(const std::string &sEntregue);
 /// A new service object that works for a company; null when either step fails.
 Veiculos Abre(std::string_view sEmpresa);
 
-/// Copies a text into a field of a record; the rest of the field is zero.
+/// Copies as much of a text as a field of a record takes; the rest of the field is zero.
 template <std::size_t N>
 void Preenche(char (&campo)[N], std::string_view texto) {
   std::string_view(texto.substr(0, N)).copy(campo, N);
@@ -101,8 +61,9 @@ void Preenche(char (&campo)[N], std::string_view texto) {
 /// A vehicle with that code and the same values in all other fields.
 tagREG_VEICULOPS Veiculo(std::string_view sCodigo);
 
-/// The code of a record as text.
-std::string CodigoDe(const tagREG_VEICULOPS &veiculo);
+inline std::string CodigoDe(const tagREG_VEICULOPS &veiculo) {
+  return LeCampo(veiculo.szCodigo);
+}
 
 /// Positions that pass the filter. `*phr` is the search's result; a mismatch between count and array is a failure too.
 std::vector<LONG> Busca(IQZDF_Veiculos &veiculos, const tagREG_FILTRO_VEICULOSPS &filtro, HRESULT *phr);
@@ -114,8 +75,8 @@ std::string PastaDoPrograma();
 /// `*psErro`.
 DWORD ExecutaKalvo(const std::string &sArgumentos, std::string *psErro = nullptr);
 
-/// Starts Kalvo.exe of this folder by hand, without arguments; its process, null when that fails.
-Handle IniciaKalvo();
+/// Starts Kalvo.exe of this folder; its process, null when that fails.
+Handle IniciaKalvo(const std::string &sArgumentos);
 
 /// Runs any program, given by its full path, to its end and returns its exit code; what it writes to standard output
 /// and standard error goes to `*psSaida`.

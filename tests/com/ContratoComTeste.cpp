@@ -1,11 +1,13 @@
-// What only calls from another process show: what the marshalling does to texts and records, and the server's own
-// registry.
+// What only calls from another process show: what the marshalling does to texts and records, the server's own registry,
+// and the client header against the registered server.
 
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "tests/apoio/ValoresProprios.h"
 #include "tests/com/ApoioCom.h"
@@ -13,9 +15,18 @@
 
 using namespace apoiocom;
 
+namespace {
+
+/// More than a result reads at a time.
+constexpr LONG kQtd = 501;
+
+}  // namespace
+
 TEST(ContratoCom, SemEmpresaFalhaEDepoisFunciona) {
-  const Empresa semDiretorio("ausente\\");
+  const Empresa semDiretorio;
   const Empresa boa;
+  apoio::RegistroTeste registro;
+  registro.DefineTexto(semDiretorio.ChaveDaEmpresa(), "DF", semDiretorio.Caminho("ausente\\"));
   const Veiculos spVeiculos = Cria();
   ASSERT_TRUE(spVeiculos);
   const auto esperaSemEmpresa = [&] {
@@ -26,7 +37,7 @@ TEST(ContratoCom, SemEmpresaFalhaEDepoisFunciona) {
   esperaSemEmpresa();
   EXPECT_EQ(Bits(spVeiculos->Inicializa(nullptr, 7, 42)), 0x800706F4U);
   EXPECT_EQ(Bits(Inicializa(*spVeiculos, semDiretorio.Codigo())), 0x80043EBFU);
-  EXPECT_FALSE(apoio::ExisteNoDisco(semDiretorio.Arquivo("ausente")));
+  EXPECT_FALSE(semDiretorio.Existe("ausente"));
   esperaSemEmpresa();
   for (int iVez = 0; iVez < 2; ++iVez) {
     EXPECT_EQ(Inicializa(*spVeiculos, boa.Codigo()), S_OK);
@@ -46,18 +57,16 @@ TEST(ContratoCom, TextosDeExiste) {
     LONG lPos = 0;
     ASSERT_EQ(spVeiculos->Grava(&lPos, Veiculo(lpCodigo)), S_OK);
   }
-  const std::pair<std::string, LONG> casos[] = {
-      {"A\xC7\xC3O", 2},
-      {"COD13LETRASXYZ", 3},          // cut to the width of the field, which it fills
-      {std::string("V\0X\0", 4), 1},  // a true wide text ends at its first zero byte
-      {std::string(5000, 'X'), 0},
-  };
-  for (const auto &[sTexto, lEsperada] : casos) {
+  const auto existe = [&](const std::string &sTexto) {
     LONG lPos = 77;
     tagREG_VEICULOPS achado;
-    EXPECT_EQ(spVeiculos->Existe(Texto(sTexto).Ponteiro(), &lPos, &achado), S_OK) << sTexto;
-    EXPECT_EQ(lPos, lEsperada) << sTexto;
-  }
+    EXPECT_EQ(spVeiculos->Existe(Texto(sTexto).Get(), &lPos, &achado), S_OK) << sTexto;
+    return lPos;
+  };
+  EXPECT_EQ(existe("A\xC7\xC3O"), 2);
+  EXPECT_EQ(existe("COD13LETRASXYZ"), 3) << "cut to the width of the field, which it fills";
+  EXPECT_EQ(existe(std::string("V\0X\0", 4)), 1) << "a true wide text ends at its first zero byte";
+  EXPECT_EQ(existe(std::string(5000, 'X')), 0);
 }
 
 // The bytes of a stored record and of a header are for the tests of the vehicles and of the record files to say.
@@ -82,8 +91,63 @@ TEST(ContratoCom, RegistroVaiEVoltaInteiroComESemCabecalhos) {
     // The company's files are open to the server alone until its last object is gone, which it is by now.
     RegVeiculo registro;
     CopiaParaRegistro(esperado, &registro);
-    const std::string sArquivo = apoio::LeArquivo(empresa.Arquivo("DFVEIC.DAT"));
+    const std::string sArquivo = apoio::LeArquivo(empresa.Caminho("DFVEIC.DAT"));
     EXPECT_EQ(sArquivo.size(), sizeof(registro) + (dwLigado != 0 ? 92 : 0));
     EXPECT_TRUE(sArquivo.ends_with(std::string_view(reinterpret_cast<const char *>(&registro), sizeof(registro))));
   }
+}
+
+// What is read is as it is when the walk comes to its block, and each walk has blocks of its own.
+TEST(ClienteCom, ResultadoDaBuscaELidoEnquantoSeAnda) {
+  const Empresa empresa;
+  CQZVeiculos veiculos(empresa.Codigo(), 1, 1);
+  for (LONG i = 1; i <= kQtd; ++i) {
+    ASSERT_EQ(veiculos.Inclui(Veiculo("C" + std::to_string(i))), i);
+  }
+  const auto achados = CQZVeiculos(empresa.Codigo(), 1, 1).Busca({});  // which keeps the object that found it
+  ASSERT_EQ(achados.size(), static_cast<std::size_t>(kQtd));
+  LONG lEsperada = 0;
+  for (const CQZVeiculoAchado &achado : achados) {
+    ASSERT_EQ(achado.lPosicao, ++lEsperada);
+    if (lEsperada == 1) {
+      veiculos.Grava(2, Veiculo("NOVO2"));
+      veiculos.Grava(kQtd, Veiculo("NOVO501"));
+    }
+    ASSERT_EQ(CodigoDe(achado.veiculo), (lEsperada == kQtd ? "NOVO" : "C") + std::to_string(lEsperada));
+  }
+  EXPECT_EQ(lEsperada, kQtd);
+
+  auto segundo = achados.begin();
+  auto primeiro = std::next(achados.begin(), kQtd - 1);
+  EXPECT_EQ(CodigoDe((*primeiro).veiculo), "NOVO501");
+  EXPECT_EQ(CodigoDe((*segundo).veiculo), "C1");
+  EXPECT_EQ(CodigoDe((*std::next(segundo)).veiculo), "NOVO2");
+
+  tagREG_FILTRO_VEICULOSPS nenhum{};
+  nenhum.iAnoInicial = 9999;
+  const auto vazio = veiculos.Busca(nenhum);
+  EXPECT_TRUE(vazio.empty() && vazio.begin() == vazio.end());
+}
+
+// What it refuses itself, and what it leaves in the outputs of calls that fail.
+TEST(ClienteCom, RecusaAntesDaChamadaEEsvaziaSaidas) {
+  const Empresa empresa;
+  CQZVeiculosHR veiculos;
+  EXPECT_EQ(veiculos.Inicializa("", 1, 1), E_POINTER);
+  ASSERT_EQ(veiculos.Cria(), S_OK);
+  std::vector<LONG> posicoes{7};
+  EXPECT_TRUE(FAILED(veiculos.BuscaPonteiros({}, posicoes)));
+  EXPECT_TRUE(posicoes.empty());
+  EXPECT_EQ(veiculos.Inicializa(std::string_view("A\0B", 3), 1, 1), E_INVALIDARG);
+  ASSERT_EQ(veiculos.Inicializa(empresa.Codigo(), 1, 1), S_OK);
+
+  LONG lPos = 0;
+  ASSERT_EQ(veiculos.Grava(lPos, Veiculo("ABCDEFGHIJKLM")), S_OK);
+  tagREG_VEICULOPS veiculo{};
+  EXPECT_EQ(veiculos.Existe("ABCDEFGHIJKLM", lPos, veiculo), S_OK);
+  EXPECT_EQ(lPos, 1);
+  EXPECT_EQ(veiculos.Existe("ABCDEFGHIJKLMN", lPos, veiculo), E_INVALIDARG);
+  EXPECT_EQ(lPos, 0);
+  EXPECT_EQ(CodigoDe(veiculo), "");
+  EXPECT_THROW(CQZVeiculos(empresa.Codigo(), 1, 1).Le(2), CQZErroVeiculos);
 }

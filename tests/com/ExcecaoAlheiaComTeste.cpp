@@ -9,11 +9,12 @@
 #include <string>
 
 #include "core/platform/ServicosSistema.h"
+#include "server/ClasseVeiculos.h"
 #include "server/TratamentoExcecoes.h"
 #include "tests/apoio/ArquivosDecorado.h"
 #include "tests/apoio/ProcessoFilho.h"
 #include "tests/apoio/ServicosTrocados.h"
-#include "tests/com/ApoioServico.h"
+#include "tests/com/ApoioCom.h"
 
 using namespace apoiocom;
 
@@ -21,47 +22,52 @@ namespace {
 
 constexpr std::uint32_t kChamadaPerdida = 0x800706BE;  ///< the process that was serving the call has gone
 
-DWORD g_codigo = 0;
-
-/// Hands out one service object for each company in its arguments. From each line of input on, the next write to a
-/// vehicle file raises the exception of that code in its midst, while the call holds everything that a call can hold.
-int ServeComExcecoes(const std::vector<std::string> &argumentos) {
+/// A server of this class in the place of Kalvo.exe. Its arguments are the number of a write to a vehicle file and an
+/// exception's code, which it raises in the midst of that write, while the call holds everything that a call can hold;
+/// with 0 it ends there.
+int ServeAteAGravacao(const std::vector<std::string> &argumentos) {
   const Apartamento apartamento;
   DesligaTratamentoDeExcecoes();
   apoio::ArquivosComFalha arquivos(plataforma::ArquivosDoSistema());
   const apoio::ServicosTrocados servicos(&arquivos);
-  std::vector<Veiculos> objetos;
-  for (const std::string &sEmpresa : argumentos) {
-    objetos.push_back(NovoServico());
-    if (!objetos.back() || FAILED(Inicializa(*objetos.back(), sEmpresa))) {
-      return 1;
+  const DWORD dwCodigo = std::stoul(argumentos[1], nullptr, 16);
+  const auto termina = [dwCodigo] {
+    if (dwCodigo == 0) {
+      ExitProcess(0);
     }
-    std::cout << Entrega(*objetos.back()) << std::endl;
+    RaiseException(dwCodigo, 0, 0, nullptr);
+  };
+  arquivos.Arma({.operacoes = apoio::kOpGrava,
+                 .trecho = "DFVEIC.DAT",
+                 .enesima = std::stoul(argumentos[0]),
+                 .gravaAntes = dwCodigo != 0 ? 128 : 0,
+                 .aoFalhar = termina});
+  CClasseVeiculos classe;
+  const CRegistroClasse registro(classe);
+  if (FAILED(registro.Resultado()) || FAILED(CoResumeClassObjects())) {
+    return 1;
   }
-  for (std::string sCodigo; std::getline(std::cin, sCodigo);) {
-    g_codigo = std::stoul(sCodigo, nullptr, 16);
-    arquivos.Arma({.operacoes = apoio::kOpGrava, .trecho = "DFVEIC.DAT", .gravaAntes = 128, .aoFalhar = [] {
-                     RaiseException(g_codigo, 0, 0, nullptr);
-                   }});
-    std::cout << "armado" << std::endl;
-  }
-  return 0;
+  std::cout << "pronto" << std::endl;
+  std::string sLinha;
+  std::getline(std::cin, sLinha);
+  return 1;
 }
 
-const apoio::RegistraFilha g_serve("serve_com_excecoes", ServeComExcecoes);
+const apoio::RegistraFilha g_serve("serve_ate_a_gravacao", ServeAteAGravacao);
 
 }  // namespace
 
 TEST(ExcecaoAlheiaCom, ProcessoTerminaOuNadaFicaPreso) {
+  ASSERT_GE(EsperaServidorTerminar(), 0);
   for (const char *lpCodigo : {"E06D7363", "E0000001", "C0000409"}) {
     SCOPED_TRACE(lpCodigo);
     const Empresa empresa;
-    apoio::ProcessoFilho servidor("serve_com_excecoes", {empresa.Codigo(), empresa.Codigo()});
-    const Veiculos spVitima = Recebe(servidor.LeLinha());
-    const Veiculos spOutro = Recebe(servidor.LeLinha());
+    apoio::ProcessoFilho servidor("serve_ate_a_gravacao", {"1", lpCodigo});
+    ASSERT_EQ(servidor.LeLinha(), "pronto");
+    const Veiculos spVitima = Abre(empresa.Codigo());
+    const Veiculos spOutro = Abre(empresa.Codigo());
+    EsqueceServidores();  // no other activation is to find this one
     ASSERT_TRUE(spVitima && spOutro);
-    servidor.EnviaLinha(lpCodigo);
-    ASSERT_EQ(servidor.LeLinha(), "armado");
     LONG lPos = 0;
     const std::uint32_t hr = Bits(spVitima->Grava(&lPos, Veiculo("PERDIDO")));
     EXPECT_TRUE(FAILED(hr));

@@ -10,7 +10,6 @@
 #include "core/platform/LivroDaThread.h"
 #include "core/platform/MemoriaMapeada.h"
 #include "core/platform/Travas.h"
-#include "tests/apoio/ProcessoFilho.h"
 
 // Real faults of the processor and the system under the call guard. The faulting statements are plain ones on values
 // the optimiser cannot see through; the target is compiled with optimisation, which is what makes them interesting.
@@ -50,6 +49,7 @@ constexpr Falha kInstrucaoIlegal{[]() -> HRESULT {
                                    return 0;
                                  },
                                  0x8004EAD1};
+constexpr Falha kPilhaEsgotada{[]() -> HRESULT { return Recorre(0); }, 0x8004EADA};
 
 /// Raises an exception under the guard.
 std::uint32_t Levanta(DWORD codigo) {
@@ -59,23 +59,7 @@ std::uint32_t Levanta(DWORD codigo) {
   });
 }
 
-/// The process's last handler: ends it with the exception's code before a debugger is called.
-LONG WINAPI TerminaComOCodigo(EXCEPTION_POINTERS *pExcecao) {
-  TerminateProcess(GetCurrentProcess(), pExcecao->ExceptionRecord->ExceptionCode);
-  return EXCEPTION_CONTINUE_SEARCH;
-}
-
 constexpr DWORD kDesenrolo = 0x80000029;  ///< the system's own unwinding
-
-/// Child process: meets the system's own unwinding under the guard, which lets it pass on. Coming back is the
-/// failure, 1.
-int LevantaSobGuarda(const std::vector<std::string> & /*argumentos*/) {
-  SetUnhandledExceptionFilter(TerminaComOCodigo);
-  static_cast<void>(Levanta(kDesenrolo));
-  return 1;
-}
-
-const apoio::RegistraFilha g_levanta("levanta_sob_guarda", LevantaSobGuarda);
 
 /// True when another thread gets the lock within the time limit. The thread is left behind otherwise.
 bool LivreParaOutraThread(SecaoCritica &secao) {
@@ -132,15 +116,9 @@ TEST(Guarda, CadaCodigoDaTabelaELevantadoEtraduzido) {
   }
 }
 
-TEST(Guarda, ODesenroloDoSistemaPassaAdiante) {
-  apoio::ProcessoFilho filho("levanta_sob_guarda");
-  EXPECT_EQ(static_cast<DWORD>(filho.Espera()), kDesenrolo);
-}
-
 TEST(Guarda, FalhasReaisViramCodigosESoltamAsTravas) {
   EsperaCodigoETravasLivres(kLeituraDeNulo.corpo, kLeituraDeNulo.hr);
   EsperaCodigoETravasLivres(kDivisao.corpo, kDivisao.hr);
-  EsperaCodigoETravasLivres(kInstrucaoIlegal.corpo, kInstrucaoIlegal.hr);
   EsperaCodigoETravasLivres([] { return reinterpret_cast<HRESULT (*)()>(reinterpret_cast<void *>(g_nulo))(); },
                             0x8004EAC5);
   EsperaCodigoETravasLivres(
@@ -165,7 +143,7 @@ TEST(Guarda, QuemESaltadoPorOutroSoltaTudoEAbandona) {
     };
     return ChamaSEH(levantaComTrava, nullptr, {[](void *) { s_marcas.push_back(LivroDaThread::Marca()); }, nullptr});
   };
-  for (const DWORD codigo : {0xE06D7363UL, 0xE0000001UL, 0xC0000409UL}) {
+  for (const DWORD codigo : {0xE06D7363UL, 0xE0000001UL, 0xC0000409UL, kDesenrolo}) {
     SCOPED_TRACE(codigo);
     s_codigo = codigo;
     s_marcas.clear();
@@ -185,69 +163,52 @@ TEST(Guarda, QuemESaltadoPorOutroSoltaTudoEAbandona) {
 /// Memory that its file's device fails under is one thing, a fault of ours another.
 TEST(Guarda, MemoriaMapeadaTomaSoAFalhaDoDispositivo) {
   static DWORD s_codigo;
-  const auto levanta = [](void *pbTocou) -> HRESULT {
-    *static_cast<bool *>(pbTocou) = plataforma::TocaMemoriaMapeada([] { RaiseException(s_codigo, 0, 0, nullptr); });
+  bool bTocou = true;
+  const auto toca = [&]() -> HRESULT {
+    bTocou = plataforma::TocaMemoriaMapeada([] { RaiseException(s_codigo, 0, 0, nullptr); });
     return 0;
   };
-  bool bTocou = true;
   s_codigo = 0xC0000006;
-  EXPECT_EQ(Guarda([&] { return levanta(&bTocou); }), 0U);
+  EXPECT_EQ(Guarda(toca), 0U);
   EXPECT_FALSE(bTocou);
   s_codigo = 0xC0000005;
-  EXPECT_EQ(Guarda([&] { return levanta(&bTocou); }), 0x8004EAC5U);
+  EXPECT_EQ(Guarda(toca), 0x8004EAC5U);
 }
 
 // And a release that fails itself does not keep the others from being made.
 TEST(Guarda, QuadroInternoSoltaTudoOSeuENadaMais) {
-  SecaoCritica externa(NivelTrava::Container);
-  SecaoCritica interna(NivelTrava::ArquivoDados);
-  std::uint32_t hrInterno = 0;
-  std::size_t uiNoMeio = 0;
-  EXPECT_EQ(Guarda([&]() -> HRESULT {
-              const CQZTrava trava(externa);
-              hrInterno = Guarda([&]() -> HRESULT {
-                const CQZTrava outra(interna);
-                const plataforma::CQZNoLivro objeto(&interna, [](void *) { kLeituraDeNulo.corpo(); });
-                const CQZTrava recursiva(interna);
-                return kLeituraDeNulo.corpo();
-              });
-              uiNoMeio = LivroDaThread::Marca();
-              return kDivisao.corpo();
-            }),
-            0x8004EAD3U);
-  EXPECT_EQ(hrInterno, 0x8004EAC5U);
-  EXPECT_EQ(uiNoMeio, 1U);
-  EXPECT_EQ(LivroDaThread::Marca(), 0U);
-  ASSERT_TRUE(LivreParaOutraThread(interna));
-  ASSERT_TRUE(LivreParaOutraThread(externa));
-}
-
-TEST(Guarda, PilhaEsgotadaDuasVezesNaMesmaThread) {
-  const auto duasVezes = [] {
-    std::vector<std::uint32_t> codigos;
-    for (int i = 0; i < 3; ++i) {
-      codigos.push_back(Guarda([]() -> HRESULT { return Recorre(0); }));
-    }
-    return codigos;
+  SecaoCritica secao(NivelTrava::Temporario);
+  const auto falhaDuasVezes = [&]() -> HRESULT {
+    const std::size_t uiAntes = LivroDaThread::Marca();
+    const std::uint32_t hrInterno = Guarda([&]() -> HRESULT {
+      const CQZTrava trava(secao);
+      const plataforma::CQZNoLivro objeto(&secao, [](void *) { kLeituraDeNulo.corpo(); });
+      const CQZTrava recursiva(secao);
+      return kLeituraDeNulo.corpo();
+    });
+    EXPECT_EQ(hrInterno, 0x8004EAC5U);
+    EXPECT_EQ(LivroDaThread::Marca(), uiAntes);
+    return kDivisao.corpo();
   };
-  const std::vector<std::uint32_t> esperado(3, 0x8004EADA);
-  EXPECT_EQ(duasVezes(), esperado);
-  EXPECT_EQ(std::async(std::launch::async, duasVezes).get(), esperado);
+  EsperaCodigoETravasLivres(falhaDuasVezes, 0x8004EAD3);
+  ASSERT_TRUE(LivreParaOutraThread(secao));
 }
 
-TEST(Guarda, ThreadsQueFalhamJuntasRecebemCadaUmaOSeuCodigo) {
-  const auto repete = [](const Falha &falha) {
+TEST(Guarda, ThreadsQueFalhamJuntasRecebemCadaUmaOSeuCodigoTodasAsVezes) {
+  const auto erradas = [](const Falha &falha, int iVezes) {
     int iErradas = 0;
-    for (int i = 0; i < 500; ++i) {
+    for (int i = 0; i < iVezes; ++i) {
       iErradas += Guarda(falha.corpo) == falha.hr ? 0 : 1;
     }
     return iErradas;
   };
-  std::vector<std::future<int>> erradas;
+  std::vector<std::future<int>> contas;
   for (const Falha *pFalha : {&kLeituraDeNulo, &kDivisao, &kInstrucaoIlegal}) {
-    erradas.push_back(std::async(std::launch::async, repete, std::cref(*pFalha)));
+    contas.push_back(std::async(std::launch::async, erradas, std::cref(*pFalha), 500));
   }
-  for (std::future<int> &futura : erradas) {
-    EXPECT_EQ(futura.get(), 0);
+  contas.push_back(std::async(std::launch::async, erradas, std::cref(kPilhaEsgotada), 3));
+  EXPECT_EQ(erradas(kPilhaEsgotada, 3), 0);
+  for (std::future<int> &conta : contas) {
+    EXPECT_EQ(conta.get(), 0);
   }
 }

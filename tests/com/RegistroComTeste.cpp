@@ -6,9 +6,11 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <map>
+#include <functional>
+#include <iterator>
+#include <set>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "tests/com/ApoioCom.h"
 
@@ -16,120 +18,96 @@ using namespace apoiocom;
 
 namespace {
 
-constexpr char kClasses[] = "Software\\Classes";
-constexpr char kOpcoesBiblioteca[] = "typelib\\{719b6d68-7fdd-4942-94c3-953b64051322}\\1.0\\flags\\";
-
-/// Keys (ending with `\`) and values below a key with their texts; names and identifiers in lower case.
-using Arvore = std::map<std::string, std::string>;
+/// What there is below a key: "key\value = text" for each value, "key\" for a key with nothing below it; in lower
+/// case.
+using Arvore = std::set<std::string>;
 
 std::string Minusculas(std::string texto) {
   std::transform(texto.begin(), texto.end(), texto.begin(), [](char c) { return static_cast<char>(tolower(c)); });
   return texto;
 }
 
-void LeArvore(HKEY hPai, const std::string &sNome, const std::string &sCaminho, Arvore &arvore) {
+void LeArvore(HKEY hPai, const char *lpNome, const std::string &sCaminho, Arvore &arvore) {
   HKEY hChave = nullptr;
-  if (RegOpenKeyExA(hPai, sNome.c_str(), 0, KEY_READ, &hChave) != ERROR_SUCCESS) {
+  // Of the view of 32-bit programs its own keys alone; it shows the others once more.
+  if ((sCaminho.starts_with("wow6432node\\") && sCaminho != "wow6432node\\" &&
+       !sCaminho.starts_with("wow6432node\\clsid\\") && !sCaminho.starts_with("wow6432node\\interface\\")) ||
+      RegOpenKeyExA(hPai, lpNome, 0, KEY_READ, &hChave) != ERROR_SUCCESS) {
     return;
   }
+  const std::size_t uiAntes = arvore.size();
   std::array<char, 512> nome{};
+  DWORD dwNome = nome.size();
   std::array<char, 4096> dados{};
-  for (DWORD i = 0;; ++i) {
-    DWORD dwNome = nome.size();
-    DWORD dwDados = dados.size() - 1;
-    DWORD dwTipo = 0;
-    if (RegEnumValueA(hChave, i, nome.data(), &dwNome, nullptr, &dwTipo, reinterpret_cast<BYTE *>(dados.data()),
-                      &dwDados) != ERROR_SUCCESS) {
-      break;
-    }
+  DWORD dwDados = dados.size() - 1;
+  for (DWORD i = 0; RegEnumValueA(hChave, i, nome.data(), &dwNome, nullptr, nullptr,
+                                  reinterpret_cast<BYTE *>(dados.data()), &dwDados) == ERROR_SUCCESS;
+       ++i, dwNome = nome.size(), dwDados = dados.size() - 1) {
     dados[dwDados] = 0;
-    const std::string sTexto = dwTipo == REG_SZ ? dados.data() : "(no text)";
-    arvore[sCaminho + Minusculas(nome.data())] = sTexto.starts_with("{") ? Minusculas(sTexto) : sTexto;
+    // The platforms do not agree on the flags of a library read from a file.
+    if (!sCaminho.starts_with("typelib\\") || !sCaminho.ends_with("\\flags\\")) {
+      arvore.insert(sCaminho + Minusculas(nome.data()) + " = " + Minusculas(dados.data()));
+    }
   }
-  for (DWORD i = 0;; ++i) {
-    DWORD dwNome = nome.size();
-    if (RegEnumKeyExA(hChave, i, nome.data(), &dwNome, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) {
-      break;
-    }
-    const std::string sFilho = sCaminho + Minusculas(nome.data()) + "\\";
-    // Of the view of 32-bit programs its own keys alone; it shows the others once more.
-    if (sFilho.starts_with("wow6432node\\") && sFilho != "wow6432node\\" &&
-        !sFilho.starts_with("wow6432node\\clsid\\") && !sFilho.starts_with("wow6432node\\interface\\")) {
-      continue;
-    }
-    arvore[sFilho] = "";
-    LeArvore(hChave, nome.data(), sFilho, arvore);
+  for (DWORD i = 0; RegEnumKeyA(hChave, i, nome.data(), nome.size()) == ERROR_SUCCESS; ++i) {
+    LeArvore(hChave, nome.data(), sCaminho + Minusculas(nome.data()) + "\\", arvore);
+  }
+  // A key for all programs may be empty without the server; those of one program have an identifier or a dot.
+  if (arvore.size() == uiAntes && sCaminho.find_first_of("{.") != std::string::npos) {
+    arvore.insert(sCaminho);
   }
   RegCloseKey(hChave);
 }
 
 Arvore Classes(HKEY hRaiz) {
   Arvore arvore;
-  LeArvore(hRaiz, kClasses, "", arvore);
-  const auto opcoes = arvore.find(kOpcoesBiblioteca);
-  if (opcoes != arvore.end()) {
-    opcoes->second = "";  // the platforms do not agree on the flags of a library read from a file
-  }
+  LeArvore(hRaiz, "Software\\Classes", "", arvore);
   return arvore;
 }
 
-/// What the second tree has beyond the first, or otherwise, one entry a line.
-std::string Diferenca(const Arvore &antes, const Arvore &depois) {
-  std::vector<std::pair<std::string, std::string>> diferentes;
-  std::set_difference(depois.begin(), depois.end(), antes.begin(), antes.end(), std::back_inserter(diferentes));
-  std::string sTexto;
-  for (const auto &[sNome, sValor] : diferentes) {
-    sTexto.append(sNome).append(sNome.back() == '\\' && sValor.empty() ? "" : " = ").append(sValor).append("\n");
-  }
-  return sTexto;
-}
-
-std::string TodaDiferenca(const Arvore &antes, const Arvore &depois) {
-  return Diferenca(antes, depois) + Diferenca(depois, antes);
+/// What one of the two has and the other has not.
+Arvore Diferenca(const Arvore &antes, const Arvore &depois) {
+  Arvore diferentes;
+  std::set_symmetric_difference(antes.begin(), antes.end(), depois.begin(), depois.end(),
+                                std::inserter(diferentes, diferentes.end()));
+  return diferentes;
 }
 
 /// Everything that a registration of the server in a folder leaves, with the type library or without.
-std::string Esperado(const std::string &sPasta, bool bBiblioteca) {
-  const std::string sClasse = "clsid\\{68409b5a-adf8-424f-a93a-bac1844e3253}\\";
-  const std::string sProxy = "clsid\\{84be9740-8888-4462-883d-b2725bba0296}\\";
-  const std::string sInterface = "interface\\{581ee5e9-6ee9-4428-87c0-6be18d374724}\\";
-  const std::string sBiblioteca = "typelib\\{719b6d68-7fdd-4942-94c3-953b64051322}\\";
+Arvore Esperado(const std::string &sPasta, bool bBiblioteca) {
   const std::string sClsid = "{68409b5a-adf8-424f-a93a-bac1844e3253}";
   const std::string sAppId = "{f5b03bc1-ff38-45f0-a365-680a4ab6f515}";
+  const std::string sProxy = "{84be9740-8888-4462-883d-b2725bba0296}";
+  const std::string sBiblioteca = "{719b6d68-7fdd-4942-94c3-953b64051322}";
+  const std::string sDaClasse = "clsid\\" + sClsid + "\\";
+  const std::string sDaVersao = "typelib\\" + sBiblioteca + "\\1.0\\";
   Arvore arvore = {
-      {"appid\\kalvo.exe\\", ""},
-      {"appid\\kalvo.exe\\appid", sAppId},
-      {"kalvo.qzdf_veiculos.1\\", "QZDF_Veiculos Class"},
-      {"kalvo.qzdf_veiculos.1\\clsid\\", sClsid},
-      {"kalvo.qzdf_veiculos\\", "QZDF_Veiculos Class"},
-      {"kalvo.qzdf_veiculos\\clsid\\", sClsid},
-      {"kalvo.qzdf_veiculos\\curver\\", "Kalvo.QZDF_Veiculos.1"},
-      {sClasse, "QZDF_Veiculos Class"},
-      {sClasse + "appid", sAppId},
-      {sClasse + "progid\\", "Kalvo.QZDF_Veiculos.1"},
-      {sClasse + "versionindependentprogid\\", "Kalvo.QZDF_Veiculos"},
-      {sClasse + "localserver32\\", "\"" + sPasta + "Kalvo.exe\""},
-      {sClasse + "typelib\\", "{719b6d68-7fdd-4942-94c3-953b64051322}"},
+      "appid\\kalvo.exe\\appid = " + sAppId,
+      "kalvo.qzdf_veiculos.1\\ = qzdf_veiculos class",
+      "kalvo.qzdf_veiculos.1\\clsid\\ = " + sClsid,
+      "kalvo.qzdf_veiculos\\ = qzdf_veiculos class",
+      "kalvo.qzdf_veiculos\\clsid\\ = " + sClsid,
+      "kalvo.qzdf_veiculos\\curver\\ = kalvo.qzdf_veiculos.1",
+      sDaClasse + " = qzdf_veiculos class",
+      sDaClasse + "appid = " + sAppId,
+      sDaClasse + "progid\\ = kalvo.qzdf_veiculos.1",
+      sDaClasse + "versionindependentprogid\\ = kalvo.qzdf_veiculos",
+      sDaClasse + "localserver32\\ = \"" + sPasta + "kalvo.exe\"",
+      sDaClasse + "typelib\\ = " + sBiblioteca,
   };
-  const std::pair<std::string, std::string> proxies[] = {{"", sPasta + "QZDF_VeiculosPS.dll"},
-                                                         {"wow6432node\\", sPasta + "x86\\QZDF_VeiculosPS.dll"}};
-  for (const auto &[sVisao, sArquivo] : proxies) {
-    arvore.insert({{sVisao + sInterface, "IQZDF_Veiculos"},
-                   {sVisao + sInterface + "proxystubclsid32\\", "{84be9740-8888-4462-883d-b2725bba0296}"},
-                   {sVisao + sInterface + "nummethods\\", "10"},
-                   {sVisao + sProxy, "PSFactoryBuffer"},
-                   {sVisao + sProxy + "inprocserver32\\", sArquivo},
-                   {sVisao + sProxy + "inprocserver32\\threadingmodel", "Both"}});
+  for (const auto &[sVisao, sSubpasta] : {std::pair("", ""), std::pair("wow6432node\\", "x86\\")}) {
+    const std::string sDaInterface = sVisao + std::string("interface\\{581ee5e9-6ee9-4428-87c0-6be18d374724}\\");
+    const std::string sDoProxy = sVisao + ("clsid\\" + sProxy + "\\");
+    arvore.insert({sDaInterface + " = iqzdf_veiculos", sDaInterface + "proxystubclsid32\\ = " + sProxy,
+                   sDaInterface + "nummethods\\ = 10", sDoProxy + " = psfactorybuffer",
+                   sDoProxy + "inprocserver32\\ = " + sPasta + sSubpasta + "qzdf_veiculosps.dll",
+                   sDoProxy + "inprocserver32\\threadingmodel = both"});
   }
   if (bBiblioteca) {
-    arvore.insert({{sBiblioteca, ""},
-                   {sBiblioteca + "1.0\\", "Kalvo 1.0 Type Library"},
-                   {sBiblioteca + "1.0\\0\\", ""},
-                   {sBiblioteca + "1.0\\0\\win64\\", sPasta + "Kalvo.exe"},
-                   {kOpcoesBiblioteca, ""},
-                   {sBiblioteca + "1.0\\helpdir\\", sPasta.substr(0, sPasta.size() - 1)}});
+    arvore.insert({sDaVersao + " = kalvo 1.0 type library", sDaVersao + "0\\win64\\ = " + sPasta + "kalvo.exe",
+                   sDaVersao + "flags\\", sDaVersao + "helpdir\\ = " + sPasta.substr(0, sPasta.size() - 1)});
   }
-  return Diferenca({}, arvore);
+  return arvore;
 }
 
 /// For 64-bit and for 32-bit programs.
@@ -148,30 +126,16 @@ struct Alcance {
 const Alcance kAlcances[] = {{"/RegServerPerUser", "/UnregServerPerUser", HKEY_CURRENT_USER, false},
                              {"/RegServer", "/UnregServer", HKEY_LOCAL_MACHINE, true}};
 
-/// A key that may be read but not written to, for a scope.
-class SoParaLer {
-public:
-  SoParaLer(HKEY hRaiz, const char *lpChave) : m_hRaiz(hRaiz), m_lpChave(lpChave) { Permite("KRWD"); }
-  ~SoParaLer() { Permite("KA"); }
-  SoParaLer(const SoParaLer &) = delete;
-  SoParaLer &operator=(const SoParaLer &) = delete;
-
-private:
-  /// Gives everybody these rights, and nobody others.
-  void Permite(const std::string &sDireitos) const {
-    HKEY hChave = nullptr;
-    ASSERT_EQ(RegOpenKeyExA(m_hRaiz, m_lpChave, 0, WRITE_DAC, &hChave), ERROR_SUCCESS);
-    PSECURITY_DESCRIPTOR pDescritor = nullptr;
-    ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorA(("D:P(A;;" + sDireitos + ";;;WD)").c_str(),
-                                                                     SDDL_REVISION_1, &pDescritor, nullptr));
-    EXPECT_EQ(RegSetKeySecurity(hChave, DACL_SECURITY_INFORMATION, pDescritor), ERROR_SUCCESS);
-    LocalFree(pDescritor);
-    RegCloseKey(hChave);
-  }
-
-  const HKEY m_hRaiz;
-  const char *const m_lpChave;
-};
+/// Gives everybody these rights to a key, and nobody others.
+void Permite(HKEY hRaiz, const std::string &sChave, const char *lpDireitos) {
+  HKEY hChave = nullptr;
+  ASSERT_EQ(RegOpenKeyExA(hRaiz, sChave.c_str(), 0, WRITE_DAC, &hChave), ERROR_SUCCESS);
+  PSECURITY_DESCRIPTOR pDescritor = nullptr;
+  ConvertStringSecurityDescriptorToSecurityDescriptorA(lpDireitos, SDDL_REVISION_1, &pDescritor, nullptr);
+  EXPECT_EQ(RegSetKeySecurity(hChave, DACL_SECURITY_INFORMATION, pDescritor), ERROR_SUCCESS);
+  LocalFree(pDescritor);
+  RegCloseKey(hChave);
+}
 
 /// An installation of the server in a folder of its own, in a path with blanks and accents.
 class RegistroCom : public testing::Test {
@@ -196,12 +160,6 @@ protected:
     }
   }
 
-  void CopiaProxies() const {
-    for (const char *lpArquivo : kProxies) {
-      Copia(lpArquivo);
-    }
-  }
-
   void Copia(const std::string &sArquivo) const {
     ASSERT_TRUE(CopyFileA((PastaDoPrograma() + sArquivo).c_str(), (m_sPasta + sArquivo).c_str(), FALSE));
   }
@@ -220,26 +178,54 @@ TEST_F(RegistroCom, RegistraERemoveChaveAChave) {
   for (const Alcance &alcance : kAlcances) {
     SCOPED_TRACE(alcance.lpRegistra);
     Limpa();
-    CopiaProxies();
+    Copia(kProxies[0]);
+    Copia(kProxies[1]);
     const Arvore vazia = Classes(alcance.hRaiz);
-    EXPECT_EQ(vazia.at("appid\\{f5b03bc1-ff38-45f0-a365-680a4ab6f515}\\"), "Kalvo");
+    EXPECT_TRUE(vazia.contains("appid\\{f5b03bc1-ff38-45f0-a365-680a4ab6f515}\\ = kalvo"));
     for (int iVez = 1; iVez <= 2; ++iVez) {
       EXPECT_EQ(Executa(alcance.lpRegistra), 0U);
       EXPECT_EQ(m_sErro, "");
-      EXPECT_EQ(Diferenca(vazia, Classes(alcance.hRaiz)), Esperado(m_sPasta, alcance.bBiblioteca)) << iVez;
+      EXPECT_EQ(Diferenca(vazia, Classes(alcance.hRaiz)), Esperado(Minusculas(m_sPasta), alcance.bBiblioteca)) << iVez;
     }
     // Nothing but the executable is needed to remove the registration.
     ASSERT_TRUE(DeleteFileA((m_sPasta + kProxies[0]).c_str()));
     for (int iVez = 1; iVez <= 2; ++iVez) {
       EXPECT_EQ(Executa(alcance.lpRemove), 0U);
       EXPECT_EQ(m_sErro, "");
-      EXPECT_EQ(TodaDiferenca(vazia, Classes(alcance.hRaiz)), "") << iVez;
+      EXPECT_EQ(Diferenca(vazia, Classes(alcance.hRaiz)), Arvore()) << iVez;
     }
   }
 }
 
+// Keys that nothing was written to need no undoing, and no right to write.
 TEST_F(RegistroCom, FalhaDizOQueENaoDeixaNada) {
-  const std::string sProxy = std::string(kClasses) + "\\Wow6432Node\\CLSID\\{84BE9740-8888-4462-883D-B2725BBA0296}";
+  const std::string sProxy = "Software\\Classes\\Wow6432Node\\CLSID\\{84be9740-8888-4462-883d-b2725bba0296}";
+  const std::string sAppId = "Software\\Classes\\AppID\\{f5b03bc1-ff38-45f0-a365-680a4ab6f515}";
+  const struct {
+    std::function<void(HKEY)> prepara;
+    DWORD dwCodigo;
+    std::string sErro;
+  } passos[] = {
+      {[](HKEY) {}, 0x8007007E, m_sPasta + "QZDF_VeiculosPS.dll: erro 0x8007007E"},
+      {[this](HKEY) { Copia(kProxies[0]); }, 0x80070002, m_sPasta + "x86\\QZDF_VeiculosPS.dll: erro 0x80070002"},
+      // A key that lives only in memory takes no lasting keys: that of the proxy for 32-bit programs cannot be written,
+      // after everything else was.
+      {[&](HKEY hRaiz) {
+         Copia(kProxies[1]);
+         RegDeleteTreeA(hRaiz, sProxy.c_str());
+         HKEY hChave = nullptr;
+         ASSERT_EQ(RegCreateKeyExA(hRaiz, sProxy.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_WRITE, nullptr, &hChave,
+                                   nullptr),
+                   ERROR_SUCCESS);
+         RegCloseKey(hChave);
+       },
+       0x800703FD, sProxy + "\\InProcServer32: erro 0x800703FD"},
+      {[&](HKEY hRaiz) {
+         RegDeleteTreeA(hRaiz, sProxy.c_str());
+         Permite(hRaiz, sAppId, "D:P(A;;KRWD;;;WD)");
+       },
+       0x80070005, sAppId + ": erro 0x80070005"},
+  };
   for (const Alcance &alcance : kAlcances) {
     SCOPED_TRACE(alcance.lpRegistra);
     Limpa();
@@ -248,48 +234,18 @@ TEST_F(RegistroCom, FalhaDizOQueENaoDeixaNada) {
       if (bHaviaOutro) {
         ASSERT_EQ(ExecutaKalvo(alcance.lpRegistra), 0U);
       }
-      // The executable alone in its folder, then with one of the two proxies that belong beside it.
-      const Arvore antes = Classes(alcance.hRaiz);
-      EXPECT_EQ(Executa(alcance.lpRegistra), 0x8007007EU);
-      EXPECT_NE(m_sErro.find(m_sPasta + "QZDF_VeiculosPS.dll: erro 0x8007007E"), std::string::npos) << m_sErro;
-      Copia(kProxies[0]);
-      EXPECT_EQ(Executa(alcance.lpRegistra), 0x80070002U);
-      EXPECT_NE(m_sErro.find(m_sPasta + "x86\\QZDF_VeiculosPS.dll: erro 0x80070002"), std::string::npos) << m_sErro;
-      EXPECT_EQ(TodaDiferenca(antes, Classes(alcance.hRaiz)), "");
-
-      // A key that lives only in memory takes no lasting keys: that of the proxy for 32-bit programs cannot be written,
-      // after everything else was.
-      Copia(kProxies[1]);
-      RegDeleteTreeA(alcance.hRaiz, sProxy.c_str());
-      HKEY hChave = nullptr;
-      ASSERT_EQ(RegCreateKeyExA(alcance.hRaiz, sProxy.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_WRITE, nullptr,
-                                &hChave, nullptr),
-                ERROR_SUCCESS);
-      RegCloseKey(hChave);
-      const Arvore bloqueada = Classes(alcance.hRaiz);
-      EXPECT_EQ(Executa(alcance.lpRegistra), static_cast<DWORD>(HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE)));
-      EXPECT_NE(Minusculas(m_sErro).find(Minusculas(sProxy) + "\\inprocserver32: erro 0x800703fd"), std::string::npos)
-          << m_sErro;
-      EXPECT_EQ(TodaDiferenca(bloqueada, Classes(alcance.hRaiz)), "");
-      RegDeleteTreeA(alcance.hRaiz, sProxy.c_str());
+      for (const auto &passo : passos) {
+        passo.prepara(alcance.hRaiz);
+        const Arvore antes = Classes(alcance.hRaiz);
+        EXPECT_EQ(Executa(alcance.lpRegistra), passo.dwCodigo);
+        EXPECT_NE(Minusculas(m_sErro).find(Minusculas(passo.sErro)), std::string::npos) << m_sErro;
+        EXPECT_EQ(m_sErro.find("desfeito"), std::string::npos) << m_sErro;
+        EXPECT_EQ(Diferenca(antes, Classes(alcance.hRaiz)), Arvore());
+      }
+      Permite(alcance.hRaiz, sAppId, "D:P(A;;KA;;;WD)");
       for (const char *lpArquivo : kProxies) {
         DeleteFileA((m_sPasta + lpArquivo).c_str());
       }
     }
-  }
-}
-
-// Keys that nothing was written to need no undoing, and no right to write.
-TEST_F(RegistroCom, RecusadaPorFaltaDeDireitosNaoDeixaNadaADesfazer) {
-  CopiaProxies();
-  for (const Alcance &alcance : kAlcances) {
-    SCOPED_TRACE(alcance.lpRegistra);
-    ASSERT_EQ(ExecutaKalvo(alcance.lpRegistra), 0U);
-    const Arvore antes = Classes(alcance.hRaiz);
-    const SoParaLer semDireitos(alcance.hRaiz, "Software\\Classes\\AppID\\{f5b03bc1-ff38-45f0-a365-680a4ab6f515}");
-    EXPECT_EQ(Executa(alcance.lpRegistra), static_cast<DWORD>(E_ACCESSDENIED));
-    EXPECT_NE(m_sErro.find("{f5b03bc1-ff38-45f0-a365-680a4ab6f515}: erro 0x80070005"), std::string::npos) << m_sErro;
-    EXPECT_EQ(m_sErro.find("desfeito"), std::string::npos) << m_sErro;
-    EXPECT_EQ(TodaDiferenca(antes, Classes(alcance.hRaiz)), "");
   }
 }

@@ -1,20 +1,17 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstring>
+#include <functional>
 #include <future>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "core/env/QZPath.h"
-#include "core/log/ConfiguracaoLog.h"
 #include "server/ClasseVeiculos.h"
 #include "server/ContagemModulo.h"
-#include "tests/apoio/ArquivosDecorado.h"
 #include "tests/apoio/ColetorRastro.h"
-#include "tests/apoio/ServicosFalsos.h"
-#include "tests/apoio/ServicosTrocados.h"
 #include "tests/com/ApoioServico.h"
 
 // The service object within the test's own process: what no client of another process can do to it, such as passing a
@@ -24,35 +21,15 @@ namespace {
 
 using namespace apoiocom;
 
-/// Pointers that are not null and lead nowhere.
-template <class T>
-T *PonteiroRuim() {
-  return reinterpret_cast<T *>(std::uintptr_t{16});
-}
+constexpr std::uint32_t kSemEmpresa = 0x810809E3;
+constexpr std::uint32_t kSemRegistro = 0x8004EAC5;
 
 class Servico : public testing::Test {
 protected:
   ~Servico() override { EXPECT_EQ(CContagemModulo::DoProcesso().Quantidade(), 0); }
 
   apoio::ColetorRastro m_rastro;
-};
-
-/// An object that aggregates the service object.
-class Externo final : public IUnknown {
-public:
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void **ppv) override {
-    if (riid == IID_IUnknown) {
-      *ppv = this;
-      AddRef();
-      return S_OK;
-    }
-    return m_pInterno->QueryInterface(riid, ppv);
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++m_ulReferencias; }
-  ULONG STDMETHODCALLTYPE Release() override { return --m_ulReferencias; }
-
-  IUnknown *m_pInterno = nullptr;
-  ULONG m_ulReferencias = 1;
+  void *const m_pRuim = reinterpret_cast<void *>(std::uintptr_t{16});  ///< not null, and leads nowhere
 };
 
 template <class T>
@@ -63,7 +40,6 @@ bool TudoZero(const T &registro) {
 
 /// The register is gone: each operation says so, Inicializa too, and hands back zeros in outputs full of rubbish.
 void EsperaFalhaComZeros(IQZDF_Veiculos &veiculos) {
-  constexpr std::uint32_t kSemRegistro = 0x8004EAC5;
   LONG lPos = 55;
   unsigned uiQtd = 55;
   LONG posicoes[] = {1, 2};
@@ -72,7 +48,7 @@ void EsperaFalhaComZeros(IQZDF_Veiculos &veiculos) {
   tagREG_VEICULOPS achado = lido;
   tagREG_VEICULOPS lidos[] = {lido, lido};
   EXPECT_EQ(Bits(veiculos.Le(1, &lido)), kSemRegistro);
-  EXPECT_EQ(Bits(veiculos.Existe(Texto("V").Ponteiro(), &lPos, &achado)), kSemRegistro);
+  EXPECT_EQ(Bits(veiculos.Existe(Texto("V").Get(), &lPos, &achado)), kSemRegistro);
   EXPECT_EQ(Bits(veiculos.BuscaPonteiros({}, &resultado)), kSemRegistro);
   EXPECT_EQ(Bits(veiculos.LePonteiros(2, posicoes, lidos)), kSemRegistro);
   EXPECT_EQ(Bits(veiculos.GetQuantidadeRegistros(&uiQtd)), kSemRegistro);
@@ -84,51 +60,42 @@ void EsperaFalhaComZeros(IQZDF_Veiculos &veiculos) {
 
 }  // namespace
 
-TEST_F(Servico, PonteirosNulosSaoRecusadosEOObjetoFica) {
-  const Empresa empresa;
-  const Veiculos spVeiculos = ServicoPara(empresa);
-  ASSERT_TRUE(spVeiculos);
-  LONG lPos = 0;
-  tagREG_VEICULOPS veiculo;
-  EXPECT_EQ(spVeiculos->Grava(nullptr, Veiculo("V")), E_POINTER);
-  EXPECT_EQ(spVeiculos->Le(1, nullptr), E_POINTER);
-  EXPECT_EQ(spVeiculos->Existe(Texto("V").Ponteiro(), nullptr, &veiculo), E_POINTER);
-  EXPECT_EQ(spVeiculos->Existe(Texto("V").Ponteiro(), &lPos, nullptr), E_POINTER);
-  EXPECT_EQ(spVeiculos->BuscaPonteiros(tagREG_FILTRO_VEICULOSPS{}, nullptr), E_POINTER);
-  EXPECT_EQ(spVeiculos->LePonteiros(1, nullptr, &veiculo), E_POINTER);
-  EXPECT_EQ(spVeiculos->LePonteiros(1, &lPos, nullptr), E_POINTER);
-  EXPECT_EQ(spVeiculos->GetQuantidadeRegistros(nullptr), E_POINTER);
-  EXPECT_EQ(spVeiculos->LePonteiros(0, nullptr, nullptr), S_OK);
-  EXPECT_EQ(spVeiculos->Existe(nullptr, &lPos, &veiculo), S_OK);
-  EXPECT_EQ(spVeiculos->Grava(&lPos, Veiculo("V")), S_OK);
-  EXPECT_EQ(Bits(NovoServico()->Inicializa(nullptr, 1, 1)), 0x810809CFU);
-}
-
-TEST_F(Servico, FalhaDeMaquinaTiraORegistroDoObjeto) {
+TEST_F(Servico, PonteiroNuloERecusadoEORuimTiraORegistroDoObjeto) {
   static LONG s_lPos;
   static tagREG_VEICULOPS s_veiculo;
   const struct {
     const char *lpFuncao;
-    HRESULT (*chama)(IQZDF_Veiculos &);
+    std::uint32_t hrNulo;
+    HRESULT (*chama)(IQZDF_Veiculos &, void *pPonteiro);
   } linhas[] = {
-      {"Inicializa", [](IQZDF_Veiculos &v) { return v.Inicializa(PonteiroRuim<wchar_t>(), 1, 1); }},
-      {"Grava", [](IQZDF_Veiculos &v) { return v.Grava(PonteiroRuim<LONG>(), Veiculo("V")); }},
-      {"Le", [](IQZDF_Veiculos &v) { return v.Le(1, PonteiroRuim<tagREG_VEICULOPS>()); }},
-      {"Existe", [](IQZDF_Veiculos &v) { return v.Existe(PonteiroRuim<wchar_t>(), &s_lPos, &s_veiculo); }},
-      {"BuscaPonteiros",
-       [](IQZDF_Veiculos &v) { return v.BuscaPonteiros({}, PonteiroRuim<tagRESULTADO_BUSCA_VEICULOS>()); }},
-      {"LePonteiros", [](IQZDF_Veiculos &v) { return v.LePonteiros(1, PonteiroRuim<LONG>(), &s_veiculo); }},
-      {"GetQuantidadeRegistros", [](IQZDF_Veiculos &v) { return v.GetQuantidadeRegistros(PonteiroRuim<unsigned>()); }},
+      {"Inicializa", 0x810809CF, [](auto &v, void *p) { return v.Inicializa(static_cast<LPWSTR>(p), 1, 1); }},
+      {"Grava", 0x80004003, [](auto &v, void *p) { return v.Grava(static_cast<LONG *>(p), Veiculo("V")); }},
+      {"Le", 0x80004003, [](auto &v, void *p) { return v.Le(1, static_cast<tagREG_VEICULOPS *>(p)); }},
+      {"Existe", kSemEmpresa, [](auto &v, void *p) { return v.Existe(static_cast<LPWSTR>(p), &s_lPos, &s_veiculo); }},
+      {"Existe", 0x80004003,
+       [](auto &v, void *p) { return v.Existe(Texto("V").Get(), static_cast<LONG *>(p), &s_veiculo); }},
+      {"Existe", 0x80004003,
+       [](auto &v, void *p) { return v.Existe(Texto("V").Get(), &s_lPos, static_cast<tagREG_VEICULOPS *>(p)); }},
+      {"BuscaPonteiros", 0x80004003,
+       [](auto &v, void *p) { return v.BuscaPonteiros({}, static_cast<tagRESULTADO_BUSCA_VEICULOS *>(p)); }},
+      {"LePonteiros", 0x80004003,
+       [](auto &v, void *p) { return v.LePonteiros(1, static_cast<LONG *>(p), &s_veiculo); }},
+      {"LePonteiros", 0x80004003,
+       [](auto &v, void *p) { return v.LePonteiros(1, &s_lPos, static_cast<tagREG_VEICULOPS *>(p)); }},
+      {"GetQuantidadeRegistros", 0x80004003,
+       [](auto &v, void *p) { return v.GetQuantidadeRegistros(static_cast<unsigned *>(p)); }},
   };
+  const Veiculos spSemEmpresa = NovoServico();
   for (const auto &linha : linhas) {
     SCOPED_TRACE(linha.lpFuncao);
+    EXPECT_EQ(Bits(linha.chama(*spSemEmpresa, nullptr)), linha.hrNulo);
     const Empresa empresa;
     const Veiculos spVeiculos = ServicoPara(empresa);
     ASSERT_TRUE(spVeiculos);
     LONG lPos = 0;
     ASSERT_EQ(spVeiculos->Grava(&lPos, Veiculo("V001")), S_OK);
     m_rastro.Toma();
-    EXPECT_EQ(Bits(linha.chama(*spVeiculos)), 0x8004EAC5U);
+    EXPECT_EQ(Bits(linha.chama(*spVeiculos, m_pRuim)), kSemRegistro);
     EXPECT_EQ(m_rastro.Toma().back(),
               std::string("CQZDF_Veiculos::") + linha.lpFuncao + "|QZDF_Veiculos.cpp|pfInSEHFuncao()");
     EsperaFalhaComZeros(*spVeiculos);
@@ -144,93 +111,71 @@ TEST_F(Servico, FalhaEmUmaChamadaNaoDerrubaAsOutras) {
     LONG lPos = 0;
     ASSERT_EQ(spVeiculos->Grava(&lPos, Veiculo("V")), S_OK);
     std::atomic<int> iCertas{0};
-    std::atomic<int> iEstranhas{0};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 3; ++t) {
-      threads.emplace_back([&] {
-        tagREG_VEICULOPS veiculo;
-        for (;;) {
-          const std::uint32_t hr = Bits(spVeiculos->Le(1, &veiculo));
-          if (hr != 0) {
-            iEstranhas += hr == 0x8004EAC5U ? 0 : 1;
-            return;
-          }
-          ++iCertas;
+    std::atomic<bool> bFalhou{false};
+    const auto leAteFalhar = [&] {
+      tagREG_VEICULOPS veiculo;
+      for (;; ++iCertas) {
+        const bool bUltima = bFalhou;
+        const HRESULT hr = spVeiculos->Le(1, &veiculo);
+        if (hr != S_OK || bUltima) {
+          return Bits(hr);
         }
-      });
+      }
+    };
+    std::vector<std::future<std::uint32_t>> outras(3);
+    for (auto &outra : outras) {
+      outra = std::async(std::launch::async, leAteFalhar);
     }
     while (iCertas < 50) {
       std::this_thread::yield();
     }
-    EXPECT_EQ(Bits(spVeiculos->Le(1, PonteiroRuim<tagREG_VEICULOPS>())), 0x8004EAC5U);
-    for (std::thread &thread : threads) {
-      thread.join();
+    EXPECT_EQ(Bits(spVeiculos->Le(1, static_cast<tagREG_VEICULOPS *>(m_pRuim))), kSemRegistro);
+    bFalhou = true;
+    for (auto &outra : outras) {
+      EXPECT_EQ(outra.get(), kSemRegistro);
     }
-    EXPECT_EQ(iEstranhas, 0);
   }
 }
 
-// An Inicializa that comes while a call leaves its entry record waits for the call, which works on what the record
-// says.
-TEST_F(Servico, RegistroDeEntradaDizAEmpresaDaChamada) {
-  const apoio::PastaTemporaria pasta;
-  apoio::RegistroFalso registro;
-  registro.m_textos = {{{CString(kChaveSuite) + "Miran Empresarial", "Path"}, pasta.Caminho()},
-                       {{CString(kChaveSuite) + "Empresas\\A", "DF"}, pasta.CriaSubpasta("A")},
-                       {{CString(kChaveSuite) + "Empresas\\B", "DF"}, pasta.CriaSubpasta("B")}};
-  apoio::ArquivosComFalha arquivos(plataforma::Arquivos());
-  apoio::RelogioFalso relogio;
-  const apoio::ServicosTrocados servicos(&arquivos, &registro, &relogio);
-  apoio::EscreveArquivo(pasta / "log.ini", "[Log]\r\nEntrada=1\r\nPerformance=1\r\nTimeoutConfig=0");
-  relogio.m_ticks = static_cast<std::uint32_t>(CarregaConfiguracaoLog()) - 1;
-
-  const Veiculos spVeiculos = NovoServico();
-  for (const char *lpEmpresa : {"B", "A"}) {
-    ASSERT_EQ(Inicializa(*spVeiculos, lpEmpresa), S_OK);
-    LONG lPos = 0;
-    ASSERT_EQ(spVeiculos->Grava(&lPos, Veiculo(lpEmpresa)), S_OK);
-  }
+// It would change the company under the call.
+TEST_F(Servico, InicializaEsperaAChamadaEmAndamento) {
+  static std::function<void()> s_aoFalhar;
+  const Empresa a;
+  const Empresa b;
+  const Veiculos spVeiculos = ServicoPara(a);
+  ASSERT_TRUE(spVeiculos);
   std::future<HRESULT> outra;
-  // When the log writer looks for the file of entry records.
-  arquivos.Arma({.operacoes = apoio::kOpExiste, .trecho = "QZProfiler.dat", .falha = {}, .aoFalhar = [&] {
-                   outra = std::async(std::launch::async, [&] { return Inicializa(*spVeiculos, "B"); });
-                   EXPECT_EQ(outra.wait_for(std::chrono::milliseconds(300)), std::future_status::timeout);
-                 }});
+  s_aoFalhar = [&] {
+    outra = std::async(std::launch::async, [&] { return Inicializa(*spVeiculos, b.Codigo()); });
+    EXPECT_EQ(outra.wait_for(std::chrono::milliseconds(300)), std::future_status::timeout);
+  };
+  // When the call tells of its failure, it holds nothing but what keeps the company.
+  const SumidouroRastro anterior = DefineSumidouroRastro([](const FalhaRastreada &falha) {
+    if (falha.funcao.Texto() == "CQZDF_Veiculos::Le") {
+      s_aoFalhar();
+    }
+  });
   tagREG_VEICULOPS veiculo;
-  EXPECT_EQ(spVeiculos->Le(1, &veiculo), S_OK);
-  EXPECT_EQ(CodigoDe(veiculo), "A");
+  EXPECT_EQ(Bits(spVeiculos->Le(1, &veiculo)), 0x810809E3U);
+  DefineSumidouroRastro(anterior);
   ASSERT_TRUE(outra.valid());
   EXPECT_EQ(outra.get(), S_OK);
-  const std::string sLog = apoio::LeArquivo(pasta / "QZProfiler.dat");
-  EXPECT_NE(sLog.find("CQZDF_Veiculos::Le\tEA\t"), std::string::npos) << sLog;
-  EXPECT_EQ(spVeiculos->Le(1, &veiculo), S_OK);
-  EXPECT_EQ(CodigoDe(veiculo), "B");
 }
 
 TEST_F(Servico, ObjetoAgregadoPertenceAoExterno) {
-  Externo externo;
+  const Veiculos spExterno = NovoServico();
   CClasseVeiculos classe;
   void *pObjeto = nullptr;
-  EXPECT_EQ(classe.CreateInstance(&externo, IID_IQZDF_Veiculos, &pObjeto), CLASS_E_NOAGGREGATION);
+  EXPECT_EQ(classe.CreateInstance(spExterno.get(), IID_IQZDF_Veiculos, &pObjeto), CLASS_E_NOAGGREGATION);
   EXPECT_EQ(pObjeto, nullptr);
-  ASSERT_EQ(classe.CreateInstance(&externo, IID_IUnknown, &pObjeto), S_OK);
-  externo.m_pInterno = static_cast<IUnknown *>(pObjeto);
-  EXPECT_EQ(externo.m_ulReferencias, 1U);
-
-  ASSERT_EQ(externo.QueryInterface(IID_IQZDF_Veiculos, &pObjeto), S_OK);
-  EXPECT_EQ(externo.m_ulReferencias, 2U);
-  {
-    const Veiculos spVeiculos(static_cast<IQZDF_Veiculos *>(pObjeto));
-    ASSERT_EQ(spVeiculos->QueryInterface(IID_IUnknown, &pObjeto), S_OK);
-    EXPECT_EQ(pObjeto, static_cast<IUnknown *>(&externo));
-    static_cast<IUnknown *>(pObjeto)->Release();
-    EXPECT_EQ(spVeiculos->QueryInterface(IID_IClassFactory, &pObjeto), E_NOINTERFACE);
-    const Empresa empresa;
-    EXPECT_EQ(Inicializa(*spVeiculos, empresa.Codigo()), S_OK);
-  }
-  EXPECT_EQ(externo.m_ulReferencias, 1U);
-  EXPECT_EQ(CContagemModulo::DoProcesso().Quantidade(), 1);
-  EXPECT_EQ(externo.m_pInterno->Release(), 0U);
+  ASSERT_EQ(classe.CreateInstance(spExterno.get(), IID_IUnknown, &pObjeto), S_OK);
+  const Ponteiro<IUnknown> spInterno(static_cast<IUnknown *>(pObjeto));
+  ASSERT_EQ(spInterno->QueryInterface(IID_IQZDF_Veiculos, &pObjeto), S_OK);
+  const Veiculos spAgregado(static_cast<IQZDF_Veiculos *>(pObjeto));
+  EXPECT_NE(spAgregado, spExterno);
+  ASSERT_EQ(spAgregado->QueryInterface(IID_IQZDF_Veiculos, &pObjeto), S_OK);
+  EXPECT_EQ(pObjeto, spExterno.get());
+  EXPECT_EQ(spExterno->Release(), 2U) << "its own reference and the aggregated one's";
 }
 
 TEST_F(Servico, SoObjetosETravasSeguramOProcesso) {

@@ -6,8 +6,8 @@
 
 #include "core/errors/CodigosResultado.h"
 #include "core/errors/DescricaoDaBiblioteca.h"
-#include "tests/apoio/InstalacaoPropria.h"
 #include "tests/apoio/PastaTemporaria.h"
+#include "tests/apoio/ValoresProprios.h"
 
 namespace {
 

@@ -9,6 +9,8 @@
 // The next attempt to open gives the code of the first. A refusal leaves every file as it was, or, with headers on and
 // no version record that holds in front of it, behind one new header. After a success all records are the stored ones
 // (a base without a version loses its first, which was no vehicle), and a new register finds them and what was written.
+// A file that a write left half way is whole again, with the write or without it, or refused where its note has
+// changed.
 
 #include "vehicles/BaseVeiculos.h"
 
@@ -17,6 +19,7 @@
 #include <vector>
 
 #include "core/platform/Textos.h"
+#include "core/qzdatabase/disco/IntencaoGravacao.h"
 #include "fuzz/Empresa.h"
 #include "qzdados/Exame.h"
 #include "tests/qzdados/ApoioQzdados.h"
@@ -27,6 +30,11 @@ using namespace fuzz;
 
 constexpr std::array kArquivos = {kVeiculos, kVersao, kControle};
 constexpr std::size_t kTamanhoVersao = 16;
+
+/// The note of a write, and the lengths of its seal and of what stands before the write's bytes.
+constexpr char kNota[] = "DFVEIC.INT";
+constexpr std::size_t kTamanhoSelo = 8;
+constexpr std::size_t kTamanhoNota = 136;
 
 /// The bytes of a version file of the present version.
 std::string VersaoUm() {
@@ -148,6 +156,46 @@ private:
   std::string m_sRegistros;  ///< that the register should hold
 };
 
+/// A register whose process ended in the midst of a write over one record or behind the last, found with the note of it
+/// (".INT"), in which a byte may have changed.
+void ConfereInterrompido(CEntrada *pEntrada) {
+  const std::string sAntes(pEntrada->Ate(3) * sizeof(RegVeiculo), 'v');
+  // Not zeros: behind nothing the header of an empty file holds over them.
+  const std::string sNovo(sizeof(RegVeiculo), static_cast<char>(pEntrada->Byte() | 1));
+  const std::size_t uiOnde = pEntrada->Ate(sAntes.size() / sizeof(RegVeiculo)) * sizeof(RegVeiculo);
+  const std::string sDepois = std::string(sAntes).replace(uiOnde, sNovo.size(), sNovo);
+  const std::size_t uiFeitos = pEntrada->Valor<std::uint16_t>() % (sNovo.size() + 1);
+  const std::size_t uiMistura = kPosicaoRegCabecalho + pEntrada->Ate(sizeof(RegCabecalhoArquivo));
+  const std::string sDeixado = Cabecalho(kVeiculos, sDepois).substr(0, uiMistura) +
+                               Cabecalho(kVeiculos, sAntes).substr(uiMistura) +
+                               std::string(sAntes).replace(uiOnde, uiFeitos, sNovo, 0, uiFeitos);
+  const CEmpresa empresa(true, {{kVeiculos, sDeixado}, {kVersao, VersaoUm()}});
+  {
+    CQZIntencaoGravacao nota;
+    nota.Define(empresa.Caminho(kVeiculos));
+    nota.Prepara();
+    nota.Anuncia({MontaRegCabecalho(0, kVeiculos, 0), Crc(sAntes), Crc(sDepois), kTamanhoCabecalho + uiOnde,
+                  sNovo.data(), sNovo.size(), kTamanhoCabecalho + sAntes.size(), kTamanhoCabecalho + sDepois.size()});
+  }
+  const std::string sInteira = empresa.Le(kNota);
+  std::string sNota = sInteira;
+  const std::size_t uiTroca = kTamanhoSelo + pEntrada->Ate(kTamanhoNota - kTamanhoSelo - 1);
+  sNota[uiTroca] = static_cast<char>(sNota[uiTroca] ^ pEntrada->Byte());
+  if (pEntrada->Ate(3) != 3) {
+    sNota.replace(0, kTamanhoSelo,
+                  BytesDe(Crc(sNota.substr(kTamanhoSelo, kTamanhoNota - kTamanhoSelo + sNovo.size()))));
+  }
+  empresa.Escreve(kNota, sNota);
+  CBaseVeiculos base;
+  if (Falhou(empresa.Abre(&base))) {
+    Exige(sNota != sInteira, "what the note explains opens");
+    return Exige(empresa.Le(kVeiculos) == sDeixado && empresa.Le(kNota) == sNota, "a refusal leaves file and note");
+  }
+  static_cast<void>(base.Finaliza());
+  Exige(empresa.Dados(kVeiculos) == sAntes || empresa.Dados(kVeiculos) == sDepois, "with the write or without it");
+  Exige(empresa.Le(kVeiculos) == sDeixado || !empresa.Existe(kNota), "a note that has served goes");
+}
+
 /// The tool on it.
 class Ferramenta {
 public:
@@ -247,7 +295,7 @@ private:
 }  // namespace
 
 void fuzz::Executa(CEntrada *pEntrada) {
-  static constexpr std::array kSobras = {"", "DFVEIC.TRA", "DFVEIVSD.TRA", "DFVEIC.INT", "NOTAS.OFL", "OUTRO.DAT"};
+  static constexpr std::array kSobras = {"", "DFVEIC.TRA", "DFVEIVSD.TRA", kNota, "NOTAS.OFL", "OUTRO.DAT"};
   const unsigned uiEscolha = pEntrada->Byte();
   const std::string sSobra = kSobras[pEntrada->Ate(kSobras.size() - 1)];
   const std::string sBytesSobra = sSobra.empty() ? "" : pEntrada->Bytes(pEntrada->Byte());
@@ -255,6 +303,8 @@ void fuzz::Executa(CEntrada *pEntrada) {
   if (sSobra.empty()) {
     Registro(pasta, (uiEscolha & 1) != 0).Roda();
   } else {
+    CEntrada sobra(sBytesSobra);
+    ConfereInterrompido(&sobra);
     pasta[sSobra] = sBytesSobra;
   }
   Ferramenta(pasta).Roda();

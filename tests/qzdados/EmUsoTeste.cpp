@@ -32,13 +32,6 @@ TEST(EmUso, OQueOServidorSeguraEDito) {
   EXPECT_EQ(pasta.iCodigo, 3);
   EXPECT_TRUE(Contem(pasta.Saida(), "DFVEIC.DAT: o arquivo est\xE1 em uso\n")) << pasta.Saida();
   EXPECT_TRUE(Contem(pasta.Saida(), "DFVEIVS.DAT: ")) << pasta.Saida();
-  for (const std::vector<std::string> &aTextos :
-       {std::vector<std::string>{"lista", sArquivo}, {"recupera", sArquivo, "--em", empresa.Caminho("NOVO")}}) {
-    const Rodada rodada(aTextos);
-    EXPECT_EQ(rodada.iCodigo, 3);
-    EXPECT_TRUE(Contem(rodada.Erros(), "em uso")) << rodada.Erros();
-  }
-  EXPECT_FALSE(empresa.Existe("NOVO"));
 }
 
 TEST(EmUso, NaPausaOutroPodeAbrirENadaMudaSemQueSeDiga) {

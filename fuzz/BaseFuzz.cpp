@@ -3,8 +3,8 @@
 //
 // Property: every command of the tool comes to one of its exit codes and no original changes; what "recupera" and
 // "cabecalho" write is sound, keeps the whole records and is undone by the opposite command; a directory is no better
-// than any of its files, or than a list that names a missing one; and one that is found sound, or is after every
-// repairable file was replaced by its repaired copy, opens as a register.
+// than any of its files; and one that is found sound, or is after every repairable file was replaced by its repaired
+// copy, opens as a register.
 //
 // The next attempt to open gives the code of the first. A refusal leaves every file as it was, or, with headers on and
 // no version record that holds in front of it, behind one new header. After a success all records are the stored ones
@@ -18,7 +18,6 @@
 #include <array>
 #include <vector>
 
-#include "core/platform/Textos.h"
 #include "core/qzdatabase/disco/IntencaoGravacao.h"
 #include "fuzz/Empresa.h"
 #include "qzdados/Exame.h"
@@ -31,9 +30,11 @@ using namespace fuzz;
 constexpr std::array kArquivos = {kVeiculos, kVersao, kControle};
 constexpr std::size_t kTamanhoVersao = 16;
 
-/// The note of a write, and the lengths of its seal and of what stands before the write's bytes.
+/// The note of a write, and the lengths of its seal, of its kind behind that, and of all that stands before the write's
+/// bytes.
 constexpr char kNota[] = "DFVEIC.INT";
 constexpr std::size_t kTamanhoSelo = 8;
+constexpr std::size_t kTamanhoTipo = 4;
 constexpr std::size_t kTamanhoNota = 136;
 
 /// The bytes of a version file of the present version.
@@ -193,7 +194,11 @@ void ConfereInterrompido(CEntrada *pEntrada) {
   }
   static_cast<void>(base.Finaliza());
   Exige(empresa.Dados(kVeiculos) == sAntes || empresa.Dados(kVeiculos) == sDepois, "with the write or without it");
-  Exige(empresa.Le(kVeiculos) == sDeixado || !empresa.Existe(kNota), "a note that has served goes");
+  if (empresa.Le(kVeiculos) != sDeixado) {
+    Exige(!empresa.Existe(kNota), "a note that has served goes");
+    Exige(sNota.substr(kTamanhoSelo, kTamanhoTipo) == sInteira.substr(kTamanhoSelo, kTamanhoTipo),
+          "only the note of a write repairs a file");
+  }
 }
 
 /// The tool on it.
@@ -203,7 +208,7 @@ public:
 
   void Roda() {
     const int iEstado = Qzdados({"verifica", m_empresa.Caminho(""), "--detalhes"}).iCodigo;
-    int iPior = FaltaListado() ? 2 : 0;
+    int iPior = 0;
     bool bReparados = true;
     for (const auto &[sNome, sBytes] : m_antes) {
       const int iDoArquivo = Estado(m_empresa.Caminho(sNome));
@@ -223,19 +228,6 @@ public:
   }
 
 private:
-  /// A journal may stand for the version file.
-  bool FaltaListado() const {
-    const ArquivoExaminado exame = Examina(kControle, m_empresa.Bytes(kControle).value_or(""), true);
-    const std::vector<std::string> nomes = LinhasDoTexto(exame.sDados);
-    if (Falhou(exame.hr) || BytesDasLinhas(nomes) != exame.sDados) {
-      return false;
-    }
-    return std::any_of(nomes.begin(), nomes.end(), [this](const std::string &sNome) {
-      const std::string sMaiusculo = plataforma::Maiusculas(sNome);
-      return !sNome.empty() && sMaiusculo != kVersao && !m_antes.contains(sMaiusculo);
-    });
-  }
-
   void Lista(const std::string &sNome) const {
     for (const char *lpFormato : {"--csv", "--json", "--ate=2"}) {
       const int iCodigo = Qzdados({"lista", m_empresa.Caminho(sNome), lpFormato}).iCodigo;

@@ -79,7 +79,6 @@ TEST_F(Biblioteca, UmaDepoisDaOutra) {
       {"falha", ""},
       {"ponteiro_ruim", ""},
       {"throw_alheio", ""},
-      {"codigo_alheio", ""},
       {"pilha", ""},
       {"pilha", ""},  // which is there in full again
       {"inicio", ""},

@@ -19,7 +19,6 @@
 #include "client/QZVeiculosMoeda.h"
 #include "client/Saida.h"
 #include "fuzz/Entrada.h"
-#include "fuzz/Exige.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 // A company's directory in which one of the data files holds any bytes, and others may be leftovers: for the offline
 // tool, and opened as a register of vehicles with headers off or on.
 //
-// Property: every command of the tool comes to one of its exit codes and no original changes; what "recupera" and
-// "cabecalho" write is sound, keeps the whole records and is undone by the opposite command; a directory is no better
-// than any of its files; and one that is found sound, or is after every repairable file was replaced by its repaired
-// copy, opens as a register.
+// Property: every command of the tool comes to one of its exit codes and no original changes; what "recupera"
+// writes is sound and has nothing but bytes of the original behind its header; a directory is no better than any of its
+// files; and one that is found sound, or is after every repairable file was replaced by its repaired copy, opens as a
+// register.
 //
 // The next attempt to open gives the code of the first. A refusal leaves every file as it was, or, with headers on and
 // no version record that holds in front of it, behind one new header. After a success all records are the stored ones
@@ -215,7 +215,6 @@ public:
       iPior = std::max(iPior, iDoArquivo);
       bReparados = bReparados && iDoArquivo != 2;
       Lista(sNome);
-      CabecalhoIdaEVolta(sNome);
       Recupera(sNome, iDoArquivo == 1);
     }
     Exige(iEstado >= iPior && iEstado <= 2, "the exit code for a directory");
@@ -246,25 +245,9 @@ private:
       const std::string sInteiros = m_empresa.Le(sNome + ".novo");
       const std::string sDados = Examina(IdentificaNome(sNome).sNome, sInteiros, true).sDados;
       Exige(m_antes.at(sNome).find(sDados) != std::string::npos, "a repaired copy has the bytes of the original alone");
-      Exige(Qzdados({"recupera", m_empresa.Caminho(sNome), "--em", sNovo}).iCodigo == 3 &&
-                m_empresa.Le(sNome + ".novo") == sInteiros,
-            "nothing is written over a file");
       if (!IdentificaNome(sNome).bSobra) {
         m_depois[sNome] = sInteiros;
       }
-    }
-  }
-
-  void CabecalhoIdaEVolta(const std::string &sNome) const {
-    const std::string sCom = m_empresa.Caminho(sNome + ".com");
-    const std::string sSem = m_empresa.Caminho(sNome + ".sem");
-    const std::string &sBytes = m_antes.at(sNome);
-    Qzdados({"cabecalho", "poe", m_empresa.Caminho(sNome), "--em", sCom});
-    if (m_empresa.Existe(sNome + ".com")) {
-      Exige(m_empresa.Le(sNome + ".com") == Cabecalho(IdentificaNome(sNome).sNome, sBytes) + sBytes,
-            "a header for the data and nothing else");
-      Exige(Qzdados({"cabecalho", "tira", sCom, "--em", sSem, "--como", sNome}).iCodigo == 0, "what was put is taken");
-      Exige(m_empresa.Le(sNome + ".sem") == sBytes, "the data without a header");
     }
   }
 

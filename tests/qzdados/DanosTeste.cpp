@@ -217,7 +217,6 @@ TEST(Pasta, SobrasEDiario) {
     empresa.Escreve(kVeiculos, caso.sVeiculos);
     empresa.Escreve("DFVEIC.INT", "abc");
     empresa.Escreve("DFVEIC.TRA", "abc");
-    empresa.Escreve("leiame.txt", "abc");
     if (!caso.sDiario.empty()) {
       empresa.Escreve(kArquivoDiario, caso.sDiario);
     }
@@ -229,7 +228,6 @@ TEST(Pasta, SobrasEDiario) {
     EXPECT_TRUE(Contem(rodada.Saida(), caso.lpTrecho)) << rodada.Saida();
     EXPECT_EQ(Contem(rodada.Saida(), "retira o primeiro"), std::string(caso.lpTrecho) == "retira o primeiro");
     EXPECT_TRUE(Contem(rodada.Saida(), "DFVEIC.INT: inten\xE7\xE3o de grava\xE7\xE3o; sobra")) << rodada.Saida();
-    EXPECT_TRUE(Contem(rodada.Saida(), "leiame.txt: n\xE3o \xE9 arquivo")) << rodada.Saida();
   }
 }
 

@@ -80,15 +80,9 @@ Pasta PastaDaEntrada(unsigned uiEscolha, CEntrada *pEntrada) {
   return pasta;
 }
 
-Rodada Qzdados(const std::vector<std::string> &aTextos) {
-  Rodada rodada(aTextos);
-  Exige(!rodada.tela.m_bPassouDoFim, "the progress of a reading");
-  return rodada;
-}
-
 /// The exit code of a look at a path.
 int Estado(const std::string &sCaminho) {
-  return Qzdados({"verifica", sCaminho}).iCodigo;
+  return Rodada({"verifica", sCaminho}).iCodigo;
 }
 
 /// The directory as it is, opened as a register.
@@ -207,7 +201,7 @@ public:
   explicit Ferramenta(const Pasta &pasta) : m_antes(pasta), m_depois(pasta), m_empresa(true, pasta) {}
 
   void Roda() {
-    const int iEstado = Qzdados({"verifica", m_empresa.Caminho(""), "--detalhes"}).iCodigo;
+    const int iEstado = Rodada({"verifica", m_empresa.Caminho(""), "--detalhes"}).iCodigo;
     int iPior = 0;
     bool bReparados = true;
     for (const auto &[sNome, sBytes] : m_antes) {
@@ -229,19 +223,19 @@ public:
 private:
   void Lista(const std::string &sNome) const {
     for (const char *lpFormato : {"--csv", "--json", "--ate=2"}) {
-      const int iCodigo = Qzdados({"lista", m_empresa.Caminho(sNome), lpFormato}).iCodigo;
+      const int iCodigo = Rodada({"lista", m_empresa.Caminho(sNome), lpFormato}).iCodigo;
       Exige(iCodigo == 0 || iCodigo == 3, "the exit code of a listing");
     }
   }
 
   void Recupera(const std::string &sNome, bool bReparavel) {
     const std::string sNovo = m_empresa.Caminho(sNome + ".novo");
-    const int iCodigo = Qzdados({"recupera", m_empresa.Caminho(sNome), "--em", sNovo}).iCodigo;
+    const int iCodigo = Rodada({"recupera", m_empresa.Caminho(sNome), "--em", sNovo}).iCodigo;
     const bool bGravou = m_empresa.Existe(sNome + ".novo");
     Exige(bGravou || !bReparavel, "a repairable file is repaired");
     if (bGravou) {
       Exige(iCodigo == 0, "a repair says that it wrote");
-      Exige(Qzdados({"verifica", sNovo, "--como", sNome}).iCodigo == 0, "a repaired copy is sound");
+      Exige(Rodada({"verifica", sNovo, "--como", sNome}).iCodigo == 0, "a repaired copy is sound");
       const std::string sInteiros = m_empresa.Le(sNome + ".novo");
       const std::string sDados = Examina(IdentificaNome(sNome).sNome, sInteiros, true).sDados;
       Exige(m_antes.at(sNome).find(sDados) != std::string::npos, "a repaired copy has the bytes of the original alone");

@@ -151,7 +151,6 @@ TEST_F(NoDisco, OQueNaoEArquivo) {
     bool bExiste = true;
     EXPECT_EQ(Arquivos().Existe(m_pasta / nome, &bExiste).erroSO, erro == 5 ? erro : 0u);
     EXPECT_FALSE(bExiste);
-    EXPECT_FALSE(Arquivos().SomenteLeitura(m_pasta / nome));
     EXPECT_EQ(Arquivos().Apaga(m_pasta / nome).erroSO, erro);
     EXPECT_EQ(Move(m_caminho, m_pasta / nome), erro == 2 ? 0u : erro);
   }

@@ -1,14 +1,16 @@
 // A company's directory in which one of the data files holds any bytes, and others may be leftovers: for the offline
 // tool, and opened as a register of vehicles with headers off or on.
 //
-// Property: every command of the tool comes to one of its exit codes and no original changes; what "recupera" and
-// "cabecalho" write is sound, keeps the whole records and is undone by the opposite command; a directory is no better
-// than any of its files, or than a list that names a missing one; and one that is found sound, or is after every
-// repairable file was replaced by its repaired copy, opens as a register.
+// Property: every command of the tool comes to one of its exit codes and no original changes; what "recupera"
+// writes is sound and has nothing but bytes of the original behind its header; a directory is no better than any of its
+// files; and one that is found sound, or is after every repairable file was replaced by its repaired copy, opens as a
+// register.
 //
 // The next attempt to open gives the code of the first. A refusal leaves every file as it was, or, with headers on and
 // no version record that holds in front of it, behind one new header. After a success all records are the stored ones
 // (a base without a version loses its first, which was no vehicle), and a new register finds them and what was written.
+// A file that a write left half way is whole again, with the write or without it, or refused where its note has
+// changed.
 
 #include "vehicles/BaseVeiculos.h"
 
@@ -16,7 +18,7 @@
 #include <array>
 #include <vector>
 
-#include "core/platform/Textos.h"
+#include "core/qzdatabase/disco/IntencaoGravacao.h"
 #include "fuzz/Empresa.h"
 #include "qzdados/Exame.h"
 #include "tests/qzdados/ApoioQzdados.h"
@@ -27,6 +29,13 @@ using namespace fuzz;
 
 constexpr std::array kArquivos = {kVeiculos, kVersao, kControle};
 constexpr std::size_t kTamanhoVersao = 16;
+
+/// The note of a write, and the lengths of its seal, of its kind behind that, and of all that stands before the write's
+/// bytes.
+constexpr char kNota[] = "DFVEIC.INT";
+constexpr std::size_t kTamanhoSelo = 8;
+constexpr std::size_t kTamanhoTipo = 4;
+constexpr std::size_t kTamanhoNota = 136;
 
 /// The bytes of a version file of the present version.
 std::string VersaoUm() {
@@ -71,15 +80,9 @@ Pasta PastaDaEntrada(unsigned uiEscolha, CEntrada *pEntrada) {
   return pasta;
 }
 
-Rodada Qzdados(const std::vector<std::string> &aTextos) {
-  Rodada rodada(aTextos);
-  Exige(!rodada.tela.m_bPassouDoFim, "the progress of a reading");
-  return rodada;
-}
-
 /// The exit code of a look at a path.
 int Estado(const std::string &sCaminho) {
-  return Qzdados({"verifica", sCaminho}).iCodigo;
+  return Rodada({"verifica", sCaminho}).iCodigo;
 }
 
 /// The directory as it is, opened as a register.
@@ -148,21 +151,64 @@ private:
   std::string m_sRegistros;  ///< that the register should hold
 };
 
+/// A register whose process ended in the midst of a write over one record or behind the last, found with the note of it
+/// (".INT"), in which a byte may have changed.
+void ConfereInterrompido(CEntrada *pEntrada) {
+  const std::string sAntes(pEntrada->Ate(3) * sizeof(RegVeiculo), 'v');
+  // Not zeros: behind nothing the header of an empty file holds over them.
+  const std::string sNovo(sizeof(RegVeiculo), static_cast<char>(pEntrada->Byte() | 1));
+  const std::size_t uiOnde = pEntrada->Ate(sAntes.size() / sizeof(RegVeiculo)) * sizeof(RegVeiculo);
+  const std::string sDepois = std::string(sAntes).replace(uiOnde, sNovo.size(), sNovo);
+  const std::size_t uiFeitos = pEntrada->Valor<std::uint16_t>() % (sNovo.size() + 1);
+  const std::size_t uiMistura = kPosicaoRegCabecalho + pEntrada->Ate(sizeof(RegCabecalhoArquivo));
+  const std::string sDeixado = Cabecalho(kVeiculos, sDepois).substr(0, uiMistura) +
+                               Cabecalho(kVeiculos, sAntes).substr(uiMistura) +
+                               std::string(sAntes).replace(uiOnde, uiFeitos, sNovo, 0, uiFeitos);
+  const CEmpresa empresa(true, {{kVeiculos, sDeixado}, {kVersao, VersaoUm()}});
+  {
+    CQZIntencaoGravacao nota;
+    nota.Define(empresa.Caminho(kVeiculos));
+    nota.Prepara();
+    nota.Anuncia({MontaRegCabecalho(0, kVeiculos, 0), Crc(sAntes), Crc(sDepois), kTamanhoCabecalho + uiOnde,
+                  sNovo.data(), sNovo.size(), kTamanhoCabecalho + sAntes.size(), kTamanhoCabecalho + sDepois.size()});
+  }
+  const std::string sInteira = empresa.Le(kNota);
+  std::string sNota = sInteira;
+  const std::size_t uiTroca = kTamanhoSelo + pEntrada->Ate(kTamanhoNota - kTamanhoSelo - 1);
+  sNota[uiTroca] = static_cast<char>(sNota[uiTroca] ^ pEntrada->Byte());
+  if (pEntrada->Ate(3) != 3) {
+    sNota.replace(0, kTamanhoSelo,
+                  BytesDe(Crc(sNota.substr(kTamanhoSelo, kTamanhoNota - kTamanhoSelo + sNovo.size()))));
+  }
+  empresa.Escreve(kNota, sNota);
+  CBaseVeiculos base;
+  if (Falhou(empresa.Abre(&base))) {
+    Exige(sNota != sInteira, "what the note explains opens");
+    return Exige(empresa.Le(kVeiculos) == sDeixado && empresa.Le(kNota) == sNota, "a refusal leaves file and note");
+  }
+  static_cast<void>(base.Finaliza());
+  Exige(empresa.Dados(kVeiculos) == sAntes || empresa.Dados(kVeiculos) == sDepois, "with the write or without it");
+  if (empresa.Le(kVeiculos) != sDeixado) {
+    Exige(!empresa.Existe(kNota), "a note that has served goes");
+    Exige(sNota.substr(kTamanhoSelo, kTamanhoTipo) == sInteira.substr(kTamanhoSelo, kTamanhoTipo),
+          "only the note of a write repairs a file");
+  }
+}
+
 /// The tool on it.
 class Ferramenta {
 public:
   explicit Ferramenta(const Pasta &pasta) : m_antes(pasta), m_depois(pasta), m_empresa(true, pasta) {}
 
   void Roda() {
-    const int iEstado = Qzdados({"verifica", m_empresa.Caminho(""), "--detalhes"}).iCodigo;
-    int iPior = FaltaListado() ? 2 : 0;
+    const int iEstado = Rodada({"verifica", m_empresa.Caminho(""), "--detalhes"}).iCodigo;
+    int iPior = 0;
     bool bReparados = true;
     for (const auto &[sNome, sBytes] : m_antes) {
       const int iDoArquivo = Estado(m_empresa.Caminho(sNome));
       iPior = std::max(iPior, iDoArquivo);
       bReparados = bReparados && iDoArquivo != 2;
       Lista(sNome);
-      CabecalhoIdaEVolta(sNome);
       Recupera(sNome, iDoArquivo == 1);
     }
     Exige(iEstado >= iPior && iEstado <= 2, "the exit code for a directory");
@@ -175,56 +221,27 @@ public:
   }
 
 private:
-  /// A journal may stand for the version file.
-  bool FaltaListado() const {
-    const ArquivoExaminado exame = Examina(kControle, m_empresa.Bytes(kControle).value_or(""), true);
-    const std::vector<std::string> nomes = LinhasDoTexto(exame.sDados);
-    if (Falhou(exame.hr) || BytesDasLinhas(nomes) != exame.sDados) {
-      return false;
-    }
-    return std::any_of(nomes.begin(), nomes.end(), [this](const std::string &sNome) {
-      const std::string sMaiusculo = plataforma::Maiusculas(sNome);
-      return !sNome.empty() && sMaiusculo != kVersao && !m_antes.contains(sMaiusculo);
-    });
-  }
-
   void Lista(const std::string &sNome) const {
     for (const char *lpFormato : {"--csv", "--json", "--ate=2"}) {
-      const int iCodigo = Qzdados({"lista", m_empresa.Caminho(sNome), lpFormato}).iCodigo;
+      const int iCodigo = Rodada({"lista", m_empresa.Caminho(sNome), lpFormato}).iCodigo;
       Exige(iCodigo == 0 || iCodigo == 3, "the exit code of a listing");
     }
   }
 
   void Recupera(const std::string &sNome, bool bReparavel) {
     const std::string sNovo = m_empresa.Caminho(sNome + ".novo");
-    const int iCodigo = Qzdados({"recupera", m_empresa.Caminho(sNome), "--em", sNovo}).iCodigo;
+    const int iCodigo = Rodada({"recupera", m_empresa.Caminho(sNome), "--em", sNovo}).iCodigo;
     const bool bGravou = m_empresa.Existe(sNome + ".novo");
     Exige(bGravou || !bReparavel, "a repairable file is repaired");
     if (bGravou) {
       Exige(iCodigo == 0, "a repair says that it wrote");
-      Exige(Qzdados({"verifica", sNovo, "--como", sNome}).iCodigo == 0, "a repaired copy is sound");
+      Exige(Rodada({"verifica", sNovo, "--como", sNome}).iCodigo == 0, "a repaired copy is sound");
       const std::string sInteiros = m_empresa.Le(sNome + ".novo");
       const std::string sDados = Examina(IdentificaNome(sNome).sNome, sInteiros, true).sDados;
       Exige(m_antes.at(sNome).find(sDados) != std::string::npos, "a repaired copy has the bytes of the original alone");
-      Exige(Qzdados({"recupera", m_empresa.Caminho(sNome), "--em", sNovo}).iCodigo == 3 &&
-                m_empresa.Le(sNome + ".novo") == sInteiros,
-            "nothing is written over a file");
       if (!IdentificaNome(sNome).bSobra) {
         m_depois[sNome] = sInteiros;
       }
-    }
-  }
-
-  void CabecalhoIdaEVolta(const std::string &sNome) const {
-    const std::string sCom = m_empresa.Caminho(sNome + ".com");
-    const std::string sSem = m_empresa.Caminho(sNome + ".sem");
-    const std::string &sBytes = m_antes.at(sNome);
-    Qzdados({"cabecalho", "poe", m_empresa.Caminho(sNome), "--em", sCom});
-    if (m_empresa.Existe(sNome + ".com")) {
-      Exige(m_empresa.Le(sNome + ".com") == Cabecalho(IdentificaNome(sNome).sNome, sBytes) + sBytes,
-            "a header for the data and nothing else");
-      Exige(Qzdados({"cabecalho", "tira", sCom, "--em", sSem, "--como", sNome}).iCodigo == 0, "what was put is taken");
-      Exige(m_empresa.Le(sNome + ".sem") == sBytes, "the data without a header");
     }
   }
 
@@ -247,7 +264,7 @@ private:
 }  // namespace
 
 void fuzz::Executa(CEntrada *pEntrada) {
-  static constexpr std::array kSobras = {"", "DFVEIC.TRA", "DFVEIVSD.TRA", "DFVEIC.INT", "NOTAS.OFL", "OUTRO.DAT"};
+  static constexpr std::array kSobras = {"", "DFVEIC.TRA", "DFVEIVSD.TRA", kNota, "NOTAS.OFL", "OUTRO.DAT"};
   const unsigned uiEscolha = pEntrada->Byte();
   const std::string sSobra = kSobras[pEntrada->Ate(kSobras.size() - 1)];
   const std::string sBytesSobra = sSobra.empty() ? "" : pEntrada->Bytes(pEntrada->Byte());
@@ -255,6 +272,8 @@ void fuzz::Executa(CEntrada *pEntrada) {
   if (sSobra.empty()) {
     Registro(pasta, (uiEscolha & 1) != 0).Roda();
   } else {
+    CEntrada sobra(sBytesSobra);
+    ConfereInterrompido(&sobra);
     pasta[sSobra] = sBytesSobra;
   }
   Ferramenta(pasta).Roda();

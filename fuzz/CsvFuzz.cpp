@@ -19,7 +19,6 @@
 #include "client/QZVeiculosMoeda.h"
 #include "client/Saida.h"
 #include "fuzz/Entrada.h"
-#include "fuzz/Exige.h"
 
 namespace {
 
@@ -227,17 +226,10 @@ void ConfereCampos(const Veiculo &v) {
   ConfereVolta(lido);
 }
 
-/// Any file is text or refused; what a mark says of one is so.
+/// What a mark says of a file is so.
 void ConfereCodificacao(const std::string &sTexto) {
   const CConteudoTexto marcado = Decodifica(std::string(kMarca) + sTexto, std::nullopt);
   Exige(marcado.bUtf8 && marcado.sTexto == sTexto && marcado.sAviso.empty(), "a text with a mark");
-  try {
-    const CConteudoTexto conteudo = Decodifica(sTexto, std::nullopt);
-    Exige(!conteudo.bUtf8 || De8Para1252(conteudo.sTexto) || !conteudo.sAviso.empty() || sTexto != conteudo.sTexto,
-          "what is taken for UTF-8 without a mark is told");
-  } catch (const CErroCodificacao &) {
-    Exige(sTexto.size() >= 2, "a refusal of what has no beginning");
-  }
   const std::string sUtf16 = Codifica(sTexto, ECodificacao::Utf16le);
   Exige(De8Para1252(Decodifica(sUtf16, ECodificacao::Utf16le).sTexto) == sTexto, "UTF-16 and back");
   Exige(De8Para1252(sTexto) == De8(sTexto), "Windows-1252 of UTF-8");

@@ -9,7 +9,6 @@
 
 #include "core/platform/Textos.h"
 #include "fuzz/Entrada.h"
-#include "fuzz/Exige.h"
 #include "vehicles/AssinaturaTexto.h"
 #include "vehicles/PadraoCuringa.h"
 

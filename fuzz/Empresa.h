@@ -5,10 +5,7 @@
 #include <optional>
 
 #include "core/platform/Plataforma.h"
-#include "core/qzdatabase/arquivo/QZTextFile.h"
-#include "core/qzdatabase/banco/QZDataBase.h"
 #include "fuzz/Entrada.h"
-#include "fuzz/Exige.h"
 #include "fuzz/Referencia.h"
 #include "tests/apoio/EmpresaTeste.h"
 #include "tests/apoio/ServicosFalsos.h"
@@ -55,17 +52,6 @@ private:
   apoio::ChaveCabecalho m_chave;
   apoio::RelogioFalso m_relogio;
   apoio::ServicosTrocados m_servicos{nullptr, nullptr, &m_relogio};
-};
-
-inline constexpr char kTexto[] = "TEXTO.DAT";
-
-/// A database of one text file.
-class CBancoTexto : public CQZDataBase {
-public:
-  CBancoTexto() : CQZDataBase(QZ_DF, plataforma::NivelTrava::ArquivoDados) {}
-  ~CBancoTexto() override { FinalizaNoDestrutor(); }
-
-  CQZTextFile m_Texto{kTexto, this};
 };
 
 }  // namespace fuzz

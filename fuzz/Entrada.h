@@ -1,12 +1,18 @@
 #ifndef KALVO_FUZZ_ENTRADA_H
 #define KALVO_FUZZ_ENTRADA_H
 
+// What every fuzzer has: the bytes of a run, and how it tells a finding.
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <string_view>
+
+#include "core/errors/CodigosResultado.h"
 
 namespace fuzz {
 
@@ -58,6 +64,21 @@ public:
 private:
   std::string_view m_sRestam;
 };
+
+/// Ends the run as a finding when a property does not hold.
+inline void Exige(bool bVale, const char *lpPropriedade) {
+  if (!bVale) {
+    std::fprintf(stderr, "BROKEN: %s\n", lpPropriedade);
+    std::abort();
+  }
+}
+
+inline void ExigeCodigo(HRESULT hr, HRESULT hrEsperado, const char *lpPropriedade) {
+  if (hr != hrEsperado) {
+    std::fprintf(stderr, "0x%08X instead of 0x%08X\n", BitsResultado(hr), BitsResultado(hrEsperado));
+    Exige(false, lpPropriedade);
+  }
+}
 
 /// One run of a fuzzer; each defines its own.
 void Executa(CEntrada *pEntrada);

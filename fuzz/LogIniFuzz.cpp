@@ -9,13 +9,11 @@
 #include <algorithm>
 #include <limits>
 #include <sstream>
-#include <string_view>
 #include <utility>
 
 #include "core/env/QZPath.h"
 #include "core/platform/Plataforma.h"
 #include "fuzz/Entrada.h"
-#include "fuzz/Exige.h"
 #include "tests/apoio/PastaTemporaria.h"
 #include "tests/apoio/ServicosFalsos.h"
 #include "tests/apoio/ServicosTrocados.h"
@@ -30,18 +28,6 @@ constexpr std::uint32_t kPrimeiroTick = 1000000000;
 std::uint32_t MomentoDeCarga() {
   static std::uint32_t ticks = kPrimeiroTick;
   return --ticks;
-}
-
-/// A line for "Processos" with pieces of the process's name, which any bytes hardly ever hold.
-CString LinhaProcessos(fuzz::CEntrada *pEntrada, const CString &sProcesso) {
-  constexpr std::string_view kSeparadores = ";, \t";
-  CString sLinha = "Processos=";
-  for (std::size_t pedacos = pEntrada->Ate(4); pedacos > 0; --pedacos) {
-    const std::size_t uiInicio = pEntrada->Ate(sProcesso.size());
-    sLinha += sProcesso.substr(uiInicio, pEntrada->Ate(4)) + pEntrada->Bytes(pEntrada->Ate(2));
-    sLinha += kSeparadores[pEntrada->Ate(kSeparadores.size() - 1)];
-  }
-  return sLinha + "\r\n";
 }
 
 bool Rastreado(const CString &sProcesso, CString sProcessos) {
@@ -79,13 +65,9 @@ void fuzz::Executa(CEntrada *pEntrada) {
   const apoio::ServicosTrocados servicos(nullptr, &registro, &relogio, &sistema);
   const CString sIni = pasta / "log.ini";
 
-  const std::size_t uiForma = pEntrada->Ate(7);
+  const bool bComSecao = pEntrada->Ate(7) != 0;
   const CString sProcesso = pEntrada->Bytes(pEntrada->Ate(12));
-  CString sConteudo = uiForma != 0 ? "[Log]\r\n" : "";
-  if (uiForma > 3) {
-    sConteudo += LinhaProcessos(pEntrada, sProcesso);
-  }
-  apoio::EscreveArquivo(sIni, sConteudo + pEntrada->Resto());
+  apoio::EscreveArquivo(sIni, (bComSecao ? "[Log]\r\n" : "") + pEntrada->Resto());
 
   relogio.m_ticks = MomentoDeCarga();
   Exige(CarregaConfiguracaoLog() == relogio.m_ticks, "loaded");

@@ -9,10 +9,10 @@
 #include <cstdlib>
 #include <limits>
 #include <map>
+#include <regex>
 
 #include "core/env/QZPath.h"
 #include "fuzz/Entrada.h"
-#include "fuzz/Exige.h"
 #include "tests/apoio/PastaTemporaria.h"
 #include "tests/apoio/ServicosFalsos.h"
 #include "tests/apoio/ServicosTrocados.h"
@@ -35,13 +35,8 @@ void AnotaLinha(std::string sLinha, Textos *pTextos) {
   if (sLinha.back() == '\n') {
     sLinha.pop_back();
   }
-  std::string sTexto;
-  for (std::size_t i = 8; i < sLinha.size(); ++i) {
-    const bool bQuebra = sLinha[i] == '\\' && i + 1 < sLinha.size() && sLinha[i + 1] == 'n';
-    sTexto += bQuebra ? '\n' : sLinha[i];
-    i += bQuebra ? 1 : 0;
-  }
-  pTextos->emplace(uiNumero, sTexto);
+  static const std::regex quebra(R"(\\n)");
+  pTextos->emplace(uiNumero, sLinha.size() > 8 ? std::regex_replace(sLinha.substr(8), quebra, "\n") : "");
 }
 
 Textos Referencia(const std::string &sCatalogo) {

@@ -7,10 +7,6 @@
 namespace fuzz {
 namespace {
 
-std::uint64_t Crc(std::string_view sBytes) {
-  return CalculaCrc64(sBytes.data(), sBytes.size());
-}
-
 HRESULT CodigoDoCabecalho(const std::string &sNome, const RegVersaoArquivo &versao, std::string_view sBytes) {
   const auto reg = CEntrada(sBytes.substr(kPosicaoRegCabecalho)).Valor<RegCabecalhoArquivo>();
   if (versao.iVersao != kVersaoCabecalho) {
@@ -26,6 +22,10 @@ HRESULT CodigoDoCabecalho(const std::string &sNome, const RegVersaoArquivo &vers
 }
 
 }  // namespace
+
+std::uint64_t Crc(std::string_view sBytes) {
+  return CalculaCrc64(sBytes.data(), sBytes.size());
+}
 
 std::string Cabecalho(const std::string &sNome, std::string_view sDados, std::uint16_t iVersao) {
   RegVersaoArquivo versao{

@@ -13,6 +13,8 @@
 
 namespace fuzz {
 
+std::uint64_t Crc(std::string_view sBytes);
+
 /// A header for a file of this name and these data, 92 bytes. Any version but the present one is a foreign one.
 std::string Cabecalho(const std::string &sNome, std::string_view sDados, std::uint16_t iVersao = 1);
 

@@ -9,7 +9,7 @@
 #include <set>
 #include <vector>
 
-#include "fuzz/Exige.h"
+#include "fuzz/Entrada.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qtd);
 

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 
+#include "core/qzdatabase/banco/QZDataBase.h"
 #include "fuzz/Empresa.h"
 
 namespace {
@@ -19,6 +20,16 @@ using namespace fuzz;
 using Textos = std::vector<std::string>;
 
 constexpr int kMaximoOperacoes = 16;
+constexpr char kTexto[] = "TEXTO.DAT";
+
+/// A database of one text file.
+class CBancoTexto : public CQZDataBase {
+public:
+  CBancoTexto() : CQZDataBase(QZ_DF, plataforma::NivelTrava::ArquivoDados) {}
+  ~CBancoTexto() override { FinalizaNoDestrutor(); }
+
+  CQZTextFile m_Texto{kTexto, this};
+};
 
 /// The lines that memory and the disk should hold. A line on disk is longer where it goes on behind a zero byte.
 struct Modelo {

@@ -55,8 +55,6 @@ const char *QZGetDescricaoHRESULT([[maybe_unused]] HRESULT hr) {
   return reinterpret_cast<const char *>(std::uintptr_t{16});
 #elif defined(VARIANTE_throw_alheio)  // as another compiler's runtime throws
   RaiseException(0xE06D7363, EXCEPTION_NONCONTINUABLE, 0, nullptr);
-#elif defined(VARIANTE_codigo_alheio)
-  RaiseException(0xE0000001, 0, 0, nullptr);
 #elif defined(VARIANTE_pilha)
   s_texto[0] = static_cast<char>(Recorre(0));
 #endif

@@ -108,18 +108,13 @@ TEST_F(EscopoProfiler, ChavesQueMudamDuranteAOperacao) {
   EXPECT_EQ(Profiler().size(), 2U) << "the end reads nothing anew";
 }
 
-TEST_F(EscopoProfiler, IdentidadeDaEntradaESemProfiler) {
+TEST_F(EscopoProfiler, IdentidadeDaEntrada) {
   Configura(kSaidas);
   std::optional<CQZProfilerEmpresa> profiler(std::in_place, "0002", kUsuarioInterno, 0xFFFFFFFF);
   std::optional<CQZEscopoProfiler> escopo(std::in_place, &*profiler, NomeFuncao{"C::F"});
   profiler.reset();
   escopo.reset();
   EXPECT_NE(Profiler().back().find("|C::F|E0002|U65535|S-0000001|T00004660|SAIU|"), std::string::npos);
-  { const CQZEscopoProfiler semProfiler(nullptr, {"C::F"}); }
-  EXPECT_NE(Profiler().back().find("|C::F|||||SAIU|"), std::string::npos);
-  m_informacoes.m_processo.clear();
-  { const CQZEscopoProfiler semProcesso(nullptr, {"C::F"}); }
-  EXPECT_EQ(Profiler().size(), 3U);
 }
 
 }  // namespace

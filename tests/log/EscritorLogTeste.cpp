@@ -32,13 +32,14 @@ TEST_F(EscritorLog, CabecalhoSoDeQuemCria) {
   ASSERT_FALSE(plataforma::Arquivos().Apaga(m_caminho));
   Grava("dois");
   EXPECT_EQ(ErrosDaEmpresa(), (std::vector<std::string>{kCabecalhoErrosEsperado, "c|dois"}));
-  // Whoever looks at the file keeps nobody from writing.
+  // Whoever writes to the file keeps others out; whoever looks at it does not.
   apoio::EscreveArquivo(m_caminho, "");
-  std::unique_ptr<plataforma::IArquivoAberto> leitor;
-  ASSERT_FALSE(plataforma::ArquivosDoSistema().Abre(
-      m_caminho, {plataforma::Acesso::Leitura, plataforma::Compartilhamento::NegaNada}, &leitor));
-  Grava("tres");
-  leitor.reset();
+  for (const plataforma::Acesso acesso : {plataforma::Acesso::Escrita, plataforma::Acesso::Leitura}) {
+    std::unique_ptr<plataforma::IArquivoAberto> outro;
+    ASSERT_FALSE(
+        plataforma::ArquivosDoSistema().Abre(m_caminho, {acesso, plataforma::Compartilhamento::NegaNada}, &outro));
+    Grava("tres");
+  }
   EXPECT_EQ(ErrosDaEmpresa(), (std::vector<std::string>{"c|tres"}));
   // Another process creates the file between this one's look and its opening.
   ASSERT_FALSE(plataforma::Arquivos().Apaga(m_caminho));

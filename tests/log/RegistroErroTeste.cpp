@@ -64,32 +64,12 @@ TEST_F(RegistroErro, PastaPorEmpresa) {
   EXPECT_NE(linhas[3].find("|E9999|U001|S00000001|T00004660|ERRO|"), std::string::npos) << linhas[3];
 }
 
-TEST_F(RegistroErro, TextosQueFaltam) {
-  m_informacoes.m_bVersao = m_informacoes.m_bMemoria = false;
-  m_informacoes.m_guid.clear();
-  m_informacoes.m_usuario.clear();
-  m_informacoes.m_processo.clear();
-  Grava(&m_profiler, "a\r\nb\rc\n\td%n");
-  EXPECT_EQ(ErrosDaEmpresa().back(),
-            "21/11/2025|09:05:07.042|C::F|E0001|U007|S00000042|T00004660|ERRO|0|0|0|0.0.0|10.0.19045|C.cpp|9|abc|d%n|");
-}
-
 TEST_F(RegistroErro, RelogioQueFalhaDaAHoraDaMaquina) {
   // A shift that leads to before the first moment that can be expressed.
   m_registro.m_textos[{"SYSTEM\\CurrentControlSet\\Control\\Session Manager\\Environment", "QZ_DATETIME"}] =
       "1;01/01/1601;00:00:00:000;21/11/2030;00:00:00:000";
   Grava(&m_profiler);
   EXPECT_EQ(ErrosDaEmpresa().back().substr(0, 24), "21/11/2025|09:05:07.042|");
-}
-
-TEST_F(RegistroErro, ProfilerQueFalhaNaoAlcancaQuemGrava) {
-  class Falho final : public IQZDF_Profiler {
-    CString GetEmpresa() const override { throw std::bad_alloc(); }
-    std::uint16_t GetUsuario() const override { return 0; }
-    std::uint32_t GetSessao() const override { return 0; }
-  } const falho;
-  Grava(&falho);
-  EXPECT_TRUE(ErrosDaInstalacao().empty());
 }
 
 }  // namespace

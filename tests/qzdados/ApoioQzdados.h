@@ -17,7 +17,6 @@ public:
   bool SaidaVisivel() const override { return false; }
   void Progresso(std::uint64_t uiFeito, std::uint64_t uiTotal) override {
     m_bChegouAoFim = uiFeito == uiTotal;
-    m_bPassouDoFim = m_bPassouDoFim || uiFeito > uiTotal;
     if (m_aoLer) {
       m_aoLer();
     }
@@ -26,7 +25,6 @@ public:
   std::string m_sSaida;
   std::string m_sErros;
   bool m_bChegouAoFim = false;
-  bool m_bPassouDoFim = false;
   std::function<void()> m_aoLer;  ///< called while the file is held, after each reading
 };
 

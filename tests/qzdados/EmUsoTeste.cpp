@@ -22,25 +22,6 @@ std::unique_ptr<IArquivoAberto> Abre(const CString &sCaminho, Compartilhamento e
   return arquivo;
 }
 
-TEST(EmUso, OQueOServidorSeguraEDito) {
-  const apoio::EmpresaTeste empresa;
-  const std::string sArquivo = empresa.Caminho("DFVEIC.DAT");
-  empresa.Escreve("DFVEIC.DAT", std::string(256, 'A'));
-  empresa.Escreve("DFVEIVS.DAT", std::string(16, '\1'));
-  const auto doServidor = Abre(sArquivo, Compartilhamento::Exclusivo);
-  const Rodada pasta({"verifica", empresa.Caminho("")});
-  EXPECT_EQ(pasta.iCodigo, 3);
-  EXPECT_TRUE(Contem(pasta.Saida(), "DFVEIC.DAT: o arquivo est\xE1 em uso\n")) << pasta.Saida();
-  EXPECT_TRUE(Contem(pasta.Saida(), "DFVEIVS.DAT: ")) << pasta.Saida();
-  for (const std::vector<std::string> &aTextos :
-       {std::vector<std::string>{"lista", sArquivo}, {"recupera", sArquivo, "--em", empresa.Caminho("NOVO")}}) {
-    const Rodada rodada(aTextos);
-    EXPECT_EQ(rodada.iCodigo, 3);
-    EXPECT_TRUE(Contem(rodada.Erros(), "em uso")) << rodada.Erros();
-  }
-  EXPECT_FALSE(empresa.Existe("NOVO"));
-}
-
 TEST(EmUso, NaPausaOutroPodeAbrirENadaMudaSemQueSeDiga) {
   const std::string sBytes(std::size_t{1024} * 1024, 'A');
   std::unique_ptr<IArquivoAberto> preso;

@@ -15,7 +15,7 @@ TEST(Campo, FicaComoEstaOndeOTextoNaoCabeInteiro) {
   EXPECT_STREQ(aCampo, "xxxxxx");
 }
 
-// What the text of a value is the fuzzer of currency texts tells; the ends of the range it rarely meets.
+// What the text of a value is the fuzzer of CSV texts tells; the ends of the range it rarely meets.
 TEST(Moeda, TextosNosLimites) {
   constexpr auto kMaior = std::numeric_limits<std::int64_t>::max();
   constexpr auto kMenor = std::numeric_limits<std::int64_t>::min();

@@ -76,6 +76,16 @@ TEST_F(Intencao, ExplicaExatamente) {
   }
 }
 
+/// Zeros behind nothing have the CRC of nothing: the header holds, and only the note tells that no record arrived.
+TEST_F(Intencao, ZerosNoLugarDoPrimeiroRegistro) {
+  for (const std::size_t cb : {7U, 16U}) {
+    Anota(Acrescimo("", Bytes(1, 1)));
+    m_empresa.Escreve("TESTE.DAT", Arquivo(CabecalhoSobre(""), std::string(cb, '\0')));
+    EXPECT_EQ(Abre(), codigos::kOk);
+    EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 1)) << cb;
+  }
+}
+
 /// Only a whole note of a creation, under the file's name, is one.
 TEST_F(Intencao, Criacao) {
   using Criacao = CQZIntencaoGravacao::Criacao;

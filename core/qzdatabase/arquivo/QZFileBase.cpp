@@ -600,16 +600,26 @@ HRESULT CQZFileBase::ValidaCabecalhoV01() {
   const CQZRastro rastro(this, {"CQZFileBase::ValidaCabecalhoV01"}, kFonteFileBase);
   HRESULT hr = codigos::kOk;
   QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(ExaminaCabecalho(&hr)));
-  if (!Falhou(hr)) {
+  const bool bDuvidoso = !Falhou(hr) && PodeSerPrimeiraGravacaoInterrompida();
+  if (!Falhou(hr) && !bDuvidoso) {
     return hr;
   }
   // Traced before the repair, so that the log tells of the damage even where it is put right.
-  const HRESULT hrDano = rastro.Codigo(hr, __LINE__);
-  if (!ReparaGravacaoInterrompida()) {
+  const HRESULT hrDano = rastro.Codigo(bDuvidoso ? codigos::kDadosNaoConferem : hr, __LINE__);
+  if (!ReparaGravacaoInterrompida() && !(bDuvidoso && m_abertura.Aberto())) {
     return hrDano;
   }
   QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(ExaminaCabecalho(&hr)));
   return Falhou(hr) ? rastro.Codigo(hr, __LINE__) : hr;
+}
+
+/// Zeros behind nothing have the CRC of nothing, so that the header of an empty file holds over a first write of which
+/// only the length has arrived. Where no note says so they are records.
+bool CQZFileBase::PodeSerPrimeiraGravacaoInterrompida() {
+  std::uint64_t uiTamanho = 0;
+  return m_cabecalho.CrcDados() == 0 && !Arquivo().Tamanho(&uiTamanho) && uiTamanho > kTamanhoCabecalho &&
+         CQZIntencaoGravacao::CriacaoAnotada(CaminhoCompleto(), m_sNomeArquivo) ==
+             CQZIntencaoGravacao::Criacao::PrimeiraGravacao;
 }
 
 FalhaArquivo CQZFileBase::ExaminaCabecalho(HRESULT *phr) {

@@ -74,6 +74,10 @@ struct Cenario {
   HRESULT (*chama)(Veiculos &spVeiculos, LPWSTR lpEmpresa);  ///< allocates nothing of its own
 };
 
+void PrintTo(const Cenario &cenario, std::ostream *pSaida) {
+  *pSaida << cenario.lpNome;
+}
+
 HRESULT CriaObjeto(Veiculos &v, LPWSTR) {
   void *pObjeto = nullptr;
   const HRESULT hr = CQZDF_Veiculos::Cria(nullptr, IID_IQZDF_Veiculos, &pObjeto);

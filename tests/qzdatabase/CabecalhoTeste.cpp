@@ -251,6 +251,12 @@ TEST_F(Cabecalho, CopiaDescarregadaEAberturaCompartilhada) {
   EXPECT_EQ(Arquivo().AbreArquivo(eModoLeituraCompartilhada), codigos::kOk);
   EXPECT_EQ(Arquivo().AbreArquivo(), codigos::kCabecalhoDanificado);
   EXPECT_EQ(Inteiro(), alheio);
+  // What a check has read, and refused, is not served either.
+  m_empresa.Escreve("TESTE.DAT", NoDisco("TESTE.DAT", Bytes(5, 8)) + "x");
+  EXPECT_EQ(Arquivo().AbreArquivo(), codigos::kDadosNaoConferem);
+  m_empresa.Escreve("TESTE.DAT", NoDisco("TESTE.DAT", Bytes(1, 2)));
+  EXPECT_EQ(Arquivo().AbreArquivo(eModoLeituraCompartilhada), codigos::kOk);
+  EXPECT_EQ(Quantidade(Arquivo()), 2U);
 }
 
 }  // namespace

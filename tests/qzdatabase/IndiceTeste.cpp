@@ -52,6 +52,21 @@ TEST(IndiceHash, ComoUmMapaDeConjuntos) {
   }
 }
 
+TEST(IndiceHash, TextosAteOTerminador) {
+  for (const std::size_t largura : std::initializer_list<std::size_t>{3, 8, 9, 13, 16, 51}) {
+    std::set<std::uint64_t> hashes;
+    for (std::size_t tamanho = 0; tamanho <= largura; ++tamanho) {
+      std::string campo(64, '\x81');
+      campo.replace(tamanho, 64, 64 - tamanho, '\0');
+      const std::uint64_t uiHash = CQZIndiceHash::Hash(campo.data(), largura);
+      const std::size_t uiAtras = std::min(tamanho + 1, largura);
+      campo.replace(uiAtras, 64, 64 - uiAtras, 'y');
+      EXPECT_EQ(CQZIndiceHash::Hash(campo.data(), largura), uiHash) << largura << ' ' << tamanho;
+      EXPECT_TRUE(hashes.insert(uiHash).second) << "every letter counts, width " << largura;
+    }
+  }
+}
+
 class Indice : public ComBanco {
 protected:
   using Posicoes = std::vector<std::uint64_t>;

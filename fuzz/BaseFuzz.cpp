@@ -155,8 +155,7 @@ private:
 /// (".INT"), in which a byte may have changed.
 void ConfereInterrompido(CEntrada *pEntrada) {
   const std::string sAntes(pEntrada->Ate(3) * sizeof(RegVeiculo), 'v');
-  // Not zeros: behind nothing the header of an empty file holds over them.
-  const std::string sNovo(sizeof(RegVeiculo), static_cast<char>(pEntrada->Byte() | 1));
+  const std::string sNovo(sizeof(RegVeiculo), static_cast<char>(pEntrada->Byte()));
   const std::size_t uiOnde = pEntrada->Ate(sAntes.size() / sizeof(RegVeiculo)) * sizeof(RegVeiculo);
   const std::string sDepois = std::string(sAntes).replace(uiOnde, sNovo.size(), sNovo);
   const std::size_t uiFeitos = pEntrada->Valor<std::uint16_t>() % (sNovo.size() + 1);

@@ -62,6 +62,7 @@ TEST_F(Intencao, ExplicaExatamente) {
         {"header of other data", CabecalhoSobre(outros), antes + novo.substr(0, 7), std::nullopt},
         {"other records before it", CabecalhoSobre(antes), outros + novo.substr(0, 7), std::nullopt},
         {"shorter than before", CabecalhoSobre(antes), antes.substr(0, 16), std::nullopt},
+        {"longer than it was to be", CabecalhoSobre(antes), depois + outros, std::nullopt},
     };
     for (const auto &caso : casos) {
       SCOPED_TRACE(testing::Message() << caso.nome << ", " << novo.size());
@@ -76,13 +77,17 @@ TEST_F(Intencao, ExplicaExatamente) {
   }
 }
 
-/// Zeros behind nothing have the CRC of nothing: the header holds, and only the note tells that no record arrived.
-TEST_F(Intencao, ZerosNoLugarDoPrimeiroRegistro) {
-  for (const std::size_t cb : {7U, 16U}) {
-    Anota(Acrescimo("", Bytes(1, 1)));
-    m_empresa.Escreve("TESTE.DAT", Arquivo(CabecalhoSobre(""), std::string(cb, '\0')));
-    EXPECT_EQ(Abre(), codigos::kOk);
-    EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 1)) << cb;
+/// Zeros behind nothing, or behind zeros, have the CRC of nothing: the header holds, and only the note tells that no
+/// record arrived. What is longer than the write are records.
+TEST_F(Intencao, ZerosNoLugarDoRegistro) {
+  for (const std::string &antes : {std::string(), Bytes(RegTeste{})}) {
+    for (const std::size_t cb : {7U, 16U, 32U}) {
+      Anota(Acrescimo(antes, Bytes(1, 1)));
+      const std::string zeros = antes + std::string(cb, '\0');
+      m_empresa.Escreve("TESTE.DAT", Arquivo(CabecalhoSobre(antes), zeros));
+      EXPECT_EQ(Abre(), codigos::kOk);
+      EXPECT_EQ(Disco("TESTE.DAT"), cb <= sizeof(RegTeste) ? antes + Bytes(1, 1) : zeros) << cb;
+    }
   }
 }
 

@@ -600,7 +600,7 @@ HRESULT CQZFileBase::ValidaCabecalhoV01() {
   const CQZRastro rastro(this, {"CQZFileBase::ValidaCabecalhoV01"}, kFonteFileBase);
   HRESULT hr = codigos::kOk;
   QZ_VERIFICA(rastro, "CatchInicializacao(pEx)", CatchInicializacao(ExaminaCabecalho(&hr)));
-  const bool bDuvidoso = !Falhou(hr) && PodeSerPrimeiraGravacaoInterrompida();
+  const bool bDuvidoso = !Falhou(hr) && PodemSerZerosDeGravacaoInterrompida();
   if (!Falhou(hr) && !bDuvidoso) {
     return hr;
   }
@@ -613,13 +613,11 @@ HRESULT CQZFileBase::ValidaCabecalhoV01() {
   return Falhou(hr) ? rastro.Codigo(hr, __LINE__) : hr;
 }
 
-/// Zeros behind nothing have the CRC of nothing, so that the header of an empty file holds over a first write of which
-/// only the length has arrived. Where no note says so they are records.
-bool CQZFileBase::PodeSerPrimeiraGravacaoInterrompida() {
+/// Over zeros the header may hold although a write was interrupted. Where no note says so they are records.
+bool CQZFileBase::PodemSerZerosDeGravacaoInterrompida() {
   std::uint64_t uiTamanho = 0;
   return m_cabecalho.CrcDados() == 0 && !Arquivo().Tamanho(&uiTamanho) && uiTamanho > kTamanhoCabecalho &&
-         CQZIntencaoGravacao::CriacaoAnotada(CaminhoCompleto(), m_sNomeArquivo) ==
-             CQZIntencaoGravacao::Criacao::PrimeiraGravacao;
+         CQZIntencaoGravacao::AnotaCrescimentoDeZeros(CaminhoCompleto(), m_sNomeArquivo, uiTamanho);
 }
 
 FalhaArquivo CQZFileBase::ExaminaCabecalho(HRESULT *phr) {

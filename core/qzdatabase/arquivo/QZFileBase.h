@@ -216,7 +216,7 @@ private:
   [[nodiscard]] HRESULT ValidaCabecalho();
   [[nodiscard]] HRESULT ValidaCabecalhoV01();
   plataforma::FalhaArquivo ExaminaCabecalho(HRESULT *phr);
-  bool PodeSerPrimeiraGravacaoInterrompida();
+  bool PodemSerZerosDeGravacaoInterrompida();
   bool ReparaGravacaoInterrompida();
   bool CriacaoInterrompida(bool bExiste) const;
   void ReconheceCriacao();

@@ -119,7 +119,9 @@ public:
     *pbExplica = false;
     FalhaArquivo falha = m_arquivo.Tamanho(&m_uiTamanho);
     bool bCabecalho = false;
-    if (!falha && m_uiTamanho >= kTamanhoCabecalho) {
+    // What stands behind the end that the write was to lead to came from somebody else, and is not for us to cut.
+    const bool bSemSobra = m_uiTamanho <= std::max(m_reg.uiTamanhoAntes, m_reg.uiTamanhoDepois);
+    if (!falha && m_uiTamanho >= kTamanhoCabecalho && bSemSobra) {
       falha = CabecalhoEUmDosDois(&bCabecalho);
     }
     if (falha || !bCabecalho) {
@@ -237,6 +239,13 @@ CQZIntencaoGravacao::Criacao CQZIntencaoGravacao::CriacaoAnotada(const CString &
     return Criacao::Criacao;
   }
   return nota.reg.uiTamanhoAntes == kTamanhoCabecalho ? Criacao::PrimeiraGravacao : Criacao::Nada;
+}
+
+bool CQZIntencaoGravacao::AnotaCrescimentoDeZeros(const CString &sCaminhoArquivo, const CString &sNomeArquivo,
+                                                  std::uint64_t uiTamanho) {
+  Nota nota{};
+  return LeNota(Caminho(sCaminhoArquivo), sNomeArquivo, &nota) && EDeEscrita(nota.reg) && nota.reg.uiCrcAntes == 0 &&
+         nota.reg.uiTamanhoAntes < uiTamanho && uiTamanho <= nota.reg.uiTamanhoDepois;
 }
 
 void CQZIntencaoGravacao::Esquece(const CString &sCaminhoArquivo) noexcept {

@@ -62,6 +62,11 @@ public:
   enum class Criacao { Nada, Criacao, PrimeiraGravacao };
   static Criacao CriacaoAnotada(const CString &sCaminhoArquivo, const CString &sNomeArquivo);
 
+  /// Zeros behind nothing or behind zeros have the CRC of nothing, so that the old header holds over a write of which
+  /// only the new length has arrived. Whether the note says that a file of `uiTamanho` bytes may be one of those.
+  static bool AnotaCrescimentoDeZeros(const CString &sCaminhoArquivo, const CString &sNomeArquivo,
+                                      std::uint64_t uiTamanho);
+
   /// Deletes the companion: the file has got its content, or is not listed any more.
   static void Esquece(const CString &sCaminhoArquivo) noexcept;
 

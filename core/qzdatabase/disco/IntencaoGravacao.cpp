@@ -245,7 +245,7 @@ bool CQZIntencaoGravacao::AnotaCrescimentoDeZeros(const CString &sCaminhoArquivo
                                                   std::uint64_t uiTamanho) {
   Nota nota{};
   return LeNota(Caminho(sCaminhoArquivo), sNomeArquivo, &nota) && EDeEscrita(nota.reg) && nota.reg.uiCrcAntes == 0 &&
-         nota.reg.uiTamanhoAntes < uiTamanho && uiTamanho <= nota.reg.uiTamanhoDepois;
+         nota.reg.uiTamanhoAntes < uiTamanho;
 }
 
 void CQZIntencaoGravacao::Esquece(const CString &sCaminhoArquivo) noexcept {

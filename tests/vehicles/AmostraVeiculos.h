@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tests/apoio/EmpresaComBase.h"
+#include "vehicles/BaseVeiculos.h"
 #include "vehicles/RegVeiculoPS.h"
 
 using apoio::Bytes;
@@ -55,6 +56,11 @@ inline std::string Base(const std::string &letras) {
     bytes += std::string(256, letra);
   }
   return bytes;
+}
+
+/// Opens a company's register and lets it go.
+inline HRESULT AbreUmaVez(const CString &sEmpresa) {
+  return CBaseVeiculos().Inicializa(sEmpresa, 7, 42);
 }
 
 #endif

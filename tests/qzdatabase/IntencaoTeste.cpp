@@ -105,21 +105,25 @@ TEST_F(Intencao, Criacao) {
   EXPECT_EQ(anotada(), Criacao::Nada);
 }
 
-/// A file that was found whole is missed when it goes, although the process ended within its first write.
-TEST_F(Intencao, PrimeiraGravacaoInteiraContaComoCriada) {
-  std::uint64_t uiPosicao = 0;
-  ASSERT_EQ(Abre(), codigos::kOk);
-  ASSERT_EQ(ComBanco::Arquivo().Grava(uiPosicao, Registro(1)), codigos::kOk);
-  ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
-  Anota(Acrescimo("", Bytes(1, 1)));
-  EXPECT_EQ(Abre(), codigos::kOk);
-  EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
-  ASSERT_FALSE(plataforma::Arquivos().Apaga(m_sCaminho));
-  EXPECT_EQ(Abre(), codigos::kArquivoDesapareceu);
+/// A file that was found whole is missed when it goes, although the process ended while it created it, or within its
+/// first write.
+TEST_F(Intencao, ArquivoInteiroContaComoCriado) {
+  for (const bool bCriacao : {false, true}) {
+    Poe("TESTE.DAT", std::nullopt);
+    Poe(kArquivoControle, std::nullopt);
+    ASSERT_EQ(Abre(), codigos::kOk);
+    ASSERT_EQ(Grava(0, Registro(1)), codigos::kOk);
+    ASSERT_EQ(m_banco.Finaliza(), codigos::kOk);
+    bCriacao ? CQZIntencaoGravacao::AnotaCriacao(m_sCaminho, "TESTE.DAT") : Anota(Acrescimo("", Bytes(1, 1)));
+    EXPECT_EQ(Abre(), codigos::kOk);
+    EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
+    Poe("TESTE.DAT", std::nullopt);
+    EXPECT_EQ(Abre(), codigos::kArquivoDesapareceu);
+  }
 }
 
 /// The companion is there while the file is open and has been written to, notes nothing between two writes, and goes
-/// while the file still keeps others out.
+/// while the file still keeps others out. One that cannot be had is done without.
 TEST_F(Intencao, VidaDoCompanheiro) {
   Poe("TESTE.DAT", Bytes(1, 2));
   ASSERT_EQ(Abre(), codigos::kOk);
@@ -132,19 +136,9 @@ TEST_F(Intencao, VidaDoCompanheiro) {
   EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
   EXPECT_TRUE(m_falhas.Disparou());
   EXPECT_FALSE(m_empresa.Existe("TESTE.INT"));
-}
-
-/// One that cannot be had is done without.
-TEST_F(Intencao, SemCompanheiro) {
-  Poe("TESTE.DAT", Bytes(1, 2));
-  for (const unsigned operacao : {apoio::kOpAbre, apoio::kOpAjustaTamanho}) {
-    ASSERT_EQ(Abre(), codigos::kOk);
-    Falha(operacao, "TESTE.INT", 5);
-    EXPECT_EQ(Grava(1, Registro(operacao)), codigos::kOk);
-    m_falhas.Desarma();
-    EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
-    EXPECT_FALSE(m_empresa.Existe("TESTE.INT"));
-  }
+  ASSERT_EQ(Abre(), codigos::kOk);
+  Falha(apoio::kOpAbre, "TESTE.INT", 5);
+  EXPECT_EQ(Grava(1, Registro(9)), codigos::kOk);
 }
 
 }  // namespace

@@ -71,7 +71,7 @@ TEST_P(ForcaNaGravacao, VelhoOuNovo) {
       ASSERT_EQ(hrAbre, codigos::kOk);
       std::string dados;
       static_cast<void>(pEspecie->Le(&dados));
-      ASSERT_TRUE(dados == gravacao.depois || (dados == gravacao.Legivel() && Falhou(hr)));
+      ASSERT_TRUE(dados == gravacao.depois || (dados == pEspecie->Carregado(gravacao.antes) && Falhou(hr)));
       if (dados != gravacao.depois) {
         ASSERT_EQ(gravacao.grava(), codigos::kOk);
       }

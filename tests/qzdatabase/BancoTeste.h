@@ -86,8 +86,7 @@ inline CStringArray Colecao(const std::vector<std::string> &textos) {
 }
 
 /// Number of records of a file that can be had.
-template <typename T>
-std::uint64_t Quantidade(CQZFile<T> &arquivo) {
+inline std::uint64_t Quantidade(CQZFile<RegTeste> &arquivo) {
   std::uint64_t uiQtd = 0;
   EXPECT_EQ(arquivo.GetQuantidade(&uiQtd), codigos::kOk);
   return uiQtd;

@@ -115,9 +115,8 @@ TEST_F(Cabecalho, FlushAdiado) {
   CQZFile<RegTeste> qzFile("TESTE.DAT", &qzDB);
   ASSERT_EQ(qzDB.Inicializa(m_empresa.Dono()), codigos::kOk);
   m_falhas.Arma({apoio::kOpGrava, "TESTE.DAT", 100, false, plataforma::FalhaWin32(112), {}});
-  for (std::uint64_t uiPosicao = 1; uiPosicao <= 4; ++uiPosicao) {
-    std::uint64_t uiOnde = uiPosicao;
-    ASSERT_EQ(qzFile.Grava(uiOnde, Registro(50)), codigos::kOk);
+  for (std::uint64_t uiPosicao : {1U, 2U, 3U, 4U}) {
+    ASSERT_EQ(qzFile.Grava(uiPosicao, Registro(50)), codigos::kOk);
   }
   EXPECT_EQ(m_falhas.Vistas(), 4U);
   m_falhas.Arma({.operacoes = apoio::kOpGrava, .trecho = "TESTE.DAT"});
@@ -149,13 +148,7 @@ TEST_F(Cabecalho, OutroProgramaNaTrocaPeloNovo) {
   const std::string novo = NoDisco("TESTE.DAT", Bytes(1, 4));
   const auto escreve = [&] { m_empresa.Escreve("TESTE.DAT", alheio); };
   const auto segura = [&] { m_falhas.ArmaTambem(Plano(apoio::kOpAbre, "", 32, false)); };
-  const struct {
-    const char *nome;
-    unsigned onde;
-    std::function<void()> acao;
-    HRESULT hr;
-    std::string depois;
-  } casos[] = {
+  const std::tuple<const char *, unsigned, std::function<void()>, HRESULT, std::string> casos[] = {
       {"nothing", apoio::kOpMove, [] {}, codigos::kOk, novo},
       {"write", apoio::kOpMove, escreve, codigos::kTraNaoRenomeado, alheio},
       {"copy taken away", apoio::kOpMove, [&] { Poe("TESTE.TRA", {}); }, codigos::kTraNaoRenomeado, Bytes(1, 4)},
@@ -166,20 +159,20 @@ TEST_F(Cabecalho, OutroProgramaNaTrocaPeloNovo) {
       {"file held for a moment, and written", apoio::kOpMove, [&] { escreve(), segura(); }, codigos::kTraNaoRenomeado,
        alheio},
   };
-  for (const auto &caso : casos) {
-    SCOPED_TRACE(caso.nome);
+  for (const auto &[lpNome, onde, acao, hr, depois] : casos) {
+    SCOPED_TRACE(lpNome);
     m_empresa.Escreve("TESTE.DAT", Bytes(1, 4));
     m_falhas.Arma({.operacoes = apoio::kOpMove, .enesima = 3});
-    const bool bMovendo = caso.onde == apoio::kOpMove;
-    m_falhas.ArmaTambem({.operacoes = caso.onde,
+    const bool bMovendo = onde == apoio::kOpMove;
+    m_falhas.ArmaTambem({.operacoes = onde,
                          .trecho = "TESTE.DAT",
                          .enesima = bMovendo ? 1U : 2U,
                          .falha = bMovendo ? plataforma::FalhaWin32(32) : plataforma::FalhaArquivo{},
-                         .aoFalhar = caso.acao});
-    EXPECT_EQ(AbreUmaVez(), caso.hr);
+                         .aoFalhar = acao});
+    EXPECT_EQ(AbreUmaVez(), hr);
     EXPECT_LE(m_falhas.Vistas(), 2U) << "it is not moved while it cannot be looked at";
     m_falhas.Desarma();
-    EXPECT_EQ(Inteiro(), caso.depois);
+    EXPECT_EQ(Inteiro(), depois);
     EXPECT_FALSE(m_empresa.Existe("TESTE.TRA"));
   }
 }

@@ -402,8 +402,8 @@ TEST_P(Conformidade, OutroProgramaNaTrocaDeModo) {
                                               {m_sAntes + "x", m_especie.Torto()},
                                               {std::nullopt, codigos::kArqNaoEncontrado}};
   std::vector<Operacao> operacoes = m_especie.Operacoes();
-  operacoes.push_back({"AbreArquivo", [this] { return m_especie.File().AbreArquivo(eModoLeitura); }});
-  operacoes.push_back({"Copia", [this] { return m_especie.File().CopiaArquivoPara(m_outra.Codigo(), QZ_DF); }});
+  operacoes.emplace_back("AbreArquivo", [this] { return m_especie.File().AbreArquivo(eModoLeitura); });
+  operacoes.emplace_back("Copia", [this] { return m_especie.File().CopiaArquivoPara(m_outra.Codigo(), QZ_DF); });
   for (const auto &[alheio, hrCarga] : casos) {
     for (const std::uint32_t erro : {0U, 3U, 32U}) {
       SCOPED_TRACE(testing::Message() << alheio.value_or("gone") << ", error " << erro);
@@ -420,8 +420,8 @@ TEST_P(Conformidade, OutroProgramaNaTrocaDeModo) {
       EXPECT_EQ(hr, erro == 3 ? codigos::kArqCaminhoInvalido : hrCarga);
       m_falhas.Desarma();
       if (Falhou(hrCarga)) {
-        for (const Operacao &operacao : operacoes) {
-          EXPECT_EQ(operacao.executa(), hrCarga) << operacao.nome;
+        for (const auto &[lpNome, executa] : operacoes) {
+          EXPECT_EQ(executa(), hrCarga) << lpNome;
         }
         EXPECT_FALSE(m_especie.File().ExisteArquivo());
         EXPECT_EQ(Disco(), Inteira(alheio)) << "nothing created, nothing changed";

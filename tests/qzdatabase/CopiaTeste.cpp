@@ -53,7 +53,6 @@ TEST_F(Copia, RecusaDestinoIgualOuPreso) {
   EXPECT_EQ(m_outra.LeInteiro("TESTE.DAT"), "held");
   Falha(apoio::kOpApaga, m_outra.Caminho("TESTE.DAT"), 32, false);
   EXPECT_EQ(CopiaPara(m_outra), codigos::kOk) << "a short hold is ridden out";
-  EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 2));
   EXPECT_EQ(m_outra.Le("TESTE.DAT"), Bytes(1, 2));
 }
 

@@ -12,10 +12,7 @@ struct Gravacao {
 };
 
 /// One operation, for a file that cannot be had.
-struct Operacao {
-  const char *nome;
-  std::function<HRESULT()> executa;
-};
+using Operacao = std::pair<const char *, std::function<HRESULT()>>;
 
 /// A file of one of the three kinds in the terms in which the tests of all of them are written. A content is that of
 /// two numbers, or of the first alone: in a single-record file, and where the second is 0.
@@ -154,7 +151,7 @@ public:
       psDados->append(Linhas({m_sLida}));
     }
   }
-  HRESULT Grava(std::uint64_t uiPosicao, std::uint32_t n) override { return Muitas(uiPosicao, {Linha(n)}); }
+  HRESULT Grava(std::uint64_t uiPosicao, std::uint32_t n) override { return GravaTextos(uiPosicao, {Linha(n)}); }
   std::vector<Gravacao> Gravacoes() override {
     const std::string antes = Linhas({"um", "dois", "tres"});
     const std::vector<std::string> muitas(1000, "y");
@@ -175,19 +172,19 @@ public:
   std::vector<Operacao> Operacoes() override {
     return {{"Le", [this] { return m_file.Le(1, m_sLida); }},
             {"Grava", [this] { return Muda(4); }},
-            {"Grava behind the end", [this] { return Muitas(4, {"x"}); }},
+            {"Grava behind the end", [this] { return GravaTextos(4, {"x"}); }},
             {"GravaSeNova", [this] { return m_file.GravaSeNova(m_uiPosicao, "x"); }},
             {"GeraArquivoOffline", [this] { return m_file.GeraArquivoOffline(); }}};
   }
 
 private:
   static std::string Linha(std::uint32_t n) { return "linha " + std::to_string(n); }
-  HRESULT Muitas(std::uint64_t uiPosicao, const std::vector<std::string> &textos) {
+  HRESULT GravaTextos(std::uint64_t uiPosicao, const std::vector<std::string> &textos) {
     return m_file.GravaColecao(uiPosicao, Colecao(textos));
   }
   Gravacao Com(const char *nome, std::optional<std::string> antes, std::uint64_t uiPosicao,
                std::vector<std::string> textos, std::string depois) {
-    return {nome, std::move(antes), [=, this] { return Muitas(uiPosicao, textos); }, std::move(depois)};
+    return {nome, std::move(antes), [=, this] { return GravaTextos(uiPosicao, textos); }, std::move(depois)};
   }
 
   CQZTextFile m_file;

@@ -49,12 +49,7 @@ TEST_F(Intencao, ExplicaExatamente) {
     RegCabecalhoArquivo mistura = CabecalhoSobre(depois);
     const RegCabecalhoArquivo anterior = CabecalhoSobre(antes);
     std::memcpy(&mistura.uiCrcCabecalho, &anterior.uiCrcCabecalho, 4);
-    const struct {
-      const char *nome;
-      RegCabecalhoArquivo cabecalho;
-      std::string dados;
-      std::optional<std::string> reparado;
-    } casos[] = {
+    const std::tuple<const char *, RegCabecalhoArquivo, std::string, std::optional<std::string>> casos[] = {
         {"all there but the header", CabecalhoSobre(antes), depois, depois},
         {"torn", CabecalhoSobre(antes), antes + novo.substr(0, 7), bCabe ? depois : antes},
         {"torn header, records there", mistura, depois, depois},
@@ -64,15 +59,15 @@ TEST_F(Intencao, ExplicaExatamente) {
         {"shorter than before", CabecalhoSobre(antes), antes.substr(0, 16), std::nullopt},
         {"longer than it was to be", CabecalhoSobre(antes), depois + outros, std::nullopt},
     };
-    for (const auto &caso : casos) {
-      SCOPED_TRACE(testing::Message() << caso.nome << ", " << novo.size());
+    for (const auto &[lpNome, cabecalho, dados, reparado] : casos) {
+      SCOPED_TRACE(testing::Message() << lpNome << ", " << novo.size());
       Anota(Acrescimo(antes, novo));
-      const std::string disco = Arquivo(caso.cabecalho, caso.dados);
+      const std::string disco = Arquivo(cabecalho, dados);
       m_empresa.Escreve("TESTE.DAT", disco);
-      EXPECT_EQ(Falhou(Abre()), !caso.reparado);
+      EXPECT_EQ(Falhou(Abre()), !reparado);
       EXPECT_EQ(m_banco.Finaliza(), codigos::kOk);
-      EXPECT_EQ(m_empresa.LeInteiro("TESTE.DAT"), caso.reparado ? NoDisco("TESTE.DAT", *caso.reparado) : disco);
-      EXPECT_EQ(m_empresa.Existe("TESTE.INT"), !caso.reparado);
+      EXPECT_EQ(m_empresa.LeInteiro("TESTE.DAT"), reparado ? NoDisco("TESTE.DAT", *reparado) : disco);
+      EXPECT_EQ(m_empresa.Existe("TESTE.INT"), !reparado);
     }
   }
 }

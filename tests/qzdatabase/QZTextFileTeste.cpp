@@ -88,10 +88,8 @@ TEST_F(ArquivoTexto, CopiaOffline) {
   EXPECT_EQ(Texto().GeraArquivoOffline(), codigos::kArqErroFisico);
   m_falhas.Desarma();
   Prepara("");
-  for (int vez = 0; vez < 2; ++vez) {
-    EXPECT_EQ(Texto().GeraArquivoOffline(), codigos::kOk);
-    EXPECT_FALSE(m_empresa.Existe("TEXTO.OFL")) << "without lines there is none";
-  }
+  EXPECT_EQ(Texto().GeraArquivoOffline(), codigos::kOk);
+  EXPECT_FALSE(m_empresa.Existe("TEXTO.OFL")) << "without lines there is none";
 }
 
 }  // namespace

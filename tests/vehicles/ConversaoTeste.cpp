@@ -101,13 +101,7 @@ TEST_F(Conversao, FalhaEmCadaPasso) {
     EXPECT_FALSE(plataforma::ServicosDoSistema().arquivos->MoveSubstituindo(sCaminhos.substr(0, uiMeio),
                                                                             sCaminhos.substr(uiMeio + 1)));
   };
-  const struct {
-    std::string antes, versao;
-    apoio::PlanoFalha plano;
-    HRESULT hr;
-    const char *depois;
-    bool bDiario;
-  } casos[] = {
+  const std::tuple<std::string, std::string, apoio::PlanoFalha, HRESULT, const char *, bool> casos[] = {
       {"0ab", "", Plano(apoio::kOpDescarrega, "DFVEIC.TRA", 1117), codigos::kArqErroFisico, "0ab", false},
       {"0ab", "", Plano(apoio::kOpDescarrega, kDiario, 1117), codigos::kArqErroFisico, "0ab", false},
       {"0ab", "", Plano(apoio::kOpDescarrega | apoio::kOpApaga, kDiario, 1117), codigos::kArqErroFisico, "0ab", true},
@@ -121,21 +115,21 @@ TEST_F(Conversao, FalhaEmCadaPasso) {
       {"ab", kVersao1, Plano(apoio::kOpLe, "DFVEIVS.DAT", 1117), codigos::kArqErroFisico, "ab", true},
       {"ab", kVersao1, Plano(apoio::kOpDescarrega, "DFVEIVS.DAT", 1117), codigos::kOk, "ab", true},
   };
-  for (const auto &caso : casos) {
-    SCOPED_TRACE(&caso - casos);
+  for (const auto &[antes, versao, plano, hr, depois, bDiario] : casos) {
+    SCOPED_TRACE(testing::Message() << antes << ", " << plano.trecho << ", " << plano.operacoes);
     const EmpresaComBase empresa;
-    empresa.Escreve("DFVEIC.DAT", apoio::NoDisco("DFVEIC.DAT", Base(caso.antes)));
-    if (caso.antes == "ab") {
+    empresa.Escreve("DFVEIC.DAT", apoio::NoDisco("DFVEIC.DAT", Base(antes)));
+    if (antes == "ab") {
       empresa.Escreve(kDiario, Diario("ab"));
     }
-    if (!caso.versao.empty()) {
-      empresa.Escreve("DFVEIVS.DAT", caso.versao);
+    if (!versao.empty()) {
+      empresa.Escreve("DFVEIVS.DAT", versao);
     }
-    m_falhas.Arma(caso.plano);
-    EXPECT_EQ(AbreUmaVez(empresa.Codigo()), caso.hr);
+    m_falhas.Arma(plano);
+    EXPECT_EQ(AbreUmaVez(empresa.Codigo()), hr);
     m_falhas.Desarma();
-    EXPECT_EQ(empresa.Le("DFVEIC.DAT"), Base(caso.depois));
-    EXPECT_EQ(empresa.Existe(kDiario), caso.bDiario);
+    EXPECT_EQ(empresa.Le("DFVEIC.DAT"), Base(depois));
+    EXPECT_EQ(empresa.Existe(kDiario), bDiario);
     EXPECT_FALSE(empresa.Existe("DFVEIC.TRA"));
     EXPECT_EQ(AbreUmaVez(empresa.Codigo()), codigos::kOk);
     EXPECT_EQ(empresa.Le("DFVEIC.DAT"), Base("ab"));

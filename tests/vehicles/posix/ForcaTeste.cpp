@@ -14,19 +14,15 @@ constexpr char kLista[] = "QZDATABASE_FILE_CTRL.DAT";
 TEST(ForcaNaConversao, SoOPrimeiroRegistroSai) {
   apoio::RelogioFalso relogio;
   const apoio::ServicosTrocados servicos(nullptr, nullptr, &relogio);
-  const struct {
-    const char *antes;
-    const char *depois;
-    bool bListado;
-    bool bComCabecalho;
-  } casos[] = {{"0abc", "abc", false, false}, {"0", "", true, false}, {"0ab", "ab", true, true}};
-  for (const auto &caso : casos) {
-    SCOPED_TRACE(caso.antes);
-    const std::string bytes = Base(caso.antes);
+  const std::tuple<const char *, const char *, bool, bool> casos[] = {
+      {"0abc", "abc", false, false}, {"0", "", true, false}, {"0ab", "ab", true, true}};
+  for (const auto &[antes, depois, bListado, bComCabecalho] : casos) {
+    SCOPED_TRACE(antes);
+    const std::string bytes = Base(antes);
     for (apoio::SerieQuedas serie; serie.Proxima();) {
       const apoio::EmpresaComBase empresa;
-      empresa.Escreve("DFVEIC.DAT", caso.bComCabecalho ? apoio::NoDisco("DFVEIC.DAT", bytes) : bytes);
-      if (caso.bListado) {
+      empresa.Escreve("DFVEIC.DAT", bComCabecalho ? apoio::NoDisco("DFVEIC.DAT", bytes) : bytes);
+      if (bListado) {
         empresa.Escreve(kLista, apoio::Linhas({"DFVEIC.DAT"}));
       }
       serie.Roda(empresa.Caminho(""), [&] { static_cast<void>(AbreUmaVez(empresa.Codigo())); });
@@ -37,7 +33,7 @@ TEST(ForcaNaConversao, SoOPrimeiroRegistroSai) {
         hr = AbreUmaVez(empresa.Codigo());
       }
       ASSERT_EQ(hr, codigos::kOk) << std::hex << BitsResultado(hr);
-      ASSERT_EQ(empresa.Existe("DFVEIC.DAT") ? empresa.Le("DFVEIC.DAT") : "", Base(caso.depois));
+      ASSERT_EQ(empresa.Existe("DFVEIC.DAT") ? empresa.Le("DFVEIC.DAT") : "", Base(depois));
       ASSERT_EQ(empresa.Le("DFVEIVS.DAT"), kVersao1);
       for (const char *lpResto : {"DFVEIC.TRA", "DFVEIVS.TRA", "DFVEIVSD.TRA"}) {
         ASSERT_FALSE(empresa.Existe(lpResto)) << lpResto;

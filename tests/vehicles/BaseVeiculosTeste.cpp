@@ -22,10 +22,8 @@ protected:
     return posicoes;
   }
   /// Has the company hold these vehicles, of which none is in memory.
-  template <class F>
-  std::vector<RegVeiculo> Poe(std::size_t qtd, F &&veiculo) {
-    EXPECT_EQ(Abre(), codigos::kOk);  // an empty one, so that this is no old base
-    EXPECT_EQ(m_base.Finaliza(), codigos::kOk);
+  std::vector<RegVeiculo> Poe(std::size_t qtd, const std::function<tagREG_VEICULOPS(std::uint32_t)> &veiculo) {
+    m_empresa.Escreve("DFVEIVS.DAT", kVersao1);
     std::vector<RegVeiculo> registros(qtd);
     std::string bytes;
     for (std::size_t i = 0; i < qtd; ++i) {
@@ -77,7 +75,7 @@ TEST_F(Registro, BuscasEmVariosBlocos) {
     Preenche(v.szDescricao, i % 8 == 7 ? "SILO S\xC3O" : "CAMINHAO TOCO");
     Preenche(v.szUF, i % 9 == 0 ? "RJ" : "SP");
     v.iAno = 2000 + i / 100;
-    v.iTipoCarroceria = i % 7;  // 6 is no kind that a mask knows
+    v.iTipoCarroceria = static_cast<std::uint8_t>(i % 7);  // 6 is no kind that a mask knows
     return v;
   });
   ASSERT_EQ(Abre(), codigos::kOk);

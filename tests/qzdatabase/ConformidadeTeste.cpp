@@ -37,7 +37,7 @@ using plataforma::FalhaWin32;
 
 using Dados = std::optional<std::string>;
 
-class Conformidade : public ComEmpresa, public testing::WithParamInterface<Fabrica> {
+class Conformidade : public ComEmpresa, public testing::WithParamInterface<std::string> {
 protected:
   HRESULT Abre() { return m_banco.Inicializa(m_empresa.Dono()); }
   HRESULT Fecha() { return m_banco.Finaliza(); }
@@ -94,15 +94,14 @@ protected:
   }
 
   CQZDataBase m_banco{QZ_DF, plataforma::NivelTrava::ArquivoDados};
-  std::unique_ptr<Especie> m_pEspecie = GetParam().cria(&m_banco);
+  std::unique_ptr<Especie> m_pEspecie = CriaEspecie(GetParam(), &m_banco);
   Especie &m_especie = *m_pEspecie;
   const std::string m_sAntes = m_especie.Conteudo(1, 2);
   const std::string m_sAlheio = m_especie.Conteudo(5, 6);
   apoio::EmpresaComBase m_outra;
 };
 
-INSTANTIATE_TEST_SUITE_P(Arquivo, Conformidade, testing::ValuesIn(kEspecies),
-                         [](const auto &parametro) { return parametro.param.nome; });
+INSTANTIATE_TEST_SUITE_P(Arquivo, Conformidade, kEspecies, [](const auto &parametro) { return parametro.param; });
 
 // Opening.
 

@@ -192,21 +192,17 @@ private:
   std::uint64_t m_uiPosicao = 0;
 };
 
-/// Makes a file of one kind, for the suites that run over all of them.
-struct Fabrica {
-  const char *nome;
-  std::unique_ptr<Especie> (*cria)(IDonoDeArquivos *);
-};
+/// The kinds of file, for the suites that run over all of them, and a file of one of them.
+inline const auto kEspecies = testing::Values("Tipado", "Unico", "Texto");
 
-inline void PrintTo(const Fabrica &fabrica, std::ostream *pSaida) {
-  *pSaida << fabrica.nome;
+inline std::unique_ptr<Especie> CriaEspecie(const std::string &nome, IDonoDeArquivos *pDono) {
+  if (nome == "Tipado") {
+    return std::make_unique<Tipado>(pDono);
+  }
+  if (nome == "Unico") {
+    return std::make_unique<Unico>(pDono);
+  }
+  return std::make_unique<Texto>(pDono);
 }
-
-template <typename E>
-Fabrica De(const char *nome) {
-  return {nome, [](IDonoDeArquivos *pDono) -> std::unique_ptr<Especie> { return std::make_unique<E>(pDono); }};
-}
-
-inline const std::vector<Fabrica> kEspecies{De<Tipado>("Tipado"), De<Unico>("Unico"), De<Texto>("Texto")};
 
 #endif

@@ -39,10 +39,11 @@ inline tagREG_VEICULOPS VeiculoCompleto() {
   return v;
 }
 
-inline tagREG_VEICULOPS Veiculo(const std::string &codigo, const std::string &placa = "") {
+/// Another one with this code, without a plate.
+inline tagREG_VEICULOPS Veiculo(const std::string &codigo) {
   tagREG_VEICULOPS v = VeiculoCompleto();
   Preenche(v.szCodigo, codigo);
-  Preenche(v.szPlaca, placa);
+  Preenche(v.szPlaca, "");
   return v;
 }
 

@@ -167,9 +167,8 @@ TEST_F(Registro, VariosObjetosDaMesmaEmpresaAoMesmoTempo) {
   });
   constexpr int kThreads = 6;
   constexpr int kGravacoes = 100;
-  const auto codigo = [](int t, int i) { return std::to_string(t) + "-" + std::to_string(i); };
   std::atomic<int> falhas{0};
-  std::vector<std::thread> threads;
+  std::vector<std::jthread> threads;
   for (int t = 0; t < kThreads; ++t) {
     threads.emplace_back([&, t] {
       std::optional<CBaseVeiculos> base;
@@ -181,11 +180,11 @@ TEST_F(Registro, VariosObjetosDaMesmaEmpresaAoMesmoTempo) {
         lPos = i % 4 == 3 ? lPos : 0;  // every fourth over the one before
         std::uint32_t iAchado = 0;
         tagREG_VEICULOPS v;
-        tagREG_VEICULOPS novo = Veiculo(codigo(t, i));
+        tagREG_VEICULOPS novo = Veiculo(std::to_string(t) + "-" + std::to_string(i));
         novo.iAno = static_cast<std::uint32_t>(3000 + t);
-        falhas += Falhou(base->Grava(&lPos, novo)) || Falhou(base->Existe(codigo(t, i).c_str(), &iAchado, &v)) ||
+        falhas += Falhou(base->Grava(&lPos, novo)) || Falhou(base->Existe(novo.szCodigo, &iAchado, &v)) ||
                   static_cast<LONG>(iAchado) != lPos || Falhou(base->LePonteiros(1, &lPos, &v)) ||
-                  v.szCodigo != codigo(t, i);
+                  std::strcmp(v.szCodigo, novo.szCodigo) != 0;
         tagREG_FILTRO_VEICULOSPS destaThread{};
         destaThread.iAnoInicial = destaThread.iAnoFinal = novo.iAno;
         Preenche(destaThread.szDescricao, "*toco");
@@ -195,9 +194,7 @@ TEST_F(Registro, VariosObjetosDaMesmaEmpresaAoMesmoTempo) {
       }
     });
   }
-  for (std::thread &thread : threads) {
-    thread.join();
-  }
+  threads.clear();  // and joins them
   EXPECT_EQ(falhas, 0);
   ASSERT_EQ(Abre(), codigos::kOk);
   EXPECT_EQ(Busca({}).size(), kCarregados + kThreads * kGravacoes * 3U / 4);

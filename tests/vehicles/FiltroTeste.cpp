@@ -9,8 +9,6 @@
 
 namespace {
 
-using Filtro = tagREG_FILTRO_VEICULOSPS;
-
 /// Whatever the pattern and the field, the answer is the one of the system's match on the field's text. Texts of all
 /// lengths, and letters that the next field begins with behind them.
 TEST(Filtro, CuringaIgualAoDoSistema) {
@@ -30,7 +28,7 @@ TEST(Filtro, CuringaIgualAoDoSistema) {
   for (std::size_t i = 0; i < 30000; ++i) {
     const auto &[padroes, textos] = alfabetos[i % std::size(alfabetos)];
     RegVeiculo reg;
-    Filtro filtro{};
+    tagREG_FILTRO_VEICULOSPS filtro{};
     std::memset(&reg, textos[0], sizeof(reg));
     const bool bDescricao = i % 2 == 0;
     const std::size_t largura = bDescricao ? sizeof(reg.szDescricao) : sizeof(reg.szRENAVAM);

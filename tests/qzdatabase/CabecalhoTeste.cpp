@@ -1,6 +1,6 @@
 // File headers: creation, damage, the switch, and the bytes themselves.
 
-#include <atomic>
+#include <future>
 #include <thread>
 
 #include "core/conx/DadosInstalacao.h"
@@ -173,14 +173,13 @@ TEST_F(Cabecalho, OutroProgramaNaTrocaPeloNovo) {
 /// Another program is giving the file its header at this moment, and needs the file for that.
 TEST_F(Cabecalho, EsperaQuemOCria) {
   m_empresa.Escreve("TESTE.DAT", Bytes(1, 4));
-  std::atomic<bool> bTravado{false};
+  std::promise<void> travado;
   std::thread outro;
   const auto cria = [&] {
     const CString sCaminho = m_empresa.Caminho("TESTE.DAT");
     const auto trava = plataforma::CriaTravaEntreProcessos(NomeTravaDoCaminho("Cabecalho", sCaminho));
     EXPECT_TRUE(trava->Toma(0));
-    bTravado = true;
-    bTravado.notify_all();
+    travado.set_value();
     std::unique_ptr<plataforma::IArquivoAberto> arquivo;
     while (plataforma::ServicosDoSistema().arquivos->Abre(sCaminho, {}, &arquivo)) {
       std::this_thread::yield();
@@ -191,7 +190,7 @@ TEST_F(Cabecalho, EsperaQuemOCria) {
   };
   m_falhas.Arma({.operacoes = apoio::kOpLe, .trecho = "TESTE.DAT", .falha = {}, .aoFalhar = [&] {
                    outro = std::thread(cria);
-                   bTravado.wait(false);
+                   travado.get_future().wait();
                  }});
   EXPECT_EQ(AbreUmaVez(), codigos::kOk);
   outro.join();

@@ -15,7 +15,6 @@
 #include "core/qzdatabase/arquivo/QZTextFile.h"
 #include "core/qzdatabase/banco/QZDataBase.h"
 #include "core/qzdatabase/banco/QZDataBaseFacade.h"
-#include "tests/apoio/ColetorRastro.h"
 #include "tests/apoio/ComEmpresa.h"
 #include "tests/apoio/SerieFalhas.h"
 
@@ -86,8 +85,7 @@ inline CStringArray Colecao(const std::vector<std::string> &textos) {
 }
 
 /// Number of records of a file that can be had.
-template <typename T>
-std::uint64_t Quantidade(CQZFile<T> &arquivo) {
+inline std::uint64_t Quantidade(CQZFile<RegTeste> &arquivo) {
   std::uint64_t uiQtd = 0;
   EXPECT_EQ(arquivo.GetQuantidade(&uiQtd), codigos::kOk);
   return uiQtd;

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tests/apoio/EmpresaComBase.h"
+#include "vehicles/BaseVeiculos.h"
 #include "vehicles/RegVeiculoPS.h"
 
 using apoio::Bytes;
@@ -38,10 +39,11 @@ inline tagREG_VEICULOPS VeiculoCompleto() {
   return v;
 }
 
-inline tagREG_VEICULOPS Veiculo(const std::string &codigo, const std::string &placa = "") {
+/// Another one with this code, without a plate.
+inline tagREG_VEICULOPS Veiculo(const std::string &codigo) {
   tagREG_VEICULOPS v = VeiculoCompleto();
   Preenche(v.szCodigo, codigo);
-  Preenche(v.szPlaca, placa);
+  Preenche(v.szPlaca, "");
   return v;
 }
 
@@ -55,6 +57,11 @@ inline std::string Base(const std::string &letras) {
     bytes += std::string(256, letra);
   }
   return bytes;
+}
+
+/// Opens a company's register and lets it go.
+inline HRESULT AbreUmaVez(const CString &sEmpresa) {
+  return CBaseVeiculos().Inicializa(sEmpresa, 7, 42);
 }
 
 #endif

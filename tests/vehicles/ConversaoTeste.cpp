@@ -10,16 +10,7 @@ using apoio::EmpresaComBase;
 
 constexpr char kDiario[] = "DFVEIVSD.TRA";
 
-class Conversao : public apoio::ComEmpresa {
-protected:
-  static HRESULT Abre(const EmpresaComBase &empresa) {
-    CBaseVeiculos base;
-    return base.Inicializa(empresa.Codigo(), 7, 42);
-  }
-  HRESULT Abre() { return Abre(m_empresa); }
-  void PoeBase(const std::string &letras) { m_empresa.Escreve("DFVEIC.DAT", Base(letras)); }
-  std::string LeBase() { return m_empresa.Le("DFVEIC.DAT"); }
-};
+using Conversao = apoio::ComEmpresa;
 
 /// The journal of a conversion that ends with these vehicles.
 std::string Diario(const std::string &letras, char versao = 1) {
@@ -84,7 +75,7 @@ TEST_F(Conversao, OQueSeEncontra) {
     }
     for (int vez = 0; vez < 2; ++vez) {
       apoio::ColetorRastro rastro;
-      EXPECT_EQ(Abre(empresa), caso.hr);
+      EXPECT_EQ(AbreUmaVez(empresa.Codigo()), caso.hr);
       EXPECT_EQ(empresa.Existe("DFVEIC.DAT") ? empresa.Le("DFVEIC.DAT") : "", Base(caso.depois));
       if (Falhou(caso.hr)) {
         EXPECT_EQ(rastro.Toma().back(), "CBaseVeiculos::OnInicializa|BaseVeiculos.cpp|ExecutaConversao()");
@@ -98,69 +89,52 @@ TEST_F(Conversao, OQueSeEncontra) {
   }
 }
 
-/// A journal that cannot be read just now is not taken for none.
-TEST_F(Conversao, DiarioPresoFazEsperar) {
-  PoeBase("0ab");
-  Falha(apoio::kOpGrava, "DFVEIVS.DAT", 1117);
-  EXPECT_EQ(Abre(), codigos::kArqErroFisico) << "stopped before the version";
-  ASSERT_TRUE(m_empresa.Existe(kDiario));
-  Falha(apoio::kOpAbre, kDiario, 32);
-  EXPECT_EQ(Abre(), codigos::kArqCompartilhamento);
-  EXPECT_EQ(m_falhas.Vistas(), 50U);
-  Falha(apoio::kOpLe, kDiario, 1117);
-  EXPECT_EQ(Abre(), codigos::kArqErroFisico);
-  Falha(apoio::kOpAbre, kDiario, 32, false);
-  EXPECT_EQ(Abre(), codigos::kOk) << "one busy moment is ridden out";
-  EXPECT_EQ(LeBase(), Base("ab"));
-}
-
-/// What the next step depends on is on the storage device, or the step is not taken.
-TEST_F(Conversao, OQueNaoChegaAoDispositivoNaoConta) {
-  PoeBase("0ab");
-  const std::tuple<const char *, unsigned, bool> casos[] = {{"DFVEIC.TRA", apoio::kOpDescarrega, false},
-                                                            {kDiario, apoio::kOpDescarrega, false},
-                                                            {kDiario, apoio::kOpDescarrega | apoio::kOpApaga, true}};
-  for (const auto &[lpNome, operacoes, bFica] : casos) {
-    SCOPED_TRACE(testing::Message() << lpNome << " " << operacoes);
-    Falha(operacoes, lpNome, 1117);
-    EXPECT_EQ(Abre(), codigos::kArqErroFisico);
-    EXPECT_EQ(LeBase(), Base("0ab"));
-    EXPECT_EQ(m_empresa.Existe(lpNome), bFica);
-  }
-  Falha(apoio::kOpDescarrega, "DFVEIVS.DAT", 1117);
-  EXPECT_EQ(Abre(), codigos::kArqErroFisico);
-  EXPECT_EQ(Abre(), codigos::kOk) << "the version can be read";
-  EXPECT_TRUE(m_empresa.Existe(kDiario)) << "but a power cut may still take it";
-  Falha(apoio::kOpLe, "DFVEIVS.DAT", 1117);
-  EXPECT_EQ(Abre(), codigos::kArqErroFisico) << "not taken for a torn one";
-  m_falhas.Desarma();
-  EXPECT_EQ(Abre(), codigos::kOk);
-  EXPECT_FALSE(m_empresa.Existe(kDiario));
-  EXPECT_EQ(LeBase(), Base("ab"));
-}
-
-/// A swap that fails leaves the old base and no journal, which would refuse what others add to it; one that only seems
-/// to have failed leaves the journal.
-TEST_F(Conversao, TrocaQueFalha) {
-  PoeBase("0ab");
-  Falha(apoio::kOpMove, "DFVEIC.DAT", 5);
-  EXPECT_EQ(Abre(), codigos::kTraNaoRenomeado);
-  m_falhas.Desarma();
-  EXPECT_EQ(LeBase(), Base("0ab"));
-  EXPECT_FALSE(m_empresa.Existe("DFVEIC.TRA"));
-  EXPECT_FALSE(m_empresa.Existe(kDiario));
-
+/// What fails from where an earlier run got, and what is left of the base and the journal; the next start comes to the
+/// end. What the next step depends on is on the storage device, or the step is not taken. A journal that cannot be read
+/// just now is not taken for none, nor a version for a torn one. One beside the old base would refuse what others add
+/// to that; where the swap only seems to have failed it is needed.
+TEST_F(Conversao, FalhaEmCadaPasso) {
   apoio::PlanoFalha respostaPerdida = Plano(apoio::kOpMove, "DFVEIC.DAT", 64, false);
   respostaPerdida.aoFalhar = [this] {
-    const CString sCompanheiro = m_empresa.Caminho("DFVEIC.TRA");
-    EXPECT_FALSE(
-        plataforma::ServicosDoSistema().arquivos->MoveSubstituindo(sCompanheiro, m_empresa.Caminho("DFVEIC.DAT")));
+    const CString sCaminhos = m_falhas.CaminhoDoDisparo();
+    const std::size_t uiMeio = sCaminhos.find('\0');
+    EXPECT_FALSE(plataforma::ServicosDoSistema().arquivos->MoveSubstituindo(sCaminhos.substr(0, uiMeio),
+                                                                            sCaminhos.substr(uiMeio + 1)));
   };
-  m_falhas.Arma(respostaPerdida);
-  EXPECT_EQ(Abre(), codigos::kTraNaoRenomeado);
-  m_falhas.Desarma();
-  EXPECT_EQ(Abre(), codigos::kOk);
-  EXPECT_EQ(LeBase(), Base("ab"));
+  const std::tuple<std::string, std::string, apoio::PlanoFalha, HRESULT, const char *, bool> casos[] = {
+      {"0ab", "", Plano(apoio::kOpDescarrega, "DFVEIC.TRA", 1117), codigos::kArqErroFisico, "0ab", false},
+      {"0ab", "", Plano(apoio::kOpDescarrega, kDiario, 1117), codigos::kArqErroFisico, "0ab", false},
+      {"0ab", "", Plano(apoio::kOpDescarrega | apoio::kOpApaga, kDiario, 1117), codigos::kArqErroFisico, "0ab", true},
+      {"0ab", "", Plano(apoio::kOpMove, "DFVEIC.DAT", 5), codigos::kTraNaoRenomeado, "0ab", false},
+      {"0ab", "", respostaPerdida, codigos::kTraNaoRenomeado, "ab", true},
+      {"0ab", "", Plano(apoio::kOpGrava, "DFVEIVS.DAT", 1117), codigos::kArqErroFisico, "ab", true},
+      {"0ab", "", Plano(apoio::kOpDescarrega, "DFVEIVS.DAT", 1117), codigos::kArqErroFisico, "ab", true},
+      {"ab", "", Plano(apoio::kOpAbre, kDiario, 32), codigos::kArqCompartilhamento, "ab", true},
+      {"ab", "", Plano(apoio::kOpAbre, kDiario, 32, false), codigos::kOk, "ab", false},
+      {"ab", "", Plano(apoio::kOpLe, kDiario, 1117), codigos::kArqErroFisico, "ab", true},
+      {"ab", kVersao1, Plano(apoio::kOpLe, "DFVEIVS.DAT", 1117), codigos::kArqErroFisico, "ab", true},
+      {"ab", kVersao1, Plano(apoio::kOpDescarrega, "DFVEIVS.DAT", 1117), codigos::kOk, "ab", true},
+  };
+  for (const auto &[antes, versao, plano, hr, depois, bDiario] : casos) {
+    SCOPED_TRACE(testing::Message() << antes << ", " << plano.trecho << ", " << plano.operacoes);
+    const EmpresaComBase empresa;
+    empresa.Escreve("DFVEIC.DAT", apoio::NoDisco("DFVEIC.DAT", Base(antes)));
+    if (antes == "ab") {
+      empresa.Escreve(kDiario, Diario("ab"));
+    }
+    if (!versao.empty()) {
+      empresa.Escreve("DFVEIVS.DAT", versao);
+    }
+    m_falhas.Arma(plano);
+    EXPECT_EQ(AbreUmaVez(empresa.Codigo()), hr);
+    m_falhas.Desarma();
+    EXPECT_EQ(empresa.Le("DFVEIC.DAT"), Base(depois));
+    EXPECT_EQ(empresa.Existe(kDiario), bDiario);
+    EXPECT_FALSE(empresa.Existe("DFVEIC.TRA"));
+    EXPECT_EQ(AbreUmaVez(empresa.Codigo()), codigos::kOk);
+    EXPECT_EQ(empresa.Le("DFVEIC.DAT"), Base("ab"));
+    EXPECT_FALSE(empresa.Existe(kDiario));
+  }
 }
 
 }  // namespace

@@ -6,19 +6,12 @@
 
 #include "tests/apoio/Corrida.h"
 #include "tests/vehicles/AmostraVeiculos.h"
-#include "vehicles/BaseVeiculos.h"
 
 namespace {
 
-HRESULT Abre(const CString &sEmpresa) {
-  CBaseVeiculos base;
-  const HRESULT hr = base.Inicializa(sEmpresa, 7, 42);
-  return Falhou(hr) ? hr : base.Finaliza();
-}
-
 int Participa(const std::vector<std::string> &argumentos) {
   return apoio::Corrida::Corre(argumentos, [&](unsigned, unsigned *puiFeitos) {
-    const HRESULT hr = Abre(argumentos[0]);
+    const HRESULT hr = AbreUmaVez(argumentos[0]);
     *puiFeitos = Falhou(hr) ? 0 : 1;
     return hr;
   });
@@ -37,7 +30,7 @@ TEST(CorridaDeConversoes, SoOPrimeiroRegistroSaiEUmaVez) {
       EXPECT_EQ(corrida.Dados("DFVEIVS.DAT"), kVersao1);
       EXPECT_TRUE(corrida.Dados("DFVEIC.DAT") == Base(letras.substr(1)));
       corrida.ConferePasta({"DFVEIVS.DAT"});
-      EXPECT_EQ(Abre(empresa.Codigo()), codigos::kOk);
+      EXPECT_EQ(AbreUmaVez(empresa.Codigo()), codigos::kOk);
     }
   }
 }

@@ -9,36 +9,31 @@
 
 namespace {
 
-class FalhaComAcesso : public ComBanco {
-protected:
-  /// Runs `corpo` to its machine fault.
-  template <typename F>
-  static void Falha(F &&corpo) {
-    const plataforma::SaidaSEH saida =
-        plataforma::ChamaEmQuadroSEH([](void *pCorpo) -> HRESULT { return (*static_cast<F *>(pCorpo))(); }, &corpo,
-                                     [](const _EXCEPTION_RECORD &) -> LONG { return 1; });
-    EXPECT_TRUE(saida.bExcecao);
-    EXPECT_EQ(plataforma::LivroDaThread::Marca(), 0U);
-  }
-};
+using FalhaComAcesso = ComBanco;
 
-/// Nothing stays held: another thread writes, and reads what it has written.
+volatile int *volatile s_pRuim = nullptr;
+
+HRESULT PercorreComFalha(void *pArquivo) {
+  return static_cast<CQZFile<RegTeste> *>(pArquivo)->Percorre(
+      1, 3, [](std::uint64_t, const RegTeste &) { return *s_pRuim == 0; });
+}
+
+HRESULT LeVariosComFalha(void *pArquivo) {
+  return static_cast<CQZFile<RegTeste> *>(pArquivo)->LeVarios(
+      3, [](std::size_t i) { return i + 1; }, [](std::size_t, const RegTeste &) { *s_pRuim = 0; });
+}
+
+/// Nothing stays held: another thread writes.
 TEST_F(FalhaComAcesso, NadaFicaPreso) {
   Poe("TESTE.DAT", Bytes(1, 3));
   ASSERT_EQ(Abre(), codigos::kOk);
-  volatile int *pRuim = nullptr;
-  Falha([&] { return Arquivo().Percorre(1, 3, [&](std::uint64_t, const RegTeste &) { return *pRuim == 0; }); });
-  Falha([&] {
-    return Arquivo().LeVarios(
-        3, [](std::size_t i) { return i + 1; }, [&](std::size_t, const RegTeste &) { *pRuim = 0; });
-  });
-  std::thread([this] {
-    std::uint64_t uiPosicao = 2;
-    RegTeste reg;
-    EXPECT_EQ(Arquivo().Grava(uiPosicao, Registro(9)), codigos::kOk);
-    EXPECT_EQ(Arquivo().Le(2, &reg), codigos::kOk);
-    EXPECT_EQ(reg, Registro(9));
-  }).join();
+  for (const auto executa : {PercorreComFalha, LeVariosComFalha}) {
+    const auto trata = [](const _EXCEPTION_RECORD &) -> LONG { return EXCEPTION_EXECUTE_HANDLER; };
+    EXPECT_TRUE(plataforma::ChamaEmQuadroSEH(executa, &Arquivo(), trata).bExcecao);
+    EXPECT_EQ(plataforma::LivroDaThread::Marca(), 0U);
+  }
+  std::thread([this] { EXPECT_EQ(Grava(2, Registro(9)), codigos::kOk); }).join();
+  EXPECT_EQ(Disco("TESTE.DAT"), Bytes(1, 1) + Bytes(9, 9) + Bytes(3, 3));
 }
 
 }  // namespace

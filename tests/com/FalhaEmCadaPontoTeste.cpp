@@ -14,9 +14,9 @@
 #include "core/platform/LivroDaThread.h"
 #include "core/platform/ServicosSistema.h"
 #include "server/ContagemModulo.h"
-#include "tests/apoio/ArquivosDecorado.h"
+#include "tests/apoio/ArquivosComFalha.h"
 #include "tests/apoio/ColetorRastro.h"
-#include "tests/apoio/ServicosTrocados.h"
+#include "tests/apoio/ServicosFalsos.h"
 #include "tests/apoio/ValoresProprios.h"
 #include "tests/com/ApoioServico.h"
 

@@ -5,7 +5,7 @@
 #include "core/log/ConfiguracaoLog.h"
 #include "core/platform/MemoriaTarefa.h"
 #include "tests/apoio/ColetorRastro.h"
-#include "tests/apoio/ComEmpresa.h"
+#include "tests/apoio/EmpresaComBase.h"
 #include "tests/apoio/SerieFalhas.h"
 #include "tests/apoio/ValoresProprios.h"
 #include "tests/vehicles/AmostraVeiculos.h"

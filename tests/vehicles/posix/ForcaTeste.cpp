@@ -1,7 +1,6 @@
 // The process ends, or the power fails, during the conversion of a base of version 0.
 
-#include "tests/apoio/SerieQuedas.h"
-#include "tests/apoio/ServicosFalsos.h"
+#include "tests/apoio/SerieFalhas.h"
 #include "tests/vehicles/AmostraVeiculos.h"
 #include "vehicles/BaseVeiculos.h"
 

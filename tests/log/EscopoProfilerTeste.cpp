@@ -108,6 +108,7 @@ TEST_F(EscopoProfiler, OQueMudaDuranteAOperacao) {
   m_relogio.m_ticks += 700000;
   profiler.reset();
   escopo.reset();
+  ASSERT_EQ(Profiler().size(), 2U);
   EXPECT_NE(Profiler().back().find("|C::F|E0002|U65535|S-0000001|T00004660|SAIU|"), std::string::npos);
 }
 

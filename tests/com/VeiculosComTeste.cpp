@@ -170,6 +170,7 @@ TEST_F(VeiculosCom, DiagnosticoApontaOQueFalta) {
   const std::regex falha("\\[FALHA\\] *(.*?) \\.");
   for (const auto &caso : casos) {
     SCOPED_TRACE(caso.lpNome);
+    ASSERT_GE(EsperaServidorTerminar(), 0);  // one that still runs would hide what is missing
     caso.quebra();
     Espera(1, caso.sTrecho, "diagnostico --abre");
     std::string sFalhas;

@@ -16,7 +16,6 @@
 #include "fuzz/Entrada.h"
 #include "tests/apoio/PastaTemporaria.h"
 #include "tests/apoio/ServicosFalsos.h"
-#include "tests/apoio/ServicosTrocados.h"
 
 namespace {
 

@@ -15,7 +15,7 @@
 #include "core/platform/MemoriaTarefa.h"
 #include "core/platform/Textos.h"
 #include "fuzz/Empresa.h"
-#include "tests/apoio/ArquivosDecorado.h"
+#include "tests/apoio/ArquivosComFalha.h"
 
 namespace {
 

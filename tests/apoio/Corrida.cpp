@@ -12,7 +12,7 @@
 #include <thread>
 
 #include "core/platform/Plataforma.h"
-#include "tests/apoio/ArquivosDecorado.h"
+#include "tests/apoio/ArquivosComFalha.h"
 
 namespace apoio {
 namespace {

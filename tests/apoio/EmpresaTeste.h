@@ -1,7 +1,6 @@
 #ifndef KALVO_TESTS_APOIO_EMPRESATESTE_H
 #define KALVO_TESTS_APOIO_EMPRESATESTE_H
 
-#include <cstdio>
 #include <functional>
 #include <string>
 
@@ -16,12 +15,7 @@ namespace apoio {
 /// the same for no two tests that run at once.
 class EmpresaTeste {
 public:
-  EmpresaTeste() {
-    char codigo[16];
-    std::snprintf(codigo, sizeof(codigo), "T%010zu", std::hash<std::string>()(m_pasta.Caminho()) % 10000000000U);
-    m_codigo = codigo;
-    m_registro.DefineTexto(ChaveDaEmpresa(), "DF", m_pasta.Caminho());
-  }
+  EmpresaTeste() { m_registro.DefineTexto(ChaveDaEmpresa(), "DF", m_pasta.Caminho()); }
 
   const CString &Codigo() const { return m_codigo; }
   CString ChaveDaEmpresa() const { return CString(kChaveSuite) + "Empresas\\" + m_codigo; }
@@ -36,7 +30,7 @@ public:
 private:
   PastaTemporaria m_pasta;
   RegistroTeste m_registro;
-  CString m_codigo;
+  const CString m_codigo = "T" + std::to_string(std::hash<std::string>()(m_pasta.Caminho()) % 10000000000U);
 };
 
 }  // namespace apoio

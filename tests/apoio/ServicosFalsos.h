@@ -1,4 +1,4 @@
-// Services of the operating system that say what a test wants.
+// Services of the operating system that say what a test wants, and how they come into force.
 
 #ifndef KALVO_TESTS_APOIO_SERVICOSFALSOS_H
 #define KALVO_TESTS_APOIO_SERVICOSFALSOS_H
@@ -14,13 +14,35 @@
 
 namespace apoio {
 
+/// Puts replaced services in force for a scope; a null one stays as it is. Scopes may nest.
+class ServicosTrocados {
+public:
+  explicit ServicosTrocados(plataforma::IArquivos *pArquivos, plataforma::IRegistro *pRegistro = nullptr,
+                            plataforma::IRelogio *pRelogio = nullptr, plataforma::IInformacoes *pInformacoes = nullptr,
+                            plataforma::ICaixaMensagem *pCaixaMensagem = nullptr)
+      : m_anteriores(plataforma::ServicosEmVigor()), m_novos(m_anteriores) {
+    m_novos.arquivos = pArquivos != nullptr ? pArquivos : m_novos.arquivos;
+    m_novos.registro = pRegistro != nullptr ? pRegistro : m_novos.registro;
+    m_novos.relogio = pRelogio != nullptr ? pRelogio : m_novos.relogio;
+    m_novos.informacoes = pInformacoes != nullptr ? pInformacoes : m_novos.informacoes;
+    m_novos.caixaMensagem = pCaixaMensagem != nullptr ? pCaixaMensagem : m_novos.caixaMensagem;
+    plataforma::SubstituiServicos(&m_novos);
+  }
+  ~ServicosTrocados() { plataforma::SubstituiServicos(&m_anteriores); }
+  ServicosTrocados(const ServicosTrocados &) = delete;
+  ServicosTrocados &operator=(const ServicosTrocados &) = delete;
+
+private:
+  const plataforma::Servicos &m_anteriores;
+  plataforma::Servicos m_novos;
+};
+
 /// A registry that holds a few values which all test processes of the machine would share in the real one. Names are
 /// compared as written. To be filled while no other thread uses it.
 class RegistroFalso final : public plataforma::IRegistro {
 public:
-  RegistroFalso() = default;
-  /// What it does not hold is that of another registry, which must outlive it.
-  explicit RegistroFalso(plataforma::IRegistro &base) : m_pBase(&base) {}
+  /// What it does not hold is that of another registry, where there is one, which must outlive it.
+  explicit RegistroFalso(plataforma::IRegistro *pBase = nullptr) : m_pBase(pBase) {}
 
   using Nome = std::pair<CString, CString>;  ///< key, without a final `\` unless it is asked for with one, and value
   std::map<Nome, CString> m_textos;
@@ -45,7 +67,7 @@ public:
   }
 
 private:
-  plataforma::IRegistro *m_pBase = nullptr;
+  plataforma::IRegistro *m_pBase;
 };
 
 /// A clock on which every wait is over at once. Any thread may call, several at once.
@@ -93,32 +115,27 @@ private:
 /// A machine with fixed figures. The figures are to be set while no other thread uses it.
 class InformacoesFalsas final : public plataforma::IInformacoes {
 public:
-  CString m_processo = "kalvo.exe";
-  CString m_usuario = "operador";
-  CString m_guid = "{6F9619FF-8B86-D011-B42D-00C04FC964FF}";
-  bool m_bMemoria = true;  ///< whether the memory queries succeed
   std::uint64_t m_uiMemoriaProcesso = 3276800;
-  bool m_bVersao = true;  ///< whether the program file has a version
   plataforma::VersaoArquivo m_versaoPrograma{0x00010000, 0};
   CString m_diretorioAtual = "C:\\atual\\";
   CString m_textoErro = "Arquivo ausente.\r\n";  ///< of error 2, the one that has a text
 
-  CString NomeProcesso() override { return m_processo; }
-  CString UsuarioLocal() override { return m_usuario; }
+  CString NomeProcesso() override { return "kalvo.exe"; }
+  CString UsuarioLocal() override { return "operador"; }
   std::uint32_t IdThread() override { return 4660; }
-  CString NovoGuid() override { return m_guid; }
+  CString NovoGuid() override { return "{6F9619FF-8B86-D011-B42D-00C04FC964FF}"; }
   bool MemoriaProcesso(std::uint64_t *puiBytes) override {
-    *puiBytes = m_bMemoria ? m_uiMemoriaProcesso : *puiBytes;
-    return m_bMemoria;
+    *puiBytes = m_uiMemoriaProcesso;
+    return true;
   }
   bool MemoriaMaquina(std::uint64_t *puiDisponivel, std::uint64_t *puiTotal) override {
-    *puiDisponivel = m_bMemoria ? 8589934592 : *puiDisponivel;
-    *puiTotal = m_bMemoria ? 17179869184 : *puiTotal;
-    return m_bMemoria;
+    *puiDisponivel = 8589934592;
+    *puiTotal = 17179869184;
+    return true;
   }
   bool VersaoPrograma(plataforma::VersaoArquivo *pVersao) override {
-    *pVersao = m_bVersao ? m_versaoPrograma : *pVersao;
-    return m_bVersao;
+    *pVersao = m_versaoPrograma;
+    return true;
   }
   plataforma::VersaoSistema VersaoSO() override { return {10, 0, 19045}; }
   CString TextoErro(std::uint32_t erro) override { return erro == 2 ? m_textoErro : CString(); }

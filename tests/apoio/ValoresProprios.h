@@ -3,7 +3,6 @@
 
 #include "core/env/QZPath.h"
 #include "tests/apoio/ServicosFalsos.h"
-#include "tests/apoio/ServicosTrocados.h"
 
 namespace apoio {
 
@@ -18,7 +17,7 @@ inline bool CabecalhosLigados() {
 /// stays as it is. To be changed while no other thread uses it.
 class ValoresProprios {
 protected:
-  RegistroFalso m_registro{plataforma::Registro()};
+  RegistroFalso m_registro{&plataforma::Registro()};
 
 private:
   ServicosTrocados m_servicos{nullptr, &m_registro};

@@ -51,7 +51,7 @@ TEST_F(DiscoCheio, DizODiscoCheioEVoltaAGravarQuandoHaLugar) {
     unsigned uiCabem = 0;
     {
       CCliente cliente;
-      ASSERT_EQ(Bits(cliente.Ouve().hr), Bits(S_OK));
+      ASSERT_EQ(Bits(cliente.Pede("cria").hr), Bits(S_OK));
       ASSERT_EQ(Bits(cliente.Pede(CString("abre ") + kEmpresa).hr), Bits(S_OK));
       for (unsigned i = 0; i < 20; ++i) {
         ASSERT_EQ(Grava(cliente, 0), Bits(S_OK));

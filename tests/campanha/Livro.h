@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -40,7 +40,7 @@ public:
     } else if (ServidorSeFoi(gravacao.hr)) {
       m_semResposta.push_back(gravacao);
     } else {
-      ++m_recusas[gravacao.hr];
+      m_recusas.insert(gravacao.hr);
     }
   }
 
@@ -65,8 +65,8 @@ public:
 
   std::size_t Veiculos() const { return m_numeros.size(); }
   std::size_t Confirmadas() const { return m_uiConfirmadas; }
-  /// The result codes with which something was refused, and how often.
-  const std::map<HRESULT, unsigned> &Recusas() const { return m_recusas; }
+  /// The result codes with which something was refused.
+  const std::set<HRESULT> &Recusas() const { return m_recusas; }
 
 private:
   bool TomaSemResposta(LONG lPos, std::uint32_t uiNumero) {
@@ -78,7 +78,7 @@ private:
 
   std::vector<std::uint32_t> m_numeros;  ///< by position; 0 where an append that got no answer may have gone
   std::vector<Gravacao> m_semResposta;
-  std::map<HRESULT, unsigned> m_recusas;
+  std::set<HRESULT> m_recusas;
   std::size_t m_uiConfirmadas = 0;
 };
 

@@ -42,8 +42,8 @@ TEST_F(MorteDoServidor, OConfirmadoEstaLaEAEmpresaAbre) {
     escritores.EsperaGravacoes(uiRodada % 4 == 0 ? 0 : 1 + m_gerador() % kGravacoes);
     EsperaAte(uiRodada % 4 == 0 ? kAberturaMs : 1);
     MataServidores();
-    escritores.Termina(&livro);
-    EXPECT_TRUE(livro.Recusas().empty()) << std::hex << livro.Recusas().begin()->first;
+    escritores.Termina();
+    EXPECT_TRUE(livro.Recusas().empty()) << std::hex << *livro.Recusas().begin();
     uiNoMeio += NoMeioDeUmaGravacao(empresa) ? 1U : 0U;
     ASSERT_NO_FATAL_FAILURE(Confere(empresa.Codigo(), livro));
     ASSERT_FALSE(TemSobras(empresa.Caminho("")));

@@ -45,7 +45,7 @@ TEST_F(MorteNaConversao, SoOPrimeiroRegistroSaiEUmaVez) {
     std::deque<CCliente> clientes;
     while (clientes.size() < (uiRodada % 3 == 0 ? 1U : 2U)) {
       EsqueceServidores();  // each client gets a server of its own
-      ASSERT_EQ(Bits(clientes.emplace_back().Ouve().hr), Bits(S_OK));
+      ASSERT_EQ(Bits(clientes.emplace_back().Pede("cria").hr), Bits(S_OK));
     }
     const std::vector<Handle> servidores = Servidores();
     ASSERT_EQ(servidores.size(), clientes.size());

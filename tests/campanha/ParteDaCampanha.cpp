@@ -60,7 +60,7 @@ void MataServidores() {
 Resposta LeEmpresa(const std::string &sEmpresa) {
   for (bool bDeNovo = true;; bDeNovo = false) {
     CCliente cliente(kPrazo);
-    Resposta lida = cliente.Ouve();
+    Resposta lida = cliente.Pede("cria");
     const bool bNaoAlcancou = ServidorSeFoi(lida.hr);
     lida = lida.hr == S_OK ? cliente.Pede("abre " + sEmpresa) : lida;
     lida = lida.hr == S_OK ? cliente.Pede("le") : lida;

@@ -10,8 +10,7 @@
 #include "tests/apoio/Corrida.h"
 #include "tests/apoio/PastaTemporaria.h"
 #include "tests/apoio/RegistroTeste.h"
-#include "tests/campanha/Clientes.h"
-#include "tests/com/ApoioCom.h"
+#include "tests/campanha/Escritores.h"
 
 namespace campanha {
 
@@ -22,7 +21,7 @@ void Mata(HANDLE hServidor);
 void MataServidores();
 
 /// The vehicles of a company as a new client reads them.
-Resposta LeEmpresa(const std::string &sEmpresa);
+apoiocom::Resposta LeEmpresa(const std::string &sEmpresa);
 
 /// One part of the campaign: begins without a server, and with logs of its own. What depends on chance follows from a
 /// number that is printed, and that the environment's KALVO_SEMENTE gives again. After a failure the directories of the

@@ -5,9 +5,9 @@
 #include <winternl.h>
 
 #include <array>
-#include <chrono>
+#include <atomic>
 #include <cstdio>
-#include <cstdlib>
+#include <future>
 #include <iostream>
 
 #include "tests/campanha/ParteDaCampanha.h"
@@ -21,7 +21,7 @@ constexpr unsigned kClientes = 8;
 constexpr unsigned kEmpresas = 20;
 constexpr UINT kVeiculos = 100;   ///< of each company
 constexpr unsigned kFatias = 10;  ///< of the time; the first warms everything up
-constexpr unsigned kTiposDeChamada = 6;
+constexpr double kTiposDeChamada = 6;
 constexpr unsigned kVezesPorObjeto = 20;
 constexpr double kMaisDemora = 1.2;
 /// Below this the time of calls is the machine's other business.
@@ -59,8 +59,9 @@ bool Chama(IQZDF_Veiculos &veiculos, std::mt19937 &gerador) {
   tagREG_FILTRO_VEICULOSPS filtro{};
   Preenche(filtro.szDescricao, "*" + std::string(2, static_cast<char>('A' + gerador() % 26)) + "*");
   UINT uiQtd = 0;
-  HRESULT hrBusca = S_OK;
-  Busca(veiculos, filtro, &hrBusca);
+  tagRESULTADO_BUSCA_VEICULOS achados{};
+  const HRESULT hrBusca = veiculos.BuscaPonteiros(filtro, &achados);
+  CoTaskMemFree(achados.Ponteiros);
   return hrBusca == S_OK && veiculos.Grava(&lPos, VeiculoNumerado(static_cast<std::uint32_t>(lPos))) == S_OK &&
          veiculos.Le(lPos, lidos.data()) == S_OK &&
          veiculos.Existe(Texto(std::to_string(lPos)).Get(), &lPos, lidos.data()) == S_OK &&
@@ -68,82 +69,61 @@ bool Chama(IQZDF_Veiculos &veiculos, std::mt19937 &gerador) {
          veiculos.GetQuantidadeRegistros(&uiQtd) == S_OK && uiQtd == kVeiculos;
 }
 
-/// Gives the companies what they do not have yet. Then prints for each slice of the time how often it made all calls,
-/// and keeps its object until its input ends. A call that fails is its end.
-int Mistura(const std::vector<std::string> &argumentos) {
-  const Apartamento apartamento;
-  std::mt19937 gerador(static_cast<unsigned>(std::stoul(argumentos[0])));
-  const std::chrono::duration<double> fatia(std::stod(argumentos[1]));
-  const std::vector<std::string> empresas(argumentos.begin() + 2, argumentos.end());
-  Veiculos spVeiculos;
-  for (const std::string &sEmpresa : empresas) {
-    spVeiculos = Abre(sEmpresa);
-    UINT uiQtd = 0;
-    for (HRESULT hr = spVeiculos->GetQuantidadeRegistros(&uiQtd); hr == S_OK && uiQtd < kVeiculos; ++uiQtd) {
-      LONG lPos = 0;
-      hr = spVeiculos->Grava(&lPos, VeiculoNumerado(uiQtd + 1));
-    }
-  }
-  std::cout << "pronto" << std::endl;
-  std::string sLinha;
-  std::getline(std::cin, sLinha);
-  const auto inicio = std::chrono::steady_clock::now();
-  for (unsigned uiFatia = 1; uiFatia <= kFatias; ++uiFatia) {
-    unsigned uiVezes = 0;
-    for (; std::chrono::steady_clock::now() - inicio < uiFatia * fatia; ++uiVezes) {
-      if (gerador() % kVezesPorObjeto == 0) {
-        spVeiculos = Abre(empresas[gerador() % empresas.size()]);
-      }
-      if (!spVeiculos || !Chama(*spVeiculos, gerador)) {
-        return 1;
-      }
-    }
-    std::cout << uiVezes << std::endl;
-  }
-  std::getline(std::cin, sLinha);
-  return 0;
-}
-const apoio::RegistraFilha kMistura("campanha-mistura", Mistura);
-
 using Resistencia = ParteDaCampanha;
 
 TEST_F(Resistencia, MemoriaHandlesThreadsEDemoraNaoCrescem) {
   const unsigned uiSegundos = apoio::DoAmbiente("KALVO_SEGUNDOS", 6);
   const double dFatia = static_cast<double>(uiSegundos) / kFatias;
-  std::vector<std::string> argumentos{"", std::to_string(dFatia)};
+  const Apartamento apartamento;
   for (unsigned i = 0; i < kEmpresas; ++i) {
-    argumentos.push_back(m_empresas.emplace_back().Codigo());
-  }
-  std::deque<apoio::ProcessoFilho> clientes;
-  for (unsigned i = 0; i < kClientes; ++i) {
-    argumentos[0] = std::to_string(m_gerador());
-    ASSERT_EQ(clientes.emplace_back("campanha-mistura", argumentos).LeLinha(), "pronto");
+    const Veiculos spVeiculos = Abre(m_empresas.emplace_back().Codigo());
+    ASSERT_TRUE(spVeiculos);
+    for (std::uint32_t uiNumero = 1; uiNumero <= kVeiculos; ++uiNumero) {
+      LONG lPos = 0;
+      ASSERT_EQ(spVeiculos->Grava(&lPos, VeiculoNumerado(uiNumero)), S_OK);
+    }
   }
   const std::vector<Handle> servidores = Servidores();
   ASSERT_EQ(servidores.size(), 1U);
-  for (apoio::ProcessoFilho &cliente : clientes) {
-    cliente.EnviaLinha("vai");
+  std::atomic<bool> bFim = false;
+  std::atomic<unsigned> uiVezes = 0;
+  const auto trabalha = [&](unsigned uiSemente) {
+    const Apartamento dele;
+    std::mt19937 gerador(uiSemente);
+    Veiculos spVeiculos;
+    for (unsigned i = 0; !bFim; ++i, ++uiVezes) {
+      if (i % kVezesPorObjeto == 0) {
+        spVeiculos = Abre(m_empresas[gerador() % kEmpresas].Codigo());
+      }
+      if (!spVeiculos || !Chama(*spVeiculos, gerador)) {
+        return false;
+      }
+    }
+    return true;
+  };
+  std::vector<std::future<bool>> clientes;
+  for (unsigned i = 0; i < kClientes; ++i) {
+    clientes.push_back(std::async(std::launch::async, trabalha, static_cast<unsigned>(m_gerador())));
   }
   std::vector<Recursos> recursos;
   std::vector<double> demoras;
   double dChamadas = 0;
   for (unsigned uiFatia = 1; uiFatia <= kFatias; ++uiFatia) {
-    double dVezes = 0;
-    for (apoio::ProcessoFilho &cliente : clientes) {
-      dVezes += std::atof(cliente.LeLinha().c_str());
-    }
-    dChamadas += dVezes * kTiposDeChamada;
+    EXPECT_EQ(WaitForSingleObject(servidores[0].get(), static_cast<DWORD>(dFatia * 1000)),
+              static_cast<DWORD>(WAIT_TIMEOUT))
+        << "the server has ended";
+    const double dDaFatia = uiVezes.exchange(0) * kTiposDeChamada;
+    dChamadas += dDaFatia;
     recursos.push_back(RecursosDe(servidores[0].get()));
-    demoras.push_back(dFatia * kClientes / dVezes / kTiposDeChamada * 1e6);
+    demoras.push_back(dFatia * kClientes / dDaFatia * 1e6);
     std::printf("%6.1f s: %7.0f calls, %7.0f us each; server %6.1f MB, %4.0f handles, %3.0f threads\n",
-                dFatia * uiFatia, dVezes * kTiposDeChamada, demoras.back(), recursos.back()[0], recursos.back()[1],
-                recursos.back()[2]);
+                dFatia * uiFatia, dDaFatia, demoras.back(), recursos.back()[0], recursos.back()[1], recursos.back()[2]);
     std::fflush(stdout);
   }
-  for (apoio::ProcessoFilho &cliente : clientes) {
-    EXPECT_EQ(cliente.Espera(), 0) << "a call has failed";
+  bFim = true;
+  for (std::future<bool> &cliente : clientes) {
+    EXPECT_TRUE(cliente.get()) << "a call has failed";
   }
-  EXPECT_EQ(WaitForSingleObject(servidores[0].get(), 0), static_cast<DWORD>(WAIT_TIMEOUT)) << "the server has ended";
   std::cout << dChamadas << " calls of " << kClientes << " clients on " << kEmpresas << " companies; " << Veredito()
             << std::endl;
   // Companies come and go, and threads with them: from the second slice on the most that was in use is looked at.

@@ -1,20 +1,12 @@
 #include "tests/com/ApoioCom.h"
 
-#include <shlwapi.h>
 #include <tlhelp32.h>
 
 #include <array>
 #include <cstdlib>
-#include <filesystem>
 
 namespace apoiocom {
 namespace {
-
-Ponteiro<IStream> FluxoDe(const std::string &sArquivo, DWORD dwModo) {
-  IStream *pFluxo = nullptr;
-  SHCreateStreamOnFileA(sArquivo.c_str(), dwModo, &pFluxo);
-  return Ponteiro<IStream>(pFluxo);
-}
 
 /// Starts a program; what it writes goes to a file where one is given. Its process, null when that fails.
 Handle Inicia(std::string sLinha, HANDLE hSaida) {
@@ -63,25 +55,6 @@ HRESULT Inicializa(IQZDF_Veiculos &veiculos, std::string_view sEmpresa) {
   return veiculos.Inicializa(Texto(sEmpresa).Get(), 7, 42);
 }
 
-std::string Entrega(IQZDF_Veiculos &veiculos) {
-  static int s_iEntregues = 0;
-  const std::string sNome = "obj" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++s_iEntregues);
-  const std::string sArquivo = (std::filesystem::temp_directory_path() / sNome).string();
-  const Ponteiro<IStream> spFluxo = FluxoDe(sArquivo, STGM_CREATE | STGM_WRITE);
-  const bool bFeito = spFluxo && SUCCEEDED(CoMarshalInterface(spFluxo.get(), IID_IQZDF_Veiculos, &veiculos,
-                                                              MSHCTX_LOCAL, nullptr, MSHLFLAGS_NORMAL));
-  return bFeito ? sArquivo : "";
-}
-
-Veiculos Recebe(const std::string &sEntregue) {
-  void *pObjeto = nullptr;
-  if (const Ponteiro<IStream> spFluxo = FluxoDe(sEntregue, STGM_READ)) {
-    CoUnmarshalInterface(spFluxo.get(), IID_IQZDF_Veiculos, &pObjeto);
-  }
-  DeleteFileA(sEntregue.c_str());
-  return Veiculos(static_cast<IQZDF_Veiculos *>(pObjeto));
-}
-
 Veiculos Abre(std::string_view sEmpresa) {
   Veiculos spVeiculos = Cria();
   if (spVeiculos && FAILED(Inicializa(*spVeiculos, sEmpresa))) {
@@ -96,18 +69,6 @@ tagREG_VEICULOPS Veiculo(std::string_view sCodigo) {
       0,        1,         0,      0,    {}};
   Preenche(veiculo.szCodigo, sCodigo);
   return veiculo;
-}
-
-std::vector<LONG> Busca(IQZDF_Veiculos &veiculos, const tagREG_FILTRO_VEICULOSPS &filtro, HRESULT *phr) {
-  tagRESULTADO_BUSCA_VEICULOS resultado{};
-  *phr = veiculos.BuscaPonteiros(filtro, &resultado);
-  if ((resultado.iQtd != 0) != (resultado.Ponteiros != nullptr) || resultado.pFiller != nullptr) {
-    *phr = E_UNEXPECTED;
-    return {};
-  }
-  std::vector<LONG> posicoes(resultado.Ponteiros, resultado.Ponteiros + resultado.iQtd);
-  CoTaskMemFree(resultado.Ponteiros);
-  return posicoes;
 }
 
 std::string PastaDoPrograma() {

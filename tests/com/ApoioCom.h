@@ -43,12 +43,6 @@ Veiculos Cria(HRESULT *phr = nullptr);
 
 HRESULT Inicializa(IQZDF_Veiculos &veiculos, std::string_view sEmpresa);
 
-/// A file with which one other process on this machine reaches the object (Recebe); empty when that fails.
-std::string Entrega(IQZDF_Veiculos &veiculos);
-
-/// The object behind a file of Entrega, which goes; null when that fails.
-Veiculos Recebe(const std::string &sEntregue);
-
 /// A new service object that works for a company; null when either step fails.
 Veiculos Abre(std::string_view sEmpresa);
 
@@ -64,9 +58,6 @@ tagREG_VEICULOPS Veiculo(std::string_view sCodigo);
 inline std::string CodigoDe(const tagREG_VEICULOPS &veiculo) {
   return LeCampo(veiculo.szCodigo);
 }
-
-/// Positions that pass the filter. `*phr` is the search's result; a mismatch between count and array is a failure too.
-std::vector<LONG> Busca(IQZDF_Veiculos &veiculos, const tagREG_FILTRO_VEICULOSPS &filtro, HRESULT *phr);
 
 /// Folder of the running program, ending with `\`.
 std::string PastaDoPrograma();

@@ -3,66 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <deque>
-#include <iostream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "core/errors/CodigosResultado.h"
-#include "tests/apoio/ProcessoFilho.h"
-#include "tests/com/ApoioCom.h"
+#include "tests/com/Cliente.h"
 
 using namespace apoiocom;
 
 namespace {
 
-/// A client process, which answers each command of its parent with a line.
-int ClienteComandado(const std::vector<std::string> & /*argumentos*/) {
-  const Apartamento apartamento;
-  Veiculos spVeiculos;
-  for (std::string sComando; std::cin >> sComando;) {
-    if (sComando == "cria") {
-      HRESULT hr = S_OK;
-      spVeiculos = Cria(&hr);
-      std::cout << hr << std::endl;
-    } else if (sComando == "entrega") {  // to another process, which "recebe"
-      std::cout << Entrega(*spVeiculos) << std::endl;
-    } else if (sComando == "recebe") {
-      std::getline(std::cin >> std::ws, sComando);
-      spVeiculos = Recebe(sComando);
-      std::cout << (spVeiculos ? S_OK : E_FAIL) << std::endl;
-    } else if (sComando == "chama") {
-      unsigned uiQtd = 0;
-      std::cout << spVeiculos->GetQuantidadeRegistros(&uiQtd) << std::endl;
-    } else if (sComando == "grava") {  // without end, naming each acknowledged code
-      std::cin >> sComando;
-      Inicializa(*spVeiculos, sComando);
-      LONG lPos = 0;
-      for (int i = 1; spVeiculos->Grava(&lPos, Veiculo("M" + std::to_string(i))) == S_OK; ++i, lPos = 0) {
-        std::cout << "M" << i << std::endl;
-      }
-    } else {
-      spVeiculos.reset();
-      std::cout << sComando << std::endl;
-    }
-  }
-  return 0;
-}
-
-const apoio::RegistraFilha g_cliente("cliente_comandado", ClienteComandado);
-
-class Cliente : public apoio::ProcessoFilho {
-public:
-  Cliente() : apoio::ProcessoFilho("cliente_comandado") {}
-
-  std::string Pede(const std::string &sComando) {
-    EnviaLinha(sComando);
-    return LeLinha();
-  }
-};
-
-const std::string kFeito = "0";
-const std::string kVivo = std::to_string(codigos::kArquivoNaoAberto);  ///< an object that nobody initialised
+constexpr HRESULT kSemEmpresa = codigos::kArquivoNaoAberto;  ///< of an object that lives, and works for none
 
 constexpr long kMinimoSemUso = 4500;  ///< what 5000 ms may come to by the system's ticks
 constexpr long kMaximoSemUso = 9000;  ///< 5000 ms, the pause of 1000 ms, and the time a loaded machine takes to end
@@ -95,27 +46,24 @@ TEST(CicloDeVidaCom, TerminaCincoSegundosDepoisDoUltimoObjeto) {
 
 TEST(CicloDeVidaCom, ClienteMortoNoMeioDasChamadasNaoPerdeOConfirmado) {
   const Empresa empresa;
-  Cliente cliente;
-  ASSERT_EQ(cliente.Pede("cria"), kFeito);
-  cliente.EnviaLinha("grava " + empresa.Codigo());
-  LONG lConfirmados = 0;
-  for (; lConfirmados < 200; ++lConfirmados) {
-    ASSERT_EQ(cliente.LeLinha(), "M" + std::to_string(lConfirmados + 1));
+  CCliente cliente;
+  ASSERT_EQ(cliente.Pede("cria").hr, S_OK);
+  ASSERT_EQ(cliente.Pede("abre " + empresa.Codigo()).hr, S_OK);
+  std::size_t uiConfirmados = 0;
+  for (HRESULT hr = cliente.Pede("acrescenta").hr; hr == S_OK; hr = cliente.Ouve().hr) {
+    if (++uiConfirmados == 200) {
+      cliente.Mata();
+    }
   }
-  cliente.Mata();
-  for (; !cliente.LeLinha().empty(); ++lConfirmados) {
-  }
-  const Veiculos spVeiculos = Abre(empresa.Codigo());
-  ASSERT_TRUE(spVeiculos);
-  unsigned uiGravados = 0;
-  EXPECT_EQ(spVeiculos->GetQuantidadeRegistros(&uiGravados), S_OK);
-  EXPECT_TRUE(uiGravados == static_cast<unsigned>(lConfirmados) ||
-              uiGravados == static_cast<unsigned>(lConfirmados) + 1)
-      << uiGravados << ": the call that was under way may have been done";
-  for (LONG lPos = 1; lPos <= lConfirmados; ++lPos) {
-    tagREG_VEICULOPS veiculo;
-    ASSERT_EQ(spVeiculos->Le(lPos, &veiculo), S_OK);
-    ASSERT_EQ(CodigoDe(veiculo), "M" + std::to_string(lPos));
+  EXPECT_GE(uiConfirmados, 200U);
+  CCliente leitor;
+  ASSERT_EQ(leitor.Pede("cria").hr, S_OK);
+  ASSERT_EQ(leitor.Pede("abre " + empresa.Codigo()).hr, S_OK);
+  const std::vector<std::uint32_t> lidos = leitor.Pede("le").numeros;
+  EXPECT_TRUE(lidos.size() == uiConfirmados || lidos.size() == uiConfirmados + 1)
+      << lidos.size() << ": the call that was under way may have been done";
+  for (std::size_t i = 0; i < lidos.size(); ++i) {
+    ASSERT_EQ(lidos[i], i + 1);
   }
 }
 
@@ -136,35 +84,38 @@ TEST(ProxyEntregueCom, OFimDeUmProcessoNaoTiraOObjetoDoOutro) {
       {"taker killed, who called first", "TC", 'T', true},
       {"taker released, the only one to call", "T", 'T', false},
   };
-  std::deque<Cliente> vivos;
-  std::deque<Cliente> terminados;
+  const apoio::PastaTemporaria pasta;
+  const std::string sArquivo = pasta / "objeto";
+  std::deque<CCliente> vivos;
+  std::deque<CCliente> terminados;
   for (const auto &caso : casos) {
     SCOPED_TRACE(caso.lpNome);
-    Cliente &vivo = vivos.emplace_back();
-    Cliente &terminado = terminados.emplace_back();
-    Cliente &criador = caso.cTermina == 'C' ? terminado : vivo;
-    Cliente &tomador = caso.cTermina == 'C' ? vivo : terminado;
-    ASSERT_EQ(criador.Pede("cria"), kFeito);
-    ASSERT_EQ(tomador.Pede("recebe " + criador.Pede("entrega")), kFeito);
+    CCliente &vivo = vivos.emplace_back();
+    CCliente &terminado = terminados.emplace_back();
+    CCliente &criador = caso.cTermina == 'C' ? terminado : vivo;
+    CCliente &tomador = caso.cTermina == 'C' ? vivo : terminado;
+    ASSERT_EQ(criador.Pede("cria").hr, S_OK);
+    ASSERT_EQ(criador.Pede("entrega " + sArquivo).hr, S_OK);
+    ASSERT_EQ(tomador.Pede("recebe " + sArquivo).hr, S_OK);
     for (const char cQuem : caso.sQuemChama) {
-      ASSERT_EQ((cQuem == 'C' ? criador : tomador).Pede("chama"), kVivo);
+      ASSERT_EQ((cQuem == 'C' ? criador : tomador).Pede("le").hr, kSemEmpresa);
     }
     if (caso.bMorto) {
       terminado.Mata();
     } else {
-      EXPECT_EQ(terminado.Pede("solta"), "solta");
+      EXPECT_EQ(terminado.Pede("solta").hr, S_OK);
       EXPECT_EQ(terminado.Espera(), 0);
     }
-    EXPECT_EQ(vivo.Pede("chama"), kVivo);
+    EXPECT_EQ(vivo.Pede("le").hr, kSemEmpresa);
   }
-  Cliente &mudo = vivos.emplace_back();
-  EXPECT_EQ(mudo.Pede("cria"), kFeito);
-  EXPECT_NE(mudo.Pede("entrega"), "") << "one that has never called its object";
+  CCliente &mudo = vivos.emplace_back();
+  EXPECT_EQ(mudo.Pede("cria").hr, S_OK);
+  EXPECT_EQ(mudo.Pede("entrega " + sArquivo).hr, S_OK) << "one that has never called its object";
   const std::vector<Handle> servidores = Servidores();
   ASSERT_EQ(servidores.size(), 1U);
   EXPECT_EQ(WaitForSingleObject(servidores[0].get(), kDepoisDaDecisao), static_cast<DWORD>(WAIT_TIMEOUT));
   for (std::size_t i = 0; i < std::size(casos); ++i) {
-    EXPECT_EQ(vivos[i].Pede("chama"), kVivo) << casos[i].lpNome;
+    EXPECT_EQ(vivos[i].Pede("le").hr, kSemEmpresa) << casos[i].lpNome;
   }
   // With the last holder of each the object goes, and with the objects the server.
   vivos.clear();

@@ -11,9 +11,9 @@
 #include "core/platform/ServicosSistema.h"
 #include "server/ClasseVeiculos.h"
 #include "server/TratamentoExcecoes.h"
-#include "tests/apoio/ArquivosDecorado.h"
+#include "tests/apoio/ArquivosComFalha.h"
 #include "tests/apoio/ProcessoFilho.h"
-#include "tests/apoio/ServicosTrocados.h"
+#include "tests/apoio/ServicosFalsos.h"
 #include "tests/com/ApoioCom.h"
 
 using namespace apoiocom;
@@ -40,7 +40,7 @@ int ServeAteAGravacao(const std::vector<std::string> &argumentos) {
   arquivos.Arma({.operacoes = apoio::kOpGrava,
                  .trecho = "DFVEIC.DAT",
                  .enesima = std::stoul(argumentos[0]),
-                 .gravaAntes = dwCodigo != 0 ? 128 : 0,
+                 .gravaAntes = dwCodigo != 0 ? 128U : 0U,
                  .aoFalhar = termina});
   CClasseVeiculos classe;
   const CRegistroClasse registro(classe);

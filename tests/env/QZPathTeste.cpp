@@ -4,7 +4,6 @@
 
 #include "tests/apoio/RegistroTeste.h"
 #include "tests/apoio/ServicosFalsos.h"
-#include "tests/apoio/ServicosTrocados.h"
 
 namespace {
 

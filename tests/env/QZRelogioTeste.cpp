@@ -6,7 +6,6 @@
 
 #include "core/env/QZException.h"
 #include "tests/apoio/ServicosFalsos.h"
-#include "tests/apoio/ServicosTrocados.h"
 
 namespace {
 

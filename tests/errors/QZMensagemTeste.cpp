@@ -9,7 +9,6 @@
 #include "core/platform/ServicosSistema.h"
 #include "tests/apoio/PastaTemporaria.h"
 #include "tests/apoio/ServicosFalsos.h"
-#include "tests/apoio/ServicosTrocados.h"
 
 namespace {
 

@@ -15,7 +15,6 @@
 #include "core/errors/QZExceptionEx.h"
 #include "core/platform/CFileException.h"
 #include "tests/apoio/ServicosFalsos.h"
-#include "tests/apoio/ServicosTrocados.h"
 
 namespace {
 

@@ -88,7 +88,7 @@ TEST_F(EscopoProfiler, ExcecoesNoEscopoENaFormatacao) {
   EXPECT_NE(Profiler()[1].find("SAIU"), std::string::npos);
 }
 
-TEST_F(EscopoProfiler, ChavesQueMudamDuranteAOperacao) {
+TEST_F(EscopoProfiler, OQueMudaDuranteAOperacao) {
   const std::string saidas = kSaidas;
   std::optional<CQZEscopoProfiler> escopo;
   for (const auto &[antes, depois] : {std::pair<std::string, std::string>{"", saidas},
@@ -100,21 +100,34 @@ TEST_F(EscopoProfiler, ChavesQueMudamDuranteAOperacao) {
     escopo.reset();
     EXPECT_TRUE(Profiler().empty()) << antes << ", then " << depois;
   }
+  // The end reads nothing anew, and tells who began.
   Configura(saidas);
-  escopo.emplace(&m_profiler, NomeFuncao{"C::F"});
+  std::optional<CQZProfilerEmpresa> profiler(std::in_place, "0002", kUsuarioInterno, 0xFFFFFFFF);
+  escopo.emplace(&*profiler, NomeFuncao{"C::F"});
   EscreveIni("");
   m_relogio.m_ticks += 700000;
-  escopo.reset();
-  EXPECT_EQ(Profiler().size(), 2U) << "the end reads nothing anew";
-}
-
-TEST_F(EscopoProfiler, IdentidadeDaEntrada) {
-  Configura(kSaidas);
-  std::optional<CQZProfilerEmpresa> profiler(std::in_place, "0002", kUsuarioInterno, 0xFFFFFFFF);
-  std::optional<CQZEscopoProfiler> escopo(std::in_place, &*profiler, NomeFuncao{"C::F"});
   profiler.reset();
   escopo.reset();
+  ASSERT_EQ(Profiler().size(), 2U);
   EXPECT_NE(Profiler().back().find("|C::F|E0002|U65535|S-0000001|T00004660|SAIU|"), std::string::npos);
+}
+
+// When and from where the settings are read. What the file says the fuzzer of log.ini holds against a reference.
+TEST_F(EscopoProfiler, SemInstalacaoLeDoDiretorioAtual) {
+  m_registro.m_textos.clear();
+  CarregaEm(m_relogio.m_ticks - 1);
+  EXPECT_FALSE(RastreamentoHabilitado());
+  apoio::EscreveArquivo(m_dados / "log.ini", "[Log]\r\nSaida=1\r\nMemory=1");
+  m_informacoes.m_diretorioAtual = m_dados.Caminho();
+  CarregaEm(m_relogio.m_ticks - 1);
+  EXPECT_TRUE(RastreamentoHabilitado());
+}
+
+TEST_F(EscopoProfiler, ContagemQueRecomeca) {
+  m_relogio.m_ticks = 0;
+  EXPECT_EQ(CarregaConfiguracaoLog(), 0U);
+  EscreveIni("Entrada=1\r\nMemory=1");
+  EXPECT_TRUE(RastreamentoHabilitado()) << "0 is never loaded";
 }
 
 }  // namespace

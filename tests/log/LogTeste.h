@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -11,13 +12,9 @@
 #include "core/log/EscritorLog.h"
 #include "core/log/QZProfilerEmpresa.h"
 #include "core/platform/ServicosSistema.h"
-#include "tests/apoio/ArquivosDecorado.h"
+#include "tests/apoio/ArquivosComFalha.h"
 #include "tests/apoio/PastaTemporaria.h"
 #include "tests/apoio/ServicosFalsos.h"
-#include "tests/apoio/ServicosTrocados.h"
-
-/// The key under which the installation directory stands.
-inline const CString kChaveInstalacao = CString(kChaveSuite) + "Miran Empresarial";
 
 inline constexpr char kCabecalhoErrosEsperado[] =
     "Data|Hora|Processo|UsuarioLocal|ClasseFuncao|Guid|Empresa|Usuario|Sessao|ThreadID|Tipo|MemoriaDisponivel|"
@@ -32,9 +29,7 @@ inline constexpr char kCabecalhoProfilerEsperado[] =
 inline std::vector<std::string> LinhasDoLog(const CString &caminho) {
   std::vector<std::string> linhas;
   std::string resto = apoio::ExisteNoDisco(caminho) ? apoio::LeArquivo(caminho) : std::string();
-  for (char &letra : resto) {
-    letra = letra == '\t' ? '|' : letra;
-  }
+  std::ranges::replace(resto, '\t', '|');
   while (!resto.empty()) {
     const std::size_t fim = resto.find("\r\n");
     linhas.push_back(fim == std::string::npos ? resto + "<torn>" : resto.substr(0, fim));
@@ -47,7 +42,7 @@ inline std::vector<std::string> LinhasDoLog(const CString &caminho) {
 class LogTeste : public ::testing::Test {
 protected:
   LogTeste() {
-    m_registro.m_textos[{kChaveInstalacao, "Path"}] = m_instalacao.Caminho();
+    m_registro.m_textos[{CString(kChaveSuite) + "Miran Empresarial", "Path"}] = m_instalacao.Caminho();
     m_registro.m_textos[{CString(kChaveSuite) + "Empresas\\0001", "DF"}] = m_dados.Caminho();
     Configura("");
   }

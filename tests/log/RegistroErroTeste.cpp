@@ -20,6 +20,8 @@ TEST_F(RegistroErro, LinhaByteAByte) {
   EXPECT_EQ(BitsResultado(rastro.Codigo(CodigoResultado(0x810809D9), 118)), 0x810809D9);
   EXPECT_FALSE(rastro.Falha(1, "Sucesso()", 119));
   static_cast<void>(rastro.Codigo(kFimCodigosEsperados, 120));  // is always expected
+  const HRESULT esperados[] = {1, CodigoResultado(0x80004005), kFimCodigosEsperados, 3};
+  EXPECT_TRUE(ErroEsperado(esperados[1], esperados) && !ErroEsperado(esperados[3], esperados));
   EXPECT_TRUE(rastro.FalhaVariavel(CodigoResultado(0x80004005), "Cria()", "m_hrConstruct", 121));
   DefineSumidouroRastro(anterior);
   const std::string linha =
@@ -32,12 +34,6 @@ TEST_F(RegistroErro, LinhaByteAByte) {
   EXPECT_EQ(linhas[0], kCabecalhoErrosEsperado);
   EXPECT_EQ(linhas[1], linha);
   EXPECT_NE(linhas[2].find("|QZFile.h|121|m_hrConstruct = Cria()|"), std::string::npos) << linhas[2];
-}
-
-TEST_F(RegistroErro, CodigosEsperados) {
-  const HRESULT esperados[] = {1, CodigoResultado(0x80004005), kFimCodigosEsperados, 3};
-  EXPECT_TRUE(ErroEsperado(CodigoResultado(0x80004005), esperados));
-  EXPECT_FALSE(ErroEsperado(3, esperados));
 }
 
 TEST_F(RegistroErro, LeAConfiguracaoDeNovo) {

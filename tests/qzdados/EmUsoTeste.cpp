@@ -8,7 +8,6 @@
 #include "qzdados/ArquivoEmExame.h"
 #include "tests/apoio/EmpresaTeste.h"
 #include "tests/apoio/ServicosFalsos.h"
-#include "tests/apoio/ServicosTrocados.h"
 #include "tests/qzdados/ApoioQzdados.h"
 
 namespace {

@@ -15,7 +15,7 @@
 #include "core/qzdatabase/arquivo/QZTextFile.h"
 #include "core/qzdatabase/banco/QZDataBase.h"
 #include "core/qzdatabase/banco/QZDataBaseFacade.h"
-#include "tests/apoio/ComEmpresa.h"
+#include "tests/apoio/EmpresaComBase.h"
 #include "tests/apoio/SerieFalhas.h"
 
 using apoio::Bytes;

@@ -4,7 +4,7 @@
 
 #include "core/platform/MemoriaTarefa.h"
 #include "tests/apoio/ColetorRastro.h"
-#include "tests/apoio/ComEmpresa.h"
+#include "tests/apoio/EmpresaComBase.h"
 #include "tests/apoio/SerieFalhas.h"
 #include "tests/vehicles/AmostraVeiculos.h"
 

@@ -1,6 +1,6 @@
 #include "core/qzdatabase/disco/QZCrc64.h"
 #include "tests/apoio/ColetorRastro.h"
-#include "tests/apoio/ComEmpresa.h"
+#include "tests/apoio/EmpresaComBase.h"
 #include "tests/vehicles/AmostraVeiculos.h"
 #include "vehicles/BaseVeiculos.h"
 

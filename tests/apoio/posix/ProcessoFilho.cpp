@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -19,10 +18,6 @@ ProcessoFilho::ProcessoFilho(const std::string &sNome, const std::vector<std::st
   if (::pipe2(paraFilho, O_CLOEXEC) != 0 || ::pipe2(doFilho, O_CLOEXEC) != 0) {
     throw std::runtime_error("no pipe");
   }
-  posix_spawn_file_actions_t acoes;
-  ::posix_spawn_file_actions_init(&acoes);
-  ::posix_spawn_file_actions_adddup2(&acoes, paraFilho[0], STDIN_FILENO);
-  ::posix_spawn_file_actions_adddup2(&acoes, doFilho[1], STDOUT_FILENO);
   std::vector<std::string> textos{"filho", "--filho", sNome};
   textos.insert(textos.end(), argumentos.begin(), argumentos.end());
   std::vector<char *> argv;
@@ -30,15 +25,18 @@ ProcessoFilho::ProcessoFilho(const std::string &sNome, const std::vector<std::st
     argv.push_back(sTexto.data());
   }
   argv.push_back(nullptr);
-  pid_t processo = 0;
-  const int erro = ::posix_spawn(&processo, "/proc/self/exe", &acoes, nullptr, argv.data(), environ);
-  ::posix_spawn_file_actions_destroy(&acoes);
+  m_processo = ::fork();
+  if (m_processo == 0) {
+    ::dup2(paraFilho[0], STDIN_FILENO);
+    ::dup2(doFilho[1], STDOUT_FILENO);
+    ::execv("/proc/self/exe", argv.data());
+    ::_exit(127);
+  }
   ::close(paraFilho[0]);
   ::close(doFilho[1]);
-  if (erro != 0) {
+  if (m_processo < 0) {
     throw std::runtime_error("no child process");
   }
-  m_processo = processo;
   m_entrada = paraFilho[1];
   m_saida = doFilho[0];
 }

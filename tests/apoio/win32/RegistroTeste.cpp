@@ -5,15 +5,6 @@
 #include <stdexcept>
 
 namespace apoio {
-namespace {
-
-void Confere(LSTATUS estado, const CString &sOque) {
-  if (estado != ERROR_SUCCESS) {
-    throw std::runtime_error("registry error " + std::to_string(estado) + ": " + sOque);
-  }
-}
-
-}  // namespace
 
 RegistroTeste::~RegistroTeste() {
   for (const CString &sChave : m_chaves) {
@@ -22,12 +13,13 @@ RegistroTeste::~RegistroTeste() {
 }
 
 void RegistroTeste::CriaChave(const CString &sChave) {
-  if (!sChave.starts_with("SOFTWARE\\Wow6432Node\\Tarvel\\")) {
-    throw std::runtime_error("not a test key: " + sChave);
-  }
   m_chaves.push_back(sChave.substr(0, sChave.find_last_not_of('\\') + 1));
   HKEY hChave = nullptr;
-  Confere(::RegCreateKeyA(HKEY_LOCAL_MACHINE, m_chaves.back().c_str(), &hChave), sChave);
+  if (!sChave.starts_with("SOFTWARE\\Wow6432Node\\Tarvel\\") ||
+      ::RegCreateKeyA(HKEY_LOCAL_MACHINE, m_chaves.back().c_str(), &hChave) != ERROR_SUCCESS) {
+    m_chaves.pop_back();
+    throw std::runtime_error("cannot create " + sChave);
+  }
   ::RegCloseKey(hChave);
 }
 
@@ -35,9 +27,10 @@ void RegistroTeste::Define(const CString &sChave, const CString &sNome, TipoValo
   CriaChave(sChave);
   // The system adds a missing final zero when one follows the bytes it is given: something else follows here.
   const CString sSeguidos = sBytes + "#";
-  Confere(::RegSetKeyValueA(HKEY_LOCAL_MACHINE, m_chaves.back().c_str(), sNome.c_str(), static_cast<DWORD>(eTipo),
-                            sSeguidos.data(), static_cast<DWORD>(sBytes.size())),
-          sNome);
+  if (::RegSetKeyValueA(HKEY_LOCAL_MACHINE, m_chaves.back().c_str(), sNome.c_str(), static_cast<DWORD>(eTipo),
+                        sSeguidos.data(), static_cast<DWORD>(sBytes.size())) != ERROR_SUCCESS) {
+    throw std::runtime_error("cannot write " + sNome);
+  }
 }
 
 }  // namespace apoio

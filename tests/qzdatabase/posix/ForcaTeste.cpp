@@ -1,6 +1,6 @@
 // The process ends, or the power fails, while a file is created by its first write, or within a later one.
 
-#include "tests/apoio/SerieQuedas.h"
+#include "tests/apoio/SerieFalhas.h"
 #include "tests/apoio/ValoresProprios.h"
 #include "tests/qzdatabase/Especies.h"
 

@@ -2,8 +2,7 @@
 
 #include <cstdlib>
 
-#include "tests/apoio/SerieQuedas.h"
-#include "tests/apoio/ServicosFalsos.h"
+#include "tests/apoio/SerieFalhas.h"
 #include "tests/vehicles/AmostraVeiculos.h"
 
 namespace {

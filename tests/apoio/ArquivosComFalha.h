@@ -1,5 +1,5 @@
-#ifndef KALVO_TESTS_APOIO_ARQUIVOSDECORADO_H
-#define KALVO_TESTS_APOIO_ARQUIVOSDECORADO_H
+#ifndef KALVO_TESTS_APOIO_ARQUIVOSCOMFALHA_H
+#define KALVO_TESTS_APOIO_ARQUIVOSCOMFALHA_H
 
 #include <atomic>
 #include <functional>
@@ -14,32 +14,6 @@
 namespace apoio {
 
 using plataforma::FalhaArquivo;
-
-/// Forwards every operation to another file system, which must outlive it.
-class ArquivosDecorado : public plataforma::IArquivos {
-public:
-  explicit ArquivosDecorado(plataforma::IArquivos &base) : m_base(base) {}
-
-  FalhaArquivo Abre(const CString &sCaminho, const plataforma::ModoAbertura &modo,
-                    std::unique_ptr<plataforma::IArquivoAberto> *pArquivo) override {
-    return m_base.Abre(sCaminho, modo, pArquivo);
-  }
-  FalhaArquivo Existe(const CString &sCaminho, bool *pbExiste) override { return m_base.Existe(sCaminho, pbExiste); }
-  bool SomenteLeitura(const CString &sCaminho) override { return m_base.SomenteLeitura(sCaminho); }
-  FalhaArquivo TamanhoDe(const CString &sCaminho, std::uint64_t *puiTamanho) override {
-    return m_base.TamanhoDe(sCaminho, puiTamanho);
-  }
-  FalhaArquivo Apaga(const CString &sCaminho) override { return m_base.Apaga(sCaminho); }
-  FalhaArquivo MoveSubstituindo(const CString &sOrigem, const CString &sDestino) override {
-    return m_base.MoveSubstituindo(sOrigem, sDestino);
-  }
-  FalhaArquivo Lista(const CString &sDiretorio, std::vector<CString> *pNomes) override {
-    return m_base.Lista(sDiretorio, pNomes);
-  }
-
-private:
-  plataforma::IArquivos &m_base;
-};
 
 /// Kinds of operations that can be made to fail; a mask of them.
 enum Operacao : unsigned {
@@ -63,7 +37,7 @@ struct PlanoFalha {
   std::size_t enesima = 1;                            ///< the first counted operation is 1
   bool bPersistente = false;                          ///< that one and all after it, else it alone
   FalhaArquivo falha = plataforma::FalhaWin32(1117);  ///< hard I/O error; none: it is carried out, after `aoFalhar`
-  std::optional<std::size_t> gravaAntes{};            ///< a failing write writes so many bytes first
+  std::size_t gravaAntes = 0;                         ///< a failing write writes so many bytes first
   std::function<void()> aoFalhar{};                   ///< runs first; it may throw or fault instead
   std::size_t outra = 0;                              ///< one more that fails, after `enesima`
   /// The file's handle dies, as on a network share that goes away: it is closed, all further operations on it fail like
@@ -71,12 +45,12 @@ struct PlanoFalha {
   std::optional<std::size_t> morte{};
 };
 
-/// Makes the N-th operation fail without carrying it out. Unarmed it only forwards. It must outlive the files it opens.
-/// Any thread may call, several at once.
+/// Makes the N-th operation on another file system, which must outlive it, fail without carrying it out. Unarmed it
+/// only forwards. It must outlive the files it opens. Any thread may call, several at once.
 /// SerieFalhas runs a call with each of its operations failing.
-class ArquivosComFalha final : public ArquivosDecorado {
+class ArquivosComFalha : public plataforma::IArquivos {
 public:
-  using ArquivosDecorado::ArquivosDecorado;
+  explicit ArquivosComFalha(plataforma::IArquivos &base) : m_base(base) {}
 
   /// Starts counting anew, with one plan. Dead handles stay dead.
   void Arma(const PlanoFalha &plano);
@@ -94,7 +68,7 @@ public:
   /// Of the last such operation; of a move both, with a zero byte between them. For its thread, while the plan runs.
   const CString &CaminhoDoDisparo() const { return m_sCaminhoDoDisparo; }
   /// How many of the files that it opened are open.
-  int Abertos() const;
+  std::ptrdiff_t Abertos() const;
 
   /// All bytes of a file, read through the handle that holds it where there is one; nothing when it is not there.
   std::optional<std::string> Conteudo(const CString &sCaminho);
@@ -103,11 +77,26 @@ public:
 
   FalhaArquivo Abre(const CString &sCaminho, const plataforma::ModoAbertura &modo,
                     std::unique_ptr<plataforma::IArquivoAberto> *pArquivo) override;
-  FalhaArquivo Existe(const CString &sCaminho, bool *pbExiste) override;
-  FalhaArquivo TamanhoDe(const CString &sCaminho, std::uint64_t *puiTamanho) override;
-  FalhaArquivo Apaga(const CString &sCaminho) override;
-  FalhaArquivo MoveSubstituindo(const CString &sOrigem, const CString &sDestino) override;
-  FalhaArquivo Lista(const CString &sDiretorio, std::vector<CString> *pNomes) override;
+  FalhaArquivo Existe(const CString &sCaminho, bool *pbExiste) override {
+    *pbExiste = false;
+    return Faz(kOpExiste, sCaminho, [&] { return m_base.Existe(sCaminho, pbExiste); });
+  }
+  bool SomenteLeitura(const CString &sCaminho) override { return m_base.SomenteLeitura(sCaminho); }
+  FalhaArquivo TamanhoDe(const CString &sCaminho, std::uint64_t *puiTamanho) override {
+    return Faz(kOpTamanho, sCaminho, [&] { return m_base.TamanhoDe(sCaminho, puiTamanho); });
+  }
+  FalhaArquivo Apaga(const CString &sCaminho) override {
+    return Faz(kOpApaga, sCaminho, [&] { return m_base.Apaga(sCaminho); });
+  }
+  /// Either path may be the one that counts; a zero byte cannot be part of a path.
+  FalhaArquivo MoveSubstituindo(const CString &sOrigem, const CString &sDestino) override {
+    return Faz(kOpMove, sOrigem + CString(1, '\0') + sDestino,
+               [&] { return m_base.MoveSubstituindo(sOrigem, sDestino); });
+  }
+  FalhaArquivo Lista(const CString &sDiretorio, std::vector<CString> *pNomes) override {
+    pNomes->clear();
+    return Faz(kOpLista, sDiretorio, [&] { return m_base.Lista(sDiretorio, pNomes); });
+  }
 
 private:
   class Arquivo;
@@ -116,11 +105,21 @@ private:
     std::size_t vistas = 0;
   };
 
+  using Escreve = std::function<void(std::size_t)>;
+
   /// Counts one operation; the failure it shall have, or none. Before a failure `gravaAntes` is called with the number
   /// of bytes that are written nevertheless, then what the plan has to run, which may not come back.
   FalhaArquivo Passa(Operacao operacao, const CString &sCaminho, Arquivo *pAberto = nullptr,
-                     const std::function<void(std::size_t)> &gravaAntes = nullptr);
+                     const Escreve &gravaAntes = nullptr);
 
+  /// Carries an operation out, if it shall not fail.
+  template <class Chamada>
+  FalhaArquivo Faz(Operacao operacao, const CString &sCaminho, Chamada chama) {
+    const FalhaArquivo injetada = Passa(operacao, sCaminho);
+    return injetada ? injetada : chama();
+  }
+
+  plataforma::IArquivos &m_base;
   mutable std::mutex m_mutex;
   std::vector<PlanoArmado> m_planos;
   std::atomic<std::size_t> m_vistas{0};

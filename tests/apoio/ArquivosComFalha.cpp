@@ -1,4 +1,4 @@
-#include "tests/apoio/ArquivosDecorado.h"
+#include "tests/apoio/ArquivosComFalha.h"
 
 #include <algorithm>
 #include <utility>
@@ -7,16 +7,6 @@ namespace apoio {
 
 using plataforma::IArquivoAberto;
 using plataforma::ModoAbertura;
-
-namespace {
-
-/// A failure that was injected, else what the call says.
-template <class Chamada>
-FalhaArquivo Senao(const FalhaArquivo &injetada, Chamada chama) {
-  return injetada ? injetada : chama();
-}
-
-}  // namespace
 
 /// An open file whose operations count too.
 class ArquivosComFalha::Arquivo final : public IArquivoAberto {
@@ -28,31 +18,32 @@ public:
   ~Arquivo() override { Morre({}); }
 
   FalhaArquivo Le(std::uint64_t posicao, void *destino, std::size_t qtd) override {
-    return Senao(Passa(kOpLe), [&] { return m_base->Le(posicao, destino, qtd); });
+    return Faz(kOpLe, [&] { return m_base->Le(posicao, destino, qtd); });
   }
   FalhaArquivo Grava(std::uint64_t posicao, const void *origem, std::size_t qtd) override {
-    const auto gravaAntes = [&](std::size_t antes) {
-      static_cast<void>(m_base->Grava(posicao, origem, std::min(qtd, antes)));
-    };
+    const auto grava = [&](std::size_t uiQuantos) { return m_base->Grava(posicao, origem, std::min(qtd, uiQuantos)); };
     // By reference: a write that needs no memory must not need any here.
-    return Senao(Passa(kOpGrava, std::ref(gravaAntes)), [&] { return m_base->Grava(posicao, origem, qtd); });
+    return Faz(
+        kOpGrava, [&] { return grava(qtd); }, std::ref(grava));
   }
   FalhaArquivo Tamanho(std::uint64_t *tamanho) override {
-    return Senao(Passa(kOpTamanho), [&] { return m_base->Tamanho(tamanho); });
+    return Faz(kOpTamanho, [&] { return m_base->Tamanho(tamanho); });
   }
   FalhaArquivo AjustaTamanho(std::uint64_t tamanho) override {
-    return Senao(Passa(kOpAjustaTamanho), [&] { return m_base->AjustaTamanho(tamanho); });
+    return Faz(kOpAjustaTamanho, [&] { return m_base->AjustaTamanho(tamanho); });
   }
   FalhaArquivo UltimaEscrita(std::uint64_t *puiTicks) override {
-    const FalhaArquivo falha = Senao(Passa(kOpTamanho), [&] { return m_base->UltimaEscrita(puiTicks); });
+    const FalhaArquivo falha = Faz(kOpTamanho, [&] { return m_base->UltimaEscrita(puiTicks); });
     *puiTicks = !falha && m_dono.m_ultimaEscrita != 0 ? m_dono.m_ultimaEscrita.load() : *puiTicks;
     return falha;
   }
   FalhaArquivo Mapeia(std::size_t qtd, std::byte **ppBytes) override {
-    return Senao(Passa(kOpAjustaTamanho), [&] { return m_base->Mapeia(qtd, ppBytes); });
+    return Faz(kOpAjustaTamanho, [&] { return m_base->Mapeia(qtd, ppBytes); });
   }
   /// The file system below is not asked: no test's files need outlive a power cut, and it would take most of the time.
-  FalhaArquivo Descarrega() override { return Passa(kOpDescarrega); }
+  FalhaArquivo Descarrega() override {
+    return Faz(kOpDescarrega, [] { return plataforma::kSemFalha; });
+  }
 
   /// Closes the file; every operation from now on has this failure.
   void Morre(const FalhaArquivo &falha) {
@@ -65,8 +56,10 @@ public:
   std::unique_ptr<IArquivoAberto> &Base() { return m_base; }
 
 private:
-  FalhaArquivo Passa(Operacao operacao, const std::function<void(std::size_t)> &gravaAntes = nullptr) {
-    return m_morte ? m_morte : m_dono.Passa(operacao, m_caminho, this, gravaAntes);
+  template <class Chamada>
+  FalhaArquivo Faz(Operacao operacao, Chamada chama, const Escreve &gravaAntes = nullptr) {
+    const FalhaArquivo injetada = m_morte ? m_morte : m_dono.Passa(operacao, m_caminho, this, gravaAntes);
+    return injetada ? injetada : chama();
   }
 
   ArquivosComFalha &m_dono;
@@ -93,21 +86,18 @@ void ArquivosComFalha::Desarma() {
   m_aberturasPerdidas = 0;
 }
 
-int ArquivosComFalha::Abertos() const {
+std::ptrdiff_t ArquivosComFalha::Abertos() const {
   const std::lock_guard<std::mutex> guarda(m_mutex);
-  return static_cast<int>(
-      std::count_if(m_abertos.begin(), m_abertos.end(), [](Arquivo *pAberto) { return pAberto->Base() != nullptr; }));
+  return std::ranges::count_if(m_abertos, [](Arquivo *pAberto) { return pAberto->Base() != nullptr; });
 }
 
 std::optional<std::string> ArquivosComFalha::Conteudo(const CString &sCaminho) {
   std::unique_ptr<IArquivoAberto> proprio;
-  static_cast<void>(ArquivosDecorado::Abre(sCaminho, {}, &proprio));
+  static_cast<void>(m_base.Abre(sCaminho, {}, &proprio));
   IArquivoAberto *pArquivo = proprio.get();
-  {
-    const std::lock_guard<std::mutex> guarda(m_mutex);
-    for (Arquivo *pAberto : m_abertos) {
-      pArquivo = pAberto->Chama(sCaminho) && pAberto->Base() ? pAberto->Base().get() : pArquivo;
-    }
+  const std::lock_guard<std::mutex> guarda(m_mutex);
+  for (Arquivo *pAberto : m_abertos) {
+    pArquivo = pAberto->Chama(sCaminho) && pAberto->Base() ? pAberto->Base().get() : pArquivo;
   }
   if (pArquivo == nullptr) {
     return std::nullopt;
@@ -119,7 +109,7 @@ std::optional<std::string> ArquivosComFalha::Conteudo(const CString &sCaminho) {
 }
 
 FalhaArquivo ArquivosComFalha::Passa(Operacao operacao, const CString &sCaminho, Arquivo *pAberto,
-                                     const std::function<void(std::size_t)> &gravaAntes) {
+                                     const Escreve &gravaAntes) {
   std::unique_lock<std::mutex> guarda(m_mutex);
   if (operacao == kOpAbre && m_aberturasPerdidas != 0) {
     --m_aberturasPerdidas;
@@ -144,7 +134,7 @@ FalhaArquivo ArquivosComFalha::Passa(Operacao operacao, const CString &sCaminho,
     }
     guarda.unlock();
     if (gravaAntes && plano.falha) {
-      gravaAntes(plano.gravaAntes.value_or(0));
+      gravaAntes(plano.gravaAntes);
     }
     if (plano.morte && pAberto != nullptr) {
       pAberto->Morre(plano.falha);
@@ -165,36 +155,11 @@ FalhaArquivo ArquivosComFalha::Abre(const CString &sCaminho, const ModoAbertura 
   arquivo->reset();
   // First, as the file system does: a file that was created has an owner, whatever memory there is.
   auto aberto = std::make_unique<Arquivo>(*this, sCaminho);
-  const FalhaArquivo falha =
-      Senao(Passa(kOpAbre, sCaminho), [&] { return ArquivosDecorado::Abre(sCaminho, modo, &aberto->Base()); });
+  const FalhaArquivo falha = Faz(kOpAbre, sCaminho, [&] { return m_base.Abre(sCaminho, modo, &aberto->Base()); });
   if (!falha) {
     *arquivo = std::move(aberto);
   }
   return falha;
-}
-
-FalhaArquivo ArquivosComFalha::Existe(const CString &sCaminho, bool *pbExiste) {
-  *pbExiste = false;
-  return Senao(Passa(kOpExiste, sCaminho), [&] { return ArquivosDecorado::Existe(sCaminho, pbExiste); });
-}
-
-FalhaArquivo ArquivosComFalha::TamanhoDe(const CString &sCaminho, std::uint64_t *tamanho) {
-  return Senao(Passa(kOpTamanho, sCaminho), [&] { return ArquivosDecorado::TamanhoDe(sCaminho, tamanho); });
-}
-
-FalhaArquivo ArquivosComFalha::Apaga(const CString &sCaminho) {
-  return Senao(Passa(kOpApaga, sCaminho), [&] { return ArquivosDecorado::Apaga(sCaminho); });
-}
-
-FalhaArquivo ArquivosComFalha::MoveSubstituindo(const CString &origem, const CString &destino) {
-  // Either path may be the one that counts; a zero byte cannot be part of a path.
-  return Senao(Passa(kOpMove, origem + CString(1, '\0') + destino),
-               [&] { return ArquivosDecorado::MoveSubstituindo(origem, destino); });
-}
-
-FalhaArquivo ArquivosComFalha::Lista(const CString &sDiretorio, std::vector<CString> *pNomes) {
-  pNomes->clear();
-  return Senao(Passa(kOpLista, sDiretorio), [&] { return ArquivosDecorado::Lista(sDiretorio, pNomes); });
 }
 
 }  // namespace apoio

@@ -1,4 +1,4 @@
-// When and from where the settings are read. What the file says the fuzzer of log.ini holds against a reference.
+// When and from where the settings are read, and what they say.
 
 #include "core/log/ConfiguracaoLog.h"
 
@@ -16,6 +16,26 @@ TEST_F(ConfiguracaoLog, SemInstalacaoLeDoDiretorioAtual) {
   m_informacoes.m_diretorioAtual = m_dados.Caminho();
   CarregaEm(m_relogio.m_ticks - 1);
   EXPECT_TRUE(RastreamentoHabilitado());
+}
+
+TEST_F(ConfiguracaoLog, ProcessosValidadeEChaves) {
+  const std::pair<std::string, bool> casos[] = {{"outro;Xtodos", true},
+                                                {"outro, alvo", true},
+                                                {";,outro", false},
+                                                {std::string(250, ';') + "kalvo.exeZ", true}};  // at most 259
+  for (const auto &[sProcessos, bRastreado] : casos) {
+    Configura("Processos=" + sProcessos);
+    EXPECT_EQ(ProcessoRastreado("kalvo.exe"), bRastreado) << sProcessos;
+  }
+  for (const auto &[lpSegundos, uiDepois] : {std::pair("4294968", 3000000000U), std::pair("2", 2000U)}) {
+    Configura(std::string("TimeoutConfig=") + lpSegundos, 1000);
+    m_relogio.m_ticks = 1000 + uiDepois;
+    EXPECT_EQ(CarregaConfiguracaoLog(), 1000U) << "not due yet";
+  }
+  EscreveIni("Entrada=2\r\nMemory=1");
+  ++m_relogio.m_ticks;
+  EXPECT_EQ(CarregaConfiguracaoLog(), 3001U) << "due";
+  EXPECT_FALSE(RastreamentoLigado()) << "on for 1 alone";
 }
 
 TEST_F(ConfiguracaoLog, ContagemQueRecomeca) {

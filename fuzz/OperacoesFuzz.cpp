@@ -27,23 +27,23 @@ constexpr std::size_t kMaisLidos = 150;
 /// More than a block of records in memory holds.
 constexpr std::size_t kMuitos = kRegistrosPorBloco + 90;
 
-/// Calls `f` for each number of a record and its two bounds in a filter.
+/// Calls `f` for each number of a vehicle and its two bounds in a filter.
 template <typename F>
-void CadaFaixa(const RegVeiculo &reg, Filtro *pFiltro, F f) {
-  f(reg.vTara, &pFiltro->vTaraInicial, &pFiltro->vTaraFinal);
-  f(reg.vCapacidadeKg, &pFiltro->vCapacidadeKgInicial, &pFiltro->vCapacidadeKgFinal);
-  f(reg.vCapacidadeM3, &pFiltro->vCapacidadeM3Inicial, &pFiltro->vCapacidadeM3Final);
-  f(reg.iAno, &pFiltro->iAnoInicial, &pFiltro->iAnoFinal);
+void CadaFaixa(const Veiculo &v, Filtro *pFiltro, F f) {
+  f(v.vTara, &pFiltro->vTaraInicial, &pFiltro->vTaraFinal);
+  f(v.vCapacidadeKg, &pFiltro->vCapacidadeKgInicial, &pFiltro->vCapacidadeKgFinal);
+  f(v.vCapacidadeM3, &pFiltro->vCapacidadeM3Inicial, &pFiltro->vCapacidadeM3Final);
+  f(v.iAno, &pFiltro->iAnoInicial, &pFiltro->iAnoFinal);
 }
 
-/// Calls `f` for each text of a record that a pattern is held against and its criterion, in the order of a search.
+/// Calls `f` for each text of a vehicle that a pattern is held against and its criterion, in the order of a search.
 template <typename F>
-void CadaTexto(const RegVeiculo &reg, Filtro *pFiltro, F f) {
-  f(reg.szDescricao, &pFiltro->szDescricao);
-  f(reg.szCodigoANTT, &pFiltro->szCodigoANTT);
-  f(reg.szCodigo, &pFiltro->szCodigo);
-  f(reg.szRENAVAM, &pFiltro->szRENAVAM);
-  f(reg.szPlaca, &pFiltro->szPlaca);
+void CadaTexto(const Veiculo &v, Filtro *pFiltro, F f) {
+  f(v.szDescricao, &pFiltro->szDescricao);
+  f(v.szCodigoANTT, &pFiltro->szCodigoANTT);
+  f(v.szCodigo, &pFiltro->szCodigo);
+  f(v.szRENAVAM, &pFiltro->szRENAVAM);
+  f(v.szPlaca, &pFiltro->szPlaca);
 }
 
 template <std::size_t N>
@@ -63,7 +63,7 @@ std::string Texto(CEntrada *pEntrada) {
 /// Any bytes, or a vehicle that resembles others.
 Veiculo VeiculoDaEntrada(CEntrada *pEntrada) {
   const unsigned uiForma = pEntrada->Byte();
-  if (uiForma % 4 == 3) {
+  if (uiForma % 4 == 0) {
     return Valor<Veiculo>(pEntrada->ConsumeBytesAsString(sizeof(Veiculo)));
   }
   Veiculo v{};
@@ -72,19 +72,31 @@ Veiculo VeiculoDaEntrada(CEntrada *pEntrada) {
   Preenche(Texto(pEntrada), &v.szDescricao);
   Preenche((uiForma & 4) != 0 ? "SP" : "RJX", &v.szUF);
   v.iAno = (uiForma & 8) != 0 ? UINT32_MAX : 2000 + (uiForma >> 6);
+  v.iPonteiroCliente = uiForma % 4;
   v.vTara = uiForma >> 4;
+  v.vCapacidadeKg = uiForma >> 5;
   return v;
 }
 
-/// A few criteria, mostly by what a record itself has, or hardly any record would pass.
-Filtro FiltroDaEntrada(CEntrada *pEntrada, const RegVeiculo &reg) {
+/// What is kept of a vehicle: texts up to their first zero byte, and nothing of what is no field.
+Veiculo Guardado(Veiculo v) {
+  const auto corta = [](auto &...campos) { (Preenche(LeCampo(campos), &campos), ...); };
+  corta(v.szDescricao, v.szCodigoANTT, v.szCodigo, v.szRENAVAM, v.szPlaca, v.szUF);
+  v.iFiller = 0;
+  v.lPosicao = 0;
+  std::memset(v.cFiller, 0, sizeof(v.cFiller));
+  return v;
+}
+
+/// A few criteria, mostly by what a vehicle itself has, or hardly any would pass.
+Filtro FiltroDaEntrada(CEntrada *pEntrada, const Veiculo &v) {
   Filtro filtro{};
-  auto uiQuais = pEntrada->ConsumeIntegral<std::uint32_t>() & pEntrada->ConsumeIntegral<std::uint32_t>();
+  std::uint32_t uiQuais = 1U << pEntrada->Ate(31) | 1U << pEntrada->Ate(31);
   const auto esta = [&] { return (std::exchange(uiQuais, uiQuais >> 1) & 1) != 0; };
-  CadaFaixa(reg, &filtro, [&]<typename T>(auto v, T *pInicial, T *pFinal) {
+  CadaFaixa(v, &filtro, [&]<typename T>(auto valor, T *pInicial, T *pFinal) {
     for (T *const pLimite : {pInicial, pFinal}) {
       if (esta()) {
-        const std::uint64_t uiPerto = static_cast<std::uint64_t>(v) + pEntrada->Ate(2) - 1;
+        const std::uint64_t uiPerto = static_cast<std::uint64_t>(valor) + pEntrada->Ate(2) - 1;
         *pLimite = pEntrada->Ate(3) == 3 ? pEntrada->ConsumeIntegral<T>() : static_cast<T>(uiPerto);
       }
     }
@@ -99,9 +111,9 @@ Filtro FiltroDaEntrada(CEntrada *pEntrada, const RegVeiculo &reg) {
       Preenche(sTexto, pCriterio);
     }
   };
-  CadaTexto(reg, &filtro, texto);
-  texto(reg.szUF, &filtro.szUF);
-  filtro.iPonteiroCliente = esta() ? reg.iPonteiroCliente : std::uint16_t{0};
+  CadaTexto(v, &filtro, texto);
+  texto(v.szUF, &filtro.szUF);
+  filtro.iPonteiroCliente = esta() ? v.iPonteiroCliente : std::uint16_t{0};
   for (std::uint8_t *const pMascara :
        {&filtro.iTipoCarroceria, &filtro.iTipoRodado, &filtro.iTipoVeiculo, &filtro.iTipoTransporte}) {
     *pMascara = esta() ? pEntrada->Byte() : std::uint8_t{0};
@@ -116,13 +128,13 @@ bool NaMascara(unsigned uiMascara, unsigned uiTipo, unsigned uiMaior) {
 
 /// What a search filter is by its description: the criteria examined one by one in their order, the first pattern among
 /// the texts giving the verdict.
-bool Passa(const RegVeiculo &reg, Filtro filtro) {
-  bool bPassa = filtro.iPonteiroCliente == 0 || reg.iPonteiroCliente == filtro.iPonteiroCliente;
-  CadaFaixa(reg, &filtro, [&](std::int64_t v, const auto *pInicial, const auto *pFinal) {
-    bPassa = bPassa && (*pInicial <= 0 || v >= *pInicial) && (*pFinal <= 0 || v <= *pFinal);
+bool Passa(const Veiculo &v, Filtro filtro) {
+  bool bPassa = filtro.iPonteiroCliente == 0 || v.iPonteiroCliente == filtro.iPonteiroCliente;
+  CadaFaixa(v, &filtro, [&](std::int64_t valor, const auto *pInicial, const auto *pFinal) {
+    bPassa = bPassa && (*pInicial <= 0 || valor >= *pInicial) && (*pFinal <= 0 || valor <= *pFinal);
   });
   bool bDecidido = !bPassa;
-  CadaTexto(reg, &filtro, [&](const auto &campo, const auto *pCriterio) {
+  CadaTexto(v, &filtro, [&](const auto &campo, const auto *pCriterio) {
     const std::string sCriterio = LeCampo(*pCriterio);
     const bool bPadrao = sCriterio.find_first_of("*?") != std::string::npos;
     if (!bDecidido && !sCriterio.empty()) {
@@ -134,10 +146,10 @@ bool Passa(const RegVeiculo &reg, Filtro filtro) {
   const std::string sUF = LeCampo(filtro.szUF);
   return bDecidido
              ? bPassa
-             : (sUF.empty() || sUF == LeCampo(reg.szUF)) && NaMascara(filtro.iTipoCarroceria, reg.iTipoCarroceria, 5) &&
-                   NaMascara(filtro.iTipoRodado, reg.iTipoRodado - 1U, 5) &&
-                   NaMascara(filtro.iTipoVeiculo, std::min<unsigned>(reg.iTipoVeiculo, 1), 1) &&
-                   NaMascara(filtro.iTipoTransporte, std::min<unsigned>(reg.iTipoTransporte, 1), 1);
+             : (sUF.empty() || sUF == LeCampo(v.szUF)) && NaMascara(filtro.iTipoCarroceria, v.iTipoCarroceria, 5) &&
+                   NaMascara(filtro.iTipoRodado, v.iTipoRodado - 1U, 5) &&
+                   NaMascara(filtro.iTipoVeiculo, std::min<unsigned>(v.iTipoVeiculo, 1), 1) &&
+                   NaMascara(filtro.iTipoTransporte, std::min<unsigned>(v.iTipoTransporte, 1), 1);
 }
 
 class Execucao {
@@ -160,7 +172,7 @@ private:
 
   void Opera(CEntrada *pEntrada) {
     CBaseVeiculos &base = m_bases[pEntrada->Ate(1)];
-    const RegVeiculo algum = m_modelo.empty() ? RegVeiculo{} : m_modelo[pEntrada->Ate(m_modelo.size() - 1)];
+    const Veiculo algum = m_modelo.empty() ? Veiculo{} : m_modelo[pEntrada->Ate(m_modelo.size() - 1)];
     switch (pEntrada->Ate(7)) {
       case 0:
       case 1:
@@ -214,21 +226,15 @@ private:
       Exige(lPos == lPedida ? Existe(lPos) : lPedida == 0 && lPos == static_cast<LONG>(m_modelo.size() + 1),
             "the position of a write");
       m_modelo.resize(std::max(m_modelo.size(), static_cast<std::size_t>(lPos)));
-      CopiaParaRegistro(v, &m_modelo[static_cast<std::size_t>(lPos - 1)]);
+      m_modelo[static_cast<std::size_t>(lPos - 1)] = Guardado(v);
     }
     std::uint32_t iQtd = 0;
     ExigeCodigo(pBase->GetQuantidadeRegistros(&iQtd), codigos::kOk, "the number of records");
     Exige(iQtd == m_modelo.size(), "as many records as were written");
   }
 
-  /// What the interface should give for a position; a vehicle of zeros where there is none.
-  Veiculo VeiculoEm(LONG lPos) const {
-    Veiculo v{};
-    if (Existe(lPos)) {
-      CopiaParaInterface(m_modelo[static_cast<std::size_t>(lPos - 1)], &v);
-    }
-    return v;
-  }
+  /// A vehicle of zeros where there is none.
+  Veiculo VeiculoEm(LONG lPos) const { return Existe(lPos) ? m_modelo[static_cast<std::size_t>(lPos - 1)] : Veiculo{}; }
 
   /// Up to the first bad position.
   void LeMuitos(CBaseVeiculos *pBase, CEntrada *pEntrada) {
@@ -289,6 +295,16 @@ private:
     Exige(achadas == QuemPassa(filtro, m_modelo.size()), "the vehicles that a search finds");
   }
 
+  std::string BytesDosRegistros() const {
+    std::string sBytes;
+    for (const Veiculo &v : m_modelo) {
+      RegVeiculo reg;
+      CopiaParaRegistro(v, &reg);
+      sBytes += BytesDe(reg);
+    }
+    return sBytes;
+  }
+
   /// Closes both, looks at the disk, adds one vehicle in many years to the file if that is wanted, and opens it again.
   void Recarrega(const std::optional<Veiculo> &mais) {
     for (CBaseVeiculos &base : m_bases) {
@@ -297,13 +313,13 @@ private:
     Exige(!m_empresa.Existe("DFVEIC.INT") || m_modelo.empty() || m_bCompanheirosFalharam,
           "no note but that of a creation stays");
     Exige(!m_empresa.Existe("DFVEIC.TRA") || m_bCompanheirosFalharam, "no unfinished copy stays");
-    Exige(m_empresa.Dados(kVeiculos) == BytesDe(m_modelo.data(), m_modelo.size()), "the records on disk");
+    Exige(m_empresa.Dados(kVeiculos) == BytesDosRegistros(), "the records on disk");
     if (mais && m_modelo.size() < kMuitos / 2) {
       for (std::uint32_t i = 0; i < kMuitos; ++i) {
-        CopiaParaRegistro(*mais, &m_modelo.emplace_back());
+        m_modelo.push_back(Guardado(*mais));
         m_modelo.back().iAno += i;
       }
-      const std::string sRegistros(BytesDe(m_modelo.data(), m_modelo.size()));
+      const std::string sRegistros = BytesDosRegistros();
       m_empresa.Escreve(kVeiculos, (m_empresa.m_bCabecalhos ? Cabecalho(kVeiculos, sRegistros) : "") + sRegistros);
     }
     AbreTodos();
@@ -313,7 +329,7 @@ private:
   apoio::ArquivosComFalha m_falhas{*plataforma::ServicosDoSistema().arquivos};
   apoio::ServicosTrocados m_servicos{&m_falhas};
   std::array<CBaseVeiculos, 2> m_bases;
-  std::vector<RegVeiculo> m_modelo;
+  std::vector<Veiculo> m_modelo;
   bool m_bCompanheirosFalharam = false;  ///< what is beside the data file may not have been deleted
 };
 

@@ -209,7 +209,8 @@ private:
                             .bPersistente = pEntrada->ConsumeBool()};
     if (pEntrada->ConsumeBool()) {
       plano.gravaAntes = pEntrada->Byte();
-    } else if (pEntrada->Ate(3) == 3) {
+    }
+    if (pEntrada->Ate(3) == 3) {
       plano.morte = 0;
     }
     const LONG lPedida = Posicao(pEntrada);

@@ -45,9 +45,9 @@ std::string VersaoUm() {
 std::string Conteudo(CEntrada *pEntrada, const std::string &sNome) {
   const unsigned uiForma = pEntrada->Byte();
   const std::uint8_t uiTroca = (uiForma & 8) != 0 ? pEntrada->Byte() : std::uint8_t{0};
-  const auto uiOnde = pEntrada->Valor<std::uint16_t>();
-  const auto iVersao = (uiForma & 48) == 48 ? pEntrada->Valor<std::uint16_t>() : std::uint16_t{1};
-  std::string sDados = pEntrada->Resto();
+  const auto uiOnde = pEntrada->ConsumeIntegral<std::uint16_t>();
+  const auto iVersao = (uiForma & 48) == 48 ? pEntrada->ConsumeIntegral<std::uint16_t>() : std::uint16_t{1};
+  std::string sDados = pEntrada->ConsumeRemainingBytesAsString();
   if ((uiForma & 1) != 0) {
     const std::size_t uiUnidade = sNome == kVersao ? kTamanhoVersao : sizeof(RegVeiculo);
     sDados.resize((sDados.size() + uiUnidade - 1) / uiUnidade * uiUnidade);
@@ -158,7 +158,7 @@ void ConfereInterrompido(CEntrada *pEntrada) {
   const std::string sNovo(sizeof(RegVeiculo), static_cast<char>(pEntrada->Byte()));
   const std::size_t uiOnde = pEntrada->Ate(sAntes.size() / sizeof(RegVeiculo)) * sizeof(RegVeiculo);
   const std::string sDepois = std::string(sAntes).replace(uiOnde, sNovo.size(), sNovo);
-  const std::size_t uiFeitos = pEntrada->Valor<std::uint16_t>() % (sNovo.size() + 1);
+  const std::size_t uiFeitos = pEntrada->ConsumeIntegral<std::uint16_t>() % (sNovo.size() + 1);
   const std::size_t uiMistura = kPosicaoRegCabecalho + pEntrada->Ate(sizeof(RegCabecalhoArquivo));
   const std::string sDeixado = Cabecalho(kVeiculos, sDepois).substr(0, uiMistura) +
                                Cabecalho(kVeiculos, sAntes).substr(uiMistura) +
@@ -262,12 +262,13 @@ private:
 
 }  // namespace
 
-void fuzz::Executa(CEntrada *pEntrada) {
-  static constexpr std::array kSobras = {"", "DFVEIC.TRA", "DFVEIVSD.TRA", kNota, "NOTAS.OFL", "OUTRO.DAT"};
-  const unsigned uiEscolha = pEntrada->Byte();
-  const std::string sSobra = kSobras[pEntrada->Ate(kSobras.size() - 1)];
-  const std::string sBytesSobra = sSobra.empty() ? "" : pEntrada->Bytes(pEntrada->Byte());
-  Pasta pasta = PastaDaEntrada(uiEscolha, pEntrada);
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qtd) {
+  CEntrada entrada(pBytes, qtd);
+  const unsigned uiEscolha = entrada.Byte();
+  const std::string sSobra =
+      entrada.PickValueInArray({"", "DFVEIC.TRA", "DFVEIVSD.TRA", kNota, "NOTAS.OFL", "OUTRO.DAT"});
+  const std::string sBytesSobra = sSobra.empty() ? "" : entrada.ConsumeBytesAsString(entrada.Byte());
+  Pasta pasta = PastaDaEntrada(uiEscolha, &entrada);
   if (sSobra.empty()) {
     Registro(pasta, (uiEscolha & 1) != 0).Roda();
   } else {
@@ -276,4 +277,5 @@ void fuzz::Executa(CEntrada *pEntrada) {
     pasta[sSobra] = sBytesSobra;
   }
   Ferramenta(pasta).Roda();
+  return 0;
 }

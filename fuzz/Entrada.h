@@ -3,12 +3,12 @@
 
 // What every fuzzer has: the bytes of a run, and how it tells a finding.
 
-#include <algorithm>
+#include <fuzzer/FuzzedDataProvider.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -26,43 +26,25 @@ std::string_view BytesDe(const T &valor) {
   return BytesDe(&valor, 1);
 }
 
-/// What stands before the first zero byte.
-inline std::string AteOZero(std::string_view sTexto) {
-  return std::string(sTexto.substr(0, sTexto.find('\0')));
+/// The plain value that bytes begin with; those that are missing are zero.
+template <typename T>
+T Valor(std::string_view sBytes) {
+  T valor{};
+  sBytes.copy(reinterpret_cast<char *>(&valor), sizeof(valor));
+  return valor;
 }
 
-/// The bytes of one run, taken from the front. What is taken behind their end is zero, or shorter.
-class CEntrada {
+/// The bytes of one run. What is taken behind their end is zero, or shorter.
+class CEntrada : public FuzzedDataProvider {
 public:
-  explicit CEntrada(std::string_view sBytes) : m_sRestam(sBytes) {}
+  explicit CEntrada(std::string_view sBytes)
+      : FuzzedDataProvider(reinterpret_cast<const std::uint8_t *>(sBytes.data()), sBytes.size()) {}
+  using FuzzedDataProvider::FuzzedDataProvider;
 
-  bool Acabou() const { return m_sRestam.empty(); }
+  std::uint8_t Byte() { return ConsumeIntegral<std::uint8_t>(); }
 
-  std::uint8_t Byte() { return Valor<std::uint8_t>(); }
-
-  /// A number from 0 to `uiMaximo`, from one byte.
-  std::size_t Ate(std::size_t uiMaximo) { return Byte() % (uiMaximo + 1); }
-
-  /// A plain value.
-  template <typename T>
-  T Valor() {
-    T valor{};
-    const std::string sBytes = Bytes(sizeof(valor));
-    std::memcpy(&valor, sBytes.data(), sBytes.size());
-    return valor;
-  }
-
-  /// As many bytes as there still are, at most `uiMaximo`.
-  std::string Bytes(std::size_t uiMaximo) {
-    const std::string sBytes(m_sRestam.substr(0, uiMaximo));
-    m_sRestam.remove_prefix(sBytes.size());
-    return sBytes;
-  }
-
-  std::string Resto() { return Bytes(m_sRestam.size()); }
-
-private:
-  std::string_view m_sRestam;
+  /// A number from 0 to `uiMaximo`.
+  std::size_t Ate(std::size_t uiMaximo) { return ConsumeIntegralInRange<std::size_t>(0, uiMaximo); }
 };
 
 /// Ends the run as a finding when a property does not hold.
@@ -79,9 +61,6 @@ inline void ExigeCodigo(HRESULT hr, HRESULT hrEsperado, const char *lpPropriedad
     Exige(false, lpPropriedade);
   }
 }
-
-/// One run of a fuzzer; each defines its own.
-void Executa(CEntrada *pEntrada);
 
 }  // namespace fuzz
 

@@ -8,10 +8,9 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <limits>
-#include <optional>
 #include <vector>
 
+#include "client/QZVeiculosCampos.h"
 #include "core/platform/MemoriaTarefa.h"
 #include "core/platform/Textos.h"
 #include "fuzz/Empresa.h"
@@ -28,193 +27,129 @@ constexpr std::size_t kMaisLidos = 150;
 /// More than a block of records in memory holds.
 constexpr std::size_t kMuitos = kRegistrosPorBloco + 90;
 
+/// Calls `f` for each number of a vehicle and its two bounds in a filter.
+template <typename F>
+void CadaFaixa(const Veiculo &v, Filtro *pFiltro, F f) {
+  f(v.vTara, &pFiltro->vTaraInicial, &pFiltro->vTaraFinal);
+  f(v.vCapacidadeKg, &pFiltro->vCapacidadeKgInicial, &pFiltro->vCapacidadeKgFinal);
+  f(v.vCapacidadeM3, &pFiltro->vCapacidadeM3Inicial, &pFiltro->vCapacidadeM3Final);
+  f(v.iAno, &pFiltro->iAnoInicial, &pFiltro->iAnoFinal);
+}
+
+/// Calls `f` for each text of a vehicle that a pattern is held against and its criterion, in the order of a search.
+template <typename F>
+void CadaTexto(const Veiculo &v, Filtro *pFiltro, F f) {
+  f(v.szDescricao, &pFiltro->szDescricao);
+  f(v.szCodigoANTT, &pFiltro->szCodigoANTT);
+  f(v.szCodigo, &pFiltro->szCodigo);
+  f(v.szRENAVAM, &pFiltro->szRENAVAM);
+  f(v.szPlaca, &pFiltro->szPlaca);
+}
+
 template <std::size_t N>
-void Preenche(std::string_view sTexto, char (&campo)[N]) {
-  std::memset(campo, 0, N);
-  sTexto.copy(campo, N);
+void Preenche(std::string_view sTexto, char (*pCampo)[N]) {
+  std::memset(pCampo, 0, N);
+  sTexto.copy(*pCampo, N);
 }
 
-/// The stored record of an interface record, or the other way round, field by field: texts end at their first zero
-/// byte, and everything that has no field is zero.
-template <typename Para, typename De>
-Para Copia(const De &de) {
-  Para para;
-  std::memset(&para, 0, sizeof(para));
-  const auto texto = [](const auto &origem, auto *pDestino) {
-    Preenche(std::string_view(origem, strnlen(origem, sizeof(origem))), *pDestino);
-  };
-  texto(de.szCodigo, &para.szCodigo);
-  texto(de.szPlaca, &para.szPlaca);
-  texto(de.szUF, &para.szUF);
-  texto(de.szDescricao, &para.szDescricao);
-  texto(de.szCodigoANTT, &para.szCodigoANTT);
-  texto(de.szRENAVAM, &para.szRENAVAM);
-  para.iAno = de.iAno;
-  para.vTara = de.vTara;
-  para.vCapacidadeKg = de.vCapacidadeKg;
-  para.vCapacidadeM3 = de.vCapacidadeM3;
-  para.iPonteiroCliente = de.iPonteiroCliente;
-  para.iTipoCarroceria = de.iTipoCarroceria;
-  para.iTipoRodado = de.iTipoRodado;
-  para.iTipoVeiculo = de.iTipoVeiculo;
-  para.iTipoTransporte = de.iTipoTransporte;
-  return para;
-}
-
-/// Texts that meet each other: some fill a field, look like a pattern or differ in letter case alone.
+/// Texts that meet each other: some fill a field, are a pattern or differ in letter case alone.
 std::string Texto(CEntrada *pEntrada) {
-  static const char *const kTextos[] = {"",
-                                        "A",
-                                        "a",
-                                        "B",
-                                        "AB",
-                                        "A*",
-                                        "*",
-                                        "?",
-                                        "B?",
-                                        "AB\xE3",
-                                        "SILO S\xC3O",
-                                        "silo s\xE3o",
-                                        "123456789",
-                                        "1234567890",
-                                        "123456789012",
-                                        "1234567890123",
-                                        "*s\xE3o*",
-                                        "*.*",
-                                        "*A;*SILO*",
-                                        "12345678901234"};
-  const std::size_t uiEscolha = pEntrada->Ate(std::size(kTextos));
-  return uiEscolha < std::size(kTextos) ? kTextos[uiEscolha] : pEntrada->Bytes(pEntrada->Ate(20));
+  static constexpr char kLetras[] = {'A', 'a', 'B', '*', '?', '\xE3', '\xC3', ';', '.', '\0'};
+  const auto uiTamanho = pEntrada->PickValueInArray<std::size_t>({0, 1, 1, 2, 8, 9, 12, 13, 14});
+  return std::string(uiTamanho, pEntrada->PickValueInArray(kLetras)) +
+         std::string(pEntrada->Ate(1), pEntrada->PickValueInArray(kLetras));
 }
 
 /// Any bytes, or a vehicle that resembles others.
 Veiculo VeiculoDaEntrada(CEntrada *pEntrada) {
   const unsigned uiForma = pEntrada->Byte();
   if (uiForma % 4 == 0) {
-    return pEntrada->Valor<Veiculo>();
+    return Valor<Veiculo>(pEntrada->ConsumeBytesAsString(sizeof(Veiculo)));
   }
   Veiculo v{};
-  Preenche(Texto(pEntrada), v.szCodigo);
-  Preenche(Texto(pEntrada), v.szPlaca);
-  Preenche(Texto(pEntrada), v.szDescricao);
-  Preenche((uiForma & 4) != 0 ? "SP" : "RJX", v.szUF);
-  v.iAno = (uiForma & 8) != 0 ? std::numeric_limits<std::uint32_t>::max() : 2000 + (uiForma >> 6);
+  Preenche(Texto(pEntrada), &v.szCodigo);
+  Preenche(Texto(pEntrada), &v.szPlaca);
+  Preenche(Texto(pEntrada), &v.szDescricao);
+  Preenche((uiForma & 4) != 0 ? "SP" : "RJX", &v.szUF);
+  v.iAno = (uiForma & 8) != 0 ? UINT32_MAX : 2000 + (uiForma >> 6);
+  v.iPonteiroCliente = uiForma % 4;
   v.vTara = uiForma >> 4;
+  v.vCapacidadeKg = uiForma >> 5;
   return v;
 }
 
-template <std::size_t N>
-std::string TextoDe(const char (&campo)[N]) {
-  return AteOZero({campo, N});
+/// What is kept of a vehicle: texts up to their first zero byte, and nothing of what is no field.
+Veiculo Guardado(Veiculo v) {
+  const auto corta = [](auto &...campos) { (Preenche(LeCampo(campos), &campos), ...); };
+  corta(v.szDescricao, v.szCodigoANTT, v.szCodigo, v.szRENAVAM, v.szPlaca, v.szUF);
+  v.iFiller = 0;
+  v.lPosicao = 0;
+  std::memset(v.cFiller, 0, sizeof(v.cFiller));
+  return v;
 }
 
-/// A text criterion: a piece of the record's own text, with a wildcard planted now and then, or any bytes.
-template <auto kDoRegistro, auto kDoFiltro>
-void DefineTexto(CEntrada *pEntrada, const RegVeiculo &reg, Filtro *pFiltro) {
-  constexpr std::size_t kLargura = sizeof(reg.*kDoRegistro);
-  const unsigned uiEscolha = pEntrada->Byte();
-  std::string sTexto = TextoDe(reg.*kDoRegistro);
-  if ((uiEscolha & 1) != 0) {
-    sTexto = pEntrada->Bytes(pEntrada->Ate(kLargura));
+/// A few criteria, mostly by what a vehicle itself has, or hardly any would pass.
+Filtro FiltroDaEntrada(CEntrada *pEntrada, const Veiculo &v) {
+  Filtro filtro{};
+  std::uint32_t uiQuais = 1U << pEntrada->Ate(31) | 1U << pEntrada->Ate(31);
+  const auto esta = [&] { return (std::exchange(uiQuais, uiQuais >> 1) & 1) != 0; };
+  CadaFaixa(v, &filtro, [&]<typename T>(auto valor, T *pInicial, T *pFinal) {
+    for (T *const pLimite : {pInicial, pFinal}) {
+      if (esta()) {
+        const std::uint64_t uiPerto = static_cast<std::uint64_t>(valor) + pEntrada->Ate(2) - 1;
+        *pLimite = pEntrada->Ate(3) == 3 ? pEntrada->ConsumeIntegral<T>() : static_cast<T>(uiPerto);
+      }
+    }
+  });
+  const auto texto = [&](const auto &campo, auto *pCriterio) {
+    if (esta()) {
+      std::string sTexto = pEntrada->ConsumeBool() ? Texto(pEntrada) : LeCampo(campo);
+      for (std::size_t trocas = pEntrada->Ate(3); trocas > 0 && !sTexto.empty(); --trocas) {
+        const std::size_t uiOnde = pEntrada->Ate(sTexto.size() - 1);
+        sTexto.replace(uiOnde, pEntrada->Ate(3), pEntrada->PickValueInArray({"", "*", "?", "*"}));
+      }
+      Preenche(sTexto, pCriterio);
+    }
+  };
+  CadaTexto(v, &filtro, texto);
+  texto(v.szUF, &filtro.szUF);
+  filtro.iPonteiroCliente = esta() ? v.iPonteiroCliente : std::uint16_t{0};
+  for (std::uint8_t *const pMascara :
+       {&filtro.iTipoCarroceria, &filtro.iTipoRodado, &filtro.iTipoVeiculo, &filtro.iTipoTransporte}) {
+    *pMascara = esta() ? pEntrada->Byte() : std::uint8_t{0};
   }
-  if ((uiEscolha & 2) != 0) {
-    sTexto.resize(std::min(sTexto.size(), pEntrada->Ate(kLargura)));
-  }
-  for (unsigned uiPlanta = uiEscolha >> 4; uiPlanta != 0 && !sTexto.empty(); uiPlanta >>= 1) {
-    const std::size_t uiOnde = pEntrada->Ate(sTexto.size() - 1);
-    sTexto.replace(uiOnde, pEntrada->Ate(3), (uiPlanta & 1) != 0 ? "*" : "?");
-  }
-  std::memset(pFiltro->*kDoFiltro, 0, kLargura);
-  sTexto.copy(pFiltro->*kDoFiltro, kLargura);
+  filtro.lPosicao = esta() ? 1 : 0;  // no criterion
+  return filtro;
 }
 
-/// A bound at the record's value or beside it, or anywhere.
-template <auto kDoRegistro, auto kDoFiltro>
-void DefineLimite(CEntrada *pEntrada, const RegVeiculo &reg, Filtro *pFiltro) {
-  const unsigned uiEscolha = pEntrada->Byte();
-  const std::uint64_t uiPerto = static_cast<std::uint64_t>(reg.*kDoRegistro) + uiEscolha % 4 - 1;
-  const std::uint64_t uiBits = uiEscolha % 4 == 3 ? pEntrada->Valor<std::uint64_t>() : uiPerto;
-  auto &limite = pFiltro->*kDoFiltro;
-  limite = static_cast<std::remove_reference_t<decltype(limite)>>(uiBits);
-}
-
-template <auto kDoFiltro>
-void DefineMascara(CEntrada *pEntrada, const RegVeiculo & /*reg*/, Filtro *pFiltro) {
-  pFiltro->*kDoFiltro = pEntrada->Byte();
-}
-
-/// What no criterion reads.
-void DefineResto(CEntrada *pEntrada, const RegVeiculo & /*reg*/, Filtro *pFiltro) {
-  std::memset(pFiltro->cFiller, pEntrada->Byte(), sizeof(pFiltro->cFiller));
-  pFiltro->lPosicao = pEntrada->Byte();
-}
-
-using Reg = RegVeiculo;
-constexpr void (*kCriterios[])(CEntrada *, const RegVeiculo &, Filtro *) = {
-    DefineTexto<&Reg::szDescricao, &Filtro::szDescricao>,
-    DefineTexto<&Reg::szCodigoANTT, &Filtro::szCodigoANTT>,
-    DefineTexto<&Reg::szCodigo, &Filtro::szCodigo>,
-    DefineTexto<&Reg::szRENAVAM, &Filtro::szRENAVAM>,
-    DefineTexto<&Reg::szPlaca, &Filtro::szPlaca>,
-    DefineTexto<&Reg::szUF, &Filtro::szUF>,
-    DefineLimite<&Reg::vTara, &Filtro::vTaraInicial>,
-    DefineLimite<&Reg::vTara, &Filtro::vTaraFinal>,
-    DefineLimite<&Reg::vCapacidadeKg, &Filtro::vCapacidadeKgInicial>,
-    DefineLimite<&Reg::vCapacidadeKg, &Filtro::vCapacidadeKgFinal>,
-    DefineLimite<&Reg::vCapacidadeM3, &Filtro::vCapacidadeM3Inicial>,
-    DefineLimite<&Reg::vCapacidadeM3, &Filtro::vCapacidadeM3Final>,
-    DefineLimite<&Reg::iAno, &Filtro::iAnoInicial>,
-    DefineLimite<&Reg::iAno, &Filtro::iAnoFinal>,
-    DefineLimite<&Reg::iPonteiroCliente, &Filtro::iPonteiroCliente>,
-    DefineMascara<&Filtro::iTipoCarroceria>,
-    DefineMascara<&Filtro::iTipoRodado>,
-    DefineMascara<&Filtro::iTipoVeiculo>,
-    DefineMascara<&Filtro::iTipoTransporte>,
-    DefineResto,
-};
-
-bool NaFaixa(std::int64_t v, std::int64_t vInicial, std::int64_t vFinal) {
-  return !(vInicial > 0 && v < vInicial) && !(vFinal > 0 && v > vFinal);
-}
-
-bool NaMascara(unsigned uiMascara, bool bTemBit, unsigned uiBit) {
-  return uiMascara == 0 || !bTemBit || (uiMascara & (1U << uiBit)) != 0;
-}
-
-/// Sets one criterion of a filter, mostly by what the record itself has, or hardly any record would pass.
-void DefineCriterio(CEntrada *pEntrada, const RegVeiculo &reg, Filtro *pFiltro) {
-  kCriterios[pEntrada->Ate(std::size(kCriterios) - 1)](pEntrada, reg, pFiltro);
+bool NaMascara(unsigned uiMascara, unsigned uiTipo, unsigned uiMaior) {
+  return uiMascara == 0 || uiTipo > uiMaior || (uiMascara >> uiTipo & 1) != 0;
 }
 
 /// What a search filter is by its description: the criteria examined one by one in their order, the first pattern among
 /// the texts giving the verdict.
-bool PassaPorTodos(const RegVeiculo &reg, const Filtro &filtro) {
-  if (!NaFaixa(reg.vTara, filtro.vTaraInicial, filtro.vTaraFinal) ||
-      !NaFaixa(reg.vCapacidadeKg, filtro.vCapacidadeKgInicial, filtro.vCapacidadeKgFinal) ||
-      !NaFaixa(reg.vCapacidadeM3, filtro.vCapacidadeM3Inicial, filtro.vCapacidadeM3Final) ||
-      !NaFaixa(reg.iAno, filtro.iAnoInicial, filtro.iAnoFinal) ||
-      (filtro.iPonteiroCliente != 0 && reg.iPonteiroCliente != filtro.iPonteiroCliente)) {
-    return false;
-  }
-  const std::pair<std::string, std::string> textos[] = {{TextoDe(reg.szDescricao), TextoDe(filtro.szDescricao)},
-                                                        {TextoDe(reg.szCodigoANTT), TextoDe(filtro.szCodigoANTT)},
-                                                        {TextoDe(reg.szCodigo), TextoDe(filtro.szCodigo)},
-                                                        {TextoDe(reg.szRENAVAM), TextoDe(filtro.szRENAVAM)},
-                                                        {TextoDe(reg.szPlaca), TextoDe(filtro.szPlaca)}};
-  for (const auto &[sCampo, sCriterio] : textos) {
-    if (sCriterio.find_first_of("*?") != std::string::npos) {
-      return plataforma::CasaCuringa(sCampo.c_str(), sCriterio.c_str());
+bool Passa(const Veiculo &v, Filtro filtro) {
+  bool bPassa = filtro.iPonteiroCliente == 0 || v.iPonteiroCliente == filtro.iPonteiroCliente;
+  CadaFaixa(v, &filtro, [&](std::int64_t valor, const auto *pInicial, const auto *pFinal) {
+    bPassa = bPassa && (*pInicial <= 0 || valor >= *pInicial) && (*pFinal <= 0 || valor <= *pFinal);
+  });
+  bool bDecidido = !bPassa;
+  CadaTexto(v, &filtro, [&](const auto &campo, const auto *pCriterio) {
+    const std::string sCriterio = LeCampo(*pCriterio);
+    const bool bPadrao = sCriterio.find_first_of("*?") != std::string::npos;
+    if (!bDecidido && !sCriterio.empty()) {
+      bPassa =
+          bPadrao ? plataforma::CasaCuringa(LeCampo(campo).c_str(), sCriterio.c_str()) : LeCampo(campo) == sCriterio;
+      bDecidido = bPadrao || !bPassa;
     }
-    if (!sCriterio.empty() && sCampo != sCriterio) {
-      return false;
-    }
-  }
-  const std::string sUF = TextoDe(filtro.szUF);
-  return (sUF.empty() || sUF == TextoDe(reg.szUF)) &&
-         NaMascara(filtro.iTipoCarroceria, reg.iTipoCarroceria <= 5, reg.iTipoCarroceria) &&
-         NaMascara(filtro.iTipoRodado, reg.iTipoRodado >= 1 && reg.iTipoRodado <= 6, reg.iTipoRodado - 1U) &&
-         NaMascara(filtro.iTipoVeiculo, true, reg.iTipoVeiculo == 0 ? 0 : 1) &&
-         NaMascara(filtro.iTipoTransporte, true, reg.iTipoTransporte == 0 ? 0 : 1);
+  });
+  const std::string sUF = LeCampo(filtro.szUF);
+  return bDecidido
+             ? bPassa
+             : (sUF.empty() || sUF == LeCampo(v.szUF)) && NaMascara(filtro.iTipoCarroceria, v.iTipoCarroceria, 5) &&
+                   NaMascara(filtro.iTipoRodado, v.iTipoRodado - 1U, 5) &&
+                   NaMascara(filtro.iTipoVeiculo, std::min<unsigned>(v.iTipoVeiculo, 1), 1) &&
+                   NaMascara(filtro.iTipoTransporte, std::min<unsigned>(v.iTipoTransporte, 1), 1);
 }
 
 class Execucao {
@@ -222,7 +157,7 @@ public:
   explicit Execucao(bool bCabecalhos) : m_empresa(bCabecalhos) { AbreTodos(); }
 
   void Roda(CEntrada *pEntrada) {
-    for (int i = 0; i < kMaximoOperacoes && !pEntrada->Acabou(); ++i) {
+    for (int i = 0; i < kMaximoOperacoes && pEntrada->remaining_bytes() > 0; ++i) {
       Opera(pEntrada);
     }
     Recarrega({});
@@ -236,77 +171,49 @@ private:
   }
 
   void Opera(CEntrada *pEntrada) {
-    const unsigned uiEscolha = pEntrada->Byte();
-    CBaseVeiculos &base = m_bases[uiEscolha % m_bases.size()];
-    switch (uiEscolha / m_bases.size() % 12) {
+    CBaseVeiculos &base = m_bases[pEntrada->Ate(1)];
+    const Veiculo algum = m_modelo.empty() ? Veiculo{} : m_modelo[pEntrada->Ate(m_modelo.size() - 1)];
+    switch (pEntrada->Ate(7)) {
       case 0:
       case 1:
-      case 2:
         return Grava(&base, pEntrada);
-      case 3:
-      case 4:
-        return GravaComFalha(&base, pEntrada);
-      case 5:
+      case 2:
         return LeMuitos(&base, pEntrada);
+      case 3:
+        return Procura(&base, pEntrada->PickValueInArray(
+                                  {Texto(pEntrada), LeCampo(algum.szCodigo), LeCampo(algum.szPlaca) + "?"}));
+      case 4:
+      case 5:
+        return Busca(&base, FiltroDaEntrada(pEntrada, algum));
       case 6:
-      case 7:
-        return Procura(&base, Texto(pEntrada));
-      case 8:
-      case 9:
-        return Busca(&base, FiltroDaEntrada(pEntrada));
-      case 10:
         ExigeCodigo(base.Finaliza(), codigos::kOk, "closing one of two");
         return ExigeCodigo(m_empresa.Abre(&base), codigos::kOk, "opening one of two");
       default:
-        return Recarrega(m_modelo.size() < kMuitos / 2 && pEntrada->Ate(3) == 0 ? Muitos(pEntrada)
-                                                                                : std::vector<RegVeiculo>());
+        return Recarrega(pEntrada->Ate(7) == 7 ? VeiculoDaEntrada(pEntrada) : std::optional<Veiculo>());
     }
   }
 
-  /// A position: of a record or of none, mostly one that is there.
+  /// A position: mostly of a record that is there, or next to one.
   LONG Posicao(CEntrada *pEntrada) const {
-    const auto lQtd = static_cast<LONG>(m_modelo.size());
-    const LONG outras[] = {
-        0, lQtd + 1, lQtd + 2, -1, std::numeric_limits<LONG>::min(), std::numeric_limits<LONG>::max()};
-    const std::size_t uiEscolha = pEntrada->Ate(31);
-    return uiEscolha < std::size(outras) ? outras[uiEscolha] : lQtd == 0 ? 0 : 1 + pEntrada->Byte() % lQtd;
+    return pEntrada->Ate(15) == 15 ? pEntrada->ConsumeIntegral<LONG>()
+                                   : pEntrada->ConsumeIntegralInRange<LONG>(0, static_cast<LONG>(m_modelo.size()) + 1);
   }
   bool Existe(LONG lPos) const { return lPos > 0 && static_cast<std::size_t>(lPos) <= m_modelo.size(); }
 
-  /// A write that succeeded.
-  void Anota(LONG lPedida, LONG lPos, const Veiculo &v) {
-    Exige(lPos == (lPedida != 0 ? lPedida : static_cast<LONG>(m_modelo.size() + 1)), "the position of a write");
-    m_modelo.resize(std::max(m_modelo.size(), static_cast<std::size_t>(lPos)));
-    m_modelo[static_cast<std::size_t>(lPos - 1)] = Copia<RegVeiculo>(v);
-  }
-
-  void Grava(CBaseVeiculos *pBase, CEntrada *pEntrada) {
-    const LONG lPedida = Posicao(pEntrada);
-    const Veiculo v = VeiculoDaEntrada(pEntrada);
-    LONG lPos = lPedida;
-    const HRESULT hr = pBase->Grava(&lPos, v);
-    if (lPedida != 0 && !Existe(lPedida)) {
-      ExigeCodigo(hr, codigos::kGravacaoAlemDoFim, "a write to no record");
-      return Exige(lPos == lPedida, "its position");
-    }
-    ExigeCodigo(hr, codigos::kOk, "a write");
-    Anota(lPedida, lPos, v);
-  }
-
   /// Whatever the disk does, a write has happened or it has not, as its code says.
-  void GravaComFalha(CBaseVeiculos *pBase, CEntrada *pEntrada) {
-    const unsigned uiForma = pEntrada->Byte();
-    apoio::PlanoFalha plano{.trecho = (uiForma & 1) != 0 ? "DFVEIC.DAT" : ""};
-    plano.operacoes = (uiForma & 2) != 0 ? apoio::kOpGrava : apoio::kOpTodas & ~apoio::kOpDescarrega;
-    plano.enesima = 1 + pEntrada->Ate(7);
-    plano.bPersistente = (uiForma & 4) != 0;
-    if ((uiForma & 8) != 0) {
+  void Grava(CBaseVeiculos *pBase, CEntrada *pEntrada) {
+    apoio::PlanoFalha plano{.operacoes = pEntrada->PickValueInArray<unsigned>(
+                                {0, apoio::kOpGrava, apoio::kOpTodas & ~apoio::kOpDescarrega}),
+                            .trecho = pEntrada->PickValueInArray({"", kVeiculos}),
+                            .enesima = 1 + pEntrada->Ate(7),
+                            .bPersistente = pEntrada->ConsumeBool()};
+    if (pEntrada->ConsumeBool()) {
       plano.gravaAntes = pEntrada->Byte();
     }
-    if ((uiForma & 48) == 48) {
+    if (pEntrada->Ate(3) == 3) {
       plano.morte = 0;
     }
-    const LONG lPedida = Existe(1) && (uiForma & 64) != 0 ? static_cast<LONG>(m_modelo.size()) : 0;
+    const LONG lPedida = Posicao(pEntrada);
     const Veiculo v = VeiculoDaEntrada(pEntrada);
     LONG lPos = lPedida;
     m_falhas.Arma(plano);
@@ -314,14 +221,21 @@ private:
     m_falhas.Desarma();
     m_bCompanheirosFalharam = m_bCompanheirosFalharam || (plano.trecho.empty() && m_falhas.Disparou());
     if (Falhou(hr)) {
-      Exige(m_falhas.Disparou() && lPos == lPedida, "a write that fails");
+      const bool bAlemDoFim = lPedida != 0 && !Existe(lPedida) && hr == codigos::kGravacaoAlemDoFim;
+      Exige(lPos == lPedida && (bAlemDoFim || m_falhas.Disparou()), "a write that fails");
     } else {
-      Anota(lPedida, lPos, v);
+      Exige(lPos == lPedida ? Existe(lPos) : lPedida == 0 && lPos == static_cast<LONG>(m_modelo.size() + 1),
+            "the position of a write");
+      m_modelo.resize(std::max(m_modelo.size(), static_cast<std::size_t>(lPos)));
+      m_modelo[static_cast<std::size_t>(lPos - 1)] = Guardado(v);
     }
     std::uint32_t iQtd = 0;
     ExigeCodigo(pBase->GetQuantidadeRegistros(&iQtd), codigos::kOk, "the number of records");
     Exige(iQtd == m_modelo.size(), "as many records as were written");
   }
+
+  /// A vehicle of zeros where there is none.
+  Veiculo VeiculoEm(LONG lPos) const { return Existe(lPos) ? m_modelo[static_cast<std::size_t>(lPos - 1)] : Veiculo{}; }
 
   /// Up to the first bad position.
   void LeMuitos(CBaseVeiculos *pBase, CEntrada *pEntrada) {
@@ -330,8 +244,7 @@ private:
     for (std::size_t i = 0; i < posicoes.size(); ++i) {
       posicoes[i] = i % uiIguais == 0 ? Posicao(pEntrada) : posicoes[i - 1];
     }
-    const Veiculo antes = VeiculoDaEntrada(pEntrada);
-    std::vector<Veiculo> lidos(posicoes.size(), antes);
+    std::vector<Veiculo> lidos(posicoes.size(), Valor<Veiculo>(std::string(sizeof(Veiculo), 'x')));
     const HRESULT hr = pBase->LePonteiros(static_cast<std::uint32_t>(posicoes.size()), posicoes.data(), lidos.data());
     const auto ruim = std::find_if_not(posicoes.begin(), posicoes.end(), [this](LONG lPos) { return Existe(lPos); });
     if (ruim == posicoes.end()) {
@@ -341,82 +254,73 @@ private:
     } else {
       ExigeCodigo(hr, *ruim == 0 ? codigos::kPosicaoZero : codigos::kPosicaoAlemDoFim, "reading a bad position");
     }
-    const auto uiBons = static_cast<std::size_t>(ruim - posicoes.begin());
+    std::fill(ruim, posicoes.end(), 0);
     for (std::size_t i = 0; i < lidos.size(); ++i) {
-      const Veiculo esperado =
-          i < uiBons ? Copia<Veiculo>(m_modelo[static_cast<std::size_t>(posicoes[i] - 1)]) : Veiculo{};
-      Exige(BytesDe(lidos[i]) == BytesDe(esperado), "the vehicles read");
+      Exige(BytesDe(lidos[i]) == BytesDe(VeiculoEm(posicoes[i])), "the vehicles read");
     }
   }
 
-  /// The first that passes, from 1; 0 for none.
-  std::size_t Primeiro(const Filtro &filtro) const {
-    const auto achado = std::find_if(m_modelo.begin(), m_modelo.end(),
-                                     [&](const RegVeiculo &reg) { return PassaPorTodos(reg, filtro); });
-    return achado == m_modelo.end() ? 0 : static_cast<std::size_t>(achado - m_modelo.begin()) + 1;
+  std::vector<LONG> QuemPassa(const Filtro &filtro, std::size_t uiMaximo) const {
+    std::vector<LONG> posicoes;
+    for (std::size_t i = 0; i < m_modelo.size() && posicoes.size() < uiMaximo; ++i) {
+      if (Passa(m_modelo[i], filtro)) {
+        posicoes.push_back(static_cast<LONG>(i + 1));
+      }
+    }
+    return posicoes;
   }
 
   void Procura(CBaseVeiculos *pBase, const std::string &sTexto) const {
     Filtro porCodigo{};
     Filtro porPlaca{};
-    Preenche(sTexto.c_str(), porCodigo.szCodigo);
-    Preenche(sTexto.c_str(), porPlaca.szPlaca);
-    const std::size_t uiPorCodigo = Primeiro(porCodigo);
-    const std::size_t uiEsperada = uiPorCodigo != 0 ? uiPorCodigo : Primeiro(porPlaca);
-    std::uint32_t iPos = 77;
-    Veiculo v{};
-    std::memset(&v, 'x', sizeof(v));
-    ExigeCodigo(pBase->Existe(sTexto.c_str(), &iPos, &v), codigos::kOk, "looking for a code or a plate");
-    Exige(iPos == uiEsperada, "the first with a code, or else with a plate");
-    Exige(BytesDe(v) == BytesDe(iPos != 0 ? Copia<Veiculo>(m_modelo[iPos - 1]) : Veiculo{}), "the vehicle found");
-  }
-
-  /// Criteria for a record that is there.
-  Filtro FiltroDaEntrada(CEntrada *pEntrada) const {
-    Filtro filtro{};
-    const RegVeiculo reg = m_modelo.empty() ? RegVeiculo{} : m_modelo[pEntrada->Byte() % m_modelo.size()];
-    for (std::size_t criterios = pEntrada->Ate(3); criterios > 0; --criterios) {
-      DefineCriterio(pEntrada, reg, &filtro);
+    Preenche(sTexto.c_str(), &porCodigo.szCodigo);
+    Preenche(sTexto.c_str(), &porPlaca.szPlaca);
+    std::vector<LONG> esperadas = QuemPassa(porCodigo, 1);
+    if (esperadas.empty()) {
+      esperadas = QuemPassa(porPlaca, 1);
     }
-    return filtro;
+    std::uint32_t iPos = 77;
+    auto v = Valor<Veiculo>(std::string(sizeof(Veiculo), 'x'));
+    ExigeCodigo(pBase->Existe(sTexto.c_str(), &iPos, &v), codigos::kOk, "looking for a code or a plate");
+    const auto lPos = static_cast<LONG>(iPos);
+    Exige(lPos == (esperadas.empty() ? 0 : esperadas[0]), "the first with a code, or else with a plate");
+    Exige(BytesDe(v) == BytesDe(VeiculoEm(lPos)), "the vehicle found");
   }
 
   void Busca(CBaseVeiculos *pBase, const Filtro &filtro) const {
-    std::vector<LONG> esperadas;
-    for (std::size_t i = 0; i < m_modelo.size(); ++i) {
-      if (PassaPorTodos(m_modelo[i], filtro)) {
-        esperadas.push_back(static_cast<LONG>(i + 1));
-      }
-    }
     tagRESULTADO_BUSCA_VEICULOS resultado;
     ExigeCodigo(pBase->BuscaPonteiros(filtro, &resultado), codigos::kOk, "a search");
     const std::vector<LONG> achadas(resultado.Ponteiros, resultado.Ponteiros + resultado.iQtd);
     Exige((resultado.Ponteiros == nullptr) == achadas.empty() && resultado.pFiller == nullptr, "a search's result");
     plataforma::LiberaTarefa(resultado.Ponteiros);
-    Exige(achadas == esperadas, "the vehicles that a search finds");
+    Exige(achadas == QuemPassa(filtro, m_modelo.size()), "the vehicles that a search finds");
   }
 
-  /// Vehicles in number, with years that rise.
-  static std::vector<RegVeiculo> Muitos(CEntrada *pEntrada) {
-    std::vector<RegVeiculo> registros(kMuitos, Copia<RegVeiculo>(VeiculoDaEntrada(pEntrada)));
-    for (std::size_t i = 0; i < kMuitos; ++i) {
-      registros[i].iAno += static_cast<std::uint32_t>(i);
+  std::string BytesDosRegistros() const {
+    std::string sBytes;
+    for (const Veiculo &v : m_modelo) {
+      RegVeiculo reg;
+      CopiaParaRegistro(v, &reg);
+      sBytes += BytesDe(reg);
     }
-    return registros;
+    return sBytes;
   }
 
-  /// Closes both, looks at the disk, adds records to the file and opens it again.
-  void Recarrega(const std::vector<RegVeiculo> &mais) {
+  /// Closes both, looks at the disk, adds one vehicle in many years to the file if that is wanted, and opens it again.
+  void Recarrega(const std::optional<Veiculo> &mais) {
     for (CBaseVeiculos &base : m_bases) {
       ExigeCodigo(base.Finaliza(), codigos::kOk, "closing");
     }
     Exige(!m_empresa.Existe("DFVEIC.INT") || m_modelo.empty() || m_bCompanheirosFalharam,
           "no note but that of a creation stays");
     Exige(!m_empresa.Existe("DFVEIC.TRA") || m_bCompanheirosFalharam, "no unfinished copy stays");
-    Exige(m_empresa.Dados(kVeiculos) == BytesDe(m_modelo.data(), m_modelo.size()), "the records on disk");
-    if (!mais.empty()) {
-      m_modelo.insert(m_modelo.end(), mais.begin(), mais.end());
-      const std::string sRegistros(BytesDe(m_modelo.data(), m_modelo.size()));
+    Exige(m_empresa.Dados(kVeiculos) == BytesDosRegistros(), "the records on disk");
+    if (mais && m_modelo.size() < kMuitos / 2) {
+      for (std::uint32_t i = 0; i < kMuitos; ++i) {
+        m_modelo.push_back(Guardado(*mais));
+        m_modelo.back().iAno += i;
+      }
+      const std::string sRegistros = BytesDosRegistros();
       m_empresa.Escreve(kVeiculos, (m_empresa.m_bCabecalhos ? Cabecalho(kVeiculos, sRegistros) : "") + sRegistros);
     }
     AbreTodos();
@@ -426,13 +330,15 @@ private:
   apoio::ArquivosComFalha m_falhas{*plataforma::ServicosDoSistema().arquivos};
   apoio::ServicosTrocados m_servicos{&m_falhas};
   std::array<CBaseVeiculos, 2> m_bases;
-  std::vector<RegVeiculo> m_modelo;
+  std::vector<Veiculo> m_modelo;
   bool m_bCompanheirosFalharam = false;  ///< what is beside the data file may not have been deleted
 };
 
 }  // namespace
 
-void fuzz::Executa(CEntrada *pEntrada) {
-  const bool bCabecalhos = pEntrada->Ate(1) != 0;
-  Execucao(bCabecalhos).Roda(pEntrada);
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qtd) {
+  CEntrada entrada(pBytes, qtd);
+  const bool bCabecalhos = entrada.ConsumeBool();
+  Execucao(bCabecalhos).Roda(&entrada);
+  return 0;
 }

@@ -9,14 +9,23 @@
 #include <string_view>
 #include <vector>
 
-#include "core/errors/CodigosResultado.h"
+#include "core/qzdatabase/disco/CabecalhoArquivo.h"
+#include "core/qzdatabase/disco/QZCrc64.h"
+#include "fuzz/Entrada.h"
 
 namespace fuzz {
 
-std::uint64_t Crc(std::string_view sBytes);
+inline std::uint64_t Crc(std::string_view sBytes) {
+  return CalculaCrc64(sBytes.data(), sBytes.size());
+}
 
 /// A header for a file of this name and these data, 92 bytes. Any version but the present one is a foreign one.
-std::string Cabecalho(const std::string &sNome, std::string_view sDados, std::uint16_t iVersao = 1);
+inline std::string Cabecalho(const std::string &sNome, std::string_view sDados, std::uint16_t iVersao = 1) {
+  RegVersaoArquivo versao{
+      .iVersao = iVersao, .cReservado = {}, .uiCrcVersao = Crc(BytesDe(iVersao)), .uiCrcCrcVersao = 0};
+  versao.uiCrcCrcVersao = Crc(BytesDe(std::uint64_t{versao.uiCrcVersao}));
+  return std::string(BytesDe(versao)) + std::string(BytesDe(MontaRegCabecalho(0, sNome, Crc(sDados))));
+}
 
 /// A data file as it should be taken when it is opened.
 struct ArquivoExaminado {
@@ -25,16 +34,32 @@ struct ArquivoExaminado {
   std::string sDados;          ///< behind the header when headers are on and there is one
 };
 
-ArquivoExaminado Examina(const std::string &sNome, const std::string &sBytes, bool bCabecalhos);
-
-/// The bytes of each line of a text file; one whose length reaches past the end ends there.
-std::vector<std::string> LinhasInteiras(std::string_view sDados);
-
-/// The same lines as they are loaded: each ends at its first zero byte.
-std::vector<std::string> LinhasDoTexto(std::string_view sDados);
+inline ArquivoExaminado Examina(const std::string &sNome, const std::string &sBytes, bool bCabecalhos) {
+  const auto versao = Valor<RegVersaoArquivo>(sBytes);
+  ArquivoExaminado exame{.bTemCabecalho = RegVersaoConfere(versao), .sDados = sBytes};
+  if (!bCabecalhos || !exame.bTemCabecalho) {
+    return exame;
+  }
+  exame.sDados.erase(0, kTamanhoCabecalho);
+  const auto reg = Valor<RegCabecalhoArquivo>(std::string_view(sBytes).substr(kPosicaoRegCabecalho));
+  const bool bInteiro = sBytes.size() >= kTamanhoCabecalho && RegCabecalhoConfere(reg);
+  exame.hr = versao.iVersao != kVersaoCabecalho    ? codigos::kCabecalhoVersaoDesconhecida
+             : !bInteiro                           ? codigos::kCabecalhoDanificado
+             : !NomeConfere(reg, sNome)            ? codigos::kCabecalhoDeOutroArquivo
+             : reg.uiCrcDados != Crc(exame.sDados) ? codigos::kDadosNaoConferem
+                                                   : codigos::kOk;
+  return exame;
+}
 
 /// The bytes of lines on disk.
-std::string BytesDasLinhas(const std::vector<std::string> &textos);
+inline std::string BytesDasLinhas(const std::vector<std::string> &textos) {
+  std::string sBytes;
+  for (const std::string &sTexto : textos) {
+    sBytes += BytesDe(static_cast<std::uint32_t>(sTexto.size()));
+    sBytes += sTexto;
+  }
+  return sBytes;
+}
 
 }  // namespace fuzz
 

@@ -31,10 +31,27 @@ public:
   CQZTextFile m_Texto{kTexto, this};
 };
 
+/// What stands before the first zero byte.
+std::string AteOZero(const std::string &sTexto) {
+  return sTexto.c_str();
+}
+
+/// The lines of a text file; one whose length reaches past the end ends there.
+Textos LinhasInteiras(std::string_view sDados) {
+  Textos textos;
+  while (sDados.size() >= sizeof(std::uint32_t)) {
+    textos.emplace_back(sDados.substr(sizeof(std::uint32_t), Valor<std::uint32_t>(sDados)));
+    sDados.remove_prefix(sizeof(std::uint32_t) + textos.back().size());
+  }
+  return textos;
+}
+
 /// The lines that memory and the disk should hold. A line on disk is longer where it goes on behind a zero byte.
 struct Modelo {
   explicit Modelo(const std::string &sDados)
-      : memoria(LinhasDoTexto(sDados)), disco(LinhasInteiras(sDados)), bInteiro(BytesDasLinhas(disco) == sDados) {}
+      : memoria(LinhasInteiras(sDados)), disco(memoria), bInteiro(BytesDasLinhas(disco) == sDados) {
+    std::transform(memoria.begin(), memoria.end(), memoria.begin(), AteOZero);
+  }
 
   Textos memoria;
   Textos disco;
@@ -82,7 +99,7 @@ public:
     }
     Modelo modelo(exame.sDados);
     ConfereMemoria(modelo);
-    for (int i = 0; i < kMaximoOperacoes && !pEntrada->Acabou(); ++i) {
+    for (int i = 0; i < kMaximoOperacoes && pEntrada->remaining_bytes() > 0; ++i) {
       const bool bNoFinal = Grava(pEntrada, &modelo);
       ConfereMemoria(modelo);
       if ((bNoFinal && m_empresa.m_bCabecalhos) || pEntrada->Ate(7) == 0) {
@@ -103,7 +120,7 @@ private:
       const std::size_t uiEscolha = pEntrada->Ate(7);
       const std::size_t uiTamanho =
           uiEscolha < 4 && idx < modelo.memoria.size() ? modelo.memoria[idx].size() : uiEscolha;
-      textos[t] = pEntrada->Bytes(uiTamanho);
+      textos[t] = pEntrada->ConsumeBytesAsString(uiTamanho);
     }
     return textos;
   }
@@ -168,21 +185,23 @@ std::string Arquivo(CEntrada *pEntrada) {
   const unsigned uiForma = pEntrada->Byte();
   std::string sDados;
   if ((uiForma & 1) == 0) {
-    sDados = pEntrada->Bytes(pEntrada->Byte());
+    sDados = pEntrada->ConsumeBytesAsString(pEntrada->Byte());
   } else {
     Textos textos(pEntrada->Ate(5));
     for (std::string &sTexto : textos) {
-      sTexto = pEntrada->Bytes(pEntrada->Ate(9));
+      sTexto = pEntrada->ConsumeBytesAsString(pEntrada->Ate(9));
     }
-    sDados = BytesDasLinhas(textos) + pEntrada->Bytes(pEntrada->Ate(7));
+    sDados = BytesDasLinhas(textos) + pEntrada->ConsumeBytesAsString(pEntrada->Ate(7));
   }
   return (uiForma & 2) == 0 ? sDados : Cabecalho(kTexto, sDados) + sDados;
 }
 
 }  // namespace
 
-void fuzz::Executa(CEntrada *pEntrada) {
-  const bool bCabecalhos = pEntrada->Ate(1) != 0;
-  const std::string sArquivo = Arquivo(pEntrada);
-  Execucao(bCabecalhos).Roda(sArquivo, pEntrada);
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *pBytes, std::size_t qtd) {
+  CEntrada entrada(pBytes, qtd);
+  const bool bCabecalhos = entrada.ConsumeBool();
+  const std::string sArquivo = Arquivo(&entrada);
+  Execucao(bCabecalhos).Roda(sArquivo, &entrada);
+  return 0;
 }

@@ -16,8 +16,7 @@ using apoio::CaixaFalsa;
 using plataforma::DonoCaixa;
 using Caixas = std::vector<CaixaFalsa::Caixa>;
 
-/// A messages folder of its own, boxes that nobody has to answer, and one error of the system that has a text: 2. What
-/// the lines of a catalogue say the fuzzer of catalogues holds against a reference.
+/// A messages folder of its own, boxes that nobody has to answer, and one error of the system that has a text: 2.
 class QZMensagem : public testing::Test {
 protected:
   QZMensagem() {
@@ -43,6 +42,18 @@ TEST_F(QZMensagem, SemCatalogoUmaCaixaACadaConsulta) {
               (Caixas{{"N\xE3o foi poss\xEDvel abrir o arquivo texto de Mensagens " + (m_pasta / lpArquivo) +
                            ". Caso o caminho esteja correto, atualize o arquivo.",
                        "Erro", 0x30, DonoCaixa::Nenhum}}));
+  }
+}
+
+// The first line with a number counts; one that is too long goes on as another, and what no number can be is the
+// nearest that can.
+TEST_F(QZMensagem, LinhasDoCatalogo) {
+  Escreve("       1um\\ndois\\n\r\n       1outro\n       2a\rb\n99999999999\n       3" + std::string(1030, 'x') +
+          "\n       4\n       5fim\x1A\n       6depois\n");
+  const std::pair<std::uint32_t, std::string> casos[] = {
+      {1, "um\ndois\n"}, {2, "a\rb"}, {0x7FFFFFFF, "999"}, {3, std::string(1015, 'x')}, {4, ""}, {5, "fim"}, {6, ""}};
+  for (const auto &[uiNumero, sTexto] : casos) {
+    EXPECT_EQ(CQZMensagem::LeMensagem(uiNumero, 1), sTexto) << uiNumero;
   }
 }
 

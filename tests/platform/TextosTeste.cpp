@@ -12,7 +12,7 @@ namespace {
 
 using namespace plataforma;
 
-// What the match takes for what the fuzzer of wildcards tells, and the tests of the filter on each platform.
+// What the match takes for what the tests of the filter tell, on each platform.
 TEST(DobraDoCuringa, Concorda) {
   EXPECT_NE(DobraDoCuringa(), nullptr) << "found out letter by letter, and given up where the match disagrees";
 }

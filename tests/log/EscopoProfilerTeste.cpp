@@ -112,5 +112,4 @@ TEST_F(EscopoProfiler, OQueMudaDuranteAOperacao) {
   EXPECT_NE(Profiler().back().find("|C::F|E0002|U65535|S-0000001|T00004660|SAIU|"), std::string::npos);
 }
 
-// When and from where the settings are read. What the file says the fuzzer of log.ini holds against a reference.
 }  // namespace

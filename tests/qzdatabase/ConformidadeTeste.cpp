@@ -148,6 +148,17 @@ TEST_P(Conformidade, Modos) {
   }
 }
 
+TEST_P(Conformidade, LerNaoCriaEIgualNaoGrava) {
+  Prepara(std::nullopt);
+  EXPECT_EQ(m_especie.File().AbreArquivo(eModoLeitura), codigos::kOk);
+  EXPECT_EQ(Lido(), "");
+  EXPECT_EQ(Disco(), std::nullopt);
+  Prepara(m_sAntes);
+  Falha(apoio::kOpTodas, Nome(), 1117);
+  EXPECT_EQ(m_especie.Muda(1), codigos::kOk);
+  EXPECT_EQ(m_falhas.Vistas(), 0U);
+}
+
 TEST_P(Conformidade, SomenteLeituraTemCodigoProprio) {
   Prepara(m_sAntes);
   apoio::MarcaSomenteLeitura(m_empresa.Caminho(Nome()), true);
@@ -429,6 +440,44 @@ TEST_P(Conformidade, OutroProgramaNaTrocaDeModo) {
         EXPECT_EQ(Disco(), Inteira(depois));
         EXPECT_EQ(Lido(), m_especie.Carregado(depois));
       }
+    }
+  }
+}
+
+/// Another program has added to the file, and loading it fails half way, by a failure or by an exception. Nothing is
+/// answered from what is half loaded, and a write finds its place in what is there.
+TEST_P(Conformidade, RecargaQueFalha) {
+  const std::string maior = m_especie.Acrescentado(m_sAlheio, 7);
+  const auto abre = [&] {
+    try {
+      return m_especie.File().AbreArquivo();
+    } catch (const std::bad_alloc &) {
+      return codigos::kArqErroFisico;
+    }
+  };
+  for (const bool bExcecao : {false, true}) {
+    HRESULT hr = codigos::kArqOutra;
+    for (std::size_t enesima = 1; Falhou(hr); ++enesima) {
+      SCOPED_TRACE(testing::Message() << (bExcecao ? "exception " : "failure ") << enesima);
+      m_falhas.FixaUltimaEscrita(1);
+      Prepara(m_sAntes);
+      PlanoFalha plano = Plano(apoio::kOpLe, Nome(), 1117);
+      plano.enesima = enesima;
+      plano.aoFalhar = [&] { bExcecao ? throw std::bad_alloc() : void(); };
+      m_falhas.Arma(plano);
+      m_falhas.ArmaTambem(AntesDeAbrir(Nome(), [&] {
+        Poe(Nome(), maior);
+        m_falhas.FixaUltimaEscrita(2);
+      }));
+      hr = abre();
+      Falha(apoio::kOpLe, Nome(), 1117);
+      for (const auto &[lpNome, executa] : m_especie.Operacoes()) {
+        EXPECT_TRUE(!Falhou(hr) || executa() == codigos::kArqErroFisico) << lpNome;
+      }
+      m_falhas.Desarma();
+      EXPECT_EQ(Disco(), Inteira(maior));
+      EXPECT_EQ(m_especie.Acrescenta(9), codigos::kOk);
+      ConfereTudo(m_especie.Acrescentado(maior, 9));
     }
   }
 }

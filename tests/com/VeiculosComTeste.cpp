@@ -157,6 +157,7 @@ TEST_F(VeiculosCom, ImportacaoSemServidorDizOndeSeContinua) {
 // With an installation directory and a company in order.
 TEST_F(VeiculosCom, DiagnosticoApontaOQueFalta) {
   m_registro.DefineTexto(CString(kChaveSuite) + "Miran Empresarial", "Path", m_pasta.Caminho());
+  const CString sOutro = m_pasta / "Kalvo.exe";
   const struct {
     const char *lpNome;
     std::function<void()> quebra;
@@ -164,6 +165,16 @@ TEST_F(VeiculosCom, DiagnosticoApontaOQueFalta) {
     std::string sTrecho;
   } casos[] = {
       {"base damaged", [this] { m_empresa.Escreve("DFVEIVS.DAT", "12345"); }, "base|", "0x810809E7"},
+      {"server file missing",
+       [&] {
+         m_pasta.CriaSubpasta("x86");
+         for (const char *const lpArquivo : {"Kalvo.exe", "QZDF_VeiculosPS.dll", "x86\\QZDF_VeiculosPS.dll"}) {
+           ASSERT_TRUE(CopyFileA((PastaDoPrograma() + lpArquivo).c_str(), (m_pasta / lpArquivo).c_str(), TRUE));
+         }
+         ASSERT_EQ(Executa(sOutro, "/RegServer", &m_sSaida), 0U) << m_sSaida;
+         ASSERT_TRUE(DeleteFileA(sOutro.c_str()));
+       },
+       "servidor|biblioteca de tipos|ativa\xE7\xE3o|", sOutro + " (HKLM): o arquivo n\xE3o existe"},
       {"unregistered", [] { ASSERT_EQ(ExecutaKalvo("/UnregServer"), 0U); },
        "classe|ProgID|servidor|biblioteca de tipos|interface|proxy de 32 bits|ativa\xE7\xE3o|", "0x80040154"},
   };

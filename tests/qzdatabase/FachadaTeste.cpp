@@ -58,6 +58,20 @@ TEST_F(Fachada, FalhaNoFimEContada) {
   EXPECT_TRUE(ArquivoLivre());
 }
 
+TEST_F(Fachada, EmpresasDeMesmoCrcSaoDuas) {
+  const CString sUma(64, 'A');
+  const CString sOutra = "CCAAAAACCACACCCCCACAAAAACACAACCACAACCAAACACAACCAAAACAACAACCCAAAC";
+  ASSERT_EQ(CalculaCrc64(sUma.data(), sUma.size()), CalculaCrc64(sOutra.data(), sOutra.size()));
+  apoio::RegistroTeste registro;
+  registro.DefineTexto(CString(kChaveSuite) + "Empresas\\" + sUma, "DF", m_empresa.Caminho(""));
+  CQZDataBaseContainer<BancoTeste> container;
+  BancoTeste *pBanco = nullptr;
+  ASSERT_EQ(container.Inicializa(sUma, 1, 1, &pBanco), codigos::kOk);
+  EXPECT_TRUE(container.Possui(sUma));
+  EXPECT_FALSE(container.Possui(sOutra));
+  EXPECT_EQ(container.Finaliza(&pBanco), codigos::kOk);
+}
+
 TEST_F(Fachada, ArquivosSobrevivemAoBanco) {
   auto pBanco = std::make_unique<CQZDataBase>(QZ_DF);
   CQZFile<RegTeste> arquivo("TESTE.DAT", pBanco.get());

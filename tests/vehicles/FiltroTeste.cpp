@@ -9,6 +9,29 @@
 
 namespace {
 
+using Filtro = tagREG_FILTRO_VEICULOSPS;
+
+/// Types next to each other, so that one is not taken for another; those of the body and the kinds count from 0.
+TEST(Filtro, Mascaras) {
+  RegVeiculo reg{};
+  for (unsigned tipo = 0; tipo < 256; ++tipo) {
+    reg.iTipoCarroceria = reg.iTipoVeiculo = static_cast<std::uint8_t>(tipo);
+    reg.iTipoRodado = reg.iTipoTransporte = static_cast<std::uint8_t>(tipo + 1);
+    for (unsigned bit = 0; bit < 8; ++bit) {
+      const std::tuple<std::uint8_t Filtro::*, bool> casos[] = {
+          {&Filtro::iTipoCarroceria, tipo > 5 || tipo == bit},
+          {&Filtro::iTipoRodado, tipo > 5 || tipo == bit},
+          {&Filtro::iTipoVeiculo, bit == (tipo == 0 ? 0 : 1)},
+          {&Filtro::iTipoTransporte, bit == (tipo == 255 ? 0 : 1)}};
+      for (const auto &[pMascara, bPassa] : casos) {
+        Filtro filtro{};
+        filtro.*pMascara = static_cast<std::uint8_t>(1U << bit);
+        EXPECT_EQ(CBaseVeiculos::AtendeFiltro(reg, filtro), bPassa) << tipo << ' ' << bit;
+      }
+    }
+  }
+}
+
 /// Whatever the pattern and the field, the answer is the one of the system's match on the field's text. Texts of all
 /// lengths, and letters that the next field begins with behind them.
 TEST(Filtro, CuringaIgualAoDoSistema) {
